@@ -1,0 +1,63 @@
+# How every target of the project is made. The only way in is tarno_library() and tarno_program().
+
+find_program(TARNO_CCACHE ccache)
+if(TARNO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${TARNO_CCACHE}")
+endif()
+
+# Compiler settings that hold for all of our own code and for nobody else's.
+function(tarno_compile_options target)
+  if(TARNO_DEVELOPER)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                                             -Wold-style-cast -Wcast-qual -Woverloaded-virtual -Werror)
+    # Options are structs with a default on every field; naming only some of them is the point.
+    target_compile_options(${target} PRIVATE -Wno-missing-field-initializers)
+  endif()
+  if(TARNO_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${TARNO_SANITIZE} -fno-sanitize-recover=all
+                                             -fno-omit-frame-pointer)
+    target_link_options(${target} PUBLIC -fsanitize=${TARNO_SANITIZE})
+  endif()
+  if(TARNO_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
+
+# tarno_library(Foundation SOURCES a.cpp … PUBLIC libs… PRIVATE libs…)
+#
+# Headers are included as "<folder>/<file>.hpp", where <folder> is the folder the target is made in. A target sees the
+# folders of the targets that it links and no others: each target's include root in the build tree holds one link, to
+# its own folder, so that an include that the link line does not allow does not build.
+function(tarno_library target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+  set(root "${PROJECT_BINARY_DIR}/include/${target}")
+  file(MAKE_DIRECTORY "${root}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/${folder}" SYMBOLIC)
+  target_include_directories(${target} PUBLIC "${root}")
+  target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+  tarno_compile_options(${target})
+endfunction()
+
+# tarno_program(tarno-status SOURCES a.cpp … LINK libs…): what people install and run.
+function(tarno_program target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_LINK})
+  tarno_compile_options(${target})
+  install(TARGETS ${target})
+  add_dependencies(programs ${target})
+endfunction()
+
+# tarno_test(model_test SOURCES a.cpp … LINK libs…): a GoogleTest program, every test of which ctest knows by name.
+function(tarno_test target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_LINK} GTest::gtest_main)
+  target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  tarno_compile_options(${target})
+  # An expectation under an if is an if-else inside the macro.
+  target_compile_options(${target} PRIVATE -Wno-dangling-else)
+  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60)
+endfunction()
