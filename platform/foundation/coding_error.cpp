@@ -1,0 +1,35 @@
+#include "foundation/coding_error.hpp"
+
+#include <utility>
+
+namespace foundation {
+namespace {
+
+std::string message(const CodingPath& path, const std::string& text) {
+  return path.empty() ? text : description(path) + ": " + text;
+}
+
+}  // namespace
+
+std::string description(const CodingPath& path) {
+  std::string joined;
+  for (const auto& key : path) {
+    if (!joined.empty()) joined += '.';
+    joined += key;
+  }
+  return joined;
+}
+
+DecodingError::DecodingError(Kind kind_, CodingPath codingPath_, std::string debugDescription_)
+    : runtime_error(message(codingPath_, debugDescription_)),
+      kind(kind_),
+      codingPath(std::move(codingPath_)),
+      debugDescription(std::move(debugDescription_)) {}
+
+EncodingError::EncodingError(Kind kind_, CodingPath codingPath_, std::string debugDescription_)
+    : runtime_error(message(codingPath_, debugDescription_)),
+      kind(kind_),
+      codingPath(std::move(codingPath_)),
+      debugDescription(std::move(debugDescription_)) {}
+
+}  // namespace foundation

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace foundation {
+
+/// The keys (and, in arrays, the indices) that lead from the top of a document to a value; empty for the top
+/// itself.
+using CodingPath = std::vector<std::string>;
+
+/// "a.b.0"; empty for the top of a document.
+std::string description(const CodingPath& path);
+
+/// A document that cannot be read. what() is one line: the path, then the text.
+class DecodingError : public std::runtime_error {
+ public:
+  enum class Kind { typeMismatch, dataCorrupted };
+
+  DecodingError(Kind kind, CodingPath codingPath, std::string debugDescription);
+
+  Kind kind;
+  CodingPath codingPath;
+  std::string debugDescription;
+};
+
+/// A value that has no form in the document. what() is one line: the path, then the text.
+class EncodingError : public std::runtime_error {
+ public:
+  enum class Kind { invalidValue };
+
+  EncodingError(Kind kind, CodingPath codingPath, std::string debugDescription);
+
+  Kind kind;
+  CodingPath codingPath;
+  std::string debugDescription;
+};
+
+}  // namespace foundation

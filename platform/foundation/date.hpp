@@ -1,0 +1,49 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace foundation {
+
+/// An absolute point in time, to the microsecond: about 292,000 years either side of 1970, compared exactly.
+using Date = std::chrono::sys_time<std::chrono::microseconds>;
+
+/// A duration in seconds.
+using TimeInterval = std::chrono::duration<double>;
+
+/// The first and the last moment that an RFC 3339 date-time can name in UTC: years 0000 to 9999.
+/// Dates that come from outside are held to this range, so that differences between them never overflow.
+inline constexpr Date earliestDate{std::chrono::sys_days{std::chrono::year{0} / std::chrono::January / 1}};
+inline constexpr Date latestDate{std::chrono::sys_days{std::chrono::year{10000} / std::chrono::January / 1} -
+                                 std::chrono::microseconds{1}};
+
+/// The current time. The only place in the system that reads the wall clock; a ClockOverride takes its place.
+/// Any thread.
+Date now();
+
+/// The seconds from `start` to `end`, negative when `end` lies before `start`. Exact to the microsecond for
+/// dates within 285 years of each other, to a double's precision beyond that, for any two dates whatever.
+TimeInterval secondsBetween(Date start, Date end);
+
+/// `date` moved by `interval`, whose part below a microsecond is dropped. The interval must be finite and
+/// short enough that the result is still a date.
+Date addingTimeInterval(Date date, TimeInterval interval);
+
+/// While one lives, now() answers what it says; the latest made wins. Meant for tests and for a program's "as
+/// if it were then". Make and destroy them on one thread, in stack order, while no other thread calls now().
+class ClockOverride {
+ public:
+  /// The clock stands still at `moment`.
+  explicit ClockOverride(Date moment);
+  /// Every reading of the clock calls `reading`.
+  explicit ClockOverride(std::function<Date()> reading);
+  ~ClockOverride();
+  ClockOverride(const ClockOverride&) = delete;
+  ClockOverride& operator=(const ClockOverride&) = delete;
+
+ private:
+  std::function<Date()> reading_;
+  const std::function<Date()>* previous_;
+};
+
+}  // namespace foundation

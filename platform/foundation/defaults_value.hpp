@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "foundation/date.hpp"
+
+namespace foundation {
+
+/// A run of bytes; distinct from text, which is a std::string in UTF-8.
+struct Data {
+  std::string bytes;
+
+  friend bool operator==(const Data&, const Data&) = default;
+};
+
+/// What a defaults store keeps under a key: data, a date, text or a number.
+using DefaultsValue = std::variant<Data, Date, std::string, double>;
+
+}  // namespace foundation

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/date.hpp"
+
+namespace foundation {
+
+/// The parts of a date-time that a formatter reads and writes, as bits of its option mask.
+enum ISO8601FormatOptions : unsigned {
+  withYear = 1,
+  withMonth = 2,
+  withDay = 16,
+  withTime = 32,
+  withTimeZone = 64,
+  withDashSeparatorInDate = 256,
+  withColonSeparatorInTime = 512,
+  withColonSeparatorInTimeZone = 1024,
+  withFractionalSeconds = 2048,
+  /// RFC 3339, section 5.6: full date, T, time to the second, Z or an offset.
+  withInternetDateTime = withYear | withMonth | withDay | withTime | withTimeZone | withDashSeparatorInDate |
+                         withColonSeparatorInTime | withColonSeparatorInTimeZone,
+};
+
+/// Reads and writes RFC 3339 date-times. Immutable, so any number of threads may share one.
+///
+/// Reading is strict: upper-case T and Z, two digits where the standard says two, a calendar-valid day, hours
+/// 00 to 23, seconds 00 to 59 (a leap second has no moment of its own on this time scale), an offset from
+/// -23:59 to +23:59, and nothing before or after. The moment must fall in the years 0000 to 9999 of UTC.
+///
+/// Sub-second parts are always cut towards the past, before 1970 as after: reading keeps microseconds and
+/// drops further digits, writing without a fraction drops all of them.
+class ISO8601DateFormatter {
+ public:
+  /// `options` is withInternetDateTime, alone or with withFractionalSeconds; these two forms are all there
+  /// is.
+  constexpr explicit ISO8601DateFormatter(unsigned options) : options_(options) {}
+
+  constexpr unsigned formatOptions() const { return options_; }
+
+  /// The moment that `text` names, or nothing. With withFractionalSeconds a fraction of one digit or more is
+  /// required, without it none is allowed.
+  std::optional<Date> date(std::string_view text) const;
+
+  /// `date` in UTC with the designator Z; with withFractionalSeconds to the millisecond. A year outside 0000
+  /// to 9999 is written in ISO 8601's expanded form (a sign and at least five digits), which date() does not
+  /// read back.
+  std::string string(Date date) const;
+
+ private:
+  unsigned options_;
+};
+
+}  // namespace foundation

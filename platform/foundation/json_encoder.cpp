@@ -1,0 +1,51 @@
+#include "foundation/json_encoder.hpp"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "foundation/iso8601.hpp"
+
+namespace foundation {
+
+void Encoder::beginObject() { text_ += '{'; }
+
+void Encoder::endObject() { text_ += '}'; }
+
+void Encoder::beginMember(std::string_view key) {
+  path_.emplace_back(key);
+  if (text_.back() != '{') text_ += ',';
+  write(key);
+  text_ += ':';
+}
+
+void Encoder::endMember() { path_.pop_back(); }
+
+void Encoder::write(bool value) { text_ += value ? "true" : "false"; }
+
+void Encoder::write(std::int64_t value) { text_ += std::to_string(value); }
+
+void Encoder::write(double value) {
+  if (!std::isfinite(value))
+    throw EncodingError{EncodingError::Kind::invalidValue, path_,
+                        "a number that is not finite has no JSON form"};
+  text_ += nlohmann::json(value).dump();
+}
+
+void Encoder::write(std::string_view value) {
+  try {
+    text_ += nlohmann::json(value).dump();
+  } catch (const nlohmann::json::type_error&) {
+    throw EncodingError{EncodingError::Kind::invalidValue, path_, "text that is not UTF-8 has no JSON form"};
+  }
+}
+
+void Encoder::write(Date value) {
+  switch (dates_) {
+    case DateEncodingStrategy::secondsSince1970:
+      return write(TimeInterval{value.time_since_epoch()}.count());
+    case DateEncodingStrategy::iso8601:
+      return write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(value)});
+  }
+}
+
+}  // namespace foundation

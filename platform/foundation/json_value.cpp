@@ -1,0 +1,117 @@
+#include "foundation/json_value.hpp"
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+
+#include "foundation/coding_error.hpp"
+
+namespace foundation {
+namespace {
+
+/// A JSONValue frees its members recursively, so that its depth must be bounded.
+constexpr std::size_t deepestNesting = 512;
+
+/// Builds a JSONValue from the parser's events. It keeps what the parser's own tree drops: the text of a
+/// number, by which a whole number beyond a double's precision can be told exactly.
+class TreeBuilder {
+ public:
+  using number_integer_t = nlohmann::json::number_integer_t;
+  using number_unsigned_t = nlohmann::json::number_unsigned_t;
+  using number_float_t = nlohmann::json::number_float_t;
+  using string_t = nlohmann::json::string_t;
+  using binary_t = nlohmann::json::binary_t;
+
+  bool null() { return add({nullptr}); }
+  bool boolean(bool value) { return add({value}); }
+  bool number_integer(number_integer_t value) {
+    return add({JSONValue::Number{std::to_string(value), static_cast<double>(value)}});
+  }
+  bool number_unsigned(number_unsigned_t value) {
+    return add({JSONValue::Number{std::to_string(value), static_cast<double>(value)}});
+  }
+  bool number_float(number_float_t value, const string_t& text) {
+    return add({JSONValue::Number{text, value}});
+  }
+  bool string(string_t& value) { return add({std::move(value)}); }
+  bool binary(binary_t&) { return false; }
+
+  bool start_object(std::size_t) { return open({JSONValue::Object{}}); }
+  bool key(string_t& name) {
+    key_ = std::move(name);
+    return true;
+  }
+  bool end_object() { return close(); }
+  bool start_array(std::size_t) { return open({JSONValue::Array{}}); }
+  bool end_array() { return close(); }
+
+  bool parse_error(std::size_t position, const std::string&, const nlohmann::json::exception& error) {
+    fail(error.id == numberOverflow ? "a number is too large"
+                                    : "not valid JSON near byte " + std::to_string(position));
+  }
+
+  JSONValue result() && { return std::move(top_); }
+
+ private:
+  static constexpr int numberOverflow = 406;
+
+  /// A value that is not complete yet, and the key under which its next member goes.
+  struct Level {
+    JSONValue value;
+    std::string key;
+  };
+
+  bool add(JSONValue value) {
+    if (open_.empty()) {
+      top_ = std::move(value);
+      return true;
+    }
+    auto& content = open_.back().value.content;
+    if (auto* const array = std::get_if<JSONValue::Array>(&content)) {
+      array->push_back(std::move(value));
+    } else {
+      std::get<JSONValue::Object>(content).push_back({std::move(key_), std::move(value)});
+    }
+    return true;
+  }
+
+  bool open(JSONValue value) {
+    if (open_.size() == deepestNesting) fail("nested too deeply");
+    open_.push_back({std::move(value), std::move(key_)});
+    return true;
+  }
+
+  bool close() {
+    Level done = std::move(open_.back());
+    open_.pop_back();
+    key_ = std::move(done.key);
+    return add(std::move(done.value));
+  }
+
+  [[noreturn]] void fail(std::string text) const {
+    CodingPath path;
+    for (std::size_t level = 0; level < open_.size(); ++level) {
+      const auto* const array = std::get_if<JSONValue::Array>(&open_[level].value.content);
+      if (array != nullptr) {
+        path.push_back(std::to_string(array->size()));
+      } else {
+        path.push_back(level + 1 < open_.size() ? open_[level + 1].key : key_);
+      }
+    }
+    while (!path.empty() && path.back().empty()) path.pop_back();
+    throw DecodingError{DecodingError::Kind::dataCorrupted, std::move(path), std::move(text)};
+  }
+
+  JSONValue top_{nullptr};
+  std::vector<Level> open_;
+  std::string key_;
+};
+
+}  // namespace
+
+JSONValue parseJSON(std::string_view text) {
+  TreeBuilder builder;
+  nlohmann::json::sax_parse(text.begin(), text.end(), &builder);
+  return std::move(builder).result();
+}
+
+}  // namespace foundation
