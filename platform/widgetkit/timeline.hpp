@@ -1,0 +1,63 @@
+#pragma once
+
+#include <concepts>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "foundation/date.hpp"
+#include "ui/geometry.hpp"
+
+namespace widgetkit {
+
+enum class WidgetFamily { systemSmall, systemMedium, systemLarge };
+
+/// "systemSmall" and so on.
+std::string_view name(WidgetFamily family);
+
+/// What a host tells a provider about a request.
+struct TimelineProviderContext {
+  WidgetFamily family = WidgetFamily::systemMedium;
+  bool isPreview = false;  ///< the entry is for a gallery, not for the desktop
+  ui::Size displaySize;    ///< of the tile, in points
+};
+
+/// When the host is to ask for the next timeline.
+class TimelineReloadPolicy {
+ public:
+  static TimelineReloadPolicy after(foundation::Date date) { return TimelineReloadPolicy{date}; }
+
+  foundation::Date date() const { return date_; }
+
+  friend bool operator==(const TimelineReloadPolicy&, const TimelineReloadPolicy&) = default;
+
+ private:
+  explicit TimelineReloadPolicy(foundation::Date date) : date_(date) {}
+
+  foundation::Date date_;
+};
+
+template <class T>
+concept TimelineEntry = std::copyable<T> && requires(const T& entry) {
+  { entry.date } -> std::convertible_to<foundation::Date>;
+};
+
+template <TimelineEntry Entry>
+struct Timeline {
+  std::vector<Entry> entries;
+  TimelineReloadPolicy policy;
+};
+
+/// What answers a host's requests. A completion is called exactly once, on the caller's thread, before the
+/// operation returns.
+template <class T>
+concept TimelineProvider = TimelineEntry<typename T::Entry> &&
+    requires(const T& provider, const TimelineProviderContext& context,
+             const std::function<void(typename T::Entry)>& takeEntry,
+             const std::function<void(Timeline<typename T::Entry>)>& takeTimeline) {
+  { provider.placeholder(context) } -> std::same_as<typename T::Entry>;
+  provider.getSnapshot(context, takeEntry);
+  provider.getTimeline(context, takeTimeline);
+};
+
+}  // namespace widgetkit
