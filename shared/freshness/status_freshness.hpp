@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "foundation/date.hpp"
+
+/// How old a status may be. Freshness is judged by the local clock, from the moment at which the report was
+/// received.
+namespace TarnoStatusFreshness {
+
+/// A status whose local age exceeds this is stale.
+inline constexpr foundation::TimeInterval localStaleAfter{150};
+
+/// The whole seconds from `receivedAt` to `now`, 0 when it lies in the future; nothing without `receivedAt`.
+std::optional<std::int64_t> ageSeconds(std::optional<foundation::Date> receivedAt, foundation::Date now);
+
+/// One line that says how old a stale status is, in seconds, minutes or hours, rounded down.
+std::string staleDetail(std::optional<std::int64_t> ageSeconds);
+
+}  // namespace TarnoStatusFreshness

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/date.hpp"
+#include "shared/model/mac_status.hpp"
+
+/// One status report about the user's Mac. In its JSON form, schema "tarno.remote.v1", it is what the
+/// companion application and the widget exchange. Every field is optional and starts absent. Copies are
+/// independent; any thread.
+struct TarnoMacStatusSnapshot {
+  std::optional<std::string> schema;       ///< the record format; not checked when reading
+  std::optional<std::string> app;          ///< the writing application
+  std::optional<std::string> event;        ///< a token for what led to the report
+  std::optional<std::string> deviceID;     ///< which Mac
+  std::optional<std::string> deviceName;   ///< which Mac, for people
+  std::optional<foundation::Date> seenAt;  ///< when the writer saw the status, by the writer's clock
+  std::optional<TarnoMacStatus> status;
+  std::optional<std::string> reason;       ///< a short explanation for people
+  std::optional<std::string> source;       ///< the part of the writer that produced the status
+  std::optional<std::int64_t> confidence;  ///< on a scale of the writer's own
+  std::optional<bool> facePresent;         ///< a face was seen
+  std::optional<bool> companionPresent;    ///< the paired watch is near
+  std::optional<double> inputIdleSeconds;  ///< since the last input
+  std::optional<bool> stale;               ///< true: not to be trusted as current
+  std::optional<std::int64_t> ageSeconds;  ///< of the status
+  std::optional<std::string> message;      ///< a text for people, second to `reason`
+
+  /// The JSON names of the fields, in field order.
+  struct CodingKeys {
+    static constexpr std::string_view schema = "schema";
+    static constexpr std::string_view app = "app";
+    static constexpr std::string_view event = "event";
+    static constexpr std::string_view deviceID = "device_id";
+    static constexpr std::string_view deviceName = "device_name";
+    static constexpr std::string_view seenAt = "seen_at";
+    static constexpr std::string_view status = "status";
+    static constexpr std::string_view reason = "reason";
+    static constexpr std::string_view source = "source";
+    static constexpr std::string_view confidence = "confidence";
+    static constexpr std::string_view facePresent = "face_present";
+    static constexpr std::string_view companionPresent = "companion_present";
+    static constexpr std::string_view inputIdleSeconds = "input_idle_seconds";
+    static constexpr std::string_view stale = "stale";
+    static constexpr std::string_view ageSeconds = "age_seconds";
+    static constexpr std::string_view message = "message";
+  };
+
+  /// `stale` is present and true.
+  bool isStale() const { return stale.value_or(false); }
+
+  /// The status that counts: unknown when stale or absent.
+  TarnoMacStatus resolvedStatus() const;
+
+  /// The status in a word or two, for people.
+  std::string statusLine() const;
+
+  /// One line that explains the status: why it is stale, or the reason, the message or a fixed text.
+  std::string detailLine() const;
+
+  /// A copy judged by the local clock: its age counted from `receivedAt`, and `stale` set when that age in
+  /// whole seconds exceeds `staleAfter`. A stale snapshot is never made fresh. Without `receivedAt` the copy
+  /// is unchanged.
+  TarnoMacStatusSnapshot withLocalFreshness(std::optional<foundation::Date> receivedAt, foundation::Date now,
+                                            foundation::TimeInterval staleAfter) const;
+};
+
+/// Field by field: texts by Unicode canonical equivalence, everything else exactly.
+bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b);
+
+/// One JSON object; absent fields are left out. Throws foundation::EncodingError for an `inputIdleSeconds`
+/// that is not finite and for a text that is not UTF-8.
+void encode(foundation::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot);
+
+/// From one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
+/// foundation::DecodingError for the first field that does not fit; `snapshot` is then unchanged.
+void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/user_defaults.hpp"
+#include "shared/freshness/stored_status.hpp"
+
+/// The store that the companion application and the widget share, and the two ways through it.
+namespace TarnoMacDefaults {
+
+/// The app group whose members share the store.
+inline constexpr std::string_view appGroupIdentifier = "K7T2M9Q4XW.dev.tarno.group";
+
+inline constexpr std::string_view lastStatus = "tarno.lastStatus";            ///< data: the JSON record
+inline constexpr std::string_view lastStatusAt = "tarno.lastStatusAt";        ///< date: when it was received
+inline constexpr std::string_view lastStatusValue = "tarno.lastStatusValue";  ///< string: a status' raw value
+inline constexpr std::string_view lastStatusMirrorKey =
+    "tarno.lastStatusMirrorKey";  ///< string: the writer's own
+
+/// A new handle on the shared store, or, when that cannot be opened, the process's own store, which nobody
+/// shares; the first time that this happens in the process one line on standard output says so. Any thread;
+/// the handle is the caller's own, for one thread at a time.
+std::shared_ptr<foundation::UserDefaults> store();
+
+/// Saves a report: the record, the receipt date, the plain value of its resolved status and, when there is
+/// one, the mirror key, in this order, then synchronizes once. A report that cannot be encoded writes
+/// nothing. Reports no error; who must know reads back what was saved.
+void persistStatus(const TarnoMacStatusSnapshot& snapshot, foundation::Date receivedAt,
+                   const std::optional<std::string>& mirrorKey, foundation::UserDefaults& store);
+
+/// The last saved report, judged for freshness at `now`: the record when it decodes, else one made of the
+/// plain value, else nothing. Writes nothing and reports no error, whatever the store holds. Any thread that
+/// may use `store`.
+std::optional<TarnoStoredMacStatus> loadStatus(const foundation::UserDefaults& store, foundation::Date now);
+
+}  // namespace TarnoMacDefaults
