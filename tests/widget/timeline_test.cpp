@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include "shared/persistence/mac_defaults.hpp"
+#include "temporary_store.hpp"
+#include "widget/timeline/widget_provider.hpp"
+
+namespace {
+
+using namespace std::chrono;
+using foundation::Date;
+using Entry = TarnoMacWidgetEntry;
+
+constexpr Date start = sys_days{2026y / November / 16} + 15h;
+
+/// A clock that runs one second further at every reading.
+class TickingClock {
+ public:
+  int readings = 0;
+
+ private:
+  foundation::ClockOverride override_{[this] { return start + seconds{readings++}; }};
+};
+
+Entry snapshotEntry(bool isPreview) {
+  std::vector<Entry> entries;
+  TarnoMacWidgetProvider{}.getSnapshot({.isPreview = isPreview},
+                                       [&](Entry entry) { entries.push_back(entry); });
+  EXPECT_EQ(entries.size(), 1u);
+  return entries.front();
+}
+
+widgetkit::Timeline<Entry> timeline() {
+  std::optional<widgetkit::Timeline<Entry>> result;
+  TarnoMacWidgetProvider{}.getTimeline({}, [&](auto answer) { result = std::move(answer); });
+  return *result;
+}
+
+TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
+  TickingClock clock;
+  const auto entry = Entry::placeholder();
+  EXPECT_EQ(clock.readings, 3);
+  EXPECT_EQ(entry.date, start);
+  EXPECT_EQ(entry.lastRefresh, start + 2s);
+  EXPECT_EQ(entry.status, (TarnoMacStatusSnapshot{.schema = "tarno.remote.v1",
+                                                  .app = "Tarno",
+                                                  .event = "locked",
+                                                  .deviceName = "Kivo's Mac",
+                                                  .seenAt = start + 1s,
+                                                  .status = TarnoMacStatus::locked,
+                                                  .reason = "Mac locked.",
+                                                  .source = "Tarno",
+                                                  .facePresent = true,
+                                                  .companionPresent = true,
+                                                  .inputIdleSeconds = 3.0,
+                                                  .stale = false,
+                                                  .ageSeconds = 0}));
+}
+
+TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
+  const TemporaryStore temporary;
+  TickingClock clock;
+  const auto empty = timeline();
+  EXPECT_EQ(clock.readings, 2);
+  ASSERT_EQ(empty.entries.size(), 1u);
+  EXPECT_EQ(empty.entries[0], (Entry{.date = start}));
+  EXPECT_EQ(empty.policy.date(), start + 1s + 30s);  // counted from the second reading
+
+  const TarnoMacStatusSnapshot saved{.status = TarnoMacStatus::unlocked};
+  TarnoMacDefaults::persistStatus(saved, start - 200s, std::nullopt, *TarnoMacDefaults::store());
+  EXPECT_EQ(timeline().entries[0],
+            (Entry{start + 2s, saved.withLocalFreshness(start - 200s, start + 2s, 150s), start - 200s}));
+  EXPECT_TRUE(timeline().entries[0].status->isStale());
+
+  const auto store = TarnoMacDefaults::store();
+  store->set(TarnoMacDefaults::lastStatusAt, "not a date");
+  store->synchronize();
+  EXPECT_EQ(timeline().entries[0], (Entry{start + 6s, saved, {}}));
+}
+
+TEST(Provider, OnlyPreviewsAndPlaceholdersLeaveTheStoreAlone) {
+  const TemporaryStore temporary;
+  const foundation::ClockOverride clock{start};
+  TarnoMacDefaults::persistStatus({.status = TarnoMacStatus::locking}, start, std::nullopt,
+                                  *TarnoMacDefaults::store());
+  EXPECT_EQ(snapshotEntry(true), Entry::placeholder());
+  EXPECT_EQ(TarnoMacWidgetProvider{}.placeholder({}), Entry::placeholder());
+  EXPECT_EQ(snapshotEntry(false), timeline().entries[0]);
+  EXPECT_EQ(snapshotEntry(false).status->status, TarnoMacStatus::locking);
+}
+
+}  // namespace

@@ -1,0 +1,24 @@
+#include "widget/extension/status_widget.hpp"
+
+#include "widget/timeline/widget_provider.hpp"
+#include "widget/views/widget_view.hpp"
+
+widgetkit::WidgetConfiguration TarnoMacStatusWidget::body() const {
+  using enum widgetkit::WidgetFamily;
+  const auto content = [](const TarnoMacWidgetEntry& entry, const widgetkit::EnvironmentValues& environment) {
+    return TarnoMacWidgetView{environment.widgetFamily, entry}.body();
+  };
+  return widgetkit::StaticConfiguration(kind, TarnoMacWidgetProvider{}, content)
+      .configurationDisplayName({"Tarno"})
+      .description({"Mac lock status and presence signals."})
+      .supportedFamilies({systemSmall, systemMedium, systemLarge});
+}
+
+widgetkit::WidgetConfigurations TarnoMacWidgetBundle::body() const {
+  return widgetkit::buildBlock(TarnoMacStatusWidget{});
+}
+
+extern "C" int TarnoMacWidget_main() {
+  widgetkit::bundleMain<TarnoMacWidgetBundle>();
+  return 0;
+}

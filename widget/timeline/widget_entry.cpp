@@ -1,0 +1,21 @@
+#include "widget/timeline/widget_entry.hpp"
+
+TarnoMacWidgetEntry TarnoMacWidgetEntry::placeholder() {
+  TarnoMacWidgetEntry entry;
+  entry.date = foundation::now();
+  entry.status = TarnoMacStatusSnapshot{.schema = "tarno.remote.v1",
+                                        .app = "Tarno",
+                                        .event = "locked",
+                                        .deviceName = "Kivo's Mac",
+                                        .seenAt = foundation::now(),
+                                        .status = TarnoMacStatus::locked,
+                                        .reason = "Mac locked.",
+                                        .source = "Tarno",
+                                        .facePresent = true,
+                                        .companionPresent = true,
+                                        .inputIdleSeconds = 3.0,
+                                        .stale = false,
+                                        .ageSeconds = 0};
+  entry.lastRefresh = foundation::now();
+  return entry;
+}

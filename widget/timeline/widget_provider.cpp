@@ -1,0 +1,33 @@
+#include "widget/timeline/widget_provider.hpp"
+
+#include "shared/persistence/mac_defaults.hpp"
+
+namespace {
+
+constexpr foundation::TimeInterval reloadInterval{30.0};
+
+}  // namespace
+
+TarnoMacWidgetEntry TarnoMacWidgetProvider::placeholder(const widgetkit::TimelineProviderContext&) const {
+  return TarnoMacWidgetEntry::placeholder();
+}
+
+void TarnoMacWidgetProvider::getSnapshot(const widgetkit::TimelineProviderContext& context,
+                                         const std::function<void(Entry)>& completion) const {
+  completion(context.isPreview ? TarnoMacWidgetEntry::placeholder() : readEntry(foundation::now()));
+}
+
+void TarnoMacWidgetProvider::getTimeline(
+    const widgetkit::TimelineProviderContext&,
+    const std::function<void(widgetkit::Timeline<Entry>)>& completion) const {
+  auto entry = readEntry(foundation::now());
+  // Counted from after the store was read, so that a slow read does not shorten the interval.
+  const auto reload = foundation::addingTimeInterval(foundation::now(), reloadInterval);
+  completion({{std::move(entry)}, widgetkit::TimelineReloadPolicy::after(reload)});
+}
+
+TarnoMacWidgetEntry TarnoMacWidgetProvider::readEntry(foundation::Date now) {
+  const auto loaded = TarnoMacDefaults::loadStatus(*TarnoMacDefaults::store(), now);
+  if (!loaded) return {.date = now};
+  return {.date = now, .status = loaded->snapshot, .lastRefresh = loaded->receivedAt};
+}

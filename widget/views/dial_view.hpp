@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "shared/model/status_snapshot.hpp"
+#include "ui/view.hpp"
+
+/// A round gauge: a track ring, an arc whose length and colour tell the lock status, and inside it the status
+/// symbol, the status line and, when wanted, three dots for the presence signals. One element to a screen
+/// reader.
+struct TarnoMacDialView {
+  const std::optional<TarnoMacStatusSnapshot>
+      status;         ///< the report to show; absent when none was ever saved
+  double size;        ///< side of the dial's square, in points
+  bool showsSignals;  ///< whether the dots are shown
+
+  ui::View body() const;
+
+ private:
+  double progress() const;
+  std::string accessibilityLabel() const;
+  ui::View signalDots() const;
+  ui::View signalDot(bool active, std::string systemImage) const;
+};

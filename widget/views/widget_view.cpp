@@ -1,0 +1,77 @@
+#include "widget/views/widget_view.hpp"
+
+#include "widget/style/widget_style.hpp"
+#include "widget/views/dial_view.hpp"
+
+namespace {
+
+using namespace ui;
+using namespace TarnoMacWidgetStyle;
+using enum ui::FontWeight;
+using enum ui::TextStyle;
+
+}  // namespace
+
+View TarnoMacWidgetView::body() const {
+  return family == widgetkit::WidgetFamily::systemSmall ? compactView() : expandedView();
+}
+
+View TarnoMacWidgetView::compactView() const {
+  return TarnoMacDialView{entry.status, 132, true}
+      .body()
+      .frame({.maxWidth = infinity, .maxHeight = infinity, .alignment = center})
+      .containerBackground(paper);
+}
+
+View TarnoMacWidgetView::expandedView() const {
+  const auto& status = entry.status;
+  return HStack({.alignment = center, .spacing = 14}, TarnoMacDialView{status, 124, true}.body(),
+                VStack({.alignment = leading, .spacing = 8},
+                       Text(status ? status->deviceName.value_or("Mac") : "Mac")
+                           .font(Font::system(caption).rounded().weight(semibold))
+                           .foregroundStyle(muted)
+                           .lineLimit(1),
+                       Text(status ? status->statusLine() : "No status")
+                           .font(Font::system(title3).rounded().weight(bold))
+                           .foregroundStyle(ink)
+                           .lineLimit(1)
+                           .minimumScaleFactor(0.85),
+                       Text(status ? status->detailLine() : "Waiting for Tarno status.")
+                           .font(Font::system(caption).rounded().weight(medium))
+                           .foregroundStyle(muted)
+                           .lineLimit(2)
+                           .minimumScaleFactor(0.85),
+                       HStack({.alignment = center, .spacing = 6}, pill(ageLine(), "clock", periwinkle),
+                              pill(presenceLine(), "person.crop.circle.badge.checkmark", tealDark))))
+      .frame({.maxWidth = infinity, .maxHeight = infinity, .alignment = leading})
+      .containerBackground(paper);
+}
+
+View TarnoMacWidgetView::pill(std::string title, std::string systemImage, Color tint) {
+  return Label(std::move(title), std::move(systemImage))
+      .font(Font::system(caption2).rounded().weight(semibold))
+      .foregroundStyle(tint)
+      .lineLimit(1)
+      .minimumScaleFactor(0.85)
+      .padding(EdgeSet::horizontal, 8)
+      .padding(EdgeSet::vertical, 5)
+      .background(Capsule{RoundedCornerStyle::continuous}.fill(tint.opacity(0.12)));
+}
+
+std::string TarnoMacWidgetView::ageLine() const {
+  if (!entry.lastRefresh) return "Not synced";
+  // Any two dates lie less than 2^45 seconds apart, so that the truncation always fits.
+  const auto seconds =
+      static_cast<std::int64_t>(foundation::secondsBetween(*entry.lastRefresh, foundation::now()).count());
+  if (seconds < 1) return "0s ago";
+  if (seconds < 60) return std::to_string(seconds) + "s ago";
+  if (seconds < 3600) return std::to_string(seconds / 60) + "m ago";
+  return std::to_string(seconds / 3600) + "h ago";
+}
+
+std::string TarnoMacWidgetView::presenceLine() const {
+  const auto& status = entry.status;
+  if (status && status->facePresent.value_or(false)) return "Face seen";
+  if (status && status->companionPresent.value_or(false)) return "Watch near";
+  return "Presence quiet";
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "ui/view.hpp"
+#include "widget/timeline/widget_entry.hpp"
+#include "widgetkit/timeline.hpp"
+
+/// The tile of one entry: the dial alone when small; otherwise the dial beside the device's name, the status,
+/// its detail and two pills, the age of the report and the presence signal.
+struct TarnoMacWidgetView {
+  const widgetkit::WidgetFamily family;  ///< as the host's environment has it
+  const TarnoMacWidgetEntry entry;
+
+  /// Reads the clock for the age line, at every call.
+  ui::View body() const;
+
+ private:
+  ui::View compactView() const;
+  ui::View expandedView() const;
+  std::string ageLine() const;
+  std::string presenceLine() const;
+  static ui::View pill(std::string title, std::string systemImage, ui::Color tint);
+};
