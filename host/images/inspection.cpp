@@ -1,0 +1,44 @@
+#include "inspection.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include "program/dates.hpp"
+#include "shared/coding/json.hpp"
+
+namespace images {
+
+using nlohmann::ordered_json;
+
+ordered_json json(const widgetkit::AnyTimelineEntry& entry) {
+  const auto& value = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);
+  ordered_json result;
+  result["date"] = program::dateText(value.date);
+  result["status"] = nullptr;
+  if (value.status) result["status"] = ordered_json::parse(TarnoJSON::encoder().encode(*value.status));
+  result["last_refresh"] = nullptr;
+  if (value.lastRefresh) result["last_refresh"] = program::dateText(*value.lastRefresh);
+  return result;
+}
+
+ordered_json json(const ui::Description& description) {
+  ordered_json result;
+  result["name"] = description.name;
+  for (const auto& [key, value] : description.attributes)
+    std::visit([&, name = std::string{key}](const auto& plain) { result[name] = plain; }, value);
+  for (const auto& child : description.children) result["children"].push_back(json(child));
+  return result;
+}
+
+ordered_json json(const ui::AccessibilityElement& element) {
+  const auto& frame = element.frame;
+  ordered_json result;
+  result["role"] = element.role == ui::AccessibilityElement::Role::image ? "image" : "text";
+  result["label"] = element.label;
+  result["frame"] = {{"x", frame.origin.x},
+                     {"y", frame.origin.y},
+                     {"width", frame.size.width},
+                     {"height", frame.size.height}};
+  return result;
+}
+
+}  // namespace images

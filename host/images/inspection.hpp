@@ -1,0 +1,22 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "ui/description.hpp"
+#include "ui/scene.hpp"
+#include "widget/timeline/widget_entry.hpp"
+#include "widgetkit/widget_configuration.hpp"
+
+/// Entries, views and scenes as JSON.
+namespace images {
+
+/// "date", "status" (the record, or null) and "last_refresh" (a date, or null).
+nlohmann::ordered_json json(const widgetkit::AnyTimelineEntry& entry);
+
+/// "name", then the attributes, then "children" where there are any.
+nlohmann::ordered_json json(const ui::Description& description);
+
+/// "role", "label" and "frame" (x, y, width, height in points).
+nlohmann::ordered_json json(const ui::AccessibilityElement& element);
+
+}  // namespace images
