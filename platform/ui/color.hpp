@@ -1,0 +1,28 @@
+#pragma once
+
+namespace ui {
+
+enum class RGBColorSpace { sRGB };
+
+/// A colour in a named space; components from 0 to 1, not multiplied by alpha.
+struct Color {
+  RGBColorSpace colorSpace = RGBColorSpace::sRGB;
+  double red = 0;
+  double green = 0;
+  double blue = 0;
+  double alpha = 1;  ///< its opacity
+
+  static constexpr Color sRGB(double red, double green, double blue) {
+    return {RGBColorSpace::sRGB, red, green, blue, 1};
+  }
+
+  /// The same colour with its opacity multiplied by `factor`.
+  constexpr Color opacity(double factor) const { return {colorSpace, red, green, blue, alpha * factor}; }
+
+  friend bool operator==(const Color&, const Color&) = default;
+};
+
+inline constexpr Color white = Color::sRGB(1, 1, 1);
+inline constexpr Color black = Color::sRGB(0, 0, 0);
+
+}  // namespace ui

@@ -1,0 +1,32 @@
+#pragma once
+
+namespace ui {
+
+enum class FontWeight { regular, medium, semibold, bold };
+
+/// `standard` is the system's plain face, `rounded` its face with round ends.
+enum class FontDesign { standard, rounded };
+
+/// The named sizes; see textStyleSize() for what they measure here.
+enum class TextStyle { title3, body, caption, caption2 };
+
+/// The size of a style in points.
+double textStyleSize(TextStyle style);
+
+/// A face of the system font at a size in points.
+struct Font {
+  double size = 13;
+  FontWeight fontWeight = FontWeight::regular;
+  FontDesign fontDesign = FontDesign::standard;
+
+  static constexpr Font system(double size) { return {.size = size}; }
+  static Font system(TextStyle style) { return {.size = textStyleSize(style)}; }
+
+  constexpr Font weight(FontWeight value) const { return {size, value, fontDesign}; }
+  constexpr Font rounded() const { return {size, fontWeight, FontDesign::rounded}; }
+  constexpr Font scaled(double factor) const { return {size * factor, fontWeight, fontDesign}; }
+
+  friend bool operator==(const Font&, const Font&) = default;
+};
+
+}  // namespace ui

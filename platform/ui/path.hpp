@@ -1,0 +1,85 @@
+#pragma once
+
+#include <numbers>
+#include <variant>
+#include <vector>
+
+#include "ui/geometry.hpp"
+
+namespace ui {
+
+/// An angle, clockwise on the screen.
+struct Angle {
+  double radians = 0;
+
+  static constexpr Angle degrees(double value) { return {value * std::numbers::pi / 180}; }
+  constexpr double inDegrees() const { return radians * 180 / std::numbers::pi; }
+
+  friend bool operator==(const Angle&, const Angle&) = default;
+};
+
+/// A turn about a point, then a move: what can be done to a path without changing its shape.
+struct Rotation {
+  Angle angle;
+  Point center;
+
+  Point apply(Point point) const;
+};
+
+/// An outline: a run of pieces, each starting where the last one ended.
+struct Path {
+  struct Move {
+    Point to;
+    friend bool operator==(const Move&, const Move&) = default;
+  };
+  struct Line {
+    Point to;
+    friend bool operator==(const Line&, const Line&) = default;
+  };
+  struct Curve {  ///< cubic Bézier
+    Point control1;
+    Point control2;
+    Point to;
+    friend bool operator==(const Curve&, const Curve&) = default;
+  };
+  /// A circular arc from `start` to `end`, both measured clockwise from 3 o'clock: clockwise when `end` is
+  /// the larger, else counter-clockwise. A line leads to its start when the outline has begun elsewhere.
+  struct Arc {
+    Point center;
+    double radius;
+    Angle start;
+    Angle end;
+    friend bool operator==(const Arc&, const Arc&) = default;
+  };
+  struct Close {
+    friend bool operator==(const Close&, const Close&) = default;
+  };
+  using Element = std::variant<Move, Line, Curve, Arc, Close>;
+
+  std::vector<Element> elements;
+
+  static Path rect(const Rect& rect);
+  /// Corner radius cut to half of the shorter side.
+  static Path roundedRect(const Rect& rect, double radius);
+  /// The outline of the circle inscribed in `rect`, from fraction `from` to `to` of its length, measured
+  /// clockwise from 3 o'clock; closed when it is the whole circle.
+  static Path circle(const Rect& rect, double from = 0, double to = 1);
+
+  /// This outline enlarged by `factor` about the origin, then moved by `offset`.
+  Path placed(double factor, Point offset) const;
+  Path rotated(const Rotation& rotation) const;
+
+  friend bool operator==(const Path&, const Path&) = default;
+};
+
+enum class LineCap { butt, round };
+
+/// Joins are mitred with limit 10, without dashes.
+struct StrokeStyle {
+  double lineWidth = 1;
+  LineCap lineCap = LineCap::butt;
+
+  friend bool operator==(const StrokeStyle&, const StrokeStyle&) = default;
+};
+
+}  // namespace ui

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "ui/path.hpp"
+
+namespace ui {
+
+/// The smallest rectangle around an outline, without the width of a stroke. Nothing at the origin for no
+/// outline.
+Rect bounds(const Path& path);
+
+}  // namespace ui

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "ui/color.hpp"
+#include "ui/font.hpp"
+#include "ui/geometry.hpp"
+#include "ui/path.hpp"
+
+namespace ui {
+
+/// An outline filled by the nonzero rule.
+struct FillPath {
+  Path path;
+  Color color;
+
+  friend bool operator==(const FillPath&, const FillPath&) = default;
+};
+
+struct StrokePath {
+  Path path;
+  StrokeStyle style;
+  Color color;
+
+  friend bool operator==(const StrokePath&, const StrokePath&) = default;
+};
+
+/// A text that fits its box: set in `font` (already scaled), broken and cut as TextMeasurer::measure does it
+/// for the width of the box and `maxLines`.
+struct TextRun {
+  std::string text;
+  Font font;
+  Color color;
+  Rect box;             ///< before rotation
+  double baseline = 0;  ///< of the first line, from the top of the box
+  int maxLines = 1;
+  bool truncated = false;
+  Angle rotation;  ///< about box.origin
+
+  friend bool operator==(const TextRun&, const TextRun&) = default;
+};
+
+/// What follows, up to the matching EndClip, shows only inside `path`.
+struct BeginClip {
+  Path path;
+
+  friend bool operator==(const BeginClip&, const BeginClip&) = default;
+};
+
+struct EndClip {
+  friend bool operator==(const EndClip&, const EndClip&) = default;
+};
+
+using SceneItem = std::variant<FillPath, StrokePath, TextRun, BeginClip, EndClip>;
+
+/// One thing that a screen reader stops at.
+struct AccessibilityElement {
+  enum class Role { staticText, image };
+
+  Role role = Role::staticText;
+  std::string label;
+  Rect frame;
+
+  friend bool operator==(const AccessibilityElement&, const AccessibilityElement&) = default;
+};
+
+/// A view laid out: what to draw, from bottom to top, with every colour, font, size and position resolved,
+/// and what a screen reader finds, in reading order.
+struct Scene {
+  Size size;
+  std::vector<SceneItem> items;
+  std::vector<AccessibilityElement> accessibility;
+
+  friend bool operator==(const Scene&, const Scene&) = default;
+};
+
+}  // namespace ui

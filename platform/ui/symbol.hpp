@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "ui/path.hpp"
+
+namespace ui {
+
+/// A pictogram as one outline, filled by the nonzero rule. Lengths are in ems: 1 is the font size that it is
+/// shown at. The outline lies within (0, 0) to `size`; `size` is what the symbol takes up in a layout, and
+/// its optical centre is the centre of that box.
+struct Symbol {
+  std::string_view name;
+  Size size;
+  Path outline;
+};
+
+/// The symbol of that name, or null. Lives until the process ends; any thread.
+const Symbol* findSymbol(std::string_view name);
+
+/// All symbols, for those who draw or check the whole set.
+const std::vector<Symbol>& allSymbols();
+
+}  // namespace ui

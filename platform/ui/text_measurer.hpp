@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "ui/font.hpp"
+#include "ui/geometry.hpp"
+
+namespace ui {
+
+/// How much room a text takes.
+struct TextMetrics {
+  Size size;            ///< the box around its lines; never wider than the width that was given
+  double baseline = 0;  ///< of the first line, from the top of the box
+  int lines = 1;
+  bool truncated = false;  ///< cut with an ellipsis because it did not fit
+};
+
+/// What layout asks of a text renderer. Implementations say which threads may call them.
+class TextMeasurer {
+ public:
+  virtual ~TextMeasurer() = default;
+
+  /// `text` set in `font`, broken into lines no wider than `width` points (one line per paragraph when
+  /// absent) and cut with an ellipsis at the end of line `maxLines` where more would follow. With one line,
+  /// line breaks in the text count as blanks. An empty text has width 0 and the height of one line. `text` is
+  /// UTF-8; `maxLines` is at least 1.
+  virtual TextMetrics measure(std::string_view text, const Font& font, std::optional<double> width,
+                              int maxLines) = 0;
+};
+
+}  // namespace ui

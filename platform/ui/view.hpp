@@ -1,0 +1,162 @@
+#pragma once
+
+#include <concepts>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ui/color.hpp"
+#include "ui/font.hpp"
+#include "ui/geometry.hpp"
+#include "ui/path.hpp"
+
+/// Views: descriptions of what to show, as values. Factories make them, modifiers wrap them, layout() places
+/// them.
+namespace ui {
+
+struct Node;
+
+struct FrameOptions {
+  std::optional<double> width;      ///< fixed
+  std::optional<double> height;     ///< fixed
+  std::optional<double> maxWidth;   ///< grows up to this
+  std::optional<double> maxHeight;  ///< grows up to this
+  Alignment alignment = center;     ///< of the content in the frame
+
+  friend bool operator==(const FrameOptions&, const FrameOptions&) = default;
+};
+
+/// Sides of a view: left and right, or top and bottom.
+enum class EdgeSet { horizontal, vertical };
+
+/// An immutable view; copies share their content. Any thread.
+class View {
+ public:
+  explicit View(Node node);
+
+  const Node& node() const { return *node_; }
+
+  /// Font, colour and text limits hold for everything inside, unless something further inside says otherwise.
+  View font(Font font) const;
+  View foregroundStyle(Color color) const;
+  View lineLimit(int lines) const;
+  /// Texts may shrink to `factor` of their font size before they are cut.
+  View minimumScaleFactor(double factor) const;
+
+  /// `length` points of space on each of `edges`.
+  View padding(EdgeSet edges, double length) const;
+  View frame(FrameOptions options) const;
+  /// `content` behind this view, in this view's size.
+  View background(View content) const;
+  /// Turns what is drawn, clockwise about the centre; the layout stays as it was.
+  View rotationEffect(Angle angle) const;
+  /// The colour of the whole container that shows this view, margins included. For the outermost view.
+  View containerBackground(Color color) const;
+
+  /// One element for a screen reader, with this label; what is inside is not announced.
+  View accessibilityElement(std::string label) const;
+  View accessibilityHidden() const;
+
+  /// By content.
+  friend bool operator==(const View& a, const View& b);
+
+ private:
+  std::shared_ptr<const Node> node_;
+};
+
+/// The children of a stack: views, and optional views of which only the present ones count.
+class Children {
+ public:
+  template <class... Views>
+  requires(std::constructible_from<std::optional<View>, const Views&>&&...)
+      Children(const Views&... children) {
+    (add(children), ...);
+  }
+
+  std::vector<View> views;
+
+ private:
+  void add(const std::optional<View>& view) {
+    if (view) views.push_back(*view);
+  }
+};
+
+struct HStackOptions {
+  VerticalAlignment alignment = center;
+  double spacing = 8;  ///< between neighbours, in points
+
+  friend bool operator==(const HStackOptions&, const HStackOptions&) = default;
+};
+
+struct VStackOptions {
+  HorizontalAlignment alignment = center;
+  double spacing = 8;  ///< between neighbours, in points
+
+  friend bool operator==(const VStackOptions&, const VStackOptions&) = default;
+};
+
+struct ZStackOptions {
+  Alignment alignment = center;
+
+  friend bool operator==(const ZStackOptions&, const ZStackOptions&) = default;
+};
+
+/// A text as it stands, not a key to look up.
+View Text(std::string text);
+
+/// The symbol of that name (see symbol.hpp) at the size of the font in force. Decoration to a screen reader.
+View Image(std::string systemName);
+
+/// A title with a symbol before it, both in the font in force.
+View Label(std::string title, std::string systemImage);
+
+View makeHStack(HStackOptions options, std::vector<View> children);
+View makeVStack(VStackOptions options, std::vector<View> children);
+View makeZStack(ZStackOptions options, std::vector<View> children);
+
+template <class... Views>
+View HStack(HStackOptions options, const Views&... children) {
+  return makeHStack(options, Children{children...}.views);
+}
+
+template <class... Views>
+View VStack(VStackOptions options, const Views&... children) {
+  return makeVStack(options, Children{children...}.views);
+}
+
+/// Children over one another, the first at the bottom.
+template <class... Views>
+View ZStack(ZStackOptions options, const Views&... children) {
+  return makeZStack(options, Children{children...}.views);
+}
+
+/// A shape becomes a view when it is filled or stroked; it takes the size that it is offered. Strokes
+/// straddle the outline.
+class Circle {
+ public:
+  /// The part of the outline between two fractions of its length, clockwise from 3 o'clock.
+  Circle trim(double from, double to) const;
+  View fill(Color color) const;
+  View stroke(Color color, StrokeStyle style) const;
+
+ private:
+  double from_ = 0;
+  double to_ = 1;
+};
+
+/// How a corner's curve meets the straight side. The ends of a capsule are half circles either way.
+enum class RoundedCornerStyle { circular, continuous };
+
+class Capsule {
+ public:
+  explicit Capsule(RoundedCornerStyle style) : style_(style) {}
+  View fill(Color color) const;
+
+ private:
+  RoundedCornerStyle style_;
+};
+
+}  // namespace ui

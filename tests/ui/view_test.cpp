@@ -1,0 +1,113 @@
+#include "ui/view.hpp"
+
+#include <gtest/gtest.h>
+
+#include "ui/description.hpp"
+#include "ui/fake_measurer.hpp"
+#include "ui/layout.hpp"
+#include "ui/path_bounds.hpp"
+
+using namespace ui;
+
+namespace {
+
+static_assert(!std::is_convertible_v<decltype(leading), VerticalAlignment>);
+static_assert(!std::is_convertible_v<decltype(top), HorizontalAlignment>);
+static_assert(std::is_convertible_v<decltype(center), VerticalAlignment>);
+
+View pill(const std::string& title, double inset) {
+  return Label(title, "no.such.symbol")
+      .font(Font::system(11).rounded().weight(FontWeight::semibold))
+      .foregroundStyle(Color::sRGB(0.18, 0.56, 0.576))
+      .lineLimit(1)
+      .minimumScaleFactor(0.85)
+      .padding(EdgeSet::horizontal, inset)
+      .background(Capsule{RoundedCornerStyle::continuous}.fill(black.opacity(0.12)));
+}
+
+View dial(double to) {
+  return ZStack({}, Circle{}.stroke(black, {.lineWidth = 6}),
+                Circle{}
+                    .trim(0.08, to)
+                    .stroke(white.opacity(0.5), {.lineWidth = 6, .lineCap = LineCap::round})
+                    .rotationEffect(Angle::degrees(126)))
+      .frame({.width = 50, .height = 50})
+      .accessibilityElement("Mac \"locked\"");
+}
+
+View tile(const std::string& title) {
+  return HStack({.alignment = top, .spacing = 14}, dial(0.92), std::optional<View>{}, pill(title, 8))
+      .frame({.maxWidth = infinity, .maxHeight = infinity, .alignment = leading})
+      .containerBackground(white);
+}
+
+TEST(View, IsEqualByContent) {
+  EXPECT_EQ(tile("now"), tile("now"));
+  EXPECT_EQ(HStack({}, Text("a"), Text("b")), makeHStack({}, {Text("a"), Text("b")}));
+  const View text = Text("now");
+  for (const View& other : {tile("then"), tile("now").frame({}), tile("now").containerBackground(black),
+                            Text("now").lineLimit(1)})
+    EXPECT_NE(tile("now"), other);
+  EXPECT_NE(pill("a", 8), pill("a", 9));
+  EXPECT_NE(dial(0.92), dial(0.9));
+  EXPECT_NE(HStack({}, text), VStack({}, text));
+  EXPECT_NE(text.padding(EdgeSet::horizontal, 5), text.padding(EdgeSet::vertical, 5));
+}
+
+TEST(View, TrimsPartsOfAPart) {
+  const Circle half = Circle{}.trim(0.5, 7);
+  EXPECT_EQ(half.fill(black), Circle{}.trim(0.5, 1).fill(black));
+  EXPECT_EQ(half.trim(0.5, 1).fill(black), Circle{}.trim(0.75, 1).fill(black));
+}
+
+TEST(Description, OfAViewReadsAsItWasWritten) {
+  EXPECT_EQ(outline(describe(tile("now\n"))), R"(containerBackground color=#FFFFFF
+  frame maxWidth=infinity maxHeight=infinity alignment=leading
+    HStack alignment=top spacing=14
+      accessibilityElement label="Mac \"locked\""
+        frame width=50 height=50
+          ZStack
+            Circle stroke=#000000 lineWidth=6
+            rotationEffect degrees=126
+              Circle from=0.08 to=0.92 stroke=#FFFFFF@0.5 lineWidth=6 lineCap=round
+      background
+        padding edges=horizontal length=8
+          minimumScaleFactor factor=0.85
+            lineLimit lines=1
+              foregroundStyle color=#2E8F93
+                font size=11 weight=semibold design=rounded
+                  HStack spacing=4
+                    Image systemName="no.such.symbol"
+                    Text text="now\n"
+        Capsule style=continuous fill=#000000@0.12
+)");
+}
+
+TEST(Description, OfASceneGivesWhatIsDrawnAndWhatIsAnnounced) {
+  FakeMeasurer measurer;
+  const Scene scene =
+      layout(tile("now"), {.size = {170, 82}, .contentMargin = 16, .cornerRadius = 22}, measurer);
+  EXPECT_EQ(outline(describe(scene)), R"(Scene width=170 height=82
+  clip outline=path x=0 y=0 width=170 height=82
+    fill color=#FFFFFF outline=path x=0 y=0 width=170 height=82
+    stroke color=#000000 lineWidth=6 outline=circle centerX=41 centerY=41 radius=25
+    stroke color=#FFFFFF@0.5 lineWidth=6 lineCap=round outline=arc centerX=41 centerY=41 radius=25 start=154.8 end=457.2
+    fill color=#000000@0.12 outline=path x=80 y=16 width=47.5 height=13.2
+    stroke color=#2E8F93 lineWidth=0.88 outline=path x=89.32 y=18.42 width=8.36 height=8.36
+    text text="now" font="11 semibold rounded" color=#2E8F93 x=103 y=16 width=16.5 height=13.2 baseline=9.9 maxLines=1
+  accessibility
+    image label="Mac \"locked\"" x=16 y=16 width=50 height=50
+    staticText label="now" x=103 y=16 width=16.5 height=13.2
+)");
+}
+
+TEST(Path, BoundsAreThoseOfTheCurveItself) {
+  const Path curve{{Path::Move{{0, 0}}, Path::Curve{{0, 40}, {30, 40}, {30, 0}}}};
+  EXPECT_EQ(bounds(curve), (Rect{{0, 0}, {30, 30}}));
+  const Path arc{{Path::Move{{10, 0}}, Path::Arc{{0, 0}, 10, {}, Angle::degrees(-180)}}};
+  EXPECT_NEAR(bounds(arc).origin.y, -10, 1e-9);
+  EXPECT_NEAR(bounds(arc).bottom(), 0, 1e-9);
+  EXPECT_EQ(bounds({}), Rect{});
+}
+
+}  // namespace
