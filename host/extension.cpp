@@ -1,7 +1,5 @@
 #include "host/extension.hpp"
 
-#include <libintl.h>
-
 #include "widget/extension/status_widget.hpp"
 
 namespace host {
@@ -12,11 +10,6 @@ int withWidget(const std::function<int(const widgetkit::WidgetConfiguration&)>& 
     result = use(widgets.front());
   });
   return result;
-}
-
-std::string localized(const widgetkit::LocalizedStringKey& key) {
-  if (key.key.empty()) return {};  // gettext keeps the catalogue's header under the empty key
-  return dgettext("tarno", key.key.c_str());
 }
 
 }  // namespace host

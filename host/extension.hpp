@@ -10,8 +10,4 @@ namespace host {
 /// returns. An exception of `use` passes through.
 int withWidget(const std::function<int(const widgetkit::WidgetConfiguration&)>& use);
 
-/// The text for a key in the user's language by gettext, domain "tarno", or the key itself. The program has
-/// called setlocale().
-std::string localized(const widgetkit::LocalizedStringKey& key);
-
 }  // namespace host

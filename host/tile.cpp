@@ -6,12 +6,9 @@ using widgetkit::WidgetFamily;
 
 ui::Size tileSize(WidgetFamily family) {
   switch (family) {
-    case WidgetFamily::systemSmall:
-      return {170, 170};
-    case WidgetFamily::systemMedium:
-      return {364, 170};
-    case WidgetFamily::systemLarge:
-      return {364, 382};
+    case WidgetFamily::systemSmall: return {170, 170};
+    case WidgetFamily::systemMedium: return {364, 170};
+    case WidgetFamily::systemLarge: return {364, 382};
   }
   return {};
 }

@@ -1,7 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "commands.hpp"
-#include "host/extension.hpp"
+#include "host/localization.hpp"
 #include "host/tile.hpp"
 #include "program/failure.hpp"
 #include "program/output.hpp"

@@ -1,10 +1,8 @@
-#include <libintl.h>
-
-#include <clocale>
 #include <cmath>
 
 #include "commands.hpp"
 #include "host/extension.hpp"
+#include "host/localization.hpp"
 #include "host/tile.hpp"
 #include "program/command_line.hpp"
 #include "program/output.hpp"
@@ -47,11 +45,7 @@ void addScaleOption(CLI::App& app, double& scale) {
 
 int main(int argc, char** argv) {
   program::reserveStandardOutput();
-  // Not LC_NUMERIC: numbers on standard output are for programs, too.
-  std::setlocale(LC_CTYPE, "");
-  std::setlocale(LC_MESSAGES, "");
-  bindtextdomain("tarno", TARNO_LOCALE_DIR);
-  bind_textdomain_codeset("tarno", "UTF-8");
+  host::useCatalogues();
 
   CLI::App app{"Draws and inspects the tiles of the status widget."};
   program::setExample(app, "tarno-widget render --family medium --scale 2 --output tile.png");

@@ -41,8 +41,7 @@ void Encoder::write(std::string_view value) {
 
 void Encoder::write(Date value) {
   switch (dates_) {
-    case DateEncodingStrategy::secondsSince1970:
-      return write(TimeInterval{value.time_since_epoch()}.count());
+    case DateEncodingStrategy::secondsSince1970: return write(TimeInterval{value.time_since_epoch()}.count());
     case DateEncodingStrategy::iso8601:
       return write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(value)});
   }

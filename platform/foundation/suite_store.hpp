@@ -20,8 +20,8 @@ struct SuiteLocation {
   std::filesystem::path file;       ///< defaults.sqlite in it, mode 0600
 };
 
-/// Nothing when neither XDG_DATA_HOME (absolute, as the XDG base directory specification asks) nor a home directory is
-/// known, or when `name` is not a plain file name.
+/// Nothing when neither XDG_DATA_HOME (absolute, as the XDG base directory specification asks) nor a home
+/// directory is known, or when `name` is not a plain file name.
 std::optional<SuiteLocation> suiteLocation(std::string_view name);
 
 /// What opening a suite led to: a store, or one sentence (no full stop) that says why there is none.
@@ -32,15 +32,15 @@ struct SuiteOpening {
 
 /// Opens the suite `name`, making its directory where it is missing; the file appears with the first save.
 ///
-/// A directory or file that belongs to another user, is a symbolic link, is not of its kind, or can be written by group
-/// or others is not opened.
+/// A directory or file that belongs to another user, is a symbolic link, is not of its kind, or can be
+/// written by group or others is not opened.
 ///
-/// The store that comes back reads all values at its first read, in one read transaction, and keeps to that state until
-/// synchronize(), which writes the pending values in one transaction. A store that is released with pending values
-/// writes them first. Waiting for another process's lock ends after 250 ms for a reader and 2 s for a writer. A file
-/// that is damaged reads as nothing stored; the next write sets it aside, under a new name beside the old one, and
-/// starts a fresh one. Values that the file holds in a form that this store does not write, dates outside
-/// earliestDate to latestDate among them, count as missing.
+/// The store that comes back reads all values at its first read, in one read transaction, and keeps to that
+/// state until synchronize(), which writes the pending values in one transaction. A store that is released
+/// with pending values writes them first. Waiting for another process's lock ends after 250 ms for a reader
+/// and 2 s for a writer. A file that is damaged reads as nothing stored; the next write sets it aside, under
+/// a new name beside the old one, and starts a fresh one. Values that the file holds in a form that this
+/// store does not write, dates outside earliestDate to latestDate among them, count as missing.
 SuiteOpening openSuite(std::string_view name);
 
 /// What a person wants to know about a suite when something is wrong with it.

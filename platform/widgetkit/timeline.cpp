@@ -4,12 +4,9 @@ namespace widgetkit {
 
 std::string_view name(WidgetFamily family) {
   switch (family) {
-    case WidgetFamily::systemSmall:
-      return "systemSmall";
-    case WidgetFamily::systemMedium:
-      return "systemMedium";
-    case WidgetFamily::systemLarge:
-      return "systemLarge";
+    case WidgetFamily::systemSmall: return "systemSmall";
+    case WidgetFamily::systemMedium: return "systemMedium";
+    case WidgetFamily::systemLarge: return "systemLarge";
   }
   return {};
 }

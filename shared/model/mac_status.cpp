@@ -13,28 +13,20 @@ std::optional<TarnoMacStatus> TarnoMacStatus::fromRawValue(std::string_view text
 
 std::string_view TarnoMacStatus::rawValue() const {
   switch (case_) {
-    case locked:
-      return "locked";
-    case unlocked:
-      return "unlocked";
-    case locking:
-      return "locking";
-    case unknown:
-      break;
+    case locked: return "locked";
+    case unlocked: return "unlocked";
+    case locking: return "locking";
+    case unknown: break;
   }
   return "unknown";
 }
 
 std::string_view TarnoMacStatus::displayName() const {
   switch (case_) {
-    case locked:
-      return "Locked";
-    case unlocked:
-      return "Unlocked";
-    case locking:
-      return "Locking";
-    case unknown:
-      break;
+    case locked: return "Locked";
+    case unlocked: return "Unlocked";
+    case locking: return "Locking";
+    case unknown: break;
   }
   return "Unknown";
 }

@@ -60,14 +60,10 @@ double TarnoMacDialView::progress() const {
   if (!status) return 0.28;
   if (status->isStale()) return 0.34;
   switch (status->status.value_or(TarnoMacStatus::unknown)) {
-    case TarnoMacStatus::locked:
-      return 1.0;
-    case TarnoMacStatus::unlocked:
-      return 0.54;
-    case TarnoMacStatus::locking:
-      return 0.74;
-    case TarnoMacStatus::unknown:
-      break;
+    case TarnoMacStatus::locked: return 1.0;
+    case TarnoMacStatus::unlocked: return 0.54;
+    case TarnoMacStatus::locking: return 0.74;
+    case TarnoMacStatus::unknown: break;
   }
   return 0.28;
 }
