@@ -13,33 +13,28 @@ namespace {
 
 /// Everything that is inspected, at one moment.
 struct Inspected {
+  widgetkit::WidgetFamily family;
   widgetkit::AnyTimelineEntry entry;
   ui::Description view;
-  ui::Scene scene;
+  ui::Description scene;
+  ui::Description accessibility;
 };
 
-std::string jsonText(const Inspected& inspected, widgetkit::WidgetFamily family) {
-  nlohmann::ordered_json result;
-  result["family"] = name(family);
-  result["entry"] = json(inspected.entry);
-  result["view"] = json(inspected.view);
-  result["scene"] = json(describe(inspected.scene));
-  result["accessibility"] = nlohmann::ordered_json::array();
-  for (const auto& element : inspected.scene.accessibility) result["accessibility"].push_back(json(element));
+std::string jsonText(const Inspected& inspected) {
+  const nlohmann::ordered_json result{{"family", name(inspected.family)},
+                                      {"entry", json(inspected.entry)},
+                                      {"view", json(inspected.view)},
+                                      {"scene", json(inspected.scene)},
+                                      {"accessibility", json(inspected.accessibility)["children"]}};
   return result.dump(2) + "\n";
 }
 
-std::string textForPeople(const Inspected& inspected, widgetkit::WidgetFamily family) {
-  std::string text = "entry " + std::string{name(family)} + "\n";
+std::string textForPeople(const Inspected& inspected) {
+  std::string text = "entry " + std::string{name(inspected.family)} + "\n";
   const auto entry = json(inspected.entry);
   for (const auto& [key, value] : entry.items()) text += "  " + key + " " + value.dump() + "\n";
-  text += "\nview\n" + outline(inspected.view);
-  text += "\nscene\n" + outline(describe(inspected.scene));
-  text += "\naccessibility\n";
-  for (const auto& element : inspected.scene.accessibility) {
-    const auto described = json(element);
-    text += "  " + described["role"].get<std::string>() + " " + described["label"].dump() + "\n";
-  }
+  for (const auto* const part : {&inspected.view, &inspected.scene, &inspected.accessibility})
+    text += "\n" + outline(*part);
   return text;
 }
 
@@ -48,11 +43,13 @@ std::string textForPeople(const Inspected& inspected, widgetkit::WidgetFamily fa
 int inspect(const widgetkit::WidgetConfiguration& widget, const InspectOptions& options) {
   render::TextEngine text;
   const auto entry = entryFor(widget, options.family, options.request);
-  const Inspected inspected{.entry = entry,
+  const auto scene = host::tileScene(entry, options.family, text);
+  const Inspected inspected{.family = options.family,
+                            .entry = entry,
                             .view = describe(entry.content({.widgetFamily = options.family})),
-                            .scene = host::tileScene(entry, options.family, text)};
-  program::writeOutput(options.asJSON ? jsonText(inspected, options.family)
-                                      : textForPeople(inspected, options.family));
+                            .scene = describe(scene),
+                            .accessibility = describeAccessibility(scene)};
+  program::writeOutput(options.asJSON ? jsonText(inspected) : textForPeople(inspected));
   return EX_OK;
 }
 

@@ -29,16 +29,4 @@ ordered_json json(const ui::Description& description) {
   return result;
 }
 
-ordered_json json(const ui::AccessibilityElement& element) {
-  const auto& frame = element.frame;
-  ordered_json result;
-  result["role"] = element.role == ui::AccessibilityElement::Role::image ? "image" : "text";
-  result["label"] = element.label;
-  result["frame"] = {{"x", frame.origin.x},
-                     {"y", frame.origin.y},
-                     {"width", frame.size.width},
-                     {"height", frame.size.height}};
-  return result;
-}
-
 }  // namespace images

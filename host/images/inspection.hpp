@@ -3,7 +3,6 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "ui/description.hpp"
-#include "ui/scene.hpp"
 #include "widget/timeline/widget_entry.hpp"
 #include "widgetkit/widget_configuration.hpp"
 
@@ -15,8 +14,5 @@ nlohmann::ordered_json json(const widgetkit::AnyTimelineEntry& entry);
 
 /// "name", then the attributes, then "children" where there are any.
 nlohmann::ordered_json json(const ui::Description& description);
-
-/// "role", "label" and "frame" (x, y, width, height in points).
-nlohmann::ordered_json json(const ui::AccessibilityElement& element);
 
 }  // namespace images

@@ -23,7 +23,10 @@ struct Description {
 };
 
 Description describe(const View& view);
+/// What is drawn; the items inside a clip are its children.
 Description describe(const Scene& scene);
+/// What a screen reader stops at.
+Description describeAccessibility(const Scene& scene);
 
 /// "#RRGGBB", with "@alpha" behind it unless the colour is opaque: "#2E8F93@0.16".
 std::string describe(const Color& color);

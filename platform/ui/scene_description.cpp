@@ -86,9 +86,13 @@ Description describe(const Scene& scene) {
   Builder builder{"Scene"};
   builder.number("width", scene.size.width).number("height", scene.size.height);
   addItems(builder, scene.items, 0);
-  Builder accessibility{"accessibility"};
-  for (const AccessibilityElement& element : scene.accessibility) accessibility.child(describe(element));
-  return builder.child(accessibility.take()).take();
+  return builder.take();
+}
+
+Description describeAccessibility(const Scene& scene) {
+  Builder builder{"accessibility"};
+  for (const AccessibilityElement& element : scene.accessibility) builder.child(describe(element));
+  return builder.take();
 }
 
 }  // namespace ui

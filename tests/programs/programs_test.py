@@ -139,6 +139,8 @@ class Programs(unittest.TestCase):
             items = self.inspected("--family", "small", "--at", MOMENT)["scene"]["children"][0]["children"]
             arc, = (item for item in items if item.get("outline") == "arc")
             self.assertEqual((arc["start"], arc["end"], arc["lineCap"]), (154.8, end, "round"), status)
+        people = self.run_program("tarno-widget", "inspect", "--placeholder", "--at", MOMENT).stdout.decode()
+        self.assertRegex(people, r'(?s)entry systemMedium\n  date .*\n    HStack spacing=14\n.*\naccessibility\n  image ')
 
     def test_gallery(self):
         shown = json.loads(self.run_program("tarno-widget", "gallery", "--json", "--output", "previews").stdout)

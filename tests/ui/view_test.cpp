@@ -87,7 +87,7 @@ TEST(Description, OfASceneGivesWhatIsDrawnAndWhatIsAnnounced) {
   FakeMeasurer measurer;
   const Scene scene =
       layout(tile("now"), {.size = {170, 82}, .contentMargin = 16, .cornerRadius = 22}, measurer);
-  EXPECT_EQ(outline(describe(scene)), R"(Scene width=170 height=82
+  EXPECT_EQ(outline(describe(scene)) + outline(describeAccessibility(scene)), R"(Scene width=170 height=82
   clip outline=path x=0 y=0 width=170 height=82
     fill color=#FFFFFF outline=path x=0 y=0 width=170 height=82
     stroke color=#000000 lineWidth=6 outline=circle centerX=41 centerY=41 radius=25
@@ -95,9 +95,9 @@ TEST(Description, OfASceneGivesWhatIsDrawnAndWhatIsAnnounced) {
     fill color=#000000@0.12 outline=path x=80 y=16 width=47.5 height=13.2
     stroke color=#2E8F93 lineWidth=0.88 outline=path x=89.32 y=18.42 width=8.36 height=8.36
     text text="now" font="11 semibold rounded" color=#2E8F93 x=103 y=16 width=16.5 height=13.2 baseline=9.9 maxLines=1
-  accessibility
-    image label="Mac \"locked\"" x=16 y=16 width=50 height=50
-    staticText label="now" x=103 y=16 width=16.5 height=13.2
+accessibility
+  image label="Mac \"locked\"" x=16 y=16 width=50 height=50
+  staticText label="now" x=103 y=16 width=16.5 height=13.2
 )");
 }
 

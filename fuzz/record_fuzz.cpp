@@ -1,0 +1,23 @@
+// Any bytes decode to a record or are refused; what decodes survives being written and read again.
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "shared/coding/json.hpp"
+#include "shared/model/status_snapshot.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  TarnoMacStatusSnapshot snapshot;
+  try {
+    snapshot =
+        TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>({reinterpret_cast<const char*>(data), size});
+  } catch (const foundation::DecodingError&) {
+    return 0;
+  }
+  if (snapshot.seenAt) snapshot.seenAt = std::chrono::floor<std::chrono::seconds>(*snapshot.seenAt);
+  const auto again =
+      TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(TarnoJSON::encoder().encode(snapshot));
+  if (!(again == snapshot)) std::abort();
+  return 0;
+}

@@ -1,0 +1,28 @@
+// Any texts lay out inside the tile and draw.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "host/tile.hpp"
+#include "render/image.hpp"
+#include "widget/views/widget_view.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static render::TextEngine text;
+  const std::string bytes{reinterpret_cast<const char*>(data), size};
+  const auto half = size / 2;
+  const TarnoMacWidgetEntry entry{
+      {}, TarnoMacStatusSnapshot{.deviceName = bytes.substr(0, half), .reason = bytes.substr(half)}, {}};
+  const widgetkit::AnyTimelineEntry any{{}, entry, [&entry](const widgetkit::EnvironmentValues& environment) {
+                                          return TarnoMacWidgetView{environment.widgetFamily, entry}.body();
+                                        }};
+  const auto scene = host::tileScene(any, widgetkit::WidgetFamily::systemMedium, text);
+  for (const auto& item : scene.items) {
+    const auto* const run = std::get_if<ui::TextRun>(&item);
+    if (run != nullptr && run->box.right() > scene.size.width - host::contentMargin + 0.01) std::abort();
+  }
+  encodeImage(scene, text, render::ImageFormat::png, 1);
+  return 0;
+}
