@@ -40,7 +40,8 @@ struct SuiteOpening {
 /// with pending values writes them first. Waiting for another process's lock ends after 250 ms for a reader
 /// and 2 s for a writer. A file that is damaged reads as nothing stored; the next write sets it aside, under
 /// a new name beside the old one, and starts a fresh one. Values that the file holds in a form that this
-/// store does not write, dates outside earliestDate to latestDate among them, count as missing.
+/// store does not write count as missing: dates outside earliestDate to latestDate, NaN and values over 16
+/// MiB among them. While such a value is pending, synchronize() writes nothing and answers false.
 SuiteOpening openSuite(std::string_view name);
 
 /// What a person wants to know about a suite when something is wrong with it.
