@@ -97,7 +97,8 @@ class SuiteStore final : public UserDefaults {
     stored_.emplace();
     try {
       *stored_ = readValues(directory_);
-    } catch (const std::exception&) {
+    } catch (const SqliteError&) {
+    } catch (const SuiteRefusal&) {
     }
   }
 
@@ -108,7 +109,9 @@ class SuiteStore final : public UserDefaults {
     if (!std::all_of(pending_.begin(), pending_.end(), canBeStored)) return false;
     try {
       writeValues(directory_, pending_);
-    } catch (const std::exception&) {
+    } catch (const SqliteError&) {
+      return false;
+    } catch (const SuiteRefusal&) {
       return false;
     }
     pending_.clear();
