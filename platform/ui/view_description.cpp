@@ -27,8 +27,8 @@ std::string nameOf(VerticalAlignment alignment) {
 
 /// The name that fits both axes where there is one, as in code; "leading top" where there is none.
 std::string nameOf(const Alignment& alignment) {
-  const std::string horizontal = nameOf(alignment.horizontal);
-  const std::string vertical = nameOf(alignment.vertical);
+  std::string horizontal = nameOf(alignment.horizontal);
+  std::string vertical = nameOf(alignment.vertical);
   if (vertical == "center") return horizontal;
   return horizontal == "center" ? vertical : horizontal + ' ' + vertical;
 }

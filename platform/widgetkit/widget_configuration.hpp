@@ -102,8 +102,8 @@ class StaticTimelineProvider final : public AnyTimelineProvider {
 
 /// A configuration that the user cannot edit. `content(entry, environment)` is the view of an entry.
 template <TimelineProvider Provider, class Content>
-WidgetConfiguration StaticConfiguration(std::string kind, Provider provider, Content content) {
-  return {.kind = std::move(kind),
+WidgetConfiguration StaticConfiguration(const std::string& kind, Provider provider, Content content) {
+  return {.kind = kind,
           .provider = std::make_shared<const StaticTimelineProvider<Provider, Content>>(std::move(provider),
                                                                                         std::move(content))};
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+
+#include "foundation/date.hpp"
+#include "widgetkit/timeline.hpp"
+
+namespace widgetkit {
+
+/// A reload date that has come already, or is about to, is put off to this long after the request that named
+/// it.
+inline constexpr foundation::Date::duration shortestReload = std::chrono::seconds{5};
+
+/// A request that failed is tried again after this long.
+inline constexpr foundation::Date::duration retryInterval = std::chrono::seconds{30};
+
+/// When a host asks for the next timeline, after the request that it made at `now` was answered with
+/// `answered`, or failed. Always later than `now`, so that no answer makes a host busy, and no later than the
+/// last date there is.
+foundation::Date nextRequest(foundation::Date now, const std::optional<TimelineReloadPolicy>& answered);
+
+}  // namespace widgetkit
