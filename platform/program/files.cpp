@@ -45,12 +45,13 @@ void writeDirectly(const std::filesystem::path& path, std::string_view bytes) {
   if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
 }
 
-/// Through a new file beside it, which then takes its name.
+/// Through a new file beside it, which then takes its name. Not synced: what is written here can be made
+/// again.
 void replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
   std::string temporary = path.string() + ".XXXXXX";
   const Descriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
   if (file.get() < 0) throw failed(EX_CANTCREAT, "cannot create", path);
-  if (fchmod(file.get(), mode) != 0 || !writeAll(file.get(), bytes) || fsync(file.get()) != 0 ||
+  if (fchmod(file.get(), mode) != 0 || !writeAll(file.get(), bytes) ||
       std::rename(temporary.c_str(), path.c_str()) != 0) {
     const auto failure = failed(EX_IOERR, "cannot write", path);
     unlink(temporary.c_str());

@@ -12,9 +12,9 @@ namespace program {
 std::string readFile(const std::filesystem::path& path, std::size_t limit);
 
 /// Makes or replaces the file at `path`, whole or not at all: a reader sees the old content or the new one,
-/// and a failure leaves the old one. A link is followed; what is not a regular file (a pipe, a device) is
-/// written directly. Throws Failure: EX_CANTCREAT when nothing can be made there, EX_IOERR when writing
-/// fails.
+/// and a failure leaves the old one (a power cut may leave neither). A link is followed; what is not a
+/// regular file (a pipe, a device) is written directly. Throws Failure: EX_CANTCREAT when nothing can be made
+/// there, EX_IOERR when writing fails.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
 /// Writes all of `bytes` to a descriptor; false, with errno set, when it cannot.

@@ -1,0 +1,45 @@
+#include "render/display_text.hpp"
+
+#include <glib.h>
+
+#include <utility>
+
+namespace render {
+namespace {
+
+bool breaksLine(gunichar c) { return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029; }
+
+/// What Pango would draw as a box, skip, or take for a tab stop that a label does not have.
+bool isControl(gunichar c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
+
+}  // namespace
+
+DisplayText displayText(std::string_view text, bool singleLine) {
+  const bool tooLong = text.size() > longestDisplayText;
+  if (tooLong) text = text.substr(0, longestDisplayText);
+  const std::string_view breakMark = singleLine ? " " : lineBreak;
+
+  std::string result;
+  result.reserve(text.size() + ellipsis.size());
+  while (!text.empty()) {
+    // glib reads a NUL as the end of the text.
+    const gunichar c =
+        text.front() == '\0' ? 0 : g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
+    const bool valid = c < 0x110000;
+    if (!valid && tooLong && text.size() < 4) break;  // a character that the cut went through
+    const std::size_t length = valid ? static_cast<std::size_t>(g_unichar_to_utf8(c, nullptr)) : 1;
+    if (!valid)
+      result += "\uFFFD";
+    else if (breaksLine(c))
+      result += breakMark;
+    else if (isControl(c))
+      result += ' ';
+    else
+      result += text.substr(0, length);
+    text.remove_prefix(text.starts_with("\r\n") ? 2 : length);
+  }
+  if (tooLong) result += ellipsis;
+  return {std::move(result), tooLong};
+}
+
+}  // namespace render

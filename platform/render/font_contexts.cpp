@@ -1,0 +1,77 @@
+#include "render/font_contexts.hpp"
+
+#include <pango/pangocairo.h>
+#include <pango/pangofc-fontmap.h>
+
+namespace render {
+namespace {
+
+using Config = Handle<FcConfig, FcConfigDestroy>;
+using FontMap = ObjectHandle<PangoFontMap>;
+using FontOptions = Handle<cairo_font_options_t, cairo_font_options_destroy>;
+
+/// A configuration of the files that Debian's fonts-quicksand installs, or null where they are not there.
+Config roundedFaceOnly() {
+  static constexpr char text[] =
+      "<fontconfig>"
+      "<dir>/usr/share/fonts/truetype/quicksand</dir>"
+      "<cachedir>/var/cache/fontconfig</cachedir>"
+      "<cachedir prefix=\"xdg\">fontconfig</cachedir>"
+      "</fontconfig>";
+  Config config(FcConfigCreate());
+  const bool built =
+      config &&
+      FcConfigParseAndLoadFromMemory(config.get(), reinterpret_cast<const FcChar8*>(text), FcFalse) &&
+      FcConfigBuildFonts(config.get());
+  const FcFontSet* fonts = built ? FcConfigGetFonts(config.get(), FcSetSystem) : nullptr;
+  return fonts && fonts->nfont > 0 ? std::move(config) : nullptr;
+}
+
+FontMap makeFontMap() { return FontMap(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT)); }
+
+FontMap makeFontMap(FcConfig* config) {
+  // With its first font map, Pango has fontconfig load the fonts of the whole machine and then waits for
+  // that, whatever the map is about. It does not when there is a current configuration already.
+  const bool firstInProcess = !g_type_class_peek(PANGO_TYPE_FC_FONT_MAP);
+  if (firstInProcess) FcConfigSetCurrent(config);
+  FontMap map = makeFontMap();
+  pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map.get()), config);
+  if (firstInProcess) {
+    pango_fc_font_map_get_config(PANGO_FC_FONT_MAP(map.get()));  // waits until Pango has looked
+    FcConfigSetCurrent(nullptr);
+  }
+  return map;
+}
+
+PangoLanguage* languageOfLocale() {
+  PangoLanguage* language = pango_language_get_default();
+  return pango_language_matches(language, "c;posix") ? pango_language_from_string("en") : language;
+}
+
+ObjectHandle<PangoContext> makeContext(const FontMap& fontMap) {
+  ObjectHandle<PangoContext> context(pango_font_map_create_context(fontMap.get()));
+  // Hints would make widths depend on the scale, and a text that fits at one scale be cut at another.
+  const FontOptions options(cairo_font_options_create());
+  cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+  cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+  cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
+  pango_cairo_context_set_font_options(context.get(), options.get());
+  pango_context_set_round_glyph_positions(context.get(), FALSE);
+  // Of no language, Pango would look up every face twice: for no language, and for the one it takes Latin
+  // for.
+  pango_context_set_language(context.get(), languageOfLocale());
+  return context;
+}
+
+}  // namespace
+
+FontContexts::FontContexts() {
+  if (const Config config = roundedFaceOnly()) rounded_ = makeContext(makeFontMap(config.get()));
+}
+
+PangoContext* FontContexts::all() {
+  if (!all_) all_ = makeContext(makeFontMap());
+  return all_.get();
+}
+
+}  // namespace render

@@ -1,0 +1,124 @@
+#include "render/image.hpp"
+
+#include <cairo-pdf.h>
+#include <cairo-svg.h>
+#include <cairo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <new>
+
+#include "render/cairo_handle.hpp"
+#include "render/painter.hpp"
+#include "render/png.hpp"
+
+namespace render {
+namespace {
+
+void requireSuccess(cairo_status_t status) {
+  if (status != CAIRO_STATUS_SUCCESS)
+    throw ImageError(std::string("cannot draw the image: ") + cairo_status_to_string(status));
+}
+
+void paintScaled(const ui::Scene& scene, TextEngine& text, double scale, cairo_surface_t* surface) {
+  requireSuccess(cairo_surface_status(surface));
+  const Context cairo(cairo_create(surface));
+  cairo_scale(cairo.get(), scale, scale);
+  paint(scene, text, cairo.get());
+  requireSuccess(cairo_status(cairo.get()));
+}
+
+/// Whole pixels that cover `points`; what exceeds a pixel by a rounding error does not count.
+int pixels(double points, double scale) {
+  const double side = std::max(std::ceil(points * scale - 1e-6), 1.0);
+  if (!(side <= largestImageSide))
+    throw ImageError("the image would be larger than " + std::to_string(largestImageSide) + " pixels");
+  return static_cast<int>(side);
+}
+
+std::string png(const ui::Scene& scene, TextEngine& text, double scale) {
+  const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels(scene.size.width, scale),
+                                                   pixels(scene.size.height, scale)));
+  paintScaled(scene, text, scale, surface.get());
+  cairo_surface_flush(surface.get());
+  return encodePng({.data = cairo_image_surface_get_data(surface.get()),
+                    .width = cairo_image_surface_get_width(surface.get()),
+                    .height = cairo_image_surface_get_height(surface.get()),
+                    .stride = cairo_image_surface_get_stride(surface.get())},
+                   72 * scale);
+}
+
+cairo_status_t append(void* file, const unsigned char* data, unsigned int length) {
+  try {
+    static_cast<std::string*>(file)->append(reinterpret_cast<const char*>(data), length);
+    return CAIRO_STATUS_SUCCESS;
+  } catch (const std::bad_alloc&) {
+    return CAIRO_STATUS_NO_MEMORY;
+  }
+}
+
+using CreateSurface = cairo_surface_t* (*)(cairo_write_func_t, void*, double width, double height);
+
+/// `prepare` is called with the surface before anything is drawn.
+template <class Prepare>
+std::string vectorFile(const ui::Scene& scene, TextEngine& text, double scale, CreateSurface create,
+                       const Prepare& prepare) {
+  std::string file;
+  const Surface surface(create(append, &file, scene.size.width * scale, scene.size.height * scale));
+  requireSuccess(cairo_surface_status(surface.get()));
+  prepare(surface.get());
+  paintScaled(scene, text, scale, surface.get());
+  cairo_surface_finish(surface.get());
+  requireSuccess(cairo_surface_status(surface.get()));
+  return file;
+}
+
+/// Cairo names the parts of an SVG after a count of all surfaces that the process ever made. Counts them
+/// within the file, so that the same scene gives the same bytes. (Cairo writes texts as shapes: no text can
+/// hold such a name.)
+std::string withOwnSurfaceNames(const std::string& svg) {
+  static constexpr std::string_view prefix = "surface";
+  std::string result;
+  std::map<std::string, std::size_t> numbers;
+  std::size_t copied = 0;
+  for (auto at = svg.find(prefix); at != std::string::npos; at = svg.find(prefix, copied)) {
+    const auto digits = at + prefix.size();
+    const auto end = std::min(svg.find_first_not_of("0123456789", digits), svg.size());
+    result.append(svg, copied, digits - copied);
+    if (end > digits)
+      result +=
+          std::to_string(numbers.try_emplace(svg.substr(digits, end - digits), numbers.size()).first->second);
+    copied = end;
+  }
+  return result.append(svg, copied);
+}
+
+std::string svg(const ui::Scene& scene, TextEngine& text, double scale) {
+  return withOwnSurfaceNames(vectorFile(
+      scene, text, scale, cairo_svg_surface_create_for_stream,
+      [](cairo_surface_t* surface) { cairo_svg_surface_set_document_unit(surface, CAIRO_SVG_UNIT_USER); }));
+}
+
+std::string pdf(const ui::Scene& scene, TextEngine& text, double scale) {
+  return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [](cairo_surface_t* surface) {
+    // Otherwise the time of drawing.
+    cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
+  });
+}
+
+}  // namespace
+
+std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale) try {
+  switch (format) {
+    case ImageFormat::png: return png(scene, text, scale);
+    case ImageFormat::svg: return svg(scene, text, scale);
+    case ImageFormat::pdf: return pdf(scene, text, scale);
+  }
+  throw ImageError("unknown image format");
+} catch (const std::bad_alloc&) {
+  throw ImageError("cannot draw the image: out of memory");
+}
+
+}  // namespace render

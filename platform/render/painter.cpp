@@ -1,0 +1,74 @@
+#include "render/painter.hpp"
+
+#include <cairo.h>
+
+namespace render {
+namespace {
+
+struct PathBuilder {
+  cairo_t* cairo;
+
+  void operator()(const ui::Path::Move& e) const { cairo_move_to(cairo, e.to.x, e.to.y); }
+  void operator()(const ui::Path::Line& e) const { cairo_line_to(cairo, e.to.x, e.to.y); }
+  void operator()(const ui::Path::Curve& e) const {
+    cairo_curve_to(cairo, e.control1.x, e.control1.y, e.control2.x, e.control2.y, e.to.x, e.to.y);
+  }
+  void operator()(const ui::Path::Arc& e) const {
+    const auto add = e.end.radians > e.start.radians ? cairo_arc : cairo_arc_negative;
+    add(cairo, e.center.x, e.center.y, e.radius, e.start.radians, e.end.radians);
+  }
+  void operator()(const ui::Path::Close&) const { cairo_close_path(cairo); }
+};
+
+void setPath(cairo_t* cairo, const ui::Path& path) {
+  cairo_new_path(cairo);
+  for (const auto& element : path.elements) std::visit(PathBuilder{cairo}, element);
+}
+
+void setColor(cairo_t* cairo, const ui::Color& color) {
+  cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+}
+
+struct ItemPainter {
+  TextEngine& text;
+  cairo_t* cairo;
+
+  void operator()(const ui::FillPath& item) const {
+    setPath(cairo, item.path);
+    setColor(cairo, item.color);
+    cairo_fill(cairo);
+  }
+
+  void operator()(const ui::StrokePath& item) const {
+    setPath(cairo, item.path);
+    setColor(cairo, item.color);
+    cairo_set_line_width(cairo, item.style.lineWidth);
+    cairo_set_line_cap(cairo,
+                       item.style.lineCap == ui::LineCap::round ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
+    cairo_stroke(cairo);
+  }
+
+  void operator()(const ui::TextRun& item) const { text.draw(item, cairo); }
+
+  void operator()(const ui::BeginClip& item) const {
+    cairo_save(cairo);
+    setPath(cairo, item.path);
+    cairo_clip(cairo);
+  }
+
+  void operator()(const ui::EndClip&) const { cairo_restore(cairo); }
+};
+
+}  // namespace
+
+void paint(const ui::Scene& scene, TextEngine& text, cairo_t* cairo) {
+  cairo_save(cairo);
+  cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_WINDING);
+  cairo_set_line_join(cairo, CAIRO_LINE_JOIN_MITER);
+  cairo_set_miter_limit(cairo, 10);
+  for (const ui::SceneItem& item : scene.items) std::visit(ItemPainter{text, cairo}, item);
+  cairo_new_path(cairo);
+  cairo_restore(cairo);
+}
+
+}  // namespace render

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "render/text_engine.hpp"
+#include "ui/scene.hpp"
+
+namespace render {
+
+/// Draws `scene` on `cairo`, whose user space is in points with the scene's corner at the origin; what the
+/// scene does not cover is left as it was. The state of `cairo` is the same afterwards.
+void paint(const ui::Scene& scene, TextEngine& text, cairo_t* cairo);
+
+}  // namespace render

@@ -1,0 +1,101 @@
+#include "render/shaped_text.hpp"
+
+#include <hb.h>
+
+#include <algorithm>
+
+namespace render {
+namespace {
+
+using AttributeList = Handle<PangoAttrList, pango_attr_list_unref>;
+
+constexpr double points(int units) { return static_cast<double>(units) / PANGO_SCALE; }
+
+/// Where a line break ends the last line of `text` that may be shown and more follows; npos where nothing
+/// does.
+std::size_t breakAfter(std::string_view text, const PangoLayoutLine* lastLine) {
+  const std::size_t position = text.find(lineBreak, static_cast<std::size_t>(lastLine->start_index));
+  return position + lineBreak.size() < text.size() ? position : std::string_view::npos;
+}
+
+/// Pango sets a blank in the face of what stands before it. Between Japanese and Latin words, that makes the
+/// blank before a word twice as wide as the one behind it; so there, blanks are set in the font's own face.
+AttributeList ownBlanks(std::string_view text) {
+  AttributeList attributes(pango_attr_list_new());
+  for (auto at = text.find(' ', 1); at < text.size() - 1; at = text.find(' ', at + 1)) {
+    const bool betweenScripts = (text[at - 1] & 0x80) != 0 && g_ascii_isalnum(text[at + 1]);
+    if (!betweenScripts) continue;
+    PangoAttribute* ownFace = pango_attr_fallback_new(FALSE);
+    ownFace->start_index = static_cast<guint>(at);
+    ownFace->end_index = static_cast<guint>(at + 1);
+    pango_attr_list_insert(attributes.get(), ownFace);
+  }
+  return attributes;
+}
+
+/// Pango's own answer would bring in the metrics of each face, and those cost as much as the rest of the
+/// layout.
+int width(const PangoLayoutLine* line) {
+  int sum = 0;
+  for (const GSList* node = line->runs; node; node = node->next)
+    sum += pango_glyph_string_get_width(static_cast<const PangoGlyphItem*>(node->data)->glyphs);
+  return sum;
+}
+
+}  // namespace
+
+ShapedText::ShapedText(PangoContext* context, const FontDescription& face, const DisplayText& text, int width,
+                       int maxLines)
+    : layout_(pango_layout_new(context)) {
+  pango_layout_set_font_description(layout_.get(), face.get());
+  pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
+  pango_layout_set_ellipsize(layout_.get(), PANGO_ELLIPSIZE_END);
+  pango_layout_set_height(layout_.get(), -maxLines);
+  if (width != unlimited) pango_layout_set_width(layout_.get(), width);
+
+  setText(text.text);
+  pango_layout_set_attributes(layout_.get(), ownBlanks(text.text).get());
+  const bool cut = cutBetweenLines(text.text, maxLines);
+  metrics_.truncated = cut || text.cut || pango_layout_is_ellipsized(layout_.get());
+
+  const ObjectHandle<PangoFont> primary(pango_context_load_font(context, face.get()));
+  hb_font_extents_t extents{};
+  if (primary) hb_font_get_h_extents(pango_font_get_hb_font(primary.get()), &extents);
+  metrics_.baseline = points(extents.ascender);
+  lineHeight_ = points(extents.ascender - extents.descender);
+
+  placeLines();
+  const bool asWideAsItGets =
+      !pango_layout_is_wrapped(layout_.get()) && !pango_layout_is_ellipsized(layout_.get());
+  widest_ = asWideAsItGets ? unlimited : width;
+  narrowest_ = std::min(narrowest_, width);
+}
+
+void ShapedText::setText(std::string_view text) {
+  pango_layout_set_text(layout_.get(), text.data(), static_cast<int>(text.size()));
+}
+
+/// Pango cuts a last line that is too long, but sets what follows a line break behind it when that fits, and
+/// does not count lines at all when it has no width to keep to.
+bool ShapedText::cutBetweenLines(std::string_view text, int maxLines) {
+  if (pango_layout_get_line_count(layout_.get()) < maxLines) return false;
+  const std::size_t end = breakAfter(text, pango_layout_get_line_readonly(layout_.get(), maxLines - 1));
+  if (end == std::string_view::npos) return false;
+  setText(std::string(text.substr(0, end)).append(ellipsis));
+  return true;
+}
+
+void ShapedText::placeLines() {
+  const int count = pango_layout_get_line_count(layout_.get());
+  for (int i = 0; i < count; ++i) {
+    PangoLayoutLine* line = pango_layout_get_line_readonly(layout_.get(), i);
+    lines_.push_back({line, points(width(line))});
+    narrowest_ = std::max(narrowest_, width(line));
+  }
+  rightToLeft_ = lines_.front().glyphs->resolved_dir == PANGO_DIRECTION_RTL;
+  for (Line& line : lines_) line.x = rightToLeft_ ? points(narrowest_) - line.x : 0;
+  metrics_.lines = count;
+  metrics_.size = {points(narrowest_), count * lineHeight_};
+}
+
+}  // namespace render

@@ -1,0 +1,194 @@
+#include "render/text_drawing.hpp"
+
+#include <pango/pangocairo.h>
+#include <pango/pangofc-font.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace render {
+namespace {
+
+/// In pixels. A larger text is filled anew at each drawing.
+constexpr double largestStamp = 4e6;
+
+constexpr std::size_t keptStamps = 4;
+
+bool isVector(cairo_surface_t* surface) {
+  switch (cairo_surface_get_type(surface)) {
+    case CAIRO_SURFACE_TYPE_PDF:
+    case CAIRO_SURFACE_TYPE_PS:
+    case CAIRO_SURFACE_TYPE_SVG:
+    case CAIRO_SURFACE_TYPE_RECORDING: return true;
+    default: return false;
+  }
+}
+
+/// Whether the glyphs of `run` are pictures, coloured or not.
+bool hasPictures(const PangoGlyphItem* run) {
+  PangoFont* font = run->item->analysis.font;
+  if (!PANGO_IS_FC_FONT(font)) return false;
+  FcPattern* pattern = pango_fc_font_get_pattern(PANGO_FC_FONT(font));
+  FcBool color = FcFalse;
+  FcBool outline = FcTrue;
+  FcPatternGetBool(pattern, FC_COLOR, 0, &color);
+  FcPatternGetBool(pattern, FC_OUTLINE, 0, &outline);
+  return color || !outline;
+}
+
+bool isUpright(const cairo_matrix_t& matrix) { return matrix.xy == 0 && matrix.yx == 0; }
+
+/// Calls `visit(line, run)` for every run of glyphs, with the current point of `cairo` at its start. Runs
+/// stand on one baseline; where Pango lifts one script against another, it does so in the middle of a word.
+/// With `pixels`, baselines stand on whole pixels.
+template <class Visit>
+void visitRuns(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t* pixels, const Visit& visit) {
+  double y = 0;
+  for (const ShapedText::Line& line : text.lines()) {
+    const double baseline = pixels && isUpright(*pixels) ? std::round(y * pixels->yy) / pixels->yy : y;
+    double x = line.x;
+    for (const GSList* node = line.glyphs->runs; node; node = node->next) {
+      auto* run = static_cast<PangoGlyphItem*>(node->data);
+      cairo_move_to(cairo, x, baseline);
+      visit(line, run);
+      x += pango_units_to_double(pango_glyph_string_get_width(run->glyphs));
+    }
+    y += text.lineHeight();
+  }
+}
+
+void addOutlines(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& pixels) {
+  visitRuns(text, cairo, &pixels, [&](const ShapedText::Line&, PangoGlyphItem* run) {
+    if (!hasPictures(run)) pango_cairo_glyph_string_path(cairo, run->item->analysis.font, run->glyphs);
+  });
+}
+
+/// Cairo draws coloured glyphs without regard to the source's opacity.
+void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
+  double opacity = 1;
+  cairo_pattern_get_rgba(cairo_get_source(cairo), nullptr, nullptr, nullptr, &opacity);
+  if (opacity < 1) cairo_push_group(cairo);
+  pango_cairo_show_glyph_item(cairo, pango_layout_get_text(line.glyphs->layout), run);
+  if (opacity < 1) {
+    cairo_pattern_t* source = cairo_pattern_reference(cairo_get_source(cairo));
+    cairo_pop_group_to_source(cairo);
+    cairo_paint_with_alpha(cairo, opacity);
+    cairo_set_source(cairo, source);
+    cairo_pattern_destroy(source);
+  }
+}
+
+void drawPictures(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& pixels) {
+  visitRuns(text, cairo, &pixels, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
+    if (hasPictures(run)) showPictures(line, run, cairo);
+  });
+  cairo_new_path(cairo);
+}
+
+void drawAsVector(const ShapedText& text, cairo_t* cairo) {
+  visitRuns(text, cairo, nullptr, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
+    if (hasPictures(run))
+      showPictures(line, run, cairo);
+    else
+      pango_cairo_show_glyph_item(cairo, pango_layout_get_text(line.glyphs->layout), run);
+  });
+  cairo_new_path(cairo);
+}
+
+/// The stamp of `text` for `matrix`; none when it would be too large.
+std::optional<TextStamp> makeStamp(const ShapedText& text, const cairo_matrix_t& matrix) {
+  // Without bounds, because Cairo leaves out glyphs that lie far outside of a surface.
+  const Surface sheet(cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr));
+  const Context outlines(cairo_create(sheet.get()));
+  cairo_set_matrix(outlines.get(), &matrix);
+  addOutlines(text, outlines.get(), matrix);
+  cairo_identity_matrix(outlines.get());
+  double left, top, right, bottom;
+  cairo_path_extents(outlines.get(), &left, &top, &right, &bottom);
+  left = std::floor(left);
+  top = std::floor(top);
+  const double width = std::ceil(right) - left;
+  const double height = std::ceil(bottom) - top;
+  if (width * height > largestStamp) return std::nullopt;
+
+  TextStamp stamp{
+      .matrix = matrix, .coverage = nullptr, .left = static_cast<int>(left), .top = static_cast<int>(top)};
+  if (width < 1 || height < 1) return stamp;
+  stamp.coverage.reset(
+      cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(width), static_cast<int>(height)));
+  const Context filled(cairo_create(stamp.coverage.get()));
+  cairo_translate(filled.get(), -left, -top);
+  const Handle<cairo_path_t, cairo_path_destroy> path(cairo_copy_path(outlines.get()));
+  cairo_append_path(filled.get(), path.get());
+  cairo_fill(filled.get());
+  return stamp;
+}
+
+bool sameMatrix(const cairo_matrix_t& a, const cairo_matrix_t& b) {
+  return a.xx == b.xx && a.yx == b.yx && a.xy == b.xy && a.yy == b.yy && a.x0 == b.x0 && a.y0 == b.y0;
+}
+
+/// Null when it would be too large. Valid until the next call.
+const TextStamp* findStamp(TextStamps& stamps, const ShapedText& text, const cairo_matrix_t& matrix) {
+  const auto found = std::find_if(stamps.begin(), stamps.end(),
+                                  [&](const TextStamp& stamp) { return sameMatrix(stamp.matrix, matrix); });
+  if (found != stamps.end()) return &*found;
+  std::optional<TextStamp> made = makeStamp(text, matrix);
+  if (!made) return nullptr;
+  if (stamps.size() == keptStamps) stamps.erase(stamps.begin());
+  return &stamps.emplace_back(std::move(*made));
+}
+
+/// User space to pixels, moved by less than a pixel: up or down to set the text upon whole pixels, and
+/// sideways by a sixteenth at most, so that rounding errors do not ask for a new stamp.
+cairo_matrix_t snappedPixels(cairo_t* cairo, double scaleX, double scaleY) {
+  cairo_matrix_t pixels;
+  cairo_get_matrix(cairo, &pixels);
+  cairo_matrix_t scale;
+  cairo_matrix_init_scale(&scale, scaleX, scaleY);
+  cairo_matrix_multiply(&pixels, &pixels, &scale);
+  if (isUpright(pixels)) {
+    pixels.x0 = std::round(pixels.x0 * 8) / 8;
+    pixels.y0 = std::round(pixels.y0);
+  }
+  return pixels;
+}
+
+void drawOnPixels(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
+  double scaleX, scaleY;
+  cairo_surface_get_device_scale(cairo_get_group_target(cairo), &scaleX, &scaleY);
+  const cairo_matrix_t pixels = snappedPixels(cairo, scaleX, scaleY);
+  cairo_matrix_t fraction = pixels;
+  fraction.x0 -= std::floor(pixels.x0);
+  fraction.y0 -= std::floor(pixels.y0);
+
+  // From here on a unit of user space is a pixel.
+  cairo_identity_matrix(cairo);
+  cairo_scale(cairo, 1 / scaleX, 1 / scaleY);
+  const TextStamp* stamp = findStamp(stamps, text, fraction);
+  if (stamp && stamp->coverage)
+    cairo_mask_surface(cairo, stamp->coverage.get(), std::floor(pixels.x0) + stamp->left,
+                       std::floor(pixels.y0) + stamp->top);
+  cairo_transform(cairo, &pixels);
+  if (!stamp) {
+    addOutlines(text, cairo, pixels);
+    cairo_fill(cairo);
+  }
+  drawPictures(text, cairo, pixels);
+}
+
+}  // namespace
+
+void drawText(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
+  cairo_save(cairo);
+  cairo_new_path(cairo);
+  if (isVector(cairo_get_group_target(cairo)))
+    drawAsVector(text, cairo);
+  else
+    drawOnPixels(text, stamps, cairo);
+  cairo_restore(cairo);
+}
+
+}  // namespace render

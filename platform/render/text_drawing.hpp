@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cairo.h>
+
+#include <vector>
+
+#include "render/cairo_handle.hpp"
+#include "render/shaped_text.hpp"
+
+namespace render {
+
+/// The coverage of a text's outlines on a raster surface, kept from one drawing to the next.
+struct TextStamp {
+  cairo_matrix_t matrix{};  ///< what it was made for, its origin less than a pixel from 0
+  Surface coverage;         ///< nothing when the text has no outlines
+  int left = 0;             ///< of `coverage`, in pixels from the whole pixel that the text starts in
+  int top = 0;
+};
+
+/// The stamps of a text, the newest last: a text may stand on a tile in more than one size.
+using TextStamps = std::vector<TextStamp>;
+
+/// Draws `text`, at the shaping size, in the source colour of `cairo`, with its widest line starting at the
+/// origin of user space and its first baseline on it. On a raster surface, baselines move to the nearest
+/// whole pixel unless the text is turned.
+///
+/// There, text is filled as outlines: Cairo's glyphs stand on whole pixels only, and at 11 or 12 points their
+/// spacing would jump from letter to letter. Outlines are slow to fill, hence the stamps. Vector surfaces get
+/// text as glyphs, and so does every surface where the glyphs are pictures (emoji).
+void drawText(const ShapedText& text, TextStamps& stamps, cairo_t* cairo);
+
+}  // namespace render

@@ -1,0 +1,131 @@
+#include "render/text_engine.hpp"
+
+#include <cairo.h>
+#include <glib.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "render/display_text.hpp"
+#include "render/font_contexts.hpp"
+#include "render/font_face.hpp"
+#include "render/shaped_text.hpp"
+#include "render/text_drawing.hpp"
+
+namespace render {
+namespace {
+
+/// Enough for every text of a tile in every width that layout tries.
+constexpr std::size_t keptTexts = 128;
+
+/// Quicksand runs wider than the rounded faces that sizes are usually chosen for. Set this much smaller, the
+/// longest status line still fits the dial and the longest pills their row.
+constexpr double roundedScale = 0.97;
+
+/// What the shaping size is multiplied with to give the size of `font`.
+double scaleOf(const ui::Font& font) {
+  constexpr double smallest = 1e-3;
+  constexpr double largest = 4096;
+  const double size = font.size > smallest ? std::min(font.size, largest) : smallest;
+  return size * (font.fontDesign == ui::FontDesign::rounded ? roundedScale : 1) / shapingSize;
+}
+
+/// A width in points as Pango counts it at the shaping size. A thousandth of a unit forgives the rounding
+/// errors of a width that came from here and was moved about since.
+int units(std::optional<double> width, double scale) {
+  const double count = width.value_or(ui::infinity) / scale * PANGO_SCALE + 1e-3;
+  if (count >= unlimited) return unlimited;
+  return count > 0 ? static_cast<int>(count) : 0;
+}
+
+/// Whether all of `text` may be expected in a Latin face: it is Latin letters and punctuation.
+bool isLatin(std::string_view text) {
+  for (const char* at = text.data(); at < text.data() + text.size();
+       at += g_utf8_skip[static_cast<unsigned char>(*at)]) {
+    const gunichar c = g_utf8_get_char(at);
+    if (c >= 0x250 && (c < 0x2010 || c > 0x2028)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+class TextEngine::Impl {
+ public:
+  struct Kept {
+    std::string text;
+    ui::Font font;
+    int maxLines;
+    ShapedText shaped;
+    TextStamps stamps;
+    unsigned long lastUse = 0;
+
+    bool serves(std::string_view otherText, const ui::Font& otherFont, int width, int otherMaxLines) const {
+      return maxLines == otherMaxLines && shaped.narrowest() <= width && width <= shaped.widest() &&
+             font == otherFont && text == otherText;
+    }
+  };
+
+  /// Valid until the next call.
+  Kept& find(std::string_view text, const ui::Font& sizedFont, int width, int maxLines) {
+    const ui::Font font{shapingSize, sizedFont.fontWeight, sizedFont.fontDesign};
+    text = text.substr(0, longestDisplayText + 1);  // what lies behind is never seen
+    auto found = std::find_if(kept_.begin(), kept_.end(),
+                              [&](const Kept& kept) { return kept.serves(text, font, width, maxLines); });
+    if (found == kept_.end()) {
+      if (kept_.size() == keptTexts)
+        kept_.erase(std::min_element(kept_.begin(), kept_.end(),
+                                     [](const Kept& a, const Kept& b) { return a.lastUse < b.lastUse; }));
+      kept_.push_back({std::string(text), font, maxLines, shape(text, font, width, maxLines), {}});
+      found = std::prev(kept_.end());
+    }
+    found->lastUse = ++uses_;
+    return *found;
+  }
+
+ private:
+  ShapedText shape(std::string_view text, const ui::Font& font, int width, int maxLines) {
+    const DisplayText shown = displayText(text, maxLines == 1);
+    PangoContext* rounded = font.fontDesign == ui::FontDesign::rounded ? contexts_.rounded() : nullptr;
+    if (rounded && isLatin(shown.text)) {
+      ShapedText shaped(rounded, fontFace(font), shown, width, maxLines);
+      if (!shaped.lacksGlyphs()) return shaped;
+    }
+    return {contexts_.all(), fontFaceWithFallback(font), shown, width, maxLines};
+  }
+
+  FontContexts contexts_;
+  std::vector<Kept> kept_;
+  unsigned long uses_ = 0;
+};
+
+TextEngine::TextEngine() : impl_(std::make_unique<Impl>()) {}
+
+TextEngine::~TextEngine() = default;
+
+ui::TextMetrics TextEngine::measure(std::string_view text, const ui::Font& font, std::optional<double> width,
+                                    int maxLines) {
+  const double scale = scaleOf(font);
+  ui::TextMetrics metrics = impl_->find(text, font, units(width, scale), maxLines).shaped.metrics();
+  metrics.size = {metrics.size.width * scale, metrics.size.height * scale};
+  metrics.baseline *= scale;
+  if (width) metrics.size.width = std::min(metrics.size.width, std::max(*width, 0.0));
+  return metrics;
+}
+
+void TextEngine::draw(const ui::TextRun& run, cairo_t* cairo) {
+  const double scale = scaleOf(run.font);
+  auto& kept = impl_->find(run.text, run.font, units(run.box.size.width, scale), run.maxLines);
+  const double slack = run.box.size.width - kept.shaped.metrics().size.width * scale;
+  cairo_save(cairo);
+  cairo_translate(cairo, run.box.origin.x, run.box.origin.y);
+  cairo_rotate(cairo, run.rotation.radians);
+  cairo_translate(cairo, kept.shaped.rightToLeft() ? slack : 0, run.baseline);
+  cairo_scale(cairo, scale, scale);
+  cairo_set_source_rgba(cairo, run.color.red, run.color.green, run.color.blue, run.color.alpha);
+  drawText(kept.shaped, kept.stamps, cairo);
+  cairo_restore(cairo);
+}
+
+}  // namespace render
