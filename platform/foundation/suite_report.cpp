@@ -37,7 +37,7 @@ std::string describe(const SqliteError& error, const std::string& file) {
            " lies the journal of a save that was cut off, which the next use of the suite undoes";
   }
   if ((error.code() & 0xFF) == SQLITE_BUSY) return file + " is locked by another program";
-  if (error.isDamage()) return file + " is damaged: " + error.what();
+  if (error.isDamage()) return file + " is damaged (" + error.what() + "); the next save sets it aside";
   return "cannot read " + file + ": " + error.what();
 }
 
@@ -78,8 +78,8 @@ SuiteReport inspectSuite(std::string_view name) {
     if (directory.hasFile()) report.entries = readEntries(report.location->file, deadline);
   } catch (const SqliteError& error) {
     report.failure = describe(error, report.location->file.string());
-  } catch (const std::exception& error) {
-    report.failure = error.what();
+  } catch (const SuiteRefusal& refusal) {
+    report.failure = refusal.what();
   }
   return report;
 }

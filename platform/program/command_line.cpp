@@ -52,6 +52,6 @@ void ClockOption::apply() {
   if (at_) override_.emplace(*at_);
 }
 
-void setExample(CLI::App& app, const std::string& example) { app.footer("\nExample:\n  " + example); }
+void setExample(CLI::App& app, const std::string& example) { app.footer("Example:\n  " + example); }
 
 }  // namespace program
