@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,8 +15,6 @@ struct Pixels {
 
   /// Throws std::runtime_error when `png` is no PNG file.
   static Pixels decode(std::string_view png);
-  std::string encode() const;
 
   Pixel at(int x, int y) const { return rows.at(static_cast<std::size_t>(y * width + x)); }
-  friend bool operator==(const Pixels&, const Pixels&) = default;
 };

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "shared/freshness/stored_status.hpp"
+#include "shared/model/status_snapshot.hpp"
 
 namespace {
 
@@ -51,13 +51,6 @@ TEST(Freshness, StaleDetailNamesTheAge) {
   for (const auto& [age, words] : cases)
     EXPECT_EQ(TarnoStatusFreshness::staleDetail(age),
               "Mac status is " + std::string{words} + ". Refresh Tarno before trusting it.");
-}
-
-TEST(StoredStatus, EqualsBySnapshotAndReceiptDate) {
-  const TarnoStoredMacStatus stored{.snapshot = {.app = "a"}, .receivedAt = {}};
-  EXPECT_EQ(stored, (TarnoStoredMacStatus{{.app = "a"}, {}}));
-  EXPECT_NE(stored, (TarnoStoredMacStatus{{.app = "a"}, now}));
-  EXPECT_NE(stored, (TarnoStoredMacStatus{{.app = "b"}, {}}));
 }
 
 }  // namespace

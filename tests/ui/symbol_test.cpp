@@ -33,19 +33,17 @@ int winding(const Path& path, Point point) {
 }
 
 TEST(Symbol, fillsItsBoxAndKeepsItsHolesOpen) {
-  const struct {
-    const char* name;
-    Point hole;  // from the centre of the box
-  } cases[] = {{"lock.fill", {0, 0.2}},
-               {"lock.open.fill", {0, 0.3}},
-               {"lock.rotation", {0, -0.12}},
-               {"questionmark.circle.fill", {0, 0.3}},
-               {"clock", {0.3, 0}},
-               {"clock.badge.exclamationmark", {0.36, 0.23}},
-               {"face.smiling", {0, -0.1}},
-               {"applewatch", {0, 0.34}},
-               {"cursorarrow.motionlines", {-0.3, 0.05}},
-               {"person.crop.circle.badge.checkmark", {0.33, 0.39}}};
+  // Where each is open, from the centre of its box.
+  const std::pair<const char*, Point> cases[] = {{"lock.fill", {0, 0.2}},
+                                                 {"lock.open.fill", {0, 0.3}},
+                                                 {"lock.rotation", {0, -0.12}},
+                                                 {"questionmark.circle.fill", {0, 0.3}},
+                                                 {"clock", {0.3, 0}},
+                                                 {"clock.badge.exclamationmark", {0.36, 0.23}},
+                                                 {"face.smiling", {0, -0.1}},
+                                                 {"applewatch", {0, 0.34}},
+                                                 {"cursorarrow.motionlines", {-0.3, 0.05}},
+                                                 {"person.crop.circle.badge.checkmark", {0.33, 0.39}}};
   for (const auto& [name, hole] : cases) {
     SCOPED_TRACE(name);
     const auto* symbol = findSymbol(name);
@@ -62,7 +60,6 @@ TEST(Symbol, fillsItsBoxAndKeepsItsHolesOpen) {
       for (double y = 0.013; y < height; y += 0.03) ASSERT_GE(winding(symbol->outline, {x, y}), 0);
   }
   EXPECT_EQ(allSymbols().size(), std::size(cases));
-  EXPECT_FALSE(findSymbol("lock"));
 }
 
 }  // namespace

@@ -13,45 +13,39 @@ namespace {
 
 static_assert(!std::is_convertible_v<decltype(leading), VerticalAlignment>);
 static_assert(!std::is_convertible_v<decltype(top), HorizontalAlignment>);
-static_assert(std::is_convertible_v<decltype(center), VerticalAlignment>);
-
-View pill(const std::string& title, double inset) {
-  return Label(title, "no.such.symbol")
-      .font(Font::system(11).rounded().weight(FontWeight::semibold))
-      .foregroundStyle(Color::sRGB(0.18, 0.56, 0.576))
-      .lineLimit(1)
-      .minimumScaleFactor(0.85)
-      .padding(EdgeSet::horizontal, inset)
-      .background(Capsule{RoundedCornerStyle::continuous}.fill(black.opacity(0.12)));
-}
-
-View dial(double to) {
-  return ZStack({}, Circle{}.stroke(black, {.lineWidth = 6}),
-                Circle{}
-                    .trim(0.08, to)
-                    .stroke(white.opacity(0.5), {.lineWidth = 6, .lineCap = LineCap::round})
-                    .rotationEffect(Angle::degrees(126)))
-      .frame({.width = 50, .height = 50})
-      .accessibilityElement("Mac \"locked\"");
-}
 
 View tile(const std::string& title) {
-  return HStack({.alignment = top, .spacing = 14}, dial(0.92), std::optional<View>{}, pill(title, 8))
+  const View arc =
+      Circle{}.trim(0.08, 0.92).stroke(white.opacity(0.5), {.lineWidth = 6, .lineCap = LineCap::round});
+  const View dial =
+      ZStack({}, Circle{}.stroke(black, {.lineWidth = 6}), arc.rotationEffect(Angle::degrees(126)));
+  const View pill = Label(title, "no.such.symbol")
+                        .font(Font::system(11).rounded().weight(FontWeight::semibold))
+                        .foregroundStyle(Color::sRGB(0.18, 0.56, 0.576))
+                        .lineLimit(1)
+                        .minimumScaleFactor(0.85)
+                        .padding(EdgeSet::horizontal, 8)
+                        .background(Capsule{RoundedCornerStyle::continuous}.fill(black.opacity(0.12)));
+  const View named = dial.frame({.width = 50, .height = 50}).accessibilityElement("Mac \"locked\"");
+  return HStack({.alignment = top, .spacing = 14}, named, std::optional<View>{}, pill)
       .frame({.maxWidth = infinity, .maxHeight = infinity, .alignment = leading})
       .containerBackground(white);
 }
 
 TEST(View, IsEqualByContent) {
-  EXPECT_EQ(tile("now"), tile("now"));
-  EXPECT_EQ(HStack({}, Text("a"), Text("b")), makeHStack({}, {Text("a"), Text("b")}));
-  const View text = Text("now");
-  for (const View& other : {tile("then"), tile("now").frame({}), tile("now").containerBackground(black),
-                            Text("now").lineLimit(1)})
-    EXPECT_NE(tile("now"), other);
-  EXPECT_NE(pill("a", 8), pill("a", 9));
-  EXPECT_NE(dial(0.92), dial(0.9));
-  EXPECT_NE(HStack({}, text), VStack({}, text));
-  EXPECT_NE(text.padding(EdgeSet::horizontal, 5), text.padding(EdgeSet::vertical, 5));
+  const View now = tile("now"), text = Text("now"), circle = Circle{}.fill(black);
+  EXPECT_EQ(now, tile("now"));
+  EXPECT_EQ(HStack({}, text, circle), makeHStack({}, {text, circle}));
+  const std::pair<View, View> different[] = {
+      {now, tile("then")},
+      {now, now.frame({})},
+      {now, now.containerBackground(black)},
+      {text, text.lineLimit(1)},
+      {circle, Circle{}.trim(0, 0.9).fill(black)},
+      {HStack({}, text), VStack({}, text)},
+      {text.padding(EdgeSet::horizontal, 5), text.padding(EdgeSet::vertical, 5)},
+      {text.padding(EdgeSet::vertical, 4), text.padding(EdgeSet::vertical, 5)}};
+  for (const auto& [a, b] : different) EXPECT_NE(a, b);
 }
 
 TEST(View, TrimsPartsOfAPart) {
