@@ -4,8 +4,9 @@
     /usr/bin/python3 bench/desktop/compare.py build/release/bin [--seconds 90]
 
 Each program is started alone on a desktop without a screen. Printed are, as they are and as a ratio of the tile's to the
-peer's: the time from its start to its first frame (the median of several starts), its share of memory (PSS) and how often
-it woke up in a minute (voluntary context switches of its threads, counted after it has settled).
+peer's: the time from its start to its first frame (the median of several starts), its share of memory (PSS; here nothing else
+shares its libraries, on a desktop other programs do), the part of it that nobody can share, and how often it woke up in a
+minute (voluntary context switches of its threads, counted after it has settled).
 """
 import argparse
 import glob
@@ -16,10 +17,10 @@ import subprocess
 import sys
 import time
 
-from Xlib import X, display
+from Xlib import X
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tests/desktop"))
-from rig import Rig, wait_for  # noqa: E402
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../script"))
+from headless import Rig, wait_for  # noqa: E402
 
 STARTS = 7
 
@@ -49,10 +50,7 @@ class OnX11:
 
     def __init__(self, rig):
         rig.x11()
-        rig.start("openbox")
-        self.root = display.Display(rig.env["DISPLAY"]).screen().root
-        wait_for(lambda: self.root.query_tree().children, message="openbox")
-        time.sleep(0.5)
+        self.root = rig.openbox().screen().root
 
     def look(self):
         return self.root.get_image(960, 30, 200, 60, X.ZPixmap, 0xffffffff).data
@@ -113,9 +111,10 @@ def measure(make_desktop, programs, seconds):
             time.sleep(5)
             pid = process.popen.pid
             before = wakeups(pid)
-            memory = number(f"/proc/{pid}/smaps_rollup", "Pss:")
+            share, own = (number(f"/proc/{pid}/smaps_rollup", key) for key in ("Pss:", "Pss_Anon:"))
             time.sleep(seconds)
-            results[name] = (1000 * statistics.median(starts), memory / 1024, 60 * (wakeups(pid) - before) / seconds)
+            results[name] = (1000 * statistics.median(starts), share / 1024, own / 1024,
+                             60 * (wakeups(pid) - before) / seconds)
             process.end(9)
     return results
 
@@ -125,7 +124,7 @@ def main():
     parser.add_argument("programs", help="the folder of tarno-desktop, tarno-widget and tarno-status, built for release")
     parser.add_argument("--seconds", type=float, default=90, help="how long wake-ups are counted for each program")
     options = parser.parse_args()
-    print(f"{'':16}{'first frame':>14}{'memory':>12}{'wake-ups':>16}")
+    print(f"{'':16}{'first frame':>14}{'memory':>12}{'its own':>12}{'wake-ups':>16}")
     for make_desktop in (OnX11, OnWayland):
         child = os.fork()  # a rig gives up root for good
         if child:
@@ -133,11 +132,11 @@ def main():
                 sys.exit(1)
             continue
         results = measure(make_desktop, options.programs, options.seconds)
-        for name, (start, memory, woken) in results.items():
-            print(f"{name:16}{start:11.0f} ms{memory:9.1f} MB{woken:12.1f}/min")
+        for name, (start, share, own, woken) in results.items():
+            print(f"{name:16}{start:11.0f} ms{share:9.1f} MB{own:9.1f} MB{woken:12.1f}/min")
         tile, peer = results.values()
         ratios = [one / other if other else float("inf") for one, other in zip(tile, peer)]
-        print(f"{'ratio':16}{ratios[0]:14.2f}{ratios[1]:12.2f}{ratios[2]:16.2f}\n", flush=True)
+        print(f"{'ratio':16}{ratios[0]:14.2f}{ratios[1]:12.2f}{ratios[2]:12.2f}{ratios[3]:16.2f}\n", flush=True)
         os._exit(0)
 
 
