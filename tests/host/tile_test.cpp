@@ -15,7 +15,7 @@ using widgetkit::WidgetFamily;
 
 constexpr foundation::Date now = sys_days{2026y / November / 16} + 15h;
 
-widgetkit::AnyTimelineEntry entryOf(std::optional<TarnoMacStatusSnapshot> status,
+widgetkit::AnyTimelineEntry entryOf(const std::optional<TarnoMacStatusSnapshot>& status,
                                     foundation::Date::duration age) {
   const TarnoMacWidgetEntry entry{now, status, status ? std::optional{now - age} : std::nullopt};
   return {now, entry, [entry](const widgetkit::EnvironmentValues& environment) {

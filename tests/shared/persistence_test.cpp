@@ -119,9 +119,9 @@ TEST(MacDefaults, FallsBackAndSaysSoOnce) {
   const auto shared = temporary.folder() / std::string{appGroupIdentifier};
   std::filesystem::create_symlink("/", shared);
   testing::internal::CaptureStdout();
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i)
-    threads.emplace_back([] { EXPECT_EQ(store(), foundation::UserDefaults::standard()); });
+  std::vector<std::thread> threads(8);
+  for (auto& thread : threads)
+    thread = std::thread{[] { EXPECT_EQ(store(), foundation::UserDefaults::standard()); }};
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(store(), foundation::UserDefaults::standard());
   EXPECT_EQ(

@@ -24,7 +24,7 @@ class TickingClock {
 Entry snapshotEntry(bool isPreview) {
   std::vector<Entry> entries;
   TarnoMacWidgetProvider{}.getSnapshot({.isPreview = isPreview},
-                                       [&](Entry entry) { entries.push_back(entry); });
+                                       [&](const Entry& entry) { entries.push_back(entry); });
   EXPECT_EQ(entries.size(), 1u);
   return entries.front();
 }
