@@ -4,6 +4,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -86,16 +87,17 @@ class TextEngine::Impl {
 
  private:
   ShapedText shape(std::string_view text, const ui::Font& font, int width, int maxLines) {
+    if (!contexts_) contexts_.emplace();
     const DisplayText shown = displayText(text, maxLines == 1);
-    PangoContext* rounded = font.fontDesign == ui::FontDesign::rounded ? contexts_.rounded() : nullptr;
+    PangoContext* rounded = font.fontDesign == ui::FontDesign::rounded ? contexts_->rounded() : nullptr;
     if (rounded && isLatin(shown.text)) {
       ShapedText shaped(rounded, fontFace(font), shown, width, maxLines);
       if (!shaped.lacksGlyphs()) return shaped;
     }
-    return {contexts_.all(), fontFaceWithFallback(font), shown, width, maxLines};
+    return {contexts_->all(), fontFaceWithFallback(font), shown, width, maxLines};
   }
 
-  FontContexts contexts_;
+  std::optional<FontContexts> contexts_;  ///< set up for the first text: there are scenes without any
   std::vector<Kept> kept_;
   unsigned long uses_ = 0;
 };
