@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "commands.hpp"
 #include "host/tile.hpp"
 #include "program/failure.hpp"

@@ -22,6 +22,10 @@ TimeInterval secondsBetween(Date start, Date end) {
   return TimeInterval{Date::duration{difference}};
 }
 
+std::int64_t wholeSecondsBetween(Date start, Date end) {
+  return static_cast<std::int64_t>(secondsBetween(start, end).count());
+}
+
 Date addingTimeInterval(Date date, TimeInterval interval) {
   return date + std::chrono::duration_cast<Date::duration>(interval);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 
 namespace foundation {
@@ -24,6 +25,10 @@ Date now();
 /// The seconds from `start` to `end`, negative when `end` lies before `start`. Exact to the microsecond for
 /// dates within 285 years of each other, to a double's precision beyond that, for any two dates whatever.
 TimeInterval secondsBetween(Date start, Date end);
+
+/// The same in whole seconds, truncated towards zero. Fits for any two dates: they lie less than 2^45 seconds
+/// apart.
+std::int64_t wholeSecondsBetween(Date start, Date end);
 
 /// `date` moved by `interval`, whose part below a microsecond is dropped. The interval must be finite and
 /// short enough that the result is still a date.

@@ -82,26 +82,26 @@ struct Stack {
   }
 };
 
-}  // namespace
-
-const StackFit& fitStack(const nodes::HStack& stack, const Environment& environment,
-                         const ProposedSize& proposal, LayoutPass& pass) {
+template <class Node>
+const StackFit& fitAlong(const Axis& along, const Axis& across, const Node& stack,
+                         const Environment& environment, const ProposedSize& proposal, LayoutPass& pass) {
   return pass.remembered(&stack, environment, proposal, [&] {
     const auto& [alignment, spacing] = stack.options;
-    return Stack{horizontalAxis, verticalAxis, spacing,  alignment.fraction,
-                 stack.children, environment,  proposal, pass}
+    return Stack{along, across, spacing, alignment.fraction, stack.children, environment, proposal, pass}
         .fit();
   });
 }
 
+}  // namespace
+
+const StackFit& fitStack(const nodes::HStack& stack, const Environment& environment,
+                         const ProposedSize& proposal, LayoutPass& pass) {
+  return fitAlong(horizontalAxis, verticalAxis, stack, environment, proposal, pass);
+}
+
 const StackFit& fitStack(const nodes::VStack& stack, const Environment& environment,
                          const ProposedSize& proposal, LayoutPass& pass) {
-  return pass.remembered(&stack, environment, proposal, [&] {
-    const auto& [alignment, spacing] = stack.options;
-    return Stack{verticalAxis,   horizontalAxis, spacing,  alignment.fraction,
-                 stack.children, environment,    proposal, pass}
-        .fit();
-  });
+  return fitAlong(verticalAxis, horizontalAxis, stack, environment, proposal, pass);
 }
 
 }  // namespace ui

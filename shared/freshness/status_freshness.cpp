@@ -8,9 +8,7 @@ namespace TarnoStatusFreshness {
 
 std::optional<std::int64_t> ageSeconds(std::optional<foundation::Date> receivedAt, foundation::Date now) {
   if (!receivedAt) return std::nullopt;
-  // Any two dates lie less than 2^45 seconds apart, so that the truncation always fits.
-  const auto age = static_cast<std::int64_t>(foundation::secondsBetween(*receivedAt, now).count());
-  return std::max<std::int64_t>(age, 0);
+  return std::max<std::int64_t>(foundation::wholeSecondsBetween(*receivedAt, now), 0);
 }
 
 std::string staleDetail(std::optional<std::int64_t> ageSeconds) {

@@ -60,9 +60,7 @@ View TarnoMacWidgetView::pill(std::string title, std::string systemImage, Color 
 
 std::string TarnoMacWidgetView::ageLine() const {
   if (!entry.lastRefresh) return "Not synced";
-  // Any two dates lie less than 2^45 seconds apart, so that the truncation always fits.
-  const auto seconds =
-      static_cast<std::int64_t>(foundation::secondsBetween(*entry.lastRefresh, foundation::now()).count());
+  const auto seconds = foundation::wholeSecondsBetween(*entry.lastRefresh, foundation::now());
   if (seconds < 1) return "0s ago";
   if (seconds < 60) return std::to_string(seconds) + "s ago";
   if (seconds < 3600) return std::to_string(seconds / 60) + "m ago";
