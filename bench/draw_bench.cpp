@@ -8,10 +8,10 @@
 #include <chrono>
 #include <vector>
 
-#include "host/extension.hpp"
-#include "host/tile.hpp"
 #include "render/painter.hpp"
 #include "render/text_engine.hpp"
+#include "tarno-widget/extension.hpp"
+#include "tarno-widget/tile.hpp"
 
 namespace {
 
@@ -147,18 +147,18 @@ double microseconds(const Work& work) {
 
 void redrawAgainstBareCalls(benchmark::State& state) {
   using enum widgetkit::WidgetFamily;
-  host::withWidget([&](const widgetkit::WidgetConfiguration& widget) {
-    const auto entry = widget.provider->placeholder(host::requestContext(systemMedium));
+  extension::withWidget([&](const widgetkit::WidgetConfiguration& widget) {
+    const auto entry = widget.provider->placeholder(extension::requestContext(systemMedium));
     render::TextEngine text;
-    Canvas ourCanvas(host::tileSize(systemMedium));
-    Canvas bareCanvas(host::tileSize(systemMedium));
-    const BareCalls bareCalls(host::tileScene(entry, systemMedium, text), bareCanvas.clear());
+    Canvas ourCanvas(extension::tileSize(systemMedium));
+    Canvas bareCanvas(extension::tileSize(systemMedium));
+    const BareCalls bareCalls(extension::tileScene(entry, systemMedium, text), bareCanvas.clear());
     std::vector<double> ours;
     std::vector<double> floor;
     for (auto _ : state) {
       cairo_t* cairo = ourCanvas.clear();
       ours.push_back(
-          microseconds([&] { render::paint(host::tileScene(entry, systemMedium, text), text, cairo); }));
+          microseconds([&] { render::paint(extension::tileScene(entry, systemMedium, text), text, cairo); }));
       bareCanvas.clear();
       floor.push_back(microseconds([&] { bareCalls.draw(); }));
     }

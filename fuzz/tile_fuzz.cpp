@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "host/tile.hpp"
 #include "render/image.hpp"
+#include "tarno-widget/tile.hpp"
 #include "widget/views/widget_view.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -18,10 +18,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const widgetkit::AnyTimelineEntry any{{}, entry, [&entry](const widgetkit::EnvironmentValues& environment) {
                                           return TarnoMacWidgetView{environment.widgetFamily, entry}.body();
                                         }};
-  const auto scene = host::tileScene(any, widgetkit::WidgetFamily::systemMedium, text);
+  const auto scene = extension::tileScene(any, widgetkit::WidgetFamily::systemMedium, text);
   for (const auto& item : scene.items) {
     const auto* const run = std::get_if<ui::TextRun>(&item);
-    if (run != nullptr && run->box.right() > scene.size.width - host::contentMargin + 0.01) std::abort();
+    if (run != nullptr && run->box.right() > scene.size.width - extension::contentMargin + 0.01) std::abort();
   }
   encodeImage(scene, text, render::ImageFormat::png, 1);
   return 0;

@@ -2,8 +2,8 @@
 
 #include <iterator>
 
-#include "ui/placement.hpp"
-#include "ui/sizing.hpp"
+#include "ui/layout/placement.hpp"
+#include "ui/layout/sizing.hpp"
 
 namespace ui {
 

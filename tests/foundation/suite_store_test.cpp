@@ -13,7 +13,7 @@
 #include <future>
 #include <sstream>
 
-#include "temporary_store.hpp"
+#include "support/temporary_store.hpp"
 
 using namespace foundation;
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "render/pixels.hpp"
+#include "support/pixels.hpp"
 
 namespace {
 

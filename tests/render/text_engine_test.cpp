@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "render/image.hpp"
-#include "render/pixels.hpp"
+#include "support/pixels.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "shared/persistence/mac_defaults.hpp"
-#include "temporary_store.hpp"
+#include "support/temporary_store.hpp"
 
 namespace {
 

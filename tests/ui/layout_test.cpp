@@ -5,8 +5,8 @@
 #include <cmath>
 #include <sstream>
 
-#include "ui/description.hpp"
-#include "ui/fake_measurer.hpp"
+#include "support/fake_measurer.hpp"
+#include "ui/description/description.hpp"
 #include "ui/path_bounds.hpp"
 
 using namespace ui;

@@ -1,4 +1,4 @@
-#include "ui/symbol.hpp"
+#include "ui/symbols/symbol.hpp"
 
 #include <gtest/gtest.h>
 

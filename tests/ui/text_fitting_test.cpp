@@ -1,8 +1,8 @@
-#include "ui/text_fitting.hpp"
+#include "ui/layout/text_fitting.hpp"
 
 #include <gtest/gtest.h>
 
-#include "ui/fake_measurer.hpp"
+#include "support/fake_measurer.hpp"
 
 using namespace ui;
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/description.hpp"
-#include "ui/fake_measurer.hpp"
+#include "support/fake_measurer.hpp"
+#include "ui/description/description.hpp"
 #include "ui/layout.hpp"
 #include "ui/path_bounds.hpp"
 

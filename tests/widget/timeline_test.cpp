@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "shared/persistence/mac_defaults.hpp"
-#include "temporary_store.hpp"
+#include "support/temporary_store.hpp"
 #include "widget/timeline/widget_provider.hpp"
 
 namespace {

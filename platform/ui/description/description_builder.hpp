@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "ui/description/description.hpp"
+
+namespace ui {
+
+/// Puts one Description together, attribute by attribute.
+class DescriptionBuilder {
+ public:
+  explicit DescriptionBuilder(std::string name) { description_.name = std::move(name); }
+
+  /// Rounded to 3 decimals; what is not finite is given as a word. An absent number is left out.
+  DescriptionBuilder& number(std::string_view name, std::optional<double> value);
+  DescriptionBuilder& text(std::string_view name, std::string value);
+  /// One of a few words; left out where it is the usual one.
+  DescriptionBuilder& choice(std::string_view name, std::string_view value, std::string_view usual);
+  /// Left out where it does not hold.
+  DescriptionBuilder& flag(std::string_view name, bool value);
+  DescriptionBuilder& rect(const Rect& rect);
+
+  DescriptionBuilder& child(Description child);
+
+  /// Hands over what has been put together.
+  Description take() { return std::move(description_); }
+
+ private:
+  Description description_;
+};
+
+/// The name that an enumerator goes by in code.
+std::string_view word(FontWeight weight);
+std::string_view word(FontDesign design);
+std::string_view word(LineCap cap);
+
+}  // namespace ui

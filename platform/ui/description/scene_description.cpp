@@ -1,0 +1,98 @@
+#include "ui/description/description.hpp"
+
+#include "ui/description/description_builder.hpp"
+#include "ui/path_bounds.hpp"
+
+namespace ui {
+namespace {
+
+using Builder = DescriptionBuilder;
+
+/// An outline in numbers: a circle or a part of one by its centre, radius and angles, anything else by its
+/// bounds.
+void addOutline(Builder& builder, const Path& path) {
+  const auto& elements = path.elements;
+  const bool closed = elements.size() == 3 && std::holds_alternative<Path::Close>(elements[2]);
+  const auto* arc = elements.size() == 2 || closed ? std::get_if<Path::Arc>(&elements[1]) : nullptr;
+  if (!arc) {
+    builder.text("outline", "path").rect(bounds(path));
+    return;
+  }
+  builder.text("outline", closed ? "circle" : "arc")
+      .number("centerX", arc->center.x)
+      .number("centerY", arc->center.y)
+      .number("radius", arc->radius);
+  if (!closed) builder.number("start", arc->start.inDegrees()).number("end", arc->end.inDegrees());
+}
+
+struct ItemDescriber {
+  Builder operator()(const FillPath& item) const {
+    Builder builder{"fill"};
+    builder.text("color", describe(item.color));
+    addOutline(builder, item.path);
+    return builder;
+  }
+  Builder operator()(const StrokePath& item) const {
+    Builder builder{"stroke"};
+    builder.text("color", describe(item.color))
+        .number("lineWidth", item.style.lineWidth)
+        .choice("lineCap", word(item.style.lineCap), "butt");
+    addOutline(builder, item.path);
+    return builder;
+  }
+  Builder operator()(const TextRun& item) const {
+    Builder builder{"text"};
+    builder.text("text", item.text)
+        .text("font", describe(item.font))
+        .text("color", describe(item.color))
+        .rect(item.box)
+        .number("baseline", item.baseline)
+        .number("maxLines", item.maxLines)
+        .flag("truncated", item.truncated);
+    if (item.rotation != Angle{}) builder.number("rotation", item.rotation.inDegrees());
+    return builder;
+  }
+  Builder operator()(const BeginClip& item) const {
+    Builder builder{"clip"};
+    addOutline(builder, item.path);
+    return builder;
+  }
+  Builder operator()(const EndClip&) const { return Builder{"end"}; }
+};
+
+/// Adds the items from `index` on, up to the end of the clip that they are in, which stands inside its clip's
+/// node.
+std::size_t addItems(Builder& parent, const std::vector<SceneItem>& items, std::size_t index) {
+  while (index < items.size()) {
+    const SceneItem& item = items[index++];
+    if (std::holds_alternative<EndClip>(item)) break;
+    Builder builder = std::visit(ItemDescriber{}, item);
+    if (std::holds_alternative<BeginClip>(item)) index = addItems(builder, items, index);
+    parent.child(builder.take());
+  }
+  return index;
+}
+
+Description describe(const AccessibilityElement& element) {
+  return Builder{element.role == AccessibilityElement::Role::image ? "image" : "staticText"}
+      .text("label", element.label)
+      .rect(element.frame)
+      .take();
+}
+
+}  // namespace
+
+Description describe(const Scene& scene) {
+  Builder builder{"Scene"};
+  builder.number("width", scene.size.width).number("height", scene.size.height);
+  addItems(builder, scene.items, 0);
+  return builder.take();
+}
+
+Description describeAccessibility(const Scene& scene) {
+  Builder builder{"accessibility"};
+  for (const AccessibilityElement& element : scene.accessibility) builder.child(describe(element));
+  return builder.take();
+}
+
+}  // namespace ui

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "ui/layout/environment.hpp"
+#include "ui/layout/layout_pass.hpp"
+
+namespace ui {
+
+struct FrameFit {
+  ProposedSize offer;  ///< to the content
+  Size content;        ///< what the content takes of it; may be larger than the frame, and then sticks out
+  Size size;           ///< of the frame
+};
+
+/// The size of a frame that is fixed both ways; its content then says nothing about it and need not be asked.
+std::optional<Size> fixedSize(const nodes::Frame& frame);
+
+/// Sizes a frame and its content. Along each axis:
+///
+/// A fixed length is what the content is offered and what the frame measures. It must be finite and not
+/// negative, or it counts as absent.
+///
+/// A maximum, with a proposal: the content is offered the smaller of the two; the frame takes that too,
+/// unless its content is longer.
+///
+/// A maximum, without a proposal: the frame measures what its content does, and content whose ideal length is
+/// above the maximum is offered the maximum.
+///
+/// Neither: the frame passes the proposal on and measures what its content does.
+FrameFit fitFrame(const nodes::Frame& frame, const Environment& environment, const ProposedSize& proposal,
+                  LayoutPass& pass);
+
+}  // namespace ui

@@ -1,0 +1,177 @@
+#include "ui/layout/placement.hpp"
+
+#include <algorithm>
+
+#include "ui/layout/frame_layout.hpp"
+#include "ui/layout/sizing.hpp"
+#include "ui/layout/stack_layout.hpp"
+#include "ui/layout/text_fitting.hpp"
+#include "ui/symbols/symbol.hpp"
+
+namespace ui {
+namespace {
+
+Rect aligned(const Size& size, const Rect& area, const Alignment& alignment) {
+  return {{area.origin.x + (area.size.width - size.width) * alignment.horizontal.fraction,
+           area.origin.y + (area.size.height - size.height) * alignment.vertical.fraction},
+          size};
+}
+
+struct Outliner {
+  const Rect& rect;
+
+  Path operator()(const nodes::Circle& circle) const {
+    return circle.from < circle.to ? Path::circle(rect, circle.from, circle.to) : Path{};
+  }
+  Path operator()(const nodes::Capsule&) const {
+    return Path::roundedRect(rect, std::min(rect.size.width, rect.size.height) / 2);
+  }
+};
+
+/// Stands in for a symbol that nobody knows: an empty box with round corners, so that the gap is noticed.
+StrokePath unknownSymbol(const Rect& rect, const Color& color) {
+  const double em = rect.size.width;
+  return {Path::roundedRect(rect.inset(em * 0.12), em * 0.16), {.lineWidth = em * 0.08}, color};
+}
+
+struct ItemRotation {
+  const Rotation& rotation;
+
+  void operator()(FillPath& item) const { item.path = item.path.rotated(rotation); }
+  void operator()(StrokePath& item) const { item.path = item.path.rotated(rotation); }
+  void operator()(TextRun& item) const {
+    item.box.origin = rotation.apply(item.box.origin);
+    item.rotation.radians += rotation.angle.radians;
+  }
+  void operator()(BeginClip& item) const { item.path = item.path.rotated(rotation); }
+  void operator()(EndClip&) const {}
+};
+
+struct Placing {
+  const Environment& environment;
+  const Place& where;
+  LayoutPass& pass;
+  Placed& placed;
+
+  void give(const View& content) const { place(content, environment, where, pass, placed); }
+  void give(const View& content, const Environment& inner) const {
+    place(content, inner, where, pass, placed);
+  }
+
+  void announce(AccessibilityElement::Role role, const std::string& label) const {
+    if (!environment.accessibilityHidden) placed.accessibility.push_back({role, label, where.rect});
+  }
+
+  void stack(const StackFit& fit, const std::vector<View>& views) const {
+    const Point corner = where.rect.origin;
+    for (std::size_t i = 0; i < views.size(); ++i) {
+      const auto& [offer, size, origin] = fit.children[i];
+      const Rect rect{{corner.x + origin.x, corner.y + origin.y}, size};
+      place(views[i], environment, {offer, rect}, pass, placed);
+    }
+  }
+
+  void operator()(const nodes::Text& node) const {
+    if (node.text.empty()) return;
+    announce(AccessibilityElement::Role::staticText, node.text);
+    const auto [font, metrics] = fitText(node.text, environment, where.offer.width, pass.measurer);
+    if (!(metrics.size.height > 0)) return;
+    placed.items.emplace_back(TextRun{.text = node.text,
+                                      .font = font,
+                                      .color = environment.foreground,
+                                      .box = {where.rect.origin, metrics.size},
+                                      .baseline = metrics.baseline,
+                                      .maxLines = environment.lineLimit,
+                                      .truncated = metrics.truncated,
+                                      .rotation = {}});
+  }
+  void operator()(const nodes::Image& node) const {
+    const Color& color = environment.foreground;
+    const Symbol* symbol = findSymbol(node.systemName);
+    if (!symbol)
+      placed.items.emplace_back(unknownSymbol(where.rect, color));
+    else
+      placed.items.emplace_back(
+          FillPath{symbol->outline.placed(std::max(environment.font.size, 0.0), where.rect.origin), color});
+  }
+  void operator()(const nodes::Fill& node) const {
+    placed.items.emplace_back(FillPath{std::visit(Outliner{where.rect}, node.outline), node.color});
+  }
+  void operator()(const nodes::Stroke& node) const {
+    placed.items.emplace_back(
+        StrokePath{std::visit(Outliner{where.rect}, node.outline), node.style, node.color});
+  }
+
+  void operator()(const nodes::HStack& node) const {
+    stack(fitStack(node, environment, where.offer, pass), node.children);
+  }
+  void operator()(const nodes::VStack& node) const {
+    stack(fitStack(node, environment, where.offer, pass), node.children);
+  }
+  void operator()(const nodes::ZStack& node) const {
+    for (const View& child : node.children)
+      placeAligned(child, environment, where.offer, where.rect, node.options.alignment, pass, placed);
+  }
+
+  void operator()(const nodes::WithFont& node) const { give(node.content, inside(node, environment)); }
+  void operator()(const nodes::WithForegroundStyle& node) const {
+    give(node.content, inside(node, environment));
+  }
+  void operator()(const nodes::WithLineLimit& node) const { give(node.content, inside(node, environment)); }
+  void operator()(const nodes::WithMinimumScaleFactor& node) const {
+    give(node.content, inside(node, environment));
+  }
+
+  void operator()(const nodes::Padding& node) const {
+    placeAligned(node.content, environment, reduced(where.offer, paddingSize(node)), where.rect, center, pass,
+                 placed);
+  }
+  void operator()(const nodes::Frame& node) const {
+    const FrameFit fit = fitFrame(node, environment, where.offer, pass);
+    place(node.content, environment, {fit.offer, aligned(fit.content, where.rect, node.options.alignment)},
+          pass, placed);
+  }
+  void operator()(const nodes::Background& node) const {
+    const Size& size = where.rect.size;
+    placeAligned(node.background, environment, {size.width, size.height}, where.rect, center, pass, placed);
+    give(node.content);
+  }
+  void operator()(const nodes::RotationEffect& node) const {
+    const std::size_t before = placed.items.size();
+    give(node.content);
+    const Rotation rotation{node.angle, where.rect.center()};
+    for (std::size_t i = before; i < placed.items.size(); ++i)
+      std::visit(ItemRotation{rotation}, placed.items[i]);
+  }
+  void operator()(const nodes::ContainerBackground& node) const {
+    if (!placed.containerBackground) placed.containerBackground = node.color;
+    give(node.content);
+  }
+
+  void operator()(const nodes::AccessibilityLabelled& node) const {
+    announce(AccessibilityElement::Role::image, node.label);
+    giveHidden(node.content);
+  }
+  void operator()(const nodes::AccessibilityHidden& node) const { giveHidden(node.content); }
+
+  void giveHidden(const View& content) const {
+    Environment hidden = environment;
+    hidden.accessibilityHidden = true;
+    give(content, hidden);
+  }
+};
+
+}  // namespace
+
+void place(const View& view, const Environment& environment, const Place& where, LayoutPass& pass,
+           Placed& placed) {
+  std::visit(Placing{environment, where, pass, placed}, view.node());
+}
+
+void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
+                  const Rect& area, const Alignment& alignment, LayoutPass& pass, Placed& placed) {
+  const Size size = sizeThatFits(view, environment, offer, pass);
+  place(view, environment, {offer, aligned(size, area, alignment)}, pass, placed);
+}
+
+}  // namespace ui

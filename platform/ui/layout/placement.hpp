@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "ui/layout/environment.hpp"
+#include "ui/layout/layout_pass.hpp"
+#include "ui/scene.hpp"
+#include "ui/view.hpp"
+
+namespace ui {
+
+/// What placing a view yields, in the coordinates of the container.
+struct Placed {
+  std::vector<SceneItem> items;
+  std::vector<AccessibilityElement> accessibility;
+  std::optional<Color> containerBackground;  ///< the outermost one found
+};
+
+/// Where a view goes: what it was offered, and the room that it answered with. Both are needed, for a view
+/// that is offered what it answered may well answer with less.
+struct Place {
+  ProposedSize offer;
+  Rect rect;
+};
+
+/// Adds `view` to `placed`.
+void place(const View& view, const Environment& environment, const Place& where, LayoutPass& pass,
+           Placed& placed);
+
+/// Offers `offer` to `view` and places it by `alignment` in `area`, over whose edges it may stick out.
+void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
+                  const Rect& area, const Alignment& alignment, LayoutPass& pass, Placed& placed);
+
+}  // namespace ui

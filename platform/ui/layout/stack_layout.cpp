@@ -1,0 +1,107 @@
+#include "ui/layout/stack_layout.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "ui/axis.hpp"
+#include "ui/layout/sizing.hpp"
+
+namespace ui {
+namespace {
+
+struct Stack {
+  Axis along;
+  Axis across;
+  double spacing;
+  double alignment;  ///< across, as a fraction of the room left over
+  const std::vector<View>& views;
+  const Environment& environment;
+  const ProposedSize& proposal;
+  LayoutPass& pass;
+
+  StackFit::Child ask(std::size_t index, std::optional<double> length) const {
+    StackFit::Child child;
+    child.offer = proposal;
+    child.offer.*along.offer = length;
+    child.size = sizeThatFits(views[index], environment, child.offer, pass);
+    return child;
+  }
+
+  double flexibility(std::size_t index) const {
+    const double span = ask(index, infinity).size.*along.length - ask(index, 0).size.*along.length;
+    return span > 0 ? span : 0;  // also where both are infinite
+  }
+
+  std::vector<StackFit::Child> shareOut(double length) const {
+    struct Turn {
+      std::size_t index;
+      double flexibility;
+    };
+    std::vector<Turn> turns;
+    turns.reserve(views.size());
+    for (std::size_t i = 0; i < views.size(); ++i) turns.push_back({i, flexibility(i)});
+    std::stable_sort(turns.begin(), turns.end(),
+                     [](const Turn& a, const Turn& b) { return a.flexibility < b.flexibility; });
+
+    std::vector<StackFit::Child> children(views.size());
+    double waiting = static_cast<double>(views.size());
+    for (const Turn& turn : turns) {
+      StackFit::Child& child = children[turn.index];
+      child = ask(turn.index, std::max(length, 0.0) / waiting);
+      length -= child.size.*along.length;
+      waiting -= 1;
+    }
+    return children;
+  }
+
+  std::vector<StackFit::Child> sized() const {
+    const std::optional<double> offered = proposal.*along.offer;
+    const double left = offered.value_or(0) - spacing * static_cast<double>(views.size() - 1);
+    if (offered && left > 0 && std::isfinite(left) && views.size() > 1) return shareOut(left);
+
+    std::vector<StackFit::Child> children;
+    children.reserve(views.size());
+    for (std::size_t i = 0; i < views.size(); ++i)
+      children.push_back(ask(i, offered ? std::optional{std::max(left, 0.0)} : std::nullopt));
+    return children;
+  }
+
+  StackFit fit() const {
+    if (views.empty()) return {};
+    StackFit fit{sized(), {}};
+    for (const auto& child : fit.children)
+      fit.size.*across.length = std::max(fit.size.*across.length, child.size.*across.length);
+    double position = 0;
+    for (auto& child : fit.children) {
+      child.origin.*along.position = position;
+      child.origin.*across.position = (fit.size.*across.length - child.size.*across.length) * alignment;
+      position += child.size.*along.length + spacing;
+    }
+    fit.size.*along.length = std::max(position - spacing, 0.0);
+    return fit;
+  }
+};
+
+template <class Node>
+const StackFit& fitAlong(const Axis& along, const Axis& across, const Node& stack,
+                         const Environment& environment, const ProposedSize& proposal, LayoutPass& pass) {
+  return pass.remembered(&stack, environment, proposal, [&] {
+    const auto& [alignment, spacing] = stack.options;
+    return Stack{along, across, spacing, alignment.fraction, stack.children, environment, proposal, pass}
+        .fit();
+  });
+}
+
+}  // namespace
+
+const StackFit& fitStack(const nodes::HStack& stack, const Environment& environment,
+                         const ProposedSize& proposal, LayoutPass& pass) {
+  return fitAlong(horizontalAxis, verticalAxis, stack, environment, proposal, pass);
+}
+
+const StackFit& fitStack(const nodes::VStack& stack, const Environment& environment,
+                         const ProposedSize& proposal, LayoutPass& pass) {
+  return fitAlong(verticalAxis, horizontalAxis, stack, environment, proposal, pass);
+}
+
+}  // namespace ui

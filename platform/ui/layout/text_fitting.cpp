@@ -1,0 +1,77 @@
+#include "ui/layout/text_fitting.hpp"
+
+#include <cmath>
+
+namespace ui {
+namespace {
+
+/// A text's own width comes back a hair smaller from the sums and differences of a layout, and text renderers
+/// count in fractions of a point of about half this size.
+constexpr double widthTolerance = 1.0 / 512;
+
+/// The search over several lines stops at this part of the way from the smallest scale to 1: steps that
+/// nobody sees.
+constexpr int scaleSteps = 16;
+
+class Fitting {
+ public:
+  Fitting(std::string_view text, const Environment& environment, double width, TextMeasurer& measurer)
+      : text_(text), environment_(environment), width_(width), measurer_(measurer) {}
+
+  FittedText atScale(double scale) const {
+    const Font font = environment_.font.scaled(scale);
+    const TextMetrics own = measurer_.measure(text_, font, std::nullopt, environment_.lineLimit);
+    if (own.size.width <= width_ + widthTolerance) return {font, own};
+    return {font, measurer_.measure(text_, font, width_, environment_.lineLimit)};
+  }
+
+  /// One line's width goes with its scale, but for hinting and rounding; so the first try nearly always fits.
+  FittedText shrunkOnOneLine() const {
+    const double smallest = environment_.minimumScaleFactor;
+    constexpr int tries = 4;
+    double scale = 1;
+    for (int i = 0; i < tries; ++i) {
+      const Font font = environment_.font.scaled(scale);
+      const TextMetrics own = measurer_.measure(text_, font, std::nullopt, 1);
+      if (own.size.width <= width_ + widthTolerance) return {font, own};
+      if (scale * width_ < smallest * own.size.width) break;
+      scale *= width_ / own.size.width;
+    }
+    return atScale(smallest);
+  }
+
+  FittedText shrunkOnSeveralLines() const {
+    const double smallest = environment_.minimumScaleFactor;
+    FittedText best = atScale(smallest);
+    if (best.metrics.truncated) return best;
+    int fits = 0;
+    int tooLarge = scaleSteps;
+    while (tooLarge - fits > 1) {
+      const int step = (fits + tooLarge) / 2;
+      const FittedText fitted = atScale(smallest + (1 - smallest) * step / scaleSteps);
+      (fitted.metrics.truncated ? tooLarge : fits) = step;
+      if (!fitted.metrics.truncated) best = fitted;
+    }
+    return best;
+  }
+
+ private:
+  std::string_view text_;
+  const Environment& environment_;
+  double width_;
+  TextMeasurer& measurer_;
+};
+
+}  // namespace
+
+FittedText fitText(std::string_view text, const Environment& environment, std::optional<double> width,
+                   TextMeasurer& measurer) {
+  if (!(environment.font.size > 0 && std::isfinite(environment.font.size))) return {environment.font, {}};
+  const Fitting fitting{text, environment, width.value_or(infinity), measurer};
+  const bool mayShrink = environment.minimumScaleFactor < 1 && width && std::isfinite(*width);
+  if (mayShrink && environment.lineLimit == 1) return fitting.shrunkOnOneLine();
+  FittedText whole = fitting.atScale(1);
+  return mayShrink && whole.metrics.truncated ? fitting.shrunkOnSeveralLines() : whole;
+}
+
+}  // namespace ui

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "ui/layout/environment.hpp"
+#include "ui/text_measurer.hpp"
+
+namespace ui {
+
+/// A text made to fit: the font that it is set in after shrinking, and what it takes up in that font.
+struct FittedText {
+  Font font;
+  TextMetrics metrics;
+};
+
+/// Sets `text` within `width` (absent or infinite: as wide as it likes), in the environment's font and line
+/// limit. Where not all of it fits it shrinks, to the largest scale at which it does but not below the
+/// minimum scale factor; what does not fit even then is cut at that factor. Heights are not limited.
+///
+/// A width that falls short of the text's own by no more than rounding errors counts as enough; the metrics
+/// are then the text's own. A font without a size takes no room.
+FittedText fitText(std::string_view text, const Environment& environment, std::optional<double> width,
+                   TextMeasurer& measurer);
+
+}  // namespace ui

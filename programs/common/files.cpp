@@ -1,0 +1,104 @@
+#include "common/files.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "common/failure.hpp"
+
+namespace program {
+namespace {
+
+/// A file descriptor that closes itself.
+class Descriptor {
+ public:
+  explicit Descriptor(int value) : value_(value) {}
+  ~Descriptor() {
+    if (value_ >= 0) close(value_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  int get() const { return value_; }
+
+ private:
+  int value_;
+};
+
+Failure failed(int exitCode, const std::string& what, const std::filesystem::path& path) {
+  return {exitCode, what + " " + path.string() + ": " + std::strerror(errno)};
+}
+
+mode_t currentUmask() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return mask;
+}
+
+void writeDirectly(const std::filesystem::path& path, std::string_view bytes) {
+  const Descriptor file{open(path.c_str(), O_WRONLY | O_CLOEXEC)};
+  if (file.get() < 0) throw failed(EX_CANTCREAT, "cannot open", path);
+  if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
+}
+
+/// Through a new file beside it, which then takes its name. Not synced: what is written here can be made
+/// again.
+void replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
+  std::string temporary = path.string() + ".XXXXXX";
+  const Descriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
+  if (file.get() < 0) throw failed(EX_CANTCREAT, "cannot create", path);
+  if (fchmod(file.get(), mode) != 0 || !writeAll(file.get(), bytes) ||
+      std::rename(temporary.c_str(), path.c_str()) != 0) {
+    const auto failure = failed(EX_IOERR, "cannot write", path);
+    unlink(temporary.c_str());
+    throw failure;
+  }
+}
+
+}  // namespace
+
+bool writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+std::string readFile(const std::filesystem::path& path, std::size_t limit) {
+  const bool isInput = path == "-";
+  const Descriptor file{isInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+  const std::filesystem::path shown = isInput ? "standard input" : path;
+  if (file.get() < 0) throw failed(EX_NOINPUT, "cannot open", shown);
+  std::string bytes;
+  char buffer[16384];
+  while (true) {
+    const ssize_t count = read(file.get(), buffer, sizeof buffer);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw failed(EX_NOINPUT, "cannot read", shown);
+    if (count == 0) return bytes;
+    bytes.append(buffer, static_cast<std::size_t>(count));
+    if (bytes.size() > limit)
+      throw Failure{EX_DATAERR, shown.string() + " is larger than " + std::to_string(limit) + " bytes"};
+  }
+}
+
+void writeFile(const std::filesystem::path& path, std::string_view bytes) {
+  std::error_code ignored;
+  const auto linked = std::filesystem::weakly_canonical(path, ignored);
+  const auto& target = linked.empty() ? path : linked;
+  struct stat status {};
+  const bool exists = stat(target.c_str(), &status) == 0;
+  if (exists && S_ISDIR(status.st_mode))
+    throw Failure{EX_CANTCREAT, "cannot create " + path.string() + ": Is a directory"};
+  if (exists && !S_ISREG(status.st_mode)) return writeDirectly(target, bytes);
+  replaceFile(target, bytes, exists ? status.st_mode & 07777 : 0666 & ~currentUmask());
+}
+
+}  // namespace program

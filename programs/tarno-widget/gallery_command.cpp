@@ -1,0 +1,54 @@
+#include <nlohmann/json.hpp>
+
+#include "common/failure.hpp"
+#include "common/output.hpp"
+#include "tarno-widget/commands.hpp"
+#include "tarno-widget/localization.hpp"
+#include "tarno-widget/tile.hpp"
+
+namespace extension {
+namespace {
+
+std::string jsonText(const widgetkit::WidgetConfiguration& widget) {
+  nlohmann::ordered_json result{{"kind", widget.kind},
+                                {"display_name", localized(widget.displayName)},
+                                {"description", localized(widget.widgetDescription)},
+                                {"families", nlohmann::ordered_json::array()}};
+  for (const auto family : widget.families) result["families"].push_back(name(family));
+  return result.dump(2) + "\n";
+}
+
+std::string textForPeople(const widgetkit::WidgetConfiguration& widget) {
+  std::string families;
+  for (const auto family : widget.families) {
+    const auto size = tileSize(family);
+    char line[64];
+    std::snprintf(line, sizeof line, "  %-13s %g x %g points\n", std::string{name(family)}.c_str(),
+                  size.width, size.height);
+    families += line;
+  }
+  return localized(widget.displayName) + "\n" + localized(widget.widgetDescription) + "\nkind " +
+         widget.kind + "\n" + families;
+}
+
+void drawPreviews(const widgetkit::WidgetConfiguration& widget, const std::filesystem::path& folder,
+                  double scale) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error)
+    throw program::Failure{EX_CANTCREAT, "cannot create " + folder.string() + ": " + error.message()};
+  for (const auto family : widget.families) {
+    const auto file = folder / (widget.kind + "-" + std::string{name(family)} + ".png");
+    render(widget, {.family = family, .output = file, .scale = scale, .request = Request::preview});
+  }
+}
+
+}  // namespace
+
+int gallery(const widgetkit::WidgetConfiguration& widget, const GalleryOptions& options) {
+  if (options.output) drawPreviews(widget, *options.output, options.scale);
+  program::writeOutput(options.asJSON ? jsonText(widget) : textForPeople(widget));
+  return EX_OK;
+}
+
+}  // namespace extension

@@ -1,0 +1,32 @@
+#include "tarno-widget/inspection.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include "common/dates.hpp"
+#include "shared/coding/json.hpp"
+
+namespace extension {
+
+using nlohmann::ordered_json;
+
+ordered_json json(const widgetkit::AnyTimelineEntry& entry) {
+  const auto& value = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);
+  ordered_json result;
+  result["date"] = program::dateText(value.date);
+  result["status"] = nullptr;
+  if (value.status) result["status"] = ordered_json::parse(TarnoJSON::encoder().encode(*value.status));
+  result["last_refresh"] = nullptr;
+  if (value.lastRefresh) result["last_refresh"] = program::dateText(*value.lastRefresh);
+  return result;
+}
+
+ordered_json json(const ui::Description& description) {
+  ordered_json result;
+  result["name"] = description.name;
+  for (const auto& [key, value] : description.attributes)
+    std::visit([&, name = std::string{key}](const auto& plain) { result[name] = plain; }, value);
+  for (const auto& child : description.children) result["children"].push_back(json(child));
+  return result;
+}
+
+}  // namespace extension

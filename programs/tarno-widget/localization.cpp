@@ -1,0 +1,31 @@
+#include "tarno-widget/localization.hpp"
+
+#include <libintl.h>
+
+#include <clocale>
+#include <filesystem>
+
+namespace extension {
+namespace {
+
+constexpr const char* domain = "tarno";
+
+}  // namespace
+
+void useCatalogues() {
+  // Not LC_NUMERIC: numbers that a program prints are for other programs, too.
+  std::setlocale(LC_CTYPE, "");
+  std::setlocale(LC_MESSAGES, "");
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return;
+  bindtextdomain(domain, (program.parent_path().parent_path() / "share" / "locale").c_str());
+  bind_textdomain_codeset(domain, "UTF-8");
+}
+
+std::string localized(const widgetkit::LocalizedStringKey& key) {
+  if (key.key.empty()) return {};  // under the empty key gettext keeps the catalogue's header
+  return dgettext(domain, key.key.c_str());
+}
+
+}  // namespace extension

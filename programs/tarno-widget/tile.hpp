@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "ui/layout.hpp"
+#include "widgetkit/widget_configuration.hpp"
+
+namespace extension {
+
+/// The space between a tile's edge and its content, on every side, in points.
+inline constexpr double contentMargin = 16;
+
+/// The radius to which the host clips a tile's corners, in points.
+inline constexpr double cornerRadius = 22;
+
+/// The size of a family's tile in points: 170 x 170, 364 x 170, 364 x 382.
+ui::Size tileSize(widgetkit::WidgetFamily family);
+
+/// The family that a command line calls "small", "medium" or "large"; nothing for any other word.
+std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
+
+/// Draws an entry's tile as it is now: builds the view anew (which may read the clock) and lays it out.
+ui::Scene tileScene(const widgetkit::AnyTimelineEntry& entry, widgetkit::WidgetFamily family,
+                    ui::TextMeasurer& measurer);
+
+/// What a host tells the provider about a request for a tile of `family`.
+widgetkit::TimelineProviderContext requestContext(widgetkit::WidgetFamily family, bool isPreview = false);
+
+}  // namespace extension
