@@ -9,25 +9,12 @@
 #include <cstring>
 
 #include "common/failure.hpp"
+#include "foundation/file_descriptor.hpp"
 
 namespace program {
 namespace {
 
-/// A file descriptor that closes itself.
-class Descriptor {
- public:
-  explicit Descriptor(int value) : value_(value) {}
-  ~Descriptor() {
-    if (value_ >= 0) close(value_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int get() const { return value_; }
-
- private:
-  int value_;
-};
+using foundation::FileDescriptor;
 
 Failure failed(int exitCode, const std::string& what, const std::filesystem::path& path) {
   return {exitCode, what + " " + path.string() + ": " + std::strerror(errno)};
@@ -40,8 +27,8 @@ mode_t currentUmask() {
 }
 
 void writeDirectly(const std::filesystem::path& path, std::string_view bytes) {
-  const Descriptor file{open(path.c_str(), O_WRONLY | O_CLOEXEC)};
-  if (file.get() < 0) throw failed(EX_CANTCREAT, "cannot open", path);
+  const FileDescriptor file{open(path.c_str(), O_WRONLY | O_CLOEXEC)};
+  if (!file) throw failed(EX_CANTCREAT, "cannot open", path);
   if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
 }
 
@@ -49,8 +36,8 @@ void writeDirectly(const std::filesystem::path& path, std::string_view bytes) {
 /// again.
 void replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
   std::string temporary = path.string() + ".XXXXXX";
-  const Descriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
-  if (file.get() < 0) throw failed(EX_CANTCREAT, "cannot create", path);
+  const FileDescriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
+  if (!file) throw failed(EX_CANTCREAT, "cannot create", path);
   if (fchmod(file.get(), mode) != 0 || !writeAll(file.get(), bytes) ||
       std::rename(temporary.c_str(), path.c_str()) != 0) {
     const auto failure = failed(EX_IOERR, "cannot write", path);
@@ -73,9 +60,9 @@ bool writeAll(int descriptor, std::string_view bytes) {
 
 std::string readFile(const std::filesystem::path& path, std::size_t limit) {
   const bool isInput = path == "-";
-  const Descriptor file{isInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+  const FileDescriptor file{isInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC)};
   const std::filesystem::path shown = isInput ? "standard input" : path;
-  if (file.get() < 0) throw failed(EX_NOINPUT, "cannot open", shown);
+  if (!file) throw failed(EX_NOINPUT, "cannot open", shown);
   std::string bytes;
   char buffer[16384];
   while (true) {

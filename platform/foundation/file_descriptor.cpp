@@ -1,0 +1,17 @@
+#include "foundation/file_descriptor.hpp"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace foundation {
+
+void FileDescriptor::close() {
+  if (value_ < 0) return;
+  const int kept = errno;
+  ::close(value_);
+  errno = kept;
+  value_ = -1;
+}
+
+}  // namespace foundation
