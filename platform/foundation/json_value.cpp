@@ -1,6 +1,8 @@
 #include "foundation/json_value.hpp"
 
-#include <cstdlib>
+#include <locale.h>
+
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "foundation/coding_error.hpp"
@@ -10,6 +12,26 @@ namespace {
 
 /// A JSONValue frees its members recursively, so that its depth must be bounded.
 constexpr std::size_t deepestNesting = 512;
+
+std::string notJSON(std::size_t position) { return "not valid JSON near byte " + std::to_string(position); }
+
+/// Gives the calling thread the "C" locale while one lives. The parser reads and keeps numbers with the
+/// decimal point of the thread's locale; JSON's is always '.'.
+class CLocaleScope {
+ public:
+  CLocaleScope() : previous_(uselocale(cLocale())) {}
+  ~CLocaleScope() { uselocale(previous_); }
+  CLocaleScope(const CLocaleScope&) = delete;
+  CLocaleScope& operator=(const CLocaleScope&) = delete;
+
+ private:
+  static locale_t cLocale() {
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return locale;
+  }
+
+  locale_t previous_;
+};
 
 /// Builds a JSONValue from the parser's events. It keeps what the parser's own tree drops: the text of a
 /// number, by which a whole number beyond a double's precision can be told exactly.
@@ -45,8 +67,7 @@ class TreeBuilder {
   bool end_array() { return close(); }
 
   bool parse_error(std::size_t position, const std::string&, const nlohmann::json::exception& error) {
-    fail(error.id == numberOverflow ? "a number is too large"
-                                    : "not valid JSON near byte " + std::to_string(position));
+    fail(error.id == numberOverflow ? "a number is too large" : notJSON(position));
   }
 
   JSONValue result() && { return std::move(top_); }
@@ -109,8 +130,14 @@ class TreeBuilder {
 }  // namespace
 
 JSONValue parseJSON(std::string_view text) {
+  // The parser takes a NUL for the end of its input; JSON has no place for that byte.
+  const auto* const nul = std::find(text.begin(), text.end(), '\0');
+  const CLocaleScope scope;
   TreeBuilder builder;
-  nlohmann::json::sax_parse(text.begin(), text.end(), &builder);
+  nlohmann::json::sax_parse(text.begin(), nul, &builder);
+  if (nul != text.end())
+    throw DecodingError{
+        DecodingError::Kind::dataCorrupted, {}, notJSON(static_cast<std::size_t>(nul - text.begin()) + 1)};
   return std::move(builder).result();
 }
 

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 
 #include "foundation/json_decoder.hpp"
@@ -8,6 +12,8 @@
 
 namespace foundation {
 namespace {
+
+using namespace std::string_view_literals;
 
 const JSONDecoder decoder{
     [](const Decoder& value) { return Date{std::chrono::seconds{value.as<std::int64_t>()}}; }};
@@ -43,6 +49,8 @@ TEST(JSONDecoder, TellsWholeNumbersExactly) {
       {"18446744073709551615", {}},
       {"2.5", {}},
       {"1e-1", {}},
+      {"1e18", 1'000'000'000'000'000'000},
+      {"1e+2", 100},
       {"1e19", {}},
       {"1e300", {}},
       {"1e-99999999999", {}},
@@ -56,13 +64,17 @@ TEST(JSONDecoder, TellsWholeNumbersExactly) {
 }
 
 TEST(JSONDecoder, RefusesWhatIsNotJSON) {
-  for (const char* const json : {"", " ", "{", "nul", "'a'", "01", "1 2", "[1,]", "{\"a\":1,}", "\"\xff\"",
-                                 "\"\\ud800\"", "1e400", "\xEF\xBB"}) {
+  for (const auto json :
+       {""sv, " "sv, "{"sv, "nul"sv, "'a'"sv, "01"sv, "1 2"sv, "[1,]"sv, "{\"a\":1,}"sv, "\"\xff\""sv,
+        "\"\\ud800\""sv, "1e400"sv, "\xEF\xBB"sv, "\0"sv, "1\0"sv, "1\0 2"sv, "\0001"sv, "\"a\0\""sv}) {
     const auto error = errorOf<double>(json);
     ASSERT_TRUE(error) << json;
     EXPECT_EQ(error->kind, DecodingError::Kind::dataCorrupted) << json;
   }
-  EXPECT_TRUE(errorOf<double>(std::string(100'000, '[') + std::string(100'000, ']')));
+  const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+  EXPECT_EQ(errorOf<double>(nested(512))->kind, DecodingError::Kind::typeMismatch);
+  EXPECT_EQ(errorOf<double>(nested(513))->kind, DecodingError::Kind::dataCorrupted);
+  EXPECT_EQ(decoder.decode<std::string>(R"("a\u0000")"), "a\0"sv);
   EXPECT_EQ(decoder.decode<bool>(" true\n"), true);
 }
 
@@ -86,7 +98,8 @@ void encode(Encoder& encoder, const Pair& pair) {
 TEST(JSONDecoder, ErrorsSayWhere) {
   EXPECT_EQ(errorOf<Pair>(R"({"number": true})")->codingPath, CodingPath{"number"});
   EXPECT_STREQ(errorOf<Pair>(R"({"text": 1})")->what(), "text: expected a string, found a number");
-  EXPECT_EQ(errorOf<Pair>(R"({"number": 1e400})")->codingPath, CodingPath{"number"});
+  EXPECT_STREQ(errorOf<Pair>(R"({"number": 1e400})")->what(), "number: a number is too large");
+  EXPECT_STREQ(errorOf<Pair>("{}\0 x"sv)->what(), "not valid JSON near byte 3");
   EXPECT_EQ(errorOf<Pair>(R"({"x": {"y": [1, }})")->codingPath, (CodingPath{"x", "y", "1"}));
   EXPECT_TRUE(errorOf<Pair>("[]")->codingPath.empty());
   EXPECT_EQ(decoder.decode<Pair>(R"({"text": "a", "text": "b"})").text, "b");
@@ -103,6 +116,41 @@ TEST(JSONEncoder, LeavesAbsentFieldsOutAndEscapes) {
     EXPECT_EQ(decoder.decode<double>(encoder.encode(number)), number);
   EXPECT_THROW(encoder.encode(std::nan("")), EncodingError);
   EXPECT_THROW(encoder.encode(Pair{{}, "\xff"}), EncodingError);
+}
+
+/// Makes a locale with a decimal comma that of the process while it lives; Debian installs none by default.
+class CommaLocale {
+ public:
+  CommaLocale() {
+    const auto source = folder_ / "source";
+    std::ofstream{source}
+        << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3\nEND LC_NUMERIC\n";
+    const auto compile =
+        "localedef -c --no-archive -i " + source.string() + ' ' + (folder_ / "comma").string();
+    std::system((compile + " 2>/dev/null").c_str());  // warns about the categories that are missing
+    setenv("LOCPATH", folder_.c_str(), 1);
+    std::setlocale(LC_ALL, "comma");
+  }
+  ~CommaLocale() {
+    std::setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
+    std::filesystem::remove_all(folder_);
+  }
+
+ private:
+  std::string pattern_ = testing::TempDir() + "tarno-test-XXXXXX";
+  std::filesystem::path folder_ = mkdtemp(pattern_.data());
+};
+
+TEST(JSON, KeepsItsDecimalPointInEveryLocale) {
+  const JSONEncoder encoder{DateEncodingStrategy::secondsSince1970};
+  const CommaLocale locale;
+  ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+  EXPECT_EQ(decoder.decode<std::int64_t>("3.0"), 3);
+  EXPECT_EQ(decoder.decode<double>("2.5"), 2.5);
+  EXPECT_STREQ(errorOf<std::int64_t>("2.5")->what(), "2.5 is not a whole number of 64 bits");
+  EXPECT_EQ(encoder.encode(1234567.5), "1234567.5");
+  EXPECT_STREQ(std::localeconv()->decimal_point, ",");  // the caller's locale is as before
 }
 
 }  // namespace
