@@ -12,9 +12,9 @@ using Date = std::chrono::sys_time<std::chrono::microseconds>;
 /// A duration in seconds.
 using TimeInterval = std::chrono::duration<double>;
 
-/// The first and the last moment that an RFC 3339 date-time can name in UTC: years 0000 to 9999.
-/// Dates that come from outside are held to this range, so that differences between them never overflow.
-inline constexpr Date earliestDate{std::chrono::sys_days{std::chrono::year{0} / std::chrono::January / 1}};
+/// The first and the last moment that is read from a text or written into one: the years 0001 to 9999 of UTC.
+/// Every date that comes from outside lies in this range, so that differences never overflow.
+inline constexpr Date earliestDate{std::chrono::sys_days{std::chrono::year{1} / std::chrono::January / 1}};
 inline constexpr Date latestDate{std::chrono::sys_days{std::chrono::year{10000} / std::chrono::January / 1} -
                                  std::chrono::microseconds{1}};
 

@@ -79,6 +79,21 @@ std::optional<minutes> readTimeZone(Scanner& scanner) {
   return ahead ? *offset : -*offset;
 }
 
+// Two readers serve the whole process, each made when it is first needed. They hold no mutable state, so that
+// any number of threads may use them at once.
+
+/// Requires a fraction of a second.
+const ISO8601DateFormatter& tarno() {
+  static const ISO8601DateFormatter formatter{withInternetDateTime | withFractionalSeconds};
+  return formatter;
+}
+
+/// Allows no fraction of a second.
+const ISO8601DateFormatter& tarnoNoFractions() {
+  static const ISO8601DateFormatter formatter{withInternetDateTime};
+  return formatter;
+}
+
 }  // namespace
 
 std::optional<Date> ISO8601DateFormatter::date(std::string_view text) const {
@@ -112,7 +127,7 @@ std::string ISO8601DateFormatter::string(Date date) const {
   const int year = static_cast<int>(calendar.year());
 
   char text[64];
-  const bool isExpanded = year < 0 || year > 9999;
+  const bool isExpanded = date < earliestDate || date > latestDate;
   std::snprintf(text, sizeof text,
                 isExpanded ? "%+06d-%02u-%02uT%02d:%02d:%02d" : "%04d-%02u-%02uT%02d:%02d:%02d", year,
                 static_cast<unsigned>(calendar.month()), static_cast<unsigned>(calendar.day()),
@@ -124,6 +139,11 @@ std::string ISO8601DateFormatter::string(Date date) const {
     result += text;
   }
   return result + "Z";
+}
+
+std::optional<Date> dateFromRFC3339(std::string_view text) {
+  if (const auto date = tarno().date(text)) return date;
+  return tarnoNoFractions().date(text);
 }
 
 }  // namespace foundation

@@ -28,7 +28,7 @@ enum ISO8601FormatOptions : unsigned {
 ///
 /// Reading is strict: upper-case T and Z, two digits where the standard says two, a calendar-valid day, hours
 /// 00 to 23, seconds 00 to 59 (a leap second has no moment of its own on this time scale), an offset from
-/// -23:59 to +23:59, and nothing before or after. The moment must fall in the years 0000 to 9999 of UTC.
+/// -23:59 to +23:59, and nothing before or after. The moment must lie between earliestDate and latestDate.
 ///
 /// Sub-second parts are always cut towards the past, before 1970 as after: reading keeps microseconds and
 /// drops further digits, writing without a fraction drops all of them.
@@ -44,13 +44,17 @@ class ISO8601DateFormatter {
   /// required, without it none is allowed.
   std::optional<Date> date(std::string_view text) const;
 
-  /// `date` in UTC with the designator Z; with withFractionalSeconds to the millisecond. A year outside 0000
-  /// to 9999 is written in ISO 8601's expanded form (a sign and at least five digits), which date() does not
-  /// read back.
+  /// `date` in UTC with the designator Z; with withFractionalSeconds to the millisecond. A date before
+  /// earliestDate or after latestDate is written in ISO 8601's expanded form (a sign and at least five
+  /// digits), for people: date() does not read it back.
   std::string string(Date date) const;
 
  private:
   unsigned options_;
 };
+
+/// The moment that an RFC 3339 date-time names, with or without a fraction of a second; nothing for any other
+/// text. Any thread.
+std::optional<Date> dateFromRFC3339(std::string_view text);
 
 }  // namespace foundation
