@@ -42,7 +42,7 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
   text += program::printable(snapshot.detailLine()) + "\n";
   text += "age       " + age + "\n";
   text += "presence  " + presence(snapshot) + "\n";
-  text += "device    " + program::printable(snapshot.deviceName.value_or("Mac")) + "\n";
+  text += "device    " + program::printable(displayedDeviceName(snapshot)) + "\n";
   return text;
 }
 

@@ -1,8 +1,7 @@
 #include "shared/freshness/status_freshness.hpp"
 
 #include <algorithm>
-
-#include "shared/model/status_snapshot.hpp"
+#include <cmath>
 
 namespace TarnoStatusFreshness {
 
@@ -11,23 +10,21 @@ std::optional<std::int64_t> ageSeconds(std::optional<foundation::Date> receivedA
   return std::max<std::int64_t>(foundation::wholeSecondsBetween(*receivedAt, now), 0);
 }
 
+foundation::Date staleFrom(foundation::Date receivedAt) {
+  // Ages count in whole seconds, so that the limit is exceeded at the next one.
+  const foundation::TimeInterval firstStaleAge{std::floor(localStaleAfter.count()) + 1};
+  return foundation::addingTimeInterval(receivedAt, firstStaleAge);
+}
+
+std::string ageText(std::int64_t seconds) {
+  if (seconds < 60) return std::to_string(seconds) + "s";
+  if (seconds < 3600) return std::to_string(seconds / 60) + "m";
+  return std::to_string(seconds / 3600) + "h";
+}
+
 std::string staleDetail(std::optional<std::int64_t> ageSeconds) {
-  if (!ageSeconds) return "Mac status is stale. Refresh Tarno before trusting it.";
-  const auto age = *ageSeconds < 60     ? std::to_string(*ageSeconds) + "s"
-                   : *ageSeconds < 3600 ? std::to_string(*ageSeconds / 60) + "m"
-                                        : std::to_string(*ageSeconds / 3600) + "h";
-  return "Mac status is " + age + " old. Refresh Tarno before trusting it.";
+  const auto state = ageSeconds ? ageText(*ageSeconds) + " old" : std::string{"stale"};
+  return "Mac status is " + state + ". Refresh Tarno before trusting it.";
 }
 
 }  // namespace TarnoStatusFreshness
-
-TarnoMacStatusSnapshot TarnoMacStatusSnapshot::withLocalFreshness(std::optional<foundation::Date> receivedAt,
-                                                                  foundation::Date now,
-                                                                  foundation::TimeInterval staleAfter) const {
-  auto judged = *this;
-  const auto age = TarnoStatusFreshness::ageSeconds(receivedAt, now);
-  if (!age) return judged;
-  judged.ageSeconds = age;
-  if (static_cast<double>(*age) > staleAfter.count()) judged.stale = true;
-  return judged;
-}

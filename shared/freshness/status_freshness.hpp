@@ -16,7 +16,14 @@ inline constexpr foundation::TimeInterval localStaleAfter{150};
 /// The whole seconds from `receivedAt` to `now`, 0 when it lies in the future; nothing without `receivedAt`.
 std::optional<std::int64_t> ageSeconds(std::optional<foundation::Date> receivedAt, foundation::Date now);
 
-/// One line that says how old a stale status is, in seconds, minutes or hours, rounded down.
+/// The first moment at which a status that was received at `receivedAt`, no later than latestDate, is stale
+/// by its age.
+foundation::Date staleFrom(foundation::Date receivedAt);
+
+/// An age in seconds, minutes or hours, rounded down: "59s", "1m", "24h". A negative one is in seconds.
+std::string ageText(std::int64_t seconds);
+
+/// One line that says how old a stale status is.
 std::string staleDetail(std::optional<std::int64_t> ageSeconds);
 
 }  // namespace TarnoStatusFreshness

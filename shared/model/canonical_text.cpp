@@ -3,26 +3,51 @@
 #include <utf8proc.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
+#include <array>
 #include <optional>
-#include <string>
+#include <vector>
 
 namespace {
+
+using CodePoints = std::vector<utf8proc_int32_t>;
 
 /// Below U+0300, the first combining mark, no two different texts are equivalent. Its first byte is 0xCC.
 bool mayHaveOtherForms(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
 }
 
-std::optional<std::string> decomposed(std::string_view text) {
-  utf8proc_uint8_t* buffer = nullptr;
-  const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                   static_cast<utf8proc_ssize_t>(text.size()), &buffer,
-                                   static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_DECOMPOSE));
-  if (length < 0) return std::nullopt;
-  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner{buffer, &std::free};
-  return std::string{reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(length)};
+int combiningClass(utf8proc_int32_t codePoint) { return utf8proc_get_property(codePoint)->combining_class; }
+
+/// The canonical ordering of Unicode Standard Annex #15: every run of combining marks by class, marks of one
+/// class in the order in which they stand. The library's own takes time in the square of a run's length.
+void sortCombiningMarks(CodePoints& text) {
+  const auto isMark = [](auto codePoint) { return combiningClass(codePoint) != 0; };
+  for (auto first = text.begin(); (first = std::find_if(first, text.end(), isMark)) != text.end();) {
+    const auto last = std::find_if_not(first, text.end(), isMark);
+    if (last - first > 1)
+      std::stable_sort(first, last, [](auto a, auto b) { return combiningClass(a) < combiningClass(b); });
+    first = last;
+  }
+}
+
+/// The canonical decomposition (NFD) of UTF-8; nothing for what is not UTF-8.
+std::optional<CodePoints> decomposed(std::string_view text) {
+  CodePoints result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    utf8proc_int32_t codePoint = 0;
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+    if (length < 0) return std::nullopt;
+    text.remove_prefix(static_cast<std::size_t>(length));
+
+    std::array<utf8proc_int32_t, 4> parts;  // no code point has a longer canonical decomposition
+    const auto count =
+        utf8proc_decompose_char(codePoint, parts.data(), parts.size(), UTF8PROC_DECOMPOSE, nullptr);
+    result.insert(result.end(), parts.begin(), parts.begin() + count);
+  }
+  sortCombiningMarks(result);
+  return result;
 }
 
 }  // namespace

@@ -1,61 +1,109 @@
 #include "shared/model/status_snapshot.hpp"
 
+#include <tuple>
+
 #include "foundation/json_decoder.hpp"
 #include "foundation/json_encoder.hpp"
+#include "shared/freshness/status_freshness.hpp"
 #include "shared/model/canonical_text.hpp"
 
 namespace {
 
-using Keys = TarnoMacStatusSnapshot::CodingKeys;
+using Snapshot = TarnoMacStatusSnapshot;
 
-/// Calls `visit(key, field)` for every field of `snapshot`, in field order.
-template <class Snapshot, class Visit>
-void forEachField(Snapshot& snapshot, Visit visit) {
-  visit(Keys::schema, snapshot.schema);
-  visit(Keys::app, snapshot.app);
-  visit(Keys::event, snapshot.event);
-  visit(Keys::deviceID, snapshot.deviceID);
-  visit(Keys::deviceName, snapshot.deviceName);
-  visit(Keys::seenAt, snapshot.seenAt);
-  visit(Keys::status, snapshot.status);
-  visit(Keys::reason, snapshot.reason);
-  visit(Keys::source, snapshot.source);
-  visit(Keys::confidence, snapshot.confidence);
-  visit(Keys::facePresent, snapshot.facePresent);
-  visit(Keys::companionPresent, snapshot.companionPresent);
-  visit(Keys::inputIdleSeconds, snapshot.inputIdleSeconds);
-  visit(Keys::stale, snapshot.stale);
-  visit(Keys::ageSeconds, snapshot.ageSeconds);
-  visit(Keys::message, snapshot.message);
+template <class Value>
+struct Field {
+  constexpr Field(std::string_view key_, std::optional<Value> Snapshot::*member_)
+      : key(key_), member(member_) {}
+
+  std::string_view key;
+  std::optional<Value> Snapshot::*member;
+};
+
+/// The record's fields in order. Coding and equality follow this table.
+constexpr std::tuple fields{Field{"schema", &Snapshot::schema},
+                            Field{"app", &Snapshot::app},
+                            Field{"event", &Snapshot::event},
+                            Field{"device_id", &Snapshot::deviceID},
+                            Field{"device_name", &Snapshot::deviceName},
+                            Field{"seen_at", &Snapshot::seenAt},
+                            Field{"status", &Snapshot::status},
+                            Field{"reason", &Snapshot::reason},
+                            Field{"source", &Snapshot::source},
+                            Field{"confidence", &Snapshot::confidence},
+                            Field{"face_present", &Snapshot::facePresent},
+                            Field{"companion_present", &Snapshot::companionPresent},
+                            Field{"input_idle_seconds", &Snapshot::inputIdleSeconds},
+                            Field{"stale", &Snapshot::stale},
+                            Field{"age_seconds", &Snapshot::ageSeconds},
+                            Field{"message", &Snapshot::message}};
+
+template <class Value>
+bool same(const std::optional<Value>& a, const std::optional<Value>& b) {
+  return a == b;
 }
 
-bool sameText(const std::optional<std::string>& a, const std::optional<std::string>& b) {
+bool same(const std::optional<std::string>& a, const std::optional<std::string>& b) {
   return a && b ? canonicallyEquivalent(*a, *b) : a.has_value() == b.has_value();
 }
 
+bool hasText(const std::optional<std::string>& text) { return text && !text->empty(); }
+
 }  // namespace
 
+constexpr std::array<std::string_view, 16> TarnoMacStatusSnapshot::CodingKeys::all =
+    std::apply([](const auto&... field) { return std::array{field.key...}; }, fields);
+
+TarnoMacStatus TarnoMacStatusSnapshot::resolvedStatus() const {
+  if (isStale()) return TarnoMacStatus::unknown;
+  return status.value_or(TarnoMacStatus::unknown);
+}
+
+std::string TarnoMacStatusSnapshot::statusLine() const {
+  if (isStale()) return "Status stale";
+  return std::string{resolvedStatus().displayName()};
+}
+
+std::string TarnoMacStatusSnapshot::detailLine() const {
+  if (isStale()) return TarnoStatusFreshness::staleDetail(ageSeconds);
+  if (hasText(reason)) return *reason;
+  if (hasText(message)) return *message;
+  return "Waiting for Tarno status.";
+}
+
+TarnoMacStatusSnapshot TarnoMacStatusSnapshot::withLocalFreshness(std::optional<foundation::Date> receivedAt,
+                                                                  foundation::Date now,
+                                                                  foundation::TimeInterval staleAfter) const {
+  auto judged = *this;
+  const auto age = TarnoStatusFreshness::ageSeconds(receivedAt, now);
+  if (!age) return judged;
+  judged.ageSeconds = age;
+  if (static_cast<double>(*age) > staleAfter.count()) judged.stale = true;
+  return judged;
+}
+
 bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b) {
-  return sameText(a.schema, b.schema) && sameText(a.app, b.app) && sameText(a.event, b.event) &&
-         sameText(a.deviceID, b.deviceID) && sameText(a.deviceName, b.deviceName) && a.seenAt == b.seenAt &&
-         a.status == b.status && sameText(a.reason, b.reason) && sameText(a.source, b.source) &&
-         a.confidence == b.confidence && a.facePresent == b.facePresent &&
-         a.companionPresent == b.companionPresent && a.inputIdleSeconds == b.inputIdleSeconds &&
-         a.stale == b.stale && a.ageSeconds == b.ageSeconds && sameText(a.message, b.message);
+  return std::apply([&](const auto&... field) { return (same(a.*field.member, b.*field.member) && ...); },
+                    fields);
 }
 
 void encode(foundation::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot) {
   encoder.beginObject();
-  forEachField(snapshot,
-               [&](std::string_view key, const auto& field) { encoder.encodeIfPresent(key, field); });
+  std::apply([&](const auto&... field) { (encoder.encodeIfPresent(field.key, snapshot.*field.member), ...); },
+             fields);
   encoder.endObject();
 }
 
 void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot) {
   decoder.requireObject();
   TarnoMacStatusSnapshot read;
-  forEachField(read, [&]<class T>(std::string_view key, std::optional<T>& field) {
-    field = decoder.decodeIfPresent<T>(key);
-  });
+  const auto readField = [&]<class Value>(const Field<Value>& field) {
+    read.*field.member = decoder.decodeIfPresent<Value>(field.key);
+  };
+  std::apply([&](const auto&... field) { (readField(field), ...); }, fields);
   snapshot = std::move(read);
+}
+
+std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report) {
+  return report ? report->deviceName.value_or("Mac") : "Mac";
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,24 +30,9 @@ struct TarnoMacStatusSnapshot {
   std::optional<std::int64_t> ageSeconds;  ///< of the status
   std::optional<std::string> message;      ///< a text for people, second to `reason`
 
-  /// The JSON names of the fields, in field order.
+  /// The record's keys: the JSON names of the sixteen fields, in field order.
   struct CodingKeys {
-    static constexpr std::string_view schema = "schema";
-    static constexpr std::string_view app = "app";
-    static constexpr std::string_view event = "event";
-    static constexpr std::string_view deviceID = "device_id";
-    static constexpr std::string_view deviceName = "device_name";
-    static constexpr std::string_view seenAt = "seen_at";
-    static constexpr std::string_view status = "status";
-    static constexpr std::string_view reason = "reason";
-    static constexpr std::string_view source = "source";
-    static constexpr std::string_view confidence = "confidence";
-    static constexpr std::string_view facePresent = "face_present";
-    static constexpr std::string_view companionPresent = "companion_present";
-    static constexpr std::string_view inputIdleSeconds = "input_idle_seconds";
-    static constexpr std::string_view stale = "stale";
-    static constexpr std::string_view ageSeconds = "age_seconds";
-    static constexpr std::string_view message = "message";
+    static const std::array<std::string_view, 16> all;
   };
 
   /// `stale` is present and true.
@@ -78,3 +64,6 @@ void encode(foundation::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot
 /// From one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
 /// foundation::DecodingError for the first field that does not fit; `snapshot` is then unchanged.
 void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot);
+
+/// The name of the Mac that `report` is about, for people; "Mac" when there is no report or it names none.
+std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report);

@@ -60,6 +60,23 @@ TEST(Snapshot, EveryFieldSurvives) {
             R"("source":"s","confidence":-7,"face_present":false,"companion_present":true,)"
             R"("input_idle_seconds":0.25,"stale":true,"age_seconds":4611686018427387904,"message":"m"})");
   EXPECT_EQ(decoded(encoded(full)), full);
+  const std::array<std::string_view, 16> keys{"schema",
+                                              "app",
+                                              "event",
+                                              "device_id",
+                                              "device_name",
+                                              "seen_at",
+                                              "status",
+                                              "reason",
+                                              "source",
+                                              "confidence",
+                                              "face_present",
+                                              "companion_present",
+                                              "input_idle_seconds",
+                                              "stale",
+                                              "age_seconds",
+                                              "message"};
+  EXPECT_EQ(Snapshot::CodingKeys::all, keys);
   EXPECT_EQ(encoded({}), "{}");
   EXPECT_EQ(encoded({.status = TarnoMacStatus::unknown}), R"({"status":"unknown"})");
 }
@@ -99,7 +116,8 @@ TEST(Snapshot, OneBadFieldRefusesTheRecord) {
       decoded(json);
       ADD_FAILURE() << json;
     } catch (const DecodingError& error) {
-      EXPECT_TRUE(error.kind == kind && error.codingPath == path) << json;
+      EXPECT_EQ(error.kind, kind) << json;
+      EXPECT_EQ(error.codingPath, path) << json;
       if (std::string_view{json}.ends_with("11-16\"}"))
         EXPECT_EQ(error.debugDescription, "Invalid ISO8601 date");
     }
@@ -132,11 +150,41 @@ TEST(Snapshot, EqualsByMeaning) {
   EXPECT_NE(named("Cafe"), named("Caf\u00e9"));
   EXPECT_NE(named("\ufb01"), named("fi"));  // a compatibility form, not a canonical one
   EXPECT_NE(named("a\xff"), named("e\u0301\xff"));
-  EXPECT_NE(named(""), Snapshot{});
-  EXPECT_NE(Snapshot{.message = "a"}, Snapshot{.message = "b"});
-  EXPECT_NE(Snapshot{.stale = false}, Snapshot{});
-  EXPECT_NE(Snapshot{.seenAt = moment}, Snapshot{.seenAt = moment + 1us});
+  EXPECT_NE(named("e\u0301\u0300"), named("e\u0300\u0301"));  // marks of one class keep their order
+  EXPECT_EQ(named("\u1f82\u0323"), named("\u03b1\u0323\u0313\u0300\u0345"));
   EXPECT_NE(Snapshot{.inputIdleSeconds = std::nan("")}, Snapshot{.inputIdleSeconds = std::nan("")});
+
+  // Two reports that differ in one field, for each of the sixteen.
+  const std::pair<Snapshot, Snapshot> different[] = {
+      {{.schema = "a"}, {.schema = "b"}},
+      {{.app = "a"}, {.app = "b"}},
+      {{.event = "a"}, {.event = "b"}},
+      {{.deviceID = "a"}, {.deviceID = "b"}},
+      {{.deviceName = ""}, {}},
+      {{.seenAt = moment}, {.seenAt = moment + 1us}},
+      {{.status = TarnoMacStatus::unknown}, {}},
+      {{.reason = "a"}, {.reason = "b"}},
+      {{.source = "a"}, {.source = "b"}},
+      {{.confidence = 1}, {.confidence = 2}},
+      {{.facePresent = true}, {.facePresent = false}},
+      {{.companionPresent = true}, {.companionPresent = false}},
+      {{.inputIdleSeconds = 1}, {.inputIdleSeconds = 1.5}},
+      {{.stale = false}, {}},
+      {{.ageSeconds = 1}, {.ageSeconds = 2}},
+      {{.message = "a"}, {.message = "b"}}};
+  for (const auto& [a, b] : different) {
+    EXPECT_NE(a, b) << encoded(a);
+    EXPECT_EQ(b, Snapshot{b});
+  }
+}
+
+TEST(Snapshot, ComparesLongRunsOfMarksQuickly) {
+  std::string mixed;
+  std::string sorted;
+  for (int i = 0; i < 200'000; ++i) mixed += "\u0301\u0323";
+  for (int i = 0; i < 200'000; ++i) sorted += "\u0323";
+  for (int i = 0; i < 200'000; ++i) sorted += "\u0301";
+  EXPECT_EQ(Snapshot{.message = mixed}, Snapshot{.message = sorted});  // takes minutes in quadratic time
 }
 
 TEST(Snapshot, DisplayLines) {

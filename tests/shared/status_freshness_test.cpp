@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "shared/model/status_snapshot.hpp"
+#include "shared/freshness/stored_status.hpp"
 
 namespace {
 
@@ -46,11 +46,28 @@ TEST(Freshness, OldMakesStaleButNothingMakesFresh) {
 
 TEST(Freshness, StaleDetailNamesTheAge) {
   const std::pair<std::optional<std::int64_t>, const char*> cases[] = {
-      {{}, "stale"},     {0, "0s old"},    {59, "59s old"},    {60, "1m old"}, {119, "1m old"},
-      {3599, "59m old"}, {3600, "1h old"}, {86400, "24h old"}, {-5, "-5s old"}};
+      {{}, "stale"},     {0, "0s old"},    {59, "59s old"},  {60, "1m old"},     {119, "1m old"},
+      {3599, "59m old"}, {3600, "1h old"}, {7199, "1h old"}, {86400, "24h old"}, {-5, "-5s old"}};
   for (const auto& [age, words] : cases)
     EXPECT_EQ(TarnoStatusFreshness::staleDetail(age),
               "Mac status is " + std::string{words} + ". Refresh Tarno before trusting it.");
+}
+
+TEST(Freshness, StaleFromIsTheFirstStaleMoment) {
+  const auto staleAt = [](Date moment) {
+    return Snapshot{}.withLocalFreshness(now, moment, TarnoStatusFreshness::localStaleAfter).isStale();
+  };
+  EXPECT_EQ(TarnoStatusFreshness::staleFrom(now), now + 151s);
+  EXPECT_FALSE(staleAt(now + 151s - 1us));
+  EXPECT_TRUE(staleAt(now + 151s));
+}
+
+TEST(StoredStatus, ComparesTheReceiptDateToo) {
+  const TarnoStoredMacStatus stored{Snapshot{.status = TarnoMacStatus::locked}, now};
+  EXPECT_EQ(stored, (TarnoStoredMacStatus{stored.snapshot, now}));
+  EXPECT_NE(stored, (TarnoStoredMacStatus{stored.snapshot, now + 1us}));
+  EXPECT_NE(stored, (TarnoStoredMacStatus{stored.snapshot, {}}));
+  EXPECT_NE(stored, (TarnoStoredMacStatus{Snapshot{}, now}));
 }
 
 }  // namespace

@@ -1,29 +1,37 @@
 #include "widget/style/widget_style.hpp"
 
+#include <array>
+
 namespace TarnoMacWidgetStyle {
+namespace {
+
+struct Appearance {
+  Color color;
+  const char* icon;
+};
+
+constexpr Appearance stale{muted, "clock.badge.exclamationmark"};
+
+/// In the order of the status' cases.
+constexpr std::array<Appearance, TarnoMacStatus::allCases.size()> appearances{
+    {{teal, "lock.fill"},
+     {coral, "lock.open.fill"},
+     {gold, "lock.rotation"},
+     {muted, "questionmark.circle.fill"}}};
+
+const Appearance& appearance(const std::optional<TarnoMacStatusSnapshot>& snapshot) {
+  if (!snapshot) return appearances[TarnoMacStatus::unknown];
+  return snapshot->isStale() ? stale : appearances[snapshot->resolvedStatus()];
+}
+
+}  // namespace
 
 Color statusColor(const std::optional<TarnoMacStatusSnapshot>& snapshot) {
-  if (snapshot && snapshot->isStale()) return muted;
-  if (!snapshot || !snapshot->status) return muted;
-  switch (*snapshot->status) {
-    case TarnoMacStatus::locked: return teal;
-    case TarnoMacStatus::unlocked: return coral;
-    case TarnoMacStatus::locking: return gold;
-    case TarnoMacStatus::unknown: break;
-  }
-  return muted;
+  return appearance(snapshot).color;
 }
 
 std::string statusIcon(const std::optional<TarnoMacStatusSnapshot>& snapshot) {
-  if (snapshot && snapshot->isStale()) return "clock.badge.exclamationmark";
-  if (!snapshot || !snapshot->status) return "questionmark.circle.fill";
-  switch (*snapshot->status) {
-    case TarnoMacStatus::locked: return "lock.fill";
-    case TarnoMacStatus::unlocked: return "lock.open.fill";
-    case TarnoMacStatus::locking: return "lock.rotation";
-    case TarnoMacStatus::unknown: break;
-  }
-  return "questionmark.circle.fill";
+  return appearance(snapshot).icon;
 }
 
 }  // namespace TarnoMacWidgetStyle

@@ -69,8 +69,7 @@ double TarnoMacDialView::progress() const {
 }
 
 std::string TarnoMacDialView::accessibilityLabel() const {
-  const std::string name = status ? status->deviceName.value_or("Mac") : "Mac";
-  return name + " " + (status ? lowercased(status->statusLine()) : "status unknown");
+  return displayedDeviceName(status) + " " + (status ? lowercased(status->statusLine()) : "status unknown");
 }
 
 View TarnoMacDialView::signalDots() const {

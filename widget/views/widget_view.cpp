@@ -1,5 +1,6 @@
 #include "widget/views/widget_view.hpp"
 
+#include "shared/freshness/status_freshness.hpp"
 #include "widget/style/widget_style.hpp"
 #include "widget/views/dial_view.hpp"
 
@@ -27,7 +28,7 @@ View TarnoMacWidgetView::expandedView() const {
   const auto& status = entry.status;
   return HStack({.alignment = center, .spacing = 14}, TarnoMacDialView{status, 124, true}.body(),
                 VStack({.alignment = leading, .spacing = 8},
-                       Text(status ? status->deviceName.value_or("Mac") : "Mac")
+                       Text(displayedDeviceName(status))
                            .font(Font::system(caption).rounded().weight(semibold))
                            .foregroundStyle(muted)
                            .lineLimit(1),
@@ -59,12 +60,8 @@ View TarnoMacWidgetView::pill(std::string title, std::string systemImage, Color 
 }
 
 std::string TarnoMacWidgetView::ageLine() const {
-  if (!entry.lastRefresh) return "Not synced";
-  const auto seconds = foundation::wholeSecondsBetween(*entry.lastRefresh, foundation::now());
-  if (seconds < 1) return "0s ago";
-  if (seconds < 60) return std::to_string(seconds) + "s ago";
-  if (seconds < 3600) return std::to_string(seconds / 60) + "m ago";
-  return std::to_string(seconds / 3600) + "h ago";
+  const auto age = TarnoStatusFreshness::ageSeconds(entry.lastRefresh, foundation::now());
+  return age ? TarnoStatusFreshness::ageText(*age) + " ago" : "Not synced";
 }
 
 std::string TarnoMacWidgetView::presenceLine() const {
