@@ -43,6 +43,9 @@ void Encoder::write(Date value) {
   switch (dates_) {
     case DateEncodingStrategy::secondsSince1970: return write(TimeInterval{value.time_since_epoch()}.count());
     case DateEncodingStrategy::iso8601:
+      if (value < earliestDate || value > latestDate)
+        throw EncodingError{EncodingError::Kind::invalidValue, path_,
+                            "a date outside the years 0001 to 9999 cannot be read back"};
       return write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(value)});
   }
 }

@@ -46,9 +46,11 @@ class Encoder {
   void write(double value);
   /// Throws EncodingError for text that is not UTF-8.
   void write(std::string_view value);
+  /// With the strategy iso8601, throws EncodingError for a date outside earliestDate to latestDate, which no
+  /// decoder would read back.
+  void write(Date value);
   void write(bool value);
   void write(std::int64_t value);
-  void write(Date value);
 
   std::string text() && { return std::move(text_); }
 

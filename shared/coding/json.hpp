@@ -6,7 +6,8 @@
 /// How a status record becomes JSON and back: like any JSON, with ISO 8601 dates.
 namespace TarnoJSON {
 
-/// A new encoder at every call; the caller's own. Writes dates in UTC to the whole second, dropping the rest.
+/// A new encoder at every call; the caller's own. Writes dates in UTC to the whole second, dropping the
+/// rest; a date outside the years 0001 to 9999 is an EncodingError.
 foundation::JSONEncoder encoder();
 
 /// A new decoder at every call; the caller's own. Reads dates with and without fractional seconds; a text

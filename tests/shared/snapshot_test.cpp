@@ -132,14 +132,25 @@ TEST(Snapshot, DatesLoseTheirFractionWhenWritten) {
 }
 
 TEST(Snapshot, RefusesToEncodeWhatJSONCannotHold) {
-  for (const double idle : {std::nan(""), static_cast<double>(INFINITY), -static_cast<double>(INFINITY)}) {
+  const double infinity = HUGE_VAL;
+  const std::pair<Snapshot, const char*> cases[] = {
+      {{.inputIdleSeconds = std::nan("")}, "input_idle_seconds"},
+      {{.inputIdleSeconds = infinity}, "input_idle_seconds"},
+      {{.inputIdleSeconds = -infinity}, "input_idle_seconds"},
+      {{.message = "\xff"}, "message"},
+      {{.seenAt = foundation::earliestDate - 1us}, "seen_at"},
+      {{.seenAt = foundation::latestDate + 1us}, "seen_at"}};
+  for (auto [snapshot, key] : cases) {
+    snapshot.app = "a";
     try {
-      encoded({.app = "a", .inputIdleSeconds = idle});
-      ADD_FAILURE() << idle;
+      encoded(snapshot);
+      ADD_FAILURE() << key;
     } catch (const foundation::EncodingError& error) {
-      EXPECT_EQ(error.codingPath, foundation::CodingPath{"input_idle_seconds"});
+      EXPECT_EQ(error.codingPath, foundation::CodingPath{key});
     }
   }
+  for (const auto date : {foundation::earliestDate, foundation::latestDate})
+    EXPECT_EQ(decoded(encoded({.seenAt = date})).seenAt, floor<seconds>(date));
 }
 
 TEST(Snapshot, EqualsByMeaning) {
