@@ -30,8 +30,4 @@ TEST(WidgetStyle, StalenessThenAbsenceThenStatusDecide) {
   }
 }
 
-TEST(WidgetStyle, OpacityLeavesTheComponents) {
-  EXPECT_EQ(muted.opacity(0.58), (Color{ui::RGBColorSpace::sRGB, 0.38, 0.443, 0.49, 0.58}));
-}
-
 }  // namespace
