@@ -7,11 +7,19 @@ enum class FontWeight { regular, medium, semibold, bold };
 /// `standard` is the system's plain face, `rounded` its face with round ends.
 enum class FontDesign { standard, rounded };
 
-/// The named sizes; see textStyleSize() for what they measure here.
+/// The named sizes.
 enum class TextStyle { title3, body, caption, caption2 };
 
 /// The size of a style in points.
-double textStyleSize(TextStyle style);
+constexpr double textStyleSize(TextStyle style) {
+  switch (style) {
+    case TextStyle::title3: return 20;
+    case TextStyle::body: break;
+    case TextStyle::caption: return 12;
+    case TextStyle::caption2: return 10;
+  }
+  return 15;
+}
 
 /// A face of the system font at a size in points.
 struct Font {
@@ -20,7 +28,7 @@ struct Font {
   FontDesign fontDesign = FontDesign::standard;
 
   static constexpr Font system(double size) { return {.size = size}; }
-  static Font system(TextStyle style) { return {.size = textStyleSize(style)}; }
+  static constexpr Font system(TextStyle style) { return {.size = textStyleSize(style)}; }
 
   constexpr Font weight(FontWeight value) const { return {size, value, fontDesign}; }
   constexpr Font rounded() const { return {size, fontWeight, FontDesign::rounded}; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 
@@ -7,6 +8,14 @@
 namespace ui {
 
 inline constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/// No length that a view or a container asks for is longer than this, in points.
+inline constexpr double longestLength = 10'000;
+
+/// `value` kept within `low` to `high`, 0 in place of a NaN.
+constexpr double bounded(double value, double low, double high) {
+  return std::clamp(value == value ? value : 0, low, high);
+}
 
 struct Point {
   double x = 0;
@@ -30,7 +39,10 @@ struct Rect {
   constexpr double right() const { return origin.x + size.width; }
   constexpr double bottom() const { return origin.y + size.height; }
   /// Smaller by `margin` on every side, never below nothing.
-  Rect inset(double margin) const;
+  constexpr Rect inset(double margin) const {
+    return {{origin.x + margin, origin.y + margin},
+            {std::max(size.width - 2 * margin, 0.0), std::max(size.height - 2 * margin, 0.0)}};
+  }
 
   friend bool operator==(const Rect&, const Rect&) = default;
 };
@@ -43,6 +55,16 @@ struct ProposedSize {
 
   friend bool operator==(const ProposedSize&, const ProposedSize&) = default;
 };
+
+/// One of the two directions, for rules that are the same along both.
+struct Axis {
+  double Size::*length;
+  std::optional<double> ProposedSize::*offer;
+  double Point::*position;
+};
+
+inline constexpr Axis horizontalAxis{&Size::width, &ProposedSize::width, &Point::x};
+inline constexpr Axis verticalAxis{&Size::height, &ProposedSize::height, &Point::y};
 
 /// Where a child stands in a wider parent: 0 at the leading (left) edge, 1 at the trailing one.
 struct HorizontalAlignment {

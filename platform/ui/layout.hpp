@@ -6,7 +6,8 @@
 
 namespace ui {
 
-/// The room that a view gets in its container.
+/// The room that a view gets in its container. A NaN or a negative length counts as 0, and lengths end at
+/// `longestLength`.
 struct ContainerShape {
   Size size;                 ///< of the whole container
   double contentMargin = 0;  ///< on every side, between the container's edge and the view
@@ -22,8 +23,5 @@ struct ContainerShape {
 /// lets it grow to the proposal, up to the maximum and never below its content. A text that does not fit
 /// shrinks to its minimum scale factor, then is cut. A container background fills the container to its edge.
 Scene layout(const View& view, const ContainerShape& container, TextMeasurer& measurer);
-
-/// The size that `view` takes when it is offered `proposal`.
-Size sizeThatFits(const View& view, const ProposedSize& proposal, TextMeasurer& measurer);
 
 }  // namespace ui

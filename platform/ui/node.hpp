@@ -7,7 +7,8 @@
 #include "ui/view.hpp"
 
 /// What a View holds: one struct a kind, in a closed list. An operation on views (layout, description) is a
-/// visitor with one overload a struct; people who build views need only view.hpp.
+/// visitor with one overload a struct; people who build views need only view.hpp. All numbers are within the
+/// bounds that view.hpp gives; none is a NaN, and only a frame's maximum may be infinite.
 namespace ui::nodes {
 
 struct Text {

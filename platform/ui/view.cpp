@@ -1,6 +1,8 @@
 #include "ui/view.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 
 #include "ui/node.hpp"
 
@@ -10,31 +12,80 @@ namespace {
 /// Between a label's symbol and its title, in points: a word space at the sizes that labels are set in.
 constexpr double labelSpacing = 4;
 
+double boundedLength(double length) { return bounded(length, 0, longestLength); }
+
+/// A length that may also draw things together.
+double boundedDistance(double length) { return bounded(length, -longestLength, longestLength); }
+
+double boundedFraction(double fraction) { return bounded(fraction, 0, 1); }
+
+Color boundedColor(const Color& color) {
+  return {color.colorSpace, boundedFraction(color.red), boundedFraction(color.green),
+          boundedFraction(color.blue), boundedFraction(color.alpha)};
+}
+
+Alignment boundedAlignment(const Alignment& alignment) {
+  return {{boundedFraction(alignment.horizontal.fraction)}, {boundedFraction(alignment.vertical.fraction)}};
+}
+
+Angle boundedAngle(Angle angle) {
+  return {std::isfinite(angle.radians) ? std::fmod(angle.radians, 2 * std::numbers::pi) : 0};
+}
+
+std::optional<double> boundedMaximum(std::optional<double> length) {
+  if (!length || !(*length >= 0)) return std::nullopt;
+  return std::isinf(*length) ? length : boundedLength(*length);
+}
+
+std::optional<double> boundedFixedLength(std::optional<double> length) {
+  const auto result = boundedMaximum(length);
+  return result == infinity ? std::nullopt : result;
+}
+
 }  // namespace
 
 View::View(Node node) : node_(std::make_shared<const Node>(std::move(node))) {}
 
 bool operator==(const View& a, const View& b) { return a.node_ == b.node_ || *a.node_ == *b.node_; }
 
-View View::font(Font font) const { return View{nodes::WithFont{*this, font}}; }
-
-View View::foregroundStyle(Color color) const { return View{nodes::WithForegroundStyle{*this, color}}; }
-
-View View::lineLimit(int lines) const { return View{nodes::WithLineLimit{*this, lines}}; }
-
-View View::minimumScaleFactor(double factor) const {
-  return View{nodes::WithMinimumScaleFactor{*this, factor}};
+View View::font(Font font) const {
+  return View{nodes::WithFont{*this, {boundedLength(font.size), font.fontWeight, font.fontDesign}}};
 }
 
-View View::padding(EdgeSet edges, double length) const { return View{nodes::Padding{*this, edges, length}}; }
+View View::foregroundStyle(Color color) const {
+  return View{nodes::WithForegroundStyle{*this, boundedColor(color)}};
+}
 
-View View::frame(FrameOptions options) const { return View{nodes::Frame{*this, options}}; }
+View View::lineLimit(int lines) const {
+  return View{nodes::WithLineLimit{*this, std::clamp(lines, 1, unlimitedLines)}};
+}
+
+View View::minimumScaleFactor(double factor) const {
+  return View{nodes::WithMinimumScaleFactor{*this, bounded(factor, 0.01, 1)}};
+}
+
+View View::padding(EdgeSet edges, double length) const {
+  return View{nodes::Padding{*this, edges, boundedDistance(length)}};
+}
+
+View View::frame(FrameOptions options) const {
+  return View{nodes::Frame{*this,
+                           {.width = boundedFixedLength(options.width),
+                            .height = boundedFixedLength(options.height),
+                            .maxWidth = boundedMaximum(options.maxWidth),
+                            .maxHeight = boundedMaximum(options.maxHeight),
+                            .alignment = boundedAlignment(options.alignment)}}};
+}
 
 View View::background(View content) const { return View{nodes::Background{*this, std::move(content)}}; }
 
-View View::rotationEffect(Angle angle) const { return View{nodes::RotationEffect{*this, angle}}; }
+View View::rotationEffect(Angle angle) const {
+  return View{nodes::RotationEffect{*this, boundedAngle(angle)}};
+}
 
-View View::containerBackground(Color color) const { return View{nodes::ContainerBackground{*this, color}}; }
+View View::containerBackground(Color color) const {
+  return View{nodes::ContainerBackground{*this, boundedColor(color)}};
+}
 
 View View::accessibilityElement(std::string label) const {
   return View{nodes::AccessibilityLabelled{*this, std::move(label)}};
@@ -51,33 +102,38 @@ View Label(std::string title, std::string systemImage) {
 }
 
 View makeHStack(HStackOptions options, std::vector<View> children) {
-  return View{nodes::HStack{options, std::move(children)}};
+  return View{nodes::HStack{{{boundedFraction(options.alignment.fraction)}, boundedDistance(options.spacing)},
+                            std::move(children)}};
 }
 
 View makeVStack(VStackOptions options, std::vector<View> children) {
-  return View{nodes::VStack{options, std::move(children)}};
+  return View{nodes::VStack{{{boundedFraction(options.alignment.fraction)}, boundedDistance(options.spacing)},
+                            std::move(children)}};
 }
 
 View makeZStack(ZStackOptions options, std::vector<View> children) {
-  return View{nodes::ZStack{options, std::move(children)}};
+  return View{nodes::ZStack{{boundedAlignment(options.alignment)}, std::move(children)}};
 }
 
 Circle Circle::trim(double from, double to) const {
-  const auto along = [this](double fraction) {
-    return from_ + std::clamp(fraction, 0.0, 1.0) * (to_ - from_);
-  };
+  const auto along = [this](double fraction) { return from_ + boundedFraction(fraction) * (to_ - from_); };
   Circle trimmed;
   trimmed.from_ = along(from);
   trimmed.to_ = std::max(along(to), trimmed.from_);
   return trimmed;
 }
 
-View Circle::fill(Color color) const { return View{nodes::Fill{nodes::Circle{from_, to_}, color}}; }
-
-View Circle::stroke(Color color, StrokeStyle style) const {
-  return View{nodes::Stroke{nodes::Circle{from_, to_}, color, style}};
+View Circle::fill(Color color) const {
+  return View{nodes::Fill{nodes::Circle{from_, to_}, boundedColor(color)}};
 }
 
-View Capsule::fill(Color color) const { return View{nodes::Fill{nodes::Capsule{style_}, color}}; }
+View Circle::stroke(Color color, StrokeStyle style) const {
+  return View{nodes::Stroke{
+      nodes::Circle{from_, to_}, boundedColor(color), {boundedLength(style.lineWidth), style.lineCap}}};
+}
+
+View Capsule::fill(Color color) const {
+  return View{nodes::Fill{nodes::Capsule{style_}, boundedColor(color)}};
+}
 
 }  // namespace ui

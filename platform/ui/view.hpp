@@ -15,19 +15,27 @@
 
 /// Views: descriptions of what to show, as values. Factories make them, modifiers wrap them, layout() places
 /// them.
+///
+/// Any number may be given. Factories and modifiers bound it once, before it is kept: a NaN counts as 0,
+/// lengths end at `longestLength`, sizes are not negative (spacing and padding may be), fractions and colour
+/// components lie from 0 to 1, and angles within one turn. So layout ends and yields finite numbers.
 namespace ui {
 
 struct Node;
 
+/// A length that is negative or not a number, or a fixed one that is infinite, counts as absent.
 struct FrameOptions {
   std::optional<double> width;      ///< fixed
   std::optional<double> height;     ///< fixed
-  std::optional<double> maxWidth;   ///< grows up to this
-  std::optional<double> maxHeight;  ///< grows up to this
+  std::optional<double> maxWidth;   ///< grows up to this; may be infinity
+  std::optional<double> maxHeight;  ///< grows up to this; may be infinity
   Alignment alignment = center;     ///< of the content in the frame
 
   friend bool operator==(const FrameOptions&, const FrameOptions&) = default;
 };
+
+/// The line limit of a text that has none, and the largest one that counts.
+inline constexpr int unlimitedLines = 1000;
 
 /// Sides of a view: left and right, or top and bottom.
 enum class EdgeSet { horizontal, vertical };
@@ -42,8 +50,9 @@ class View {
   /// Font, colour and text limits hold for everything inside, unless something further inside says otherwise.
   View font(Font font) const;
   View foregroundStyle(Color color) const;
+  /// 1 to `unlimitedLines`.
   View lineLimit(int lines) const;
-  /// Texts may shrink to `factor` of their font size before they are cut.
+  /// Texts may shrink to `factor` of their font size, 0.01 to 1, before they are cut.
   View minimumScaleFactor(double factor) const;
 
   /// `length` points of space on each of `edges`.

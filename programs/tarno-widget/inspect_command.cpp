@@ -7,6 +7,8 @@
 #include "tarno-widget/commands.hpp"
 #include "tarno-widget/inspection.hpp"
 #include "tarno-widget/tile.hpp"
+#include "ui/description/scene_description.hpp"
+#include "ui/description/view_description.hpp"
 
 namespace extension {
 namespace {

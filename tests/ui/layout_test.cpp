@@ -6,8 +6,10 @@
 #include <sstream>
 
 #include "support/fake_measurer.hpp"
-#include "ui/description/description.hpp"
-#include "ui/path_bounds.hpp"
+#include "ui/description/path_bounds.hpp"
+#include "ui/description/scene_description.hpp"
+#include "ui/description/view_description.hpp"
+#include "ui/layout/sizing.hpp"
 
 using namespace ui;
 
@@ -29,7 +31,8 @@ Scene laidOut(const View& view, Size size, double margin = 0) {
 
 Size fitted(const View& view, const ProposedSize& proposal) {
   FakeMeasurer measurer;
-  return sizeThatFits(view, proposal, measurer);
+  LayoutPass pass{measurer};
+  return sizeThatFits(view, Environment{}, proposal, pass);
 }
 
 /// "[x,y widthxheight]", to the millionth.
@@ -110,6 +113,12 @@ TEST(Layout, SizesFramesByTheProposal) {
                {text.frame({.maxWidth = 100}), {}, {45, 12}},
                {box(60).frame({.width = -1, .height = NAN}), {}, {60, 10}},
                {text.font(Font::system(0)), {infinity, 0}, {45, 12}},
+               {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
+               {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
+               {box(20).padding(EdgeSet::vertical, -30), {}, {20, 0}},
+               {ZStack({}, box(40, 20), box(10, 30), box(6, 6)), {}, {40, 30}},
+               {Image("no.such.symbol").font(Font::system(8)), {}, {8, 8}},
+               {Image("clock").font(Font::system(10)), {}, {12, 12}},
                {Text("x").font(Font::system(-3)), {}, {0, 0}},
                {HStack({}), {100, 100}, {0, 0}},
                {HStack({}, word("abcd"), word("efghij"), std::optional<View>{}), {}, {58, 12}}};
@@ -122,20 +131,23 @@ TEST(Layout, LeavesTextsWholeInExactlyTheRoomTheyAskFor) {
     const View texts = HStack({.spacing = 0.1}, Text("a longer text"), Text("Locked"), Text("of three"));
     const View view = texts.padding(EdgeSet::horizontal, size / 3).font(Font::system(size)).lineLimit(1);
     for (const SceneItem& item : laidOut(view, fitted(view, {})).items)
-      if (const auto* run = std::get_if<TextRun>(&item))
-        EXPECT_TRUE(!run->truncated && run->font.size == size) << size;
+      if (const auto* run = std::get_if<TextRun>(&item)) {
+        EXPECT_FALSE(run->truncated) << size;
+        EXPECT_EQ(run->font.size, size);
+      }
   }
 }
 
 TEST(Layout, RotatesWhatIsDrawnAboutTheFramesCentre) {
   const auto stroked = [](double from, double to) { return Circle{}.trim(from, to).stroke(black, {}); };
   const View dial = stroked(0.08, 0.92).frame({.width = 40, .height = 40});
-  const View aside = row(dial.rotationEffect(Angle::degrees(30)), box(20));
+  const View aside = row(box(20), dial.rotationEffect(Angle::degrees(30)));
   const Scene dials = laidOut(aside.rotationEffect(Angle::degrees(90)), {100, 60});
-  const auto arc = std::get<Path::Arc>(std::get<StrokePath>(dials.items.at(1)).path.elements.at(1));
+  EXPECT_EQ(drawn(dials), "[45,0 10x20]");
+  const auto arc = std::get<Path::Arc>(std::get<StrokePath>(dials.items.at(2)).path.elements.at(1));
   EXPECT_NEAR(arc.start.inDegrees(), 28.8 + 120, 1e-9);
   EXPECT_NEAR(arc.end.inDegrees(), 331.2 + 120, 1e-9);
-  EXPECT_EQ(written({arc.center, {arc.radius, 0}}), "[50,20 20x0]");
+  EXPECT_EQ(written({arc.center, {arc.radius, 0}}), "[50,40 20x0]");
 
   const Scene scene = laidOut(word("abcd").rotationEffect(Angle::degrees(90)), {20, 12});
   EXPECT_EQ(drawn(scene), "[16,-4 20x12]");
@@ -143,6 +155,57 @@ TEST(Layout, RotatesWhatIsDrawnAboutTheFramesCentre) {
   EXPECT_EQ(scene.accessibility.at(0).frame, (Rect{{0, 0}, {20, 12}}));
 
   EXPECT_TRUE(std::get<StrokePath>(laidOut(stroked(0.5, 0.2), {9, 9}).items.at(1)).path.elements.empty());
+}
+
+TEST(Layout, DrawsABoxWithRoundCornersForAnUnknownSymbol) {
+  const View image = Image("no.such.symbol").font(Font::system(10)).foregroundStyle(white);
+  const StrokePath expected{Path::roundedRect({{1.2, 1.2}, {7.6, 7.6}}, 1.6), {.lineWidth = 0.8}, white};
+  EXPECT_EQ(laidOut(image, {10, 10}).items.at(1), SceneItem{expected});
+}
+
+/// Views that have `x` wherever there is a number, with what they are about.
+std::vector<std::pair<const char*, View>> viewsOf(double x) {
+  const Color color{.red = x, .green = x, .blue = x, .alpha = x};
+  const Alignment alignment{{x}, {x}};
+  const View some = HStack({}, Text("ab cd"), Image("clock"), Image("no.such.symbol"), filler);
+  const View arc = Circle{}.trim(x, x / 2).trim(0, x).stroke(color, {.lineWidth = x});
+  const View turned = some.rotationEffect({x}).rotationEffect(Angle::degrees(x));
+  const View across = HStack({.alignment = {x}, .spacing = x}, some, arc, Text("ef"));
+  const View down = VStack({.alignment = {x}, .spacing = x}, across, some, Text("ef"));
+  const View layers = ZStack({.alignment = alignment}, down, some, arc);
+  const View padded = layers.padding(EdgeSet::horizontal, x).padding(EdgeSet::vertical, x);
+  const View fixed = padded.frame({.width = x, .height = x, .alignment = alignment});
+  const View flexible = padded.frame({.maxWidth = x, .maxHeight = x, .alignment = alignment});
+  const View text = flexible.font(Font::system(x)).lineLimit(1).minimumScaleFactor(x);
+  return {{"rotation", turned},
+          {"HStack", across},
+          {"VStack", down},
+          {"ZStack", layers},
+          {"padding", padded},
+          {"fixed frame", fixed},
+          {"flexible frame", flexible},
+          {"font", some.font(Font::system(x))},
+          {"text", text},
+          {"everything",
+           ZStack({}, text, turned).background(fixed).foregroundStyle(color).containerBackground(color)}};
+}
+
+TEST(Layout, EndsWithFiniteGeometryForAnyNumbers) {
+  for (const double x :
+       {double{NAN}, infinity, -infinity, 1e300, -1e300, 1e9, 40.0, 0.3, 1e-9, 5e-324, -0.0, -1.0}) {
+    for (const auto& [what, view] : viewsOf(x)) {
+      for (const ContainerShape& container :
+           {ContainerShape{{170, 170}, 16, 22}, ContainerShape{{x, x}, x, x}}) {
+        FakeMeasurer measurer;
+        const Scene scene = layout(view, container, measurer);
+        const std::string text = outline(describe(scene)) + outline(describeAccessibility(scene));
+        EXPECT_EQ(text.find("nan"), std::string::npos) << what << " of " << x << "\n" << text;
+        EXPECT_EQ(text.find("inf"), std::string::npos) << what << " of " << x << "\n" << text;
+      }
+    }
+    EXPECT_EQ(viewsOf(x), viewsOf(x)) << x;
+  }
+  EXPECT_EQ(laidOut(filler, {1e9, -4}).size, (Size{longestLength, 0}));
 }
 
 TEST(Layout, AnnouncesTextsAndLabelledViews) {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ui/path_bounds.hpp"
+#include "ui/description/path_bounds.hpp"
 
 namespace ui {
 namespace {
@@ -32,34 +32,86 @@ int winding(const Path& path, Point point) {
   return crossings;
 }
 
-TEST(Symbol, fillsItsBoxAndKeepsItsHolesOpen) {
-  // Where each is open, from the centre of its box.
-  const std::pair<const char*, Point> cases[] = {{"lock.fill", {0, 0.2}},
-                                                 {"lock.open.fill", {0, 0.3}},
-                                                 {"lock.rotation", {0, -0.12}},
-                                                 {"questionmark.circle.fill", {0, 0.3}},
-                                                 {"clock", {0.3, 0}},
-                                                 {"clock.badge.exclamationmark", {0.36, 0.23}},
-                                                 {"face.smiling", {0, -0.1}},
-                                                 {"applewatch", {0, 0.34}},
-                                                 {"cursorarrow.motionlines", {-0.3, 0.05}},
-                                                 {"person.crop.circle.badge.checkmark", {0.33, 0.39}}};
-  for (const auto& [name, hole] : cases) {
-    SCOPED_TRACE(name);
-    const auto* symbol = findSymbol(name);
-    ASSERT_TRUE(symbol);
-    const auto [width, height] = symbol->size;
-    const Rect ink = bounds(symbol->outline);
-    EXPECT_GE(std::min(ink.origin.x, ink.origin.y), -1e-9);
-    EXPECT_GE(std::min(width - ink.right(), height - ink.bottom()), -1e-9);
-    EXPECT_GT(std::min(ink.size.width / width, ink.size.height / height), 0.75);
-    EXPECT_NEAR(ink.center().x, width / 2, 0.06);
-    EXPECT_NEAR(ink.center().y, height / 2, 0.05);
-    EXPECT_EQ(winding(symbol->outline, {width / 2 + hole.x, height / 2 + hole.y}), 0);
-    for (double x = 0.013; x < width; x += 0.03)  // below 0 a hole has turned solid
-      for (double y = 0.013; y < height; y += 0.03) ASSERT_GE(winding(symbol->outline, {x, y}), 0);
+/// The symbols side by side, 20 samples a side: ink, blank, or '!' for a hole that has turned solid.
+std::string picture(const std::vector<std::string_view>& names) {
+  std::string result = "\n";
+  for (int row = 0; row < 20; ++row) {
+    for (const std::string_view name : names) {
+      const Symbol& symbol = *findSymbol(name);
+      for (int column = 0; column < 20; ++column) {
+        const Point sample{(column + 0.5) / 20 * symbol.size.width, (row + 0.5) / 20 * symbol.size.height};
+        const int times = winding(symbol.outline, sample);
+        result += times > 0 ? '#' : times == 0 ? ' ' : '!';
+      }
+      result += '|';
+    }
+    result += '\n';
   }
-  EXPECT_EQ(allSymbols().size(), std::size(cases));
+  return result;
+}
+
+TEST(Symbol, HasItsShape) {
+  EXPECT_EQ(picture({"lock.fill", "lock.open.fill", "lock.rotation", "questionmark.circle.fill", "clock"}),
+            R"(
+         ##         |         #####      |         ##         |        ####        |        ####        |
+      ########      |       #########    |      ########  #   |     ##########     |     ##########     |
+     ##########     |      ####   ####   |    ####    ######  |    ############    |    #####  #####    |
+    ###      ###    |      ###      ##   |   ###        ####  |   #####    #####   |   ###        ###   |
+    ###      ###    |     ###       ###  |  ###    ##   ####  |  #####      #####  |  ###     #    ###  |
+    ##        ##    |     ##        ###  |  ##    ####  ##### | #####   ##   ##### | ###     ###    ### |
+    ##        ##    |    ###        ##   | ##    ##  ##       | #####  ####  ##### | ##      ###     ## |
+    ##        ##    |              ###   | ##    #    #       | ###### ####  ##### | ##      ###     ## |
+    ##        ##    |              ##    | #     #    #       |##########   #######|###      ###     ###|
+ ################## |   #############    |##    ########      |#########    #######|##       ###      ##|
+ ################## | #################  |##   ##########   # |#########  #########|##      ###       ##|
+ ################## | ################## | #   ##########   # |#########  #########|###   #####      ###|
+ ########  ######## | ################## | ##  ##########  ## | ################## | ##   ###        ## |
+ ########  ######## | ########  ######## | ##  ##########  ## | ################## | ##              ## |
+ ########  ######## | ########  ######## |  ##  ########  ##  | ########  ######## | ###            ### |
+ ########  ######## | ########  ######## |  ###          ###  |  #######  #######  |  ###          ###  |
+ ################## | ########  ######## |   ###        ###   |   ##############   |   ###        ###   |
+ ################## | ################## |    ####    ####    |    ############    |    #####  #####    |
+ ################## | #################  |      ########      |     ##########     |     ##########     |
+                    |  ###############   |         ##         |        ####        |        ####        |
+)");
+  EXPECT_EQ(picture({"clock.badge.exclamationmark", "face.smiling", "applewatch", "cursorarrow.motionlines",
+                     "person.crop.circle.badge.checkmark"}),
+            R"(
+      #####         |       ######       |      ########      |                    |      #####         |
+    #########       |     ##########     |      ########      |                    |    #########       |
+   ####    ###      |   ####      ####   |      ########      |          ##        |   ####    ###      |
+  ###        ##     |  ###          ###  |     ##########     |          ###       |  ###        ##     |
+  ##    #     ##    |  ##            ##  |    ####    ####    |########  ###       |  ##   ###    ##    |
+ ##    ##     ##    | ##              ## |   ###        ###   | #######  ####      | ##   #####   ##    |
+ ##    ##      ##   | ##   ##    ##   ## |   ##     #    ##   |          #####     | ##   #####    ##   |
+##     ##      ##   |##    ##    ##    ##|  ##     ###    ##  |          ######    |##    #####    ##   |
+##     ##       #   |##                ##|  ##     ###    ##  |  ######  #######   |##     ####     #   |
+##    ###           |##                ##|  ##     ###    ####|  ######  ########  |##      #           |
+##   ###      ###   |##                ##|  ##    ###     ####|          ######### |##            ###   |
+##   ##     ######  |##   ##      ##   ##|  ##   ####     ##  |          ########  |##          ######  |
+ ##         ### ### |##   ##      ##   ##|  ##   ##       ##  | #######  ######    | ##   ####  ####### |
+ ##        #### ####| ##   ##    ##   ## |   ##          ##   |########  ######    | ##  ##### #####  ##|
+  ##       #### ####| ##   ########   ## |   ###        ###   |          ## ####   |  ######## ## ##  ##|
+  ###      #### ####|  ##    ####    ##  |    ####    ####    |              ###   |  ######## ##    ###|
+   ####    #########|  ###          ###  |     ##########     |              ###   |   ####### ###  ####|
+    ######  ### ### |   ####      ####   |      ########      |               #    |    ######  ####### |
+      ####  ######  |     ##########     |      ########      |                    |      ####  ######  |
+              ###   |       ######       |      ########      |                    |              ###   |
+)");
+}
+
+TEST(Symbol, FillsTheMiddleOfItsBox) {
+  for (const auto& [name, size, outline] : allSymbols()) {
+    SCOPED_TRACE(name);
+    const Rect ink = bounds(outline);
+    EXPECT_GE(std::min(ink.origin.x, ink.origin.y), -1e-9);
+    EXPECT_GE(std::min(size.width - ink.right(), size.height - ink.bottom()), -1e-9);
+    EXPECT_GT(std::min(ink.size.width / size.width, ink.size.height / size.height), 0.75);
+    EXPECT_NEAR(ink.center().x, size.width / 2, 0.06);
+    EXPECT_NEAR(ink.center().y, size.height / 2, 0.05);
+  }
+  EXPECT_EQ(allSymbols().size(), 10U);
+  EXPECT_EQ(findSymbol("lock"), nullptr);
 }
 
 }  // namespace

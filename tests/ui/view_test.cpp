@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "support/fake_measurer.hpp"
-#include "ui/description/description.hpp"
+#include "ui/description/path_bounds.hpp"
+#include "ui/description/scene_description.hpp"
+#include "ui/description/view_description.hpp"
 #include "ui/layout.hpp"
-#include "ui/path_bounds.hpp"
 
 using namespace ui;
 
@@ -54,6 +57,54 @@ TEST(View, TrimsPartsOfAPart) {
   EXPECT_EQ(half.trim(0.5, 1).fill(black), Circle{}.trim(0.75, 1).fill(black));
 }
 
+TEST(View, KeepsItsNumbersWithinTheirBounds) {
+  const View text = Text("text");
+  const auto padded = [&](double length) { return text.padding(EdgeSet::horizontal, length); };
+  const auto framed = [&](FrameOptions options) { return text.frame(options); };
+  const auto row = [&](double spacing) { return HStack({.spacing = spacing}, text); };
+  const auto column = [&](double spacing) { return VStack({.spacing = spacing}, text); };
+  const auto stroke = [](double width) { return Circle{}.stroke(black, {.lineWidth = width}); };
+  const std::pair<View, View> pairs[] = {
+      {text.font(Font::system(-3).rounded()), text.font(Font::system(0).rounded())},
+      {text.font(Font::system(infinity)), text.font(Font::system(10'000))},
+      {text.foregroundStyle({.red = -1, .green = 2, .blue = NAN, .alpha = 9}),
+       text.foregroundStyle(Color::sRGB(0, 1, 0))},
+      {text.containerBackground({.red = -1, .green = 2, .blue = NAN}),
+       text.containerBackground(Color::sRGB(0, 1, 0))},
+      {Circle{}.fill(white.opacity(7)), Circle{}.fill(white)},
+      {Capsule{RoundedCornerStyle::circular}.fill(white.opacity(7)),
+       Capsule{RoundedCornerStyle::circular}.fill(white)},
+      {text.lineLimit(0), text.lineLimit(1)},
+      {text.lineLimit(1'000'000), text.lineLimit(unlimitedLines)},
+      {text.minimumScaleFactor(-1), text.minimumScaleFactor(0.01)},
+      {text.minimumScaleFactor(NAN), text.minimumScaleFactor(0.01)},
+      {text.minimumScaleFactor(1.5), text.minimumScaleFactor(1)},
+      {padded(NAN), padded(0)},
+      {padded(-infinity), padded(-10'000)},
+      {padded(infinity), padded(10'000)},
+      {row(-infinity), row(-10'000)},
+      {row(infinity), row(10'000)},
+      {column(-infinity), column(-10'000)},
+      {column(infinity), column(10'000)},
+      {framed({.width = -1, .height = NAN, .maxWidth = -1, .maxHeight = NAN}), framed({})},
+      {framed({.width = infinity, .height = infinity}), framed({})},
+      {framed({.width = 1e9, .height = 1e9}), framed({.width = 10'000, .height = 10'000})},
+      {framed({.maxWidth = 1e9, .maxHeight = 1e9}), framed({.maxWidth = 10'000, .maxHeight = 10'000})},
+      {framed({.alignment = {{-1}, {2}}}), framed({.alignment = {{0}, {1}}})},
+      {HStack({.alignment = {2}}, text), HStack({.alignment = bottom}, text)},
+      {VStack({.alignment = {-1}}, text), VStack({.alignment = leading}, text)},
+      {ZStack({.alignment = {{-1}, {2}}}, text), ZStack({.alignment = {{0}, {1}}}, text)},
+      {text.rotationEffect({NAN}), text.rotationEffect({})},
+      {text.rotationEffect({-infinity}), text.rotationEffect({})},
+      {text.rotationEffect({4 * std::numbers::pi}), text.rotationEffect({})},
+      {stroke(-1), stroke(0)},
+      {stroke(infinity), stroke(10'000)},
+      {Circle{}.trim(NAN, 5).fill(black), Circle{}.fill(black)}};
+  for (const auto& [given, kept] : pairs) EXPECT_EQ(given, kept) << outline(describe(given));
+  EXPECT_NE(framed({.maxWidth = infinity}), framed({.maxWidth = 10'000}));
+  EXPECT_NE(text.rotationEffect(Angle::degrees(-126)), text.rotationEffect(Angle::degrees(126)));
+}
+
 TEST(Description, OfAViewReadsAsItWasWritten) {
   EXPECT_EQ(outline(describe(tile("now\n"))), R"(containerBackground color=#FFFFFF
   frame maxWidth=infinity maxHeight=infinity alignment=leading
@@ -93,6 +144,34 @@ accessibility
   image label="Mac \"locked\"" x=16 y=16 width=50 height=50
   staticText label="now" x=103 y=16 width=16.5 height=13.2
 )");
+}
+
+TEST(Description, NamesWhatIsNotUsual) {
+  const View image = Image("clock").rotationEffect(Angle::degrees(90));
+  const View stack =
+      ZStack({.alignment = {{0}, {1}}}, VStack({.alignment = trailing, .spacing = 1.0 / 3}), image);
+  const View framed =
+      stack.padding(EdgeSet::vertical, 5).frame({.width = 9, .maxHeight = 1e-9, .alignment = bottom});
+  EXPECT_EQ(outline(describe(framed.accessibilityHidden())), R"(accessibilityHidden
+  frame width=9 maxHeight=0 alignment=bottom
+    padding edges=vertical length=5
+      ZStack alignment="leading bottom"
+        VStack alignment=trailing spacing=0.333
+        rotationEffect degrees=90
+          Image systemName="clock"
+)");
+  FakeMeasurer measurer;
+  const View text = Text("a \\ \x1B b").font(Font::system(10).weight(FontWeight::medium)).lineLimit(1);
+  const Scene scene = layout(text.rotationEffect(Angle::degrees(-90)), {.size = {20, 12}}, measurer);
+  EXPECT_EQ(outline(describe(scene).children.at(0).children.at(0)),
+            "text text=\"a \\\\ \\u001b b\" font=\"10 medium\" color=#000000 x=4 y=16 width=20 height=12 "
+            "baseline=9 maxLines=1 truncated=true rotation=-90\n");
+}
+
+TEST(Path, CutsTheRadiusOfCornersToHalfOfTheShorterSide) {
+  const Rect rect{{1, 2}, {20, 10}};
+  EXPECT_EQ(Path::roundedRect(rect, 22), Path::roundedRect(rect, 5));
+  EXPECT_EQ(Path::roundedRect(rect, -1), Path::rect(rect));
 }
 
 TEST(Path, BoundsAreThoseOfTheCurveItself) {

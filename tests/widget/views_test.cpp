@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ui/description/description.hpp"
+#include "ui/description/view_description.hpp"
 #include "widget/style/widget_style.hpp"
 #include "widget/views/dial_view.hpp"
 #include "widget/views/widget_view.hpp"

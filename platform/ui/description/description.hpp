@@ -6,9 +6,6 @@
 #include <variant>
 #include <vector>
 
-#include "ui/scene.hpp"
-#include "ui/view.hpp"
-
 namespace ui {
 
 /// A view or a scene in words and numbers: what inspection prints, as an outline or as JSON.
@@ -22,18 +19,10 @@ struct Description {
   std::vector<Description> children;
 };
 
-Description describe(const View& view);
-/// What is drawn; the items inside a clip are its children.
-Description describe(const Scene& scene);
-/// What a screen reader stops at.
-Description describeAccessibility(const Scene& scene);
-
-/// "#RRGGBB", with "@alpha" behind it unless the colour is opaque: "#2E8F93@0.16".
-std::string describe(const Color& color);
-/// "12 semibold rounded".
-std::string describe(const Font& font);
-
-/// One line a node, two blanks deeper a level: `HStack spacing=14`.
+/// One line per node, indented by two blanks per level: `HStack spacing=14`.
 std::string outline(const Description& description);
+
+/// A number as an outline writes it: in fixed notation, with as many digits as it takes.
+std::string digits(double value);
 
 }  // namespace ui

@@ -4,7 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "ui/color.hpp"
 #include "ui/description/description.hpp"
+#include "ui/font.hpp"
+#include "ui/geometry.hpp"
+#include "ui/path.hpp"
 
 namespace ui {
 
@@ -13,7 +17,7 @@ class DescriptionBuilder {
  public:
   explicit DescriptionBuilder(std::string name) { description_.name = std::move(name); }
 
-  /// Rounded to 3 decimals; what is not finite is given as a word. An absent number is left out.
+  /// Rounded to 3 decimals; infinity is given as a word. An absent number is left out.
   DescriptionBuilder& number(std::string_view name, std::optional<double> value);
   DescriptionBuilder& text(std::string_view name, std::string value);
   /// One of a few words; left out where it is the usual one.
@@ -30,6 +34,11 @@ class DescriptionBuilder {
  private:
   Description description_;
 };
+
+/// "#RRGGBB", with "@alpha" behind it unless the colour is opaque: "#2E8F93@0.16".
+std::string describe(const Color& color);
+/// "12 semibold rounded".
+std::string describe(const Font& font);
 
 /// The name that an enumerator goes by in code.
 std::string_view word(FontWeight weight);

@@ -1,7 +1,7 @@
-#include "ui/description/description.hpp"
+#include "ui/description/scene_description.hpp"
 
 #include "ui/description/description_builder.hpp"
-#include "ui/path_bounds.hpp"
+#include "ui/description/path_bounds.hpp"
 
 namespace ui {
 namespace {

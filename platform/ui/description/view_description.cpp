@@ -1,4 +1,4 @@
-#include "ui/description/description.hpp"
+#include "ui/description/view_description.hpp"
 
 #include <array>
 

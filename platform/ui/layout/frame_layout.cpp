@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
-#include "ui/axis.hpp"
 #include "ui/layout/sizing.hpp"
 
 namespace ui {
@@ -15,28 +13,21 @@ struct FrameAxis {
   std::optional<double> fixed;
   std::optional<double> maximum;
 
-  FrameAxis(Axis along, std::optional<double> length, std::optional<double> limit) : axis(along) {
-    if (length && std::isfinite(*length) && *length >= 0)
-      fixed = length;
-    else if (limit && *limit >= 0)
-      maximum = limit;
-  }
-
   std::optional<double> offer(const ProposedSize& proposal) const {
     const auto& proposed = proposal.*axis.offer;
     if (fixed) return fixed;
     return proposed && maximum ? std::min(*proposed, *maximum) : proposed;
   }
 
-  bool needsLimit(const FrameFit& fit) const {
-    return maximum && !(fit.offer.*axis.offer) && fit.content.*axis.length > *maximum;
+  bool needsLimit(const FrameLayout& result) const {
+    return maximum && !(result.offer.*axis.offer) && result.content.*axis.length > *maximum;
   }
 
   /// Of the frame.
-  double length(const FrameFit& fit, const ProposedSize& proposal) const {
+  double length(const FrameLayout& result, const ProposedSize& proposal) const {
     if (fixed) return *fixed;
-    const double content = fit.content.*axis.length;
-    return maximum && proposal.*axis.offer ? std::max(content, *(fit.offer.*axis.offer)) : content;
+    const double content = result.content.*axis.length;
+    return maximum && proposal.*axis.offer ? std::max(content, *(result.offer.*axis.offer)) : content;
   }
 };
 
@@ -53,20 +44,20 @@ std::optional<Size> fixedSize(const nodes::Frame& frame) {
   return Size{*horizontal.fixed, *vertical.fixed};
 }
 
-FrameFit fitFrame(const nodes::Frame& frame, const Environment& environment, const ProposedSize& proposal,
-                  LayoutPass& pass) {
+FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment,
+                        const ProposedSize& proposal, LayoutPass& pass) {
   const auto axes = axesOf(frame.options);
-  FrameFit fit;
-  const auto measure = [&] { fit.content = sizeThatFits(frame.content, environment, fit.offer, pass); };
-  for (const FrameAxis& along : axes) fit.offer.*along.axis.offer = along.offer(proposal);
+  FrameLayout result;
+  const auto measure = [&] { result.content = sizeThatFits(frame.content, environment, result.offer, pass); };
+  for (const FrameAxis& along : axes) result.offer.*along.axis.offer = along.offer(proposal);
   measure();
   for (const FrameAxis& along : axes) {
-    if (!along.needsLimit(fit)) continue;
-    fit.offer.*along.axis.offer = along.maximum;
+    if (!along.needsLimit(result)) continue;
+    result.offer.*along.axis.offer = along.maximum;
     measure();
   }
-  for (const FrameAxis& along : axes) fit.size.*along.axis.length = along.length(fit, proposal);
-  return fit;
+  for (const FrameAxis& along : axes) result.size.*along.axis.length = along.length(result, proposal);
+  return result;
 }
 
 }  // namespace ui

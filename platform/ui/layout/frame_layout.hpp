@@ -5,7 +5,7 @@
 
 namespace ui {
 
-struct FrameFit {
+struct FrameLayout {
   ProposedSize offer;  ///< to the content
   Size content;        ///< what the content takes of it; may be larger than the frame, and then sticks out
   Size size;           ///< of the frame
@@ -16,8 +16,8 @@ std::optional<Size> fixedSize(const nodes::Frame& frame);
 
 /// Sizes a frame and its content. Along each axis:
 ///
-/// A fixed length is what the content is offered and what the frame measures. It must be finite and not
-/// negative, or it counts as absent.
+/// A fixed length is what the content is offered and what the frame measures; a maximum beside it says
+/// nothing.
 ///
 /// A maximum, with a proposal: the content is offered the smaller of the two; the frame takes that too,
 /// unless its content is longer.
@@ -26,7 +26,7 @@ std::optional<Size> fixedSize(const nodes::Frame& frame);
 /// above the maximum is offered the maximum.
 ///
 /// Neither: the frame passes the proposal on and measures what its content does.
-FrameFit fitFrame(const nodes::Frame& frame, const Environment& environment, const ProposedSize& proposal,
-                  LayoutPass& pass);
+FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment,
+                        const ProposedSize& proposal, LayoutPass& pass);
 
 }  // namespace ui

@@ -2,12 +2,25 @@
 
 #include <forward_list>
 #include <unordered_map>
+#include <vector>
 
+#include "ui/geometry.hpp"
 #include "ui/layout/environment.hpp"
-#include "ui/layout/stack_fit.hpp"
 #include "ui/text_measurer.hpp"
 
 namespace ui {
+
+/// How a stack comes out for an offer.
+struct StackLayout {
+  struct Child {
+    ProposedSize offer;
+    Size size;     ///< what the child takes of it
+    Point origin;  ///< from the stack's corner
+  };
+
+  std::vector<Child> children;  ///< in the order of the stack's
+  Size size;                    ///< of the stack: its children and the spacing between them
+};
 
 /// What the steps of one layout share: the measurer, and how each stack came out for each offer that it was
 /// made. A stack is asked again and again, by the stack around it for its flexibility and its share, then to
@@ -17,15 +30,15 @@ namespace ui {
 struct LayoutPass {
   explicit LayoutPass(TextMeasurer& measurerOfTexts) : measurer(measurerOfTexts) {}
 
-  /// The fit of `stack` for this environment and proposal; `fit` is called where it is not known yet. The
+  /// The layout of `stack` for this environment and proposal; `make` is called where it is not known yet. The
   /// result stays valid as long as the pass.
-  template <class Fit>
-  const StackFit& remembered(const void* stack, const Environment& environment, const ProposedSize& proposal,
-                             const Fit& fit) {
-    auto& entries = fits_[stack];
+  template <class Make>
+  const StackLayout& cached(const void* stack, const Environment& environment, const ProposedSize& proposal,
+                            const Make& make) {
+    auto& entries = stacks_[stack];
     for (const Entry& entry : entries)
-      if (entry.proposal == proposal && entry.environment == environment) return entry.fit;
-    return entries.emplace_front(Entry{environment, proposal, fit()}).fit;
+      if (entry.proposal == proposal && entry.environment == environment) return entry.layout;
+    return entries.emplace_front(Entry{environment, proposal, make()}).layout;
   }
 
   TextMeasurer& measurer;
@@ -34,9 +47,9 @@ struct LayoutPass {
   struct Entry {
     Environment environment;
     ProposedSize proposal;
-    StackFit fit;
+    StackLayout layout;
   };
-  std::unordered_map<const void*, std::forward_list<Entry>> fits_;
+  std::unordered_map<const void*, std::forward_list<Entry>> stacks_;
 };
 
 }  // namespace ui

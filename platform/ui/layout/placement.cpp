@@ -47,27 +47,25 @@ struct ItemRotation {
   void operator()(EndClip&) const {}
 };
 
-struct Placing {
+struct Placer {
   const Environment& environment;
-  const Place& where;
+  const Placement& where;
   LayoutPass& pass;
-  Placed& placed;
+  DisplayList& list;
 
-  void give(const View& content) const { place(content, environment, where, pass, placed); }
-  void give(const View& content, const Environment& inner) const {
-    place(content, inner, where, pass, placed);
-  }
+  void give(const View& content) const { place(content, environment, where, pass, list); }
+  void give(const View& content, const Environment& inner) const { place(content, inner, where, pass, list); }
 
   void announce(AccessibilityElement::Role role, const std::string& label) const {
-    if (!environment.accessibilityHidden) placed.accessibility.push_back({role, label, where.rect});
+    if (!environment.accessibilityHidden) list.accessibility.push_back({role, label, where.rect});
   }
 
-  void stack(const StackFit& fit, const std::vector<View>& views) const {
+  void placeStack(const StackLayout& stack, const std::vector<View>& views) const {
     const Point corner = where.rect.origin;
     for (std::size_t i = 0; i < views.size(); ++i) {
-      const auto& [offer, size, origin] = fit.children[i];
+      const auto& [offer, size, origin] = stack.children[i];
       const Rect rect{{corner.x + origin.x, corner.y + origin.y}, size};
-      place(views[i], environment, {offer, rect}, pass, placed);
+      place(views[i], environment, {offer, rect}, pass, list);
     }
   }
 
@@ -76,41 +74,41 @@ struct Placing {
     announce(AccessibilityElement::Role::staticText, node.text);
     const auto [font, metrics] = fitText(node.text, environment, where.offer.width, pass.measurer);
     if (!(metrics.size.height > 0)) return;
-    placed.items.emplace_back(TextRun{.text = node.text,
-                                      .font = font,
-                                      .color = environment.foreground,
-                                      .box = {where.rect.origin, metrics.size},
-                                      .baseline = metrics.baseline,
-                                      .maxLines = environment.lineLimit,
-                                      .truncated = metrics.truncated,
-                                      .rotation = {}});
+    list.items.emplace_back(TextRun{.text = node.text,
+                                    .font = font,
+                                    .color = environment.foreground,
+                                    .box = {where.rect.origin, metrics.size},
+                                    .baseline = metrics.baseline,
+                                    .maxLines = environment.lineLimit,
+                                    .truncated = metrics.truncated,
+                                    .rotation = {}});
   }
   void operator()(const nodes::Image& node) const {
     const Color& color = environment.foreground;
     const Symbol* symbol = findSymbol(node.systemName);
     if (!symbol)
-      placed.items.emplace_back(unknownSymbol(where.rect, color));
+      list.items.emplace_back(unknownSymbol(where.rect, color));
     else
-      placed.items.emplace_back(
-          FillPath{symbol->outline.placed(std::max(environment.font.size, 0.0), where.rect.origin), color});
+      list.items.emplace_back(
+          FillPath{symbol->outline.placed(environment.font.size, where.rect.origin), color});
   }
   void operator()(const nodes::Fill& node) const {
-    placed.items.emplace_back(FillPath{std::visit(Outliner{where.rect}, node.outline), node.color});
+    list.items.emplace_back(FillPath{std::visit(Outliner{where.rect}, node.outline), node.color});
   }
   void operator()(const nodes::Stroke& node) const {
-    placed.items.emplace_back(
+    list.items.emplace_back(
         StrokePath{std::visit(Outliner{where.rect}, node.outline), node.style, node.color});
   }
 
   void operator()(const nodes::HStack& node) const {
-    stack(fitStack(node, environment, where.offer, pass), node.children);
+    placeStack(layoutStack(node, environment, where.offer, pass), node.children);
   }
   void operator()(const nodes::VStack& node) const {
-    stack(fitStack(node, environment, where.offer, pass), node.children);
+    placeStack(layoutStack(node, environment, where.offer, pass), node.children);
   }
   void operator()(const nodes::ZStack& node) const {
     for (const View& child : node.children)
-      placeAligned(child, environment, where.offer, where.rect, node.options.alignment, pass, placed);
+      placeAligned(child, environment, where.offer, where.rect, node.options.alignment, pass, list);
   }
 
   void operator()(const nodes::WithFont& node) const { give(node.content, inside(node, environment)); }
@@ -124,27 +122,27 @@ struct Placing {
 
   void operator()(const nodes::Padding& node) const {
     placeAligned(node.content, environment, reduced(where.offer, paddingSize(node)), where.rect, center, pass,
-                 placed);
+                 list);
   }
   void operator()(const nodes::Frame& node) const {
-    const FrameFit fit = fitFrame(node, environment, where.offer, pass);
-    place(node.content, environment, {fit.offer, aligned(fit.content, where.rect, node.options.alignment)},
-          pass, placed);
+    const FrameLayout frame = layoutFrame(node, environment, where.offer, pass);
+    place(node.content, environment,
+          {frame.offer, aligned(frame.content, where.rect, node.options.alignment)}, pass, list);
   }
   void operator()(const nodes::Background& node) const {
     const Size& size = where.rect.size;
-    placeAligned(node.background, environment, {size.width, size.height}, where.rect, center, pass, placed);
+    placeAligned(node.background, environment, {size.width, size.height}, where.rect, center, pass, list);
     give(node.content);
   }
   void operator()(const nodes::RotationEffect& node) const {
-    const std::size_t before = placed.items.size();
+    const std::size_t before = list.items.size();
     give(node.content);
     const Rotation rotation{node.angle, where.rect.center()};
-    for (std::size_t i = before; i < placed.items.size(); ++i)
-      std::visit(ItemRotation{rotation}, placed.items[i]);
+    for (std::size_t i = before; i < list.items.size(); ++i)
+      std::visit(ItemRotation{rotation}, list.items[i]);
   }
   void operator()(const nodes::ContainerBackground& node) const {
-    if (!placed.containerBackground) placed.containerBackground = node.color;
+    if (!list.containerBackground) list.containerBackground = node.color;
     give(node.content);
   }
 
@@ -163,15 +161,15 @@ struct Placing {
 
 }  // namespace
 
-void place(const View& view, const Environment& environment, const Place& where, LayoutPass& pass,
-           Placed& placed) {
-  std::visit(Placing{environment, where, pass, placed}, view.node());
+void place(const View& view, const Environment& environment, const Placement& where, LayoutPass& pass,
+           DisplayList& list) {
+  std::visit(Placer{environment, where, pass, list}, view.node());
 }
 
 void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
-                  const Rect& area, const Alignment& alignment, LayoutPass& pass, Placed& placed) {
+                  const Rect& area, const Alignment& alignment, LayoutPass& pass, DisplayList& list) {
   const Size size = sizeThatFits(view, environment, offer, pass);
-  place(view, environment, {offer, aligned(size, area, alignment)}, pass, placed);
+  place(view, environment, {offer, aligned(size, area, alignment)}, pass, list);
 }
 
 }  // namespace ui

@@ -11,7 +11,7 @@
 namespace ui {
 
 /// What placing a view yields, in the coordinates of the container.
-struct Placed {
+struct DisplayList {
   std::vector<SceneItem> items;
   std::vector<AccessibilityElement> accessibility;
   std::optional<Color> containerBackground;  ///< the outermost one found
@@ -19,17 +19,17 @@ struct Placed {
 
 /// Where a view goes: what it was offered, and the room that it answered with. Both are needed, for a view
 /// that is offered what it answered may well answer with less.
-struct Place {
+struct Placement {
   ProposedSize offer;
   Rect rect;
 };
 
-/// Adds `view` to `placed`.
-void place(const View& view, const Environment& environment, const Place& where, LayoutPass& pass,
-           Placed& placed);
+/// Adds `view` to `list`.
+void place(const View& view, const Environment& environment, const Placement& where, LayoutPass& pass,
+           DisplayList& list);
 
 /// Offers `offer` to `view` and places it by `alignment` in `area`, over whose edges it may stick out.
 void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
-                  const Rect& area, const Alignment& alignment, LayoutPass& pass, Placed& placed);
+                  const Rect& area, const Alignment& alignment, LayoutPass& pass, DisplayList& list);
 
 }  // namespace ui

@@ -30,10 +30,10 @@ struct Sizing {
   Size operator()(const nodes::Stroke&) const { return shapeSize(proposal); }
 
   Size operator()(const nodes::HStack& node) const {
-    return fitStack(node, environment, proposal, pass).size;
+    return layoutStack(node, environment, proposal, pass).size;
   }
   Size operator()(const nodes::VStack& node) const {
-    return fitStack(node, environment, proposal, pass).size;
+    return layoutStack(node, environment, proposal, pass).size;
   }
   Size operator()(const nodes::ZStack& node) const {
     Size size;
@@ -60,7 +60,7 @@ struct Sizing {
   }
   Size operator()(const nodes::Frame& node) const {
     const std::optional<Size> fixed = fixedSize(node);
-    return fixed ? *fixed : fitFrame(node, environment, proposal, pass).size;
+    return fixed ? *fixed : layoutFrame(node, environment, proposal, pass).size;
   }
 
   Size operator()(const nodes::Background& node) const { return of(node.content); }
@@ -85,8 +85,7 @@ Size shapeSize(const ProposedSize& proposal) {
 Size imageSize(const nodes::Image& image, const Font& font) {
   const Symbol* symbol = findSymbol(image.systemName);
   const Size em = symbol ? symbol->size : Size{1, 1};
-  const double scale = std::max(font.size, 0.0);
-  return {em.width * scale, em.height * scale};
+  return {em.width * font.size, em.height * font.size};
 }
 
 Size paddingSize(const nodes::Padding& padding) {

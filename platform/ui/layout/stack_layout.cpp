@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ui/axis.hpp"
 #include "ui/layout/sizing.hpp"
 
 namespace ui {
@@ -19,8 +18,8 @@ struct Stack {
   const ProposedSize& proposal;
   LayoutPass& pass;
 
-  StackFit::Child ask(std::size_t index, std::optional<double> length) const {
-    StackFit::Child child;
+  StackLayout::Child ask(std::size_t index, std::optional<double> length) const {
+    StackLayout::Child child;
     child.offer = proposal;
     child.offer.*along.offer = length;
     child.size = sizeThatFits(views[index], environment, child.offer, pass);
@@ -32,7 +31,7 @@ struct Stack {
     return span > 0 ? span : 0;  // also where both are infinite
   }
 
-  std::vector<StackFit::Child> shareOut(double length) const {
+  std::vector<StackLayout::Child> shareOut(double length) const {
     struct Turn {
       std::size_t index;
       double flexibility;
@@ -43,10 +42,10 @@ struct Stack {
     std::stable_sort(turns.begin(), turns.end(),
                      [](const Turn& a, const Turn& b) { return a.flexibility < b.flexibility; });
 
-    std::vector<StackFit::Child> children(views.size());
+    std::vector<StackLayout::Child> children(views.size());
     double waiting = static_cast<double>(views.size());
     for (const Turn& turn : turns) {
-      StackFit::Child& child = children[turn.index];
+      StackLayout::Child& child = children[turn.index];
       child = ask(turn.index, std::max(length, 0.0) / waiting);
       length -= child.size.*along.length;
       waiting -= 1;
@@ -54,54 +53,55 @@ struct Stack {
     return children;
   }
 
-  std::vector<StackFit::Child> sized() const {
+  std::vector<StackLayout::Child> sized() const {
     const std::optional<double> offered = proposal.*along.offer;
     const double left = offered.value_or(0) - spacing * static_cast<double>(views.size() - 1);
     if (offered && left > 0 && std::isfinite(left) && views.size() > 1) return shareOut(left);
 
-    std::vector<StackFit::Child> children;
+    std::vector<StackLayout::Child> children;
     children.reserve(views.size());
     for (std::size_t i = 0; i < views.size(); ++i)
       children.push_back(ask(i, offered ? std::optional{std::max(left, 0.0)} : std::nullopt));
     return children;
   }
 
-  StackFit fit() const {
+  StackLayout layout() const {
     if (views.empty()) return {};
-    StackFit fit{sized(), {}};
-    for (const auto& child : fit.children)
-      fit.size.*across.length = std::max(fit.size.*across.length, child.size.*across.length);
+    StackLayout result{sized(), {}};
+    for (const auto& child : result.children)
+      result.size.*across.length = std::max(result.size.*across.length, child.size.*across.length);
     double position = 0;
-    for (auto& child : fit.children) {
+    for (auto& child : result.children) {
       child.origin.*along.position = position;
-      child.origin.*across.position = (fit.size.*across.length - child.size.*across.length) * alignment;
+      child.origin.*across.position = (result.size.*across.length - child.size.*across.length) * alignment;
       position += child.size.*along.length + spacing;
     }
-    fit.size.*along.length = std::max(position - spacing, 0.0);
-    return fit;
+    result.size.*along.length = std::max(position - spacing, 0.0);
+    return result;
   }
 };
 
 template <class Node>
-const StackFit& fitAlong(const Axis& along, const Axis& across, const Node& stack,
-                         const Environment& environment, const ProposedSize& proposal, LayoutPass& pass) {
-  return pass.remembered(&stack, environment, proposal, [&] {
+const StackLayout& layoutAlong(const Axis& along, const Axis& across, const Node& stack,
+                               const Environment& environment, const ProposedSize& proposal,
+                               LayoutPass& pass) {
+  return pass.cached(&stack, environment, proposal, [&] {
     const auto& [alignment, spacing] = stack.options;
     return Stack{along, across, spacing, alignment.fraction, stack.children, environment, proposal, pass}
-        .fit();
+        .layout();
   });
 }
 
 }  // namespace
 
-const StackFit& fitStack(const nodes::HStack& stack, const Environment& environment,
-                         const ProposedSize& proposal, LayoutPass& pass) {
-  return fitAlong(horizontalAxis, verticalAxis, stack, environment, proposal, pass);
+const StackLayout& layoutStack(const nodes::HStack& stack, const Environment& environment,
+                               const ProposedSize& proposal, LayoutPass& pass) {
+  return layoutAlong(horizontalAxis, verticalAxis, stack, environment, proposal, pass);
 }
 
-const StackFit& fitStack(const nodes::VStack& stack, const Environment& environment,
-                         const ProposedSize& proposal, LayoutPass& pass) {
-  return fitAlong(verticalAxis, horizontalAxis, stack, environment, proposal, pass);
+const StackLayout& layoutStack(const nodes::VStack& stack, const Environment& environment,
+                               const ProposedSize& proposal, LayoutPass& pass) {
+  return layoutAlong(verticalAxis, horizontalAxis, stack, environment, proposal, pass);
 }
 
 }  // namespace ui

@@ -14,9 +14,9 @@ namespace ui {
 /// Nested stacks are not exponential work: offers of nothing, everything or the ideal go to every child as
 /// they are, so finding out a child's flexibility visits what is inside it once. The result lives as long as
 /// `pass`.
-const StackFit& fitStack(const nodes::HStack& stack, const Environment& environment,
-                         const ProposedSize& proposal, LayoutPass& pass);
-const StackFit& fitStack(const nodes::VStack& stack, const Environment& environment,
-                         const ProposedSize& proposal, LayoutPass& pass);
+const StackLayout& layoutStack(const nodes::HStack& stack, const Environment& environment,
+                               const ProposedSize& proposal, LayoutPass& pass);
+const StackLayout& layoutStack(const nodes::VStack& stack, const Environment& environment,
+                               const ProposedSize& proposal, LayoutPass& pass);
 
 }  // namespace ui

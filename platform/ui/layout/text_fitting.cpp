@@ -66,7 +66,7 @@ class Fitting {
 
 FittedText fitText(std::string_view text, const Environment& environment, std::optional<double> width,
                    TextMeasurer& measurer) {
-  if (!(environment.font.size > 0 && std::isfinite(environment.font.size))) return {environment.font, {}};
+  if (environment.font.size == 0) return {environment.font, {}};
   const Fitting fitting{text, environment, width.value_or(infinity), measurer};
   const bool mayShrink = environment.minimumScaleFactor < 1 && width && std::isfinite(*width);
   if (mayShrink && environment.lineLimit == 1) return fitting.shrunkOnOneLine();

@@ -1,10 +1,169 @@
 #include "ui/symbols/symbol.hpp"
 
 #include <algorithm>
+#include <cmath>
 
-#include "ui/symbols/symbol_outlines.hpp"
+#include "ui/symbols/symbol_pen.hpp"
 
 namespace ui {
+namespace {
+
+using namespace symbol_pen;
+
+// The locks.
+
+/// The legs of a shackle, as far as they reach below the centre of its arch.
+struct Legs {
+  double left;
+  double right;
+};
+
+/// The shackle of a padlock, turned as a whole.
+Arcs shackle(const Circle& arch, Legs legs, double width, const Rotation& turn = {}) {
+  const double left = arch.center.x - arch.radius;
+  const double right = arch.center.x + arch.radius;
+  const double y = arch.center.y;
+  Arcs legsAndArch{course({{left, y + legs.left}, {left, y}}, 0).front(),
+                   arch.clockwise(Angle::degrees(180), Angle::degrees(360)),
+                   course({{right, y}, {right, y + legs.right}}, 0).back()};
+  for (auto& arc : legsAndArch)
+    arc = {turn.apply(arc.center),
+           arc.radius,
+           {arc.start.radians + turn.angle.radians},
+           {arc.end.radians + turn.angle.radians}};
+  return stroke(legsAndArch, width);
+}
+
+Arcs body(Point top) { return roundedRect({{top.x - 9, top.y}, {18, 13}}, 3); }
+
+Arcs keyhole(Point top) { return line({top.x, top.y + 5.2}, {top.x, top.y + 7.9}, weight); }
+
+/// The head of an arrow that follows `ring` clockwise; its back stands at angle `back`.
+Arcs arrowhead(const Circle& ring, Angle back) {
+  const Point base = ring.at(back);
+  const Rotation turn{back, base};
+  return polygon({turn.apply({base.x + 3.9, base.y - 0.6}), turn.apply({base.x - 0.3, base.y + 5.8}),
+                  turn.apply({base.x - 3.9, base.y - 0.6})},
+                 1);
+}
+
+Symbol lock() {
+  const Point top{0, -1.6};
+  return symbol("lock.fill", {19, 24},
+                compose({body(top), shackle({{0, -5.5}, 4.75}, {5, 5}, weight)}, {keyhole(top)}));
+}
+
+Symbol openLock() {
+  const Point top{-0.2, -0.7};
+  const Circle arch{{top.x - 0.2, top.y - 3.9}, 4.8};
+  const Rotation turn{Angle::degrees(24), {arch.center.x + arch.radius, top.y}};
+  return symbol("lock.open.fill", {20, 25},
+                compose({body(top), shackle(arch, {3.9, 5}, weight, turn)}, {keyhole(top)}));
+}
+
+Symbol turningLock() {
+  const Circle ring{{0, 0}, 10.4};
+  const Angle back = Angle::degrees(-52);
+  return symbol(
+      "lock.rotation", {24, 24},
+      compose({stroke({ring.clockwise(Angle::degrees(8), back)}, 2.2), arrowhead(ring, back),
+               roundedRect({{-5.4, -1.1}, {10.8, 7.5}}, 1.5), shackle({{0, -2.9}, 2.95}, {3, 3}, 1.9)}));
+}
+
+// The round signs and those with a badge.
+
+/// The circle that stands inside `rim` when it is drawn as a ring.
+Circle inside(const Circle& rim) { return {rim.center, rim.radius - weight}; }
+
+/// Eight o'clock: the hands leave the lower right free, where a badge may stand.
+Arcs hands(Point pivot, double minute, double hour) {
+  const Point tip = Circle{pivot, hour}.at(Angle::degrees(150));
+  return stroke(course({{pivot.x, pivot.y - minute}, pivot, tip}, weight / 2), weight);
+}
+
+/// What the symbols with a badge at the lower right have in common.
+constexpr Circle badge{{7.2, 6}, 5.8};
+constexpr Circle margin{badge.center, badge.radius + 1.7};
+constexpr Circle reach{badge.center, margin.radius + weight / 2};
+constexpr Circle frame{{-1.6, -0.6}, 10};
+constexpr Size badgedBox{26.5, 24};
+constexpr double badgeWeight = 1.9;
+
+Arcs ringWithRoomForBadge() {
+  return stroke({frame.clockwise(frame.leaving(reach), frame.entering(reach))}, weight);
+}
+
+constexpr Circle rim{{0, 0}, 11.6};
+constexpr Size rimBox{24, 24};
+
+Symbol question() {
+  const Circle bow{{0, -3.9}, 3.3};
+  const Angle turn = Angle::degrees(64);
+  // The counter-bend that leads the bow down onto the axis.
+  const double bend = bow.radius * std::cos(turn.radians) / (1 - std::cos(turn.radians));
+  const Circle neck{{bend, bow.center.y + (bow.radius + bend) * std::sin(turn.radians)}, bend};
+  const Arcs mark = stroke({bow.clockwise(Angle::degrees(-175), turn),
+                            neck.counterclockwise(Angle::degrees(64 + 180), Angle::degrees(180))},
+                           weight);
+  return symbol("questionmark.circle.fill", rimBox, compose({disc(rim)}, {mark, disc({{0, 6.1}, 1.6})}));
+}
+
+Symbol clock() {
+  return symbol("clock", rimBox, compose({disc(rim), hands({0.6, 0.4}, 6, 4.9)}, {disc(inside(rim))}));
+}
+
+Symbol clockWithAlarm() {
+  const double x = badge.center.x;
+  return symbol("clock.badge.exclamationmark", badgedBox,
+                compose({ringWithRoomForBadge(), hands({-2.2, -0.8}, 5, 3.8), disc(badge)},
+                        {line({x, 3.2}, {x, 6}, badgeWeight), disc({{x, 8.9}, 1.1})}));
+}
+
+Symbol personWithCheckMark() {
+  const Circle head{{frame.center.x, -3.9}, 3.4};
+  const Circle shoulders{{frame.center.x, 9.2}, 7};
+  // Passes from the margin into the ring's round end where the two touch.
+  const Arcs bust{shoulders.clockwise(shoulders.entering(frame), shoulders.entering(margin)),
+                  margin.counterclockwise(margin.leaving(shoulders), reach.entering(frame)),
+                  frame.clockwise(frame.leaving(reach), frame.leaving(shoulders))};
+  const Arcs check = stroke(course({{4.6, 6.2}, {6.6, 8.2}, {9.8, 4.2}}, badgeWeight / 2), badgeWeight);
+  return symbol("person.crop.circle.badge.checkmark", badgedBox,
+                compose({ringWithRoomForBadge(), disc(head), bust, disc(badge)}, {check}));
+}
+
+// The signs for the dial's dots are shown at 8 points, where 2.5 units are one pixel: their edges stand on
+// multiples of that wherever the shape allows.
+
+Symbol smile() {
+  const Circle face{{0, 0}, 12.5};
+  const Circle mouth{{0, 1}, 5.25};
+  return symbol("face.smiling", {25, 25},
+                compose({disc(face), disc({{-3.75, -3.5}, 1.7}), disc({{3.75, -3.5}, 1.7}),
+                         stroke({mouth.counterclockwise(Angle::degrees(160), Angle::degrees(20))}, weight)},
+                        {disc(inside(face))}));
+}
+
+Symbol watch() {
+  const Circle dial{{0, 0}, 10};
+  // Each strap end runs to a point under the rim, so that its corners there stay covered and off the dial's
+  // hole.
+  const Arcs upper = polygon({{-4.6, -12.5}, {4.6, -12.5}, {6.4, -6}, {0, -8.8}, {-6.4, -6}}, 1);
+  const Arcs lower = polygon({{4.6, 12.5}, {-4.6, 12.5}, {-6.4, 6}, {0, 8.8}, {6.4, 6}}, 1);
+  const Arcs crown = line({10, 0}, {10.9, 0}, weight);
+  return symbol(
+      "applewatch", {24.5, 25},
+      compose({upper, lower, crown, disc(dial), hands({0.6, 0.6}, 4.6, 3.7)}, {disc(inside(dial))}));
+}
+
+Symbol movingPointer() {
+  const Arcs pointer =
+      polygon({{0, -11}, {12.8, 1.6}, {7, 2.2}, {9.8, 8.2}, {6.4, 9.8}, {3.7, 3.8}, {0, 7.6}}, 1.05);
+  const auto streak = [](double left, double y) { return line({left, y}, {-3.75, y}, weight); };
+  return symbol("cursorarrow.motionlines", {26, 24},
+                compose({pointer, streak(-11.25, -6.25), streak(-8.75, -1.25), streak(-11.25, 3.75)}));
+}
+
+}  // namespace
 
 const Symbol* findSymbol(std::string_view name) {
   const auto& symbols = allSymbols();
@@ -14,7 +173,6 @@ const Symbol* findSymbol(std::string_view name) {
 }
 
 const std::vector<Symbol>& allSymbols() {
-  using namespace symbol_outlines;
   static const std::vector<Symbol> symbols{lock(),          openLock(),           turningLock(), question(),
                                            clock(),         clockWithAlarm(),     smile(),       watch(),
                                            movingPointer(), personWithCheckMark()};

@@ -1,9 +1,7 @@
-#include "ui/path_bounds.hpp"
+#include "ui/description/path_bounds.hpp"
 
 #include <algorithm>
 #include <cmath>
-
-#include "ui/axis.hpp"
 
 namespace ui {
 namespace {

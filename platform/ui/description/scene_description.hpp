@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ui/description/description.hpp"
+#include "ui/scene.hpp"
+
+namespace ui {
+
+/// What is drawn; the items inside a clip are its children.
+Description describe(const Scene& scene);
+
+/// What a screen reader stops at.
+Description describeAccessibility(const Scene& scene);
+
+}  // namespace ui
