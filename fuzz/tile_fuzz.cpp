@@ -15,9 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto half = size / 2;
   const TarnoMacWidgetEntry entry{
       {}, TarnoMacStatusSnapshot{.deviceName = bytes.substr(0, half), .reason = bytes.substr(half)}, {}};
-  const widgetkit::AnyTimelineEntry any{{}, entry, [&entry](const widgetkit::EnvironmentValues& environment) {
-                                          return TarnoMacWidgetView{environment.widgetFamily, entry}.body();
-                                        }};
+  const auto any = widgetkit::AnyTimelineEntry::of(entry, TarnoMacWidgetView{entry});
   const auto scene = extension::tileScene(any, widgetkit::WidgetFamily::systemMedium, text);
   for (const auto& item : scene.items) {
     const auto* const run = std::get_if<ui::TextRun>(&item);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <functional>
 #include <string_view>
@@ -12,8 +13,11 @@ namespace widgetkit {
 
 enum class WidgetFamily { systemSmall, systemMedium, systemLarge };
 
-/// "systemSmall" and so on.
-std::string_view name(WidgetFamily family);
+/// The name that a family goes by in code.
+constexpr std::string_view name(WidgetFamily family) {
+  constexpr std::array<std::string_view, 3> names{"systemSmall", "systemMedium", "systemLarge"};
+  return names[static_cast<std::size_t>(family)];
+}
 
 /// What a host tells a provider about a request.
 struct TimelineProviderContext {

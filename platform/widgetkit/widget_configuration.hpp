@@ -1,6 +1,7 @@
 #pragma once
 
 #include <any>
+#include <concepts>
 #include <functional>
 #include <memory>
 #include <string>
@@ -24,13 +25,25 @@ struct LocalizedStringKey {
   friend bool operator==(const LocalizedStringKey&, const LocalizedStringKey&) = default;
 };
 
-/// An entry whose type the host need not know: when it is for, and what it looks like.
+/// What an entry looks like. It is made from the entry alone; its body is built anew, in the environment of
+/// the host, each time the entry is drawn, and may read the clock.
+template <class T>
+concept EntryView = std::copy_constructible<T> &&
+    requires(const T& view, const EnvironmentValues& environment) {
+  { view.body(environment) } -> std::same_as<ui::View>;
+};
+
+/// An entry and its view, of types that the host need not know.
 struct AnyTimelineEntry {
   foundation::Date date;
-  std::any value;  ///< the provider's own entry
+  std::any value;                                             ///< the provider's own entry
+  std::function<ui::View(const EnvironmentValues&)> content;  ///< the body of its view
 
-  /// Builds the view anew, as often as the entry is drawn; the view may read the clock.
-  std::function<ui::View(const EnvironmentValues&)> content;
+  template <TimelineEntry Entry, EntryView View>
+  static AnyTimelineEntry of(const Entry& entry, const View& view) {
+    return {entry.date, entry,
+            [view](const EnvironmentValues& environment) { return view.body(environment); }};
+  }
 };
 
 struct AnyTimeline {
@@ -73,15 +86,15 @@ class StaticTimelineProvider final : public AnyTimelineProvider {
 
   AnyTimelineEntry snapshot(const TimelineProviderContext& context) const override {
     AnyTimelineEntry result;
-    provider_.getSnapshot(context, [&](Entry entry) { result = wrap(std::move(entry)); });
+    provider_.getSnapshot(context, [&](const Entry& entry) { result = wrap(entry); });
     return result;
   }
 
   AnyTimeline timeline(const TimelineProviderContext& context) const override {
     AnyTimeline result{{}, TimelineReloadPolicy::after({})};
-    provider_.getTimeline(context, [&](Timeline<Entry> timeline) {
+    provider_.getTimeline(context, [&](const Timeline<Entry>& timeline) {
       result.policy = timeline.policy;
-      for (auto& entry : timeline.entries) result.entries.push_back(wrap(std::move(entry)));
+      for (const Entry& entry : timeline.entries) result.entries.push_back(wrap(entry));
     });
     return result;
   }
@@ -89,18 +102,13 @@ class StaticTimelineProvider final : public AnyTimelineProvider {
  private:
   using Entry = typename Provider::Entry;
 
-  AnyTimelineEntry wrap(Entry entry) const {
-    const foundation::Date date = entry.date;
-    return {date, entry, [content = content_, entry](const EnvironmentValues& environment) {
-              return content(entry, environment);
-            }};
-  }
+  AnyTimelineEntry wrap(const Entry& entry) const { return AnyTimelineEntry::of(entry, content_(entry)); }
 
   Provider provider_;
   Content content_;
 };
 
-/// A configuration that the user cannot edit. `content(entry, environment)` is the view of an entry.
+/// A configuration that the user cannot edit. `content(entry)` is the view of an entry.
 template <TimelineProvider Provider, class Content>
 WidgetConfiguration StaticConfiguration(const std::string& kind, Provider provider, Content content) {
   return {.kind = kind,

@@ -18,9 +18,7 @@ constexpr foundation::Date now = sys_days{2026y / November / 16} + 15h;
 widgetkit::AnyTimelineEntry entryOf(const std::optional<TarnoMacStatusSnapshot>& status,
                                     foundation::Date::duration age) {
   const TarnoMacWidgetEntry entry{now, status, status ? std::optional{now - age} : std::nullopt};
-  return {now, entry, [entry](const widgetkit::EnvironmentValues& environment) {
-            return TarnoMacWidgetView{environment.widgetFamily, entry}.body();
-          }};
+  return widgetkit::AnyTimelineEntry::of(entry, TarnoMacWidgetView{entry});
 }
 
 bool overlap(const ui::Rect& a, const ui::Rect& b) {

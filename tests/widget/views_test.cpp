@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "support/fake_measurer.hpp"
+#include "ui/description/scene_description.hpp"
 #include "ui/description/view_description.hpp"
-#include "widget/style/widget_style.hpp"
+#include "ui/layout.hpp"
 #include "widget/views/dial_view.hpp"
 #include "widget/views/widget_view.hpp"
 
@@ -32,7 +34,7 @@ Words valuesOf(const ui::View& view, std::string_view name, std::string_view att
 }
 
 ui::View tile(const TarnoMacWidgetEntry& entry, WidgetFamily family = WidgetFamily::systemMedium) {
-  return TarnoMacWidgetView{family, entry}.body();
+  return TarnoMacWidgetView{entry}.body({.widgetFamily = family});
 }
 
 TEST(DialView, ShowsEveryStatus) {
@@ -100,7 +102,12 @@ TEST(DialView, ShowsEveryStatus) {
     EXPECT_EQ(valuesOf(dial, "foregroundStyle", "color"),
               (Words{c.accent, "#17212A", c.dots[0], c.dots[1], c.dots[2]}))
         << c.label;
+    Words grounds{"#FFFFFF@0.58"};
+    for (const auto& dot : c.dots) grounds.push_back(dot == on ? "#2E8F93@0.16" : "#D9E2E4@0.4");
+    EXPECT_EQ(valuesOf(dial, "Circle", "fill"), grounds) << c.label;
     EXPECT_EQ(valuesOf(dial, "accessibilityElement", "label"), Words{c.label});
+    EXPECT_EQ(valuesOf(dial, "minimumScaleFactor", "factor"), Words{"0.8500"});
+    EXPECT_EQ(valuesOf(dial, "lineLimit", "lines"), Words{"1.0000"});
   }
 }
 
@@ -132,102 +139,86 @@ TEST(DialView, MeasuresFollowItsSizeDownToTheirMinimums) {
     EXPECT_EQ(valuesOf(dial, "frame", "width"), c.frames);
     EXPECT_EQ(valuesOf(dial, "HStack", "spacing"), c.spacings);
   }
-  EXPECT_EQ(valuesOf(TarnoMacDialView{{}, 132, false}.body(), "Image", "systemName").size(), 1u);
+  const auto withoutSignals = TarnoMacDialView{{}, 132, false}.body();
+  EXPECT_EQ(valuesOf(withoutSignals, "Image", "systemName"), Words{"questionmark.circle.fill"});
+  EXPECT_EQ(valuesOf(withoutSignals, "HStack", "spacing"), Words{});
+  EXPECT_EQ(valuesOf(withoutSignals, "VStack", "spacing"), Words{"5.0000"});
+  EXPECT_EQ(valuesOf(withoutSignals, "accessibilityElement", "label"), Words{"Mac status unknown"});
 }
 
-TEST(WidgetView, SmallIsTheDialAloneAndTheOthersAreAlike) {
-  const foundation::ClockOverride clock{now};
-  const auto entry = TarnoMacWidgetEntry::placeholder();
-  EXPECT_EQ(tile(entry, WidgetFamily::systemSmall),
-            TarnoMacDialView({entry.status, 132, true})
-                .body()
-                .frame({.maxWidth = ui::infinity, .maxHeight = ui::infinity})
-                .containerBackground(TarnoMacWidgetStyle::paper));
-  EXPECT_EQ(tile(entry, WidgetFamily::systemMedium), tile(entry, WidgetFamily::systemLarge));
+/// What is drawn, or announced: one line a thing, without the clips around them.
+std::string listed(const ui::Description& description) {
+  std::string lines;
+  for (const auto& child : description.children)
+    lines += child.name == "clip" ? listed(child) : outline(child);
+  return lines;
 }
 
-TEST(WidgetView, ExpandedLayoutReadsAsItWasDesigned) {
+ui::Scene laidOut(const ui::View& view, ui::Size size) {
+  FakeMeasurer measurer;
+  return layout(view, {.size = size}, measurer);
+}
+
+TEST(WidgetView, SmallIsTheDialAloneInTheMiddle) {
   const foundation::ClockOverride clock{now};
-  EXPECT_EQ(outline(describe(tile(TarnoMacWidgetEntry::placeholder()))), R"(containerBackground color=#F7FAF8
-  frame maxWidth=infinity maxHeight=infinity alignment=leading
-    HStack spacing=14
-      accessibilityElement label="Kivo's Mac locked"
-        frame width=124 height=124
-          ZStack
-            Circle stroke=#D9E2E4@0.72 lineWidth=9.176
-            rotationEffect degrees=126
-              Circle from=0.08 to=0.92 stroke=#2E8F93 lineWidth=9.176 lineCap=round
-            frame width=86.8 height=86.8
-              Circle fill=#FFFFFF@0.58
-            frame width=76.88
-              VStack spacing=5
-                foregroundStyle color=#2E8F93
-                  font size=22.32 weight=bold
-                    Image systemName="lock.fill"
-                minimumScaleFactor factor=0.85
-                  lineLimit lines=1
-                    foregroundStyle color=#17212A
-                      font size=16.12 weight=bold design=rounded
-                        Text text="Locked"
-                accessibilityHidden
-                  HStack spacing=4
-                    background
-                      frame width=18 height=18
-                        foregroundStyle color=#14666A
-                          font size=8 weight=bold
-                            Image systemName="face.smiling"
-                      Circle fill=#2E8F93@0.16
-                    background
-                      frame width=18 height=18
-                        foregroundStyle color=#14666A
-                          font size=8 weight=bold
-                            Image systemName="applewatch"
-                      Circle fill=#2E8F93@0.16
-                    background
-                      frame width=18 height=18
-                        foregroundStyle color=#14666A
-                          font size=8 weight=bold
-                            Image systemName="cursorarrow.motionlines"
-                      Circle fill=#2E8F93@0.16
-      VStack alignment=leading spacing=8
-        lineLimit lines=1
-          foregroundStyle color=#61717D
-            font size=12 weight=semibold design=rounded
-              Text text="Kivo's Mac"
-        minimumScaleFactor factor=0.85
-          lineLimit lines=1
-            foregroundStyle color=#17212A
-              font size=20 weight=bold design=rounded
-                Text text="Locked"
-        minimumScaleFactor factor=0.85
-          lineLimit lines=2
-            foregroundStyle color=#61717D
-              font size=12 weight=medium design=rounded
-                Text text="Mac locked."
-        HStack spacing=6
-          background
-            padding edges=vertical length=5
-              padding edges=horizontal length=8
-                minimumScaleFactor factor=0.85
-                  lineLimit lines=1
-                    foregroundStyle color=#7078B2
-                      font size=10 weight=semibold design=rounded
-                        HStack spacing=4
-                          Image systemName="clock"
-                          Text text="0s ago"
-            Capsule style=continuous fill=#7078B2@0.12
-          background
-            padding edges=vertical length=5
-              padding edges=horizontal length=8
-                minimumScaleFactor factor=0.85
-                  lineLimit lines=1
-                    foregroundStyle color=#14666A
-                      font size=10 weight=semibold design=rounded
-                        HStack spacing=4
-                          Image systemName="person.crop.circle.badge.checkmark"
-                          Text text="Face seen"
-            Capsule style=continuous fill=#14666A@0.12
+  const auto small = tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemSmall);
+  EXPECT_EQ(valuesOf(small, "Text", "text"), Words{"Locked"});
+  EXPECT_EQ(valuesOf(small, "Image", "systemName").size(), 4U);
+  EXPECT_EQ(valuesOf(small, "containerBackground", "color"), Words{"#F7FAF8"});
+  EXPECT_EQ(listed(describeAccessibility(laidOut(small, {200, 150}))),
+            "image label=\"Kivo's Mac locked\" x=34 y=9 width=132 height=132\n");
+}
+
+TEST(WidgetView, MediumAndLargeDrawTheDialBesideTheTextsAndPills) {
+  const foundation::ClockOverride clock{now};
+  const auto medium = tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemMedium);
+  EXPECT_EQ(medium, tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemLarge));
+  const auto scene = laidOut(medium, {332, 138});
+  EXPECT_EQ("\n" + listed(describe(scene)), R"(
+fill color=#F7FAF8 outline=path x=0 y=0 width=332 height=138
+stroke color=#D9E2E4@0.72 lineWidth=9.176 outline=circle centerX=62 centerY=69 radius=62
+stroke color=#2E8F93 lineWidth=9.176 lineCap=round outline=arc centerX=62 centerY=69 radius=62 start=154.8 end=457.2
+fill color=#FFFFFF@0.58 outline=circle centerX=62 centerY=69 radius=43.4
+fill color=#2E8F93 outline=path x=51.956 y=32.494 width=20.088 height=25.556
+text text="Locked" font="16.12 bold rounded" color=#17212A x=37.82 y=63.72 width=48.36 height=19.344 baseline=14.508 maxLines=1
+fill color=#2E8F93@0.16 outline=circle centerX=40 centerY=97.064 radius=9
+fill color=#14666A outline=path x=35 y=92.064 width=10 height=10
+fill color=#2E8F93@0.16 outline=circle centerX=62 centerY=97.064 radius=9
+fill color=#14666A outline=path x=58 y=92.064 width=8.86 height=10
+fill color=#2E8F93@0.16 outline=circle centerX=84 centerY=97.064 radius=9
+fill color=#14666A outline=path x=79 y=93.247 width=9.61 height=7.595
+text text="Kivo's Mac" font="12 semibold rounded" color=#61717D x=138 y=19.6 width=60 height=14.4 baseline=10.8 maxLines=1
+text text="Locked" font="20 bold rounded" color=#17212A x=138 y=42 width=60 height=24 baseline=18 maxLines=1
+text text="Mac locked." font="12 medium rounded" color=#61717D x=138 y=74 width=66 height=14.4 baseline=10.8 maxLines=2
+fill color=#7078B2@0.12 outline=path x=138 y=96.4 width=62 height=22
+fill color=#7078B2 outline=path x=146.2 y=101.6 width=11.6 height=11.6
+text text="0s ago" font="10 semibold rounded" color=#7078B2 x=162 y=101.4 width=30 height=12 baseline=9 maxLines=1
+fill color=#14666A@0.12 outline=path x=206 y=96.4 width=78.25 height=22
+fill color=#14666A outline=path x=214.2 y=101.475 width=12.925 height=11.825
+text text="Face seen" font="10 semibold rounded" color=#14666A x=231.25 y=101.4 width=45 height=12 baseline=9 maxLines=1
 )");
+  EXPECT_EQ("\n" + listed(describeAccessibility(scene)), R"(
+image label="Kivo's Mac locked" x=0 y=7 width=124 height=124
+staticText label="Kivo's Mac" x=138 y=19.6 width=60 height=14.4
+staticText label="Locked" x=138 y=42 width=60 height=24
+staticText label="Mac locked." x=138 y=74 width=66 height=14.4
+staticText label="0s ago" x=162 y=101.4 width=30 height=12
+staticText label="Face seen" x=231.25 y=101.4 width=45 height=12
+)");
+}
+
+TEST(WidgetView, TextsShrinkBeforeTheyAreCut) {
+  const foundation::ClockOverride clock{now};
+  const TarnoMacWidgetEntry entry{
+      now, Snapshot{.deviceName = "Kivo's Mac", .reason = "Mac locked.", .stale = true}, {}};
+  Words fonts;
+  for (const auto& item : laidOut(tile(entry), {160, 200}).items) {
+    const auto* const run = std::get_if<ui::TextRun>(&item);
+    if (run == nullptr) continue;
+    EXPECT_TRUE(run->truncated) << run->text;
+    fonts.push_back(std::to_string(run->font.size).substr(0, 6));
+  }
+  EXPECT_EQ(fonts, (Words{"13.702", "12.000", "17.000", "10.200", "8.5000", "8.5000"}));
 }
 
 TEST(WidgetView, TextsFollowTheEntryAndTheClock) {
@@ -241,9 +232,10 @@ TEST(WidgetView, TextsFollowTheEntryAndTheClock) {
   EXPECT_EQ(textsOf({now, Snapshot{.facePresent = false, .companionPresent = true}, {}})[5], "Watch near");
 
   const std::pair<foundation::Date::duration, const char*> ages[] = {
-      {-1h, "0s ago"}, {0s, "0s ago"},     {999ms, "0s ago"}, {1s, "1s ago"},      {59990ms, "59s ago"},
-      {60s, "1m ago"}, {3599s, "59m ago"}, {3600s, "1h ago"}, {90000s, "25h ago"}, {48h, "48h ago"}};
-  for (const auto& [age, line] : ages) EXPECT_EQ(textsOf({now, {}, now - age})[4], line);
+      {-1h, "0s ago"},      {0s, "0s ago"},    {999ms, "0s ago"},   {1s, "1s ago"},
+      {59990ms, "59s ago"}, {60s, "1m ago"},   {119s, "1m ago"},    {3599s, "59m ago"},
+      {3600s, "1h ago"},    {7199s, "1h ago"}, {90000s, "25h ago"}, {48h, "48h ago"}};
+  for (const auto& [age, line] : ages) EXPECT_EQ(textsOf({now - 30min, {}, now - age})[4], line);
 }
 
 }  // namespace

@@ -5,9 +5,7 @@
 
 widgetkit::WidgetConfiguration TarnoMacStatusWidget::body() const {
   using enum widgetkit::WidgetFamily;
-  const auto content = [](const TarnoMacWidgetEntry& entry, const widgetkit::EnvironmentValues& environment) {
-    return TarnoMacWidgetView{environment.widgetFamily, entry}.body();
-  };
+  const auto content = [](const TarnoMacWidgetEntry& entry) { return TarnoMacWidgetView{entry}; };
   return widgetkit::StaticConfiguration(kind, TarnoMacWidgetProvider{}, content)
       .configurationDisplayName({"Tarno"})
       .description({"Mac lock status and presence signals."})

@@ -13,8 +13,8 @@ using enum ui::TextStyle;
 
 }  // namespace
 
-View TarnoMacWidgetView::body() const {
-  return family == widgetkit::WidgetFamily::systemSmall ? compactView() : expandedView();
+View TarnoMacWidgetView::body(const widgetkit::EnvironmentValues& environment) const {
+  return environment.widgetFamily == widgetkit::WidgetFamily::systemSmall ? compactView() : expandedView();
 }
 
 View TarnoMacWidgetView::compactView() const {

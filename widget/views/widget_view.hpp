@@ -4,16 +4,15 @@
 
 #include "ui/view.hpp"
 #include "widget/timeline/widget_entry.hpp"
-#include "widgetkit/timeline.hpp"
+#include "widgetkit/widget_configuration.hpp"
 
 /// The tile of one entry: the dial alone when small; otherwise the dial beside the device's name, the status,
 /// its detail and two pills, the age of the report and the presence signal.
 struct TarnoMacWidgetView {
-  const widgetkit::WidgetFamily family;  ///< as the host's environment has it
   const TarnoMacWidgetEntry entry;
 
-  /// Reads the clock for the age line, at every call.
-  ui::View body() const;
+  /// The tile for the family of the host's environment. Reads the clock for the age line, at every call.
+  ui::View body(const widgetkit::EnvironmentValues& environment) const;
 
  private:
   ui::View compactView() const;
