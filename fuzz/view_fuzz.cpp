@@ -121,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static render::TextEngine text;
   Bytes bytes{data, size};
   const ui::ContainerShape container{
-      {bytes.take<std::uint16_t>() % 400.0, 170}, number(bytes), number(bytes)};
+      {static_cast<double>(bytes.take<std::uint16_t>() % 400), 170}, number(bytes), number(bytes)};
   const auto scene = layout(view(bytes, 8), container, text);
   const auto copy = scene;
   if (!(copy == scene)) std::abort();  // a NaN somewhere

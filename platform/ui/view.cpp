@@ -14,6 +14,13 @@ constexpr double labelSpacing = 4;
 
 double boundedLength(double length) { return bounded(length, 0, longestLength); }
 
+/// Font libraries run out of memory when they scale colour glyphs to sizes far outside of this.
+double boundedFontSize(double size) {
+  constexpr double smallest = 1;
+  constexpr double largest = 1000;
+  return size >= smallest ? bounded(size, smallest, largest) : 0;
+}
+
 /// A length that may also draw things together.
 double boundedDistance(double length) { return bounded(length, -longestLength, longestLength); }
 
@@ -49,7 +56,7 @@ View::View(Node node) : node_(std::make_shared<const Node>(std::move(node))) {}
 bool operator==(const View& a, const View& b) { return a.node_ == b.node_ || *a.node_ == *b.node_; }
 
 View View::font(Font font) const {
-  return View{nodes::WithFont{*this, {boundedLength(font.size), font.fontWeight, font.fontDesign}}};
+  return View{nodes::WithFont{*this, {boundedFontSize(font.size), font.fontWeight, font.fontDesign}}};
 }
 
 View View::foregroundStyle(Color color) const {

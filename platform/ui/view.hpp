@@ -1,7 +1,6 @@
 #pragma once
 
 #include <concepts>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,14 +15,15 @@
 /// Views: descriptions of what to show, as values. Factories make them, modifiers wrap them, layout() places
 /// them.
 ///
-/// Any number may be given. Factories and modifiers bound it once, before it is kept: a NaN counts as 0,
-/// lengths end at `longestLength`, sizes are not negative (spacing and padding may be), fractions and colour
-/// components lie from 0 to 1, and angles within one turn. So layout ends and yields finite numbers.
+/// You may pass any number. Factories and modifiers bound it before they keep it: a NaN becomes 0, a length
+/// is at most `longestLength` and not negative (spacing and padding may be negative, down to
+/// -`longestLength`), fractions and colour components are from 0 to 1, and an angle is less than one turn.
+/// That is why layout always ends and its numbers are finite.
 namespace ui {
 
 struct Node;
 
-/// A length that is negative or not a number, or a fixed one that is infinite, counts as absent.
+/// A length that is negative or NaN counts as absent; so does a fixed length that is infinite.
 struct FrameOptions {
   std::optional<double> width;      ///< fixed
   std::optional<double> height;     ///< fixed
@@ -48,6 +48,7 @@ class View {
   const Node& node() const { return *node_; }
 
   /// Font, colour and text limits hold for everything inside, unless something further inside says otherwise.
+  /// A font larger than 1000 points counts as 1000; one smaller than 1 counts as 0 and takes no room.
   View font(Font font) const;
   View foregroundStyle(Color color) const;
   /// 1 to `unlimitedLines`.
@@ -113,7 +114,7 @@ struct ZStackOptions {
   friend bool operator==(const ZStackOptions&, const ZStackOptions&) = default;
 };
 
-/// A text as it stands, not a key to look up.
+/// A text shown verbatim, not a localisation key.
 View Text(std::string text);
 
 /// The symbol of that name (see symbol.hpp) at the size of the font in force. Decoration to a screen reader.

@@ -83,6 +83,8 @@ TEST(Layout, AlignsChildrenInTheLargestOfThem) {
   const auto high = [](VerticalAlignment at) { return HStack({.alignment = at}, box(10, 30), box(10)); };
   const auto wide = [](HorizontalAlignment at) { return VStack({.alignment = at}, box(30), box(10)); };
   const View layers = ZStack({}, box(40, 20), box(10, 30), box(6, 6));
+  const View shared = row(Text("a"), Text("b"));
+  const View fonts = row(shared.font(Font::system(10)), shared.font(Font::system(20)));
   const View padded = box(30).padding(EdgeSet::horizontal, 8).padding(EdgeSet::vertical, 5);
   const FrameOptions greedy{.maxWidth = infinity, .maxHeight = infinity, .alignment = leading};
   check({{"top", high(top), {28, 30}, "[0,0 10x30][18,0 10x10]"},
@@ -93,6 +95,7 @@ TEST(Layout, AlignsChildrenInTheLargestOfThem) {
          {"layers", layers, {60, 60}, "[10,20 40x20][25,15 10x30][27,27 6x6]"},
          {"too large", box(30).frame({.width = 20, .alignment = trailing}), {20, 10}, "[-10,0 30x10]"},
          {"a flexible frame", box(30).frame(greedy), {100, 50}, "[0,20 30x10]"},
+         {"one row in two fonts", fonts, {30, 24}, "[0,6 5x12][5,6 5x12][10,0 10x24][20,0 10x24]"},
          {"padding and a background", padded.background(filler), {46, 20}, "[0,0 46x20][8,5 30x10]"},
          {"a circle inscribed", Circle{}.fill(black), {40, 20}, "[10,0 20x20]"}});
 }
@@ -104,6 +107,7 @@ TEST(Layout, SizesFramesByTheProposal) {
     ProposedSize proposal;
     Size expected;
   } cases[] = {{filler, {}, {10, 10}},
+               {Text("ab"), {}, {15, 18}},
                {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
                {box(60).frame({.maxWidth = 50}), {100, 7}, {60, 10}},
                {box(60).frame({.maxWidth = infinity}), {40, 7}, {60, 10}},
@@ -149,7 +153,8 @@ TEST(Layout, RotatesWhatIsDrawnAboutTheFramesCentre) {
   EXPECT_NEAR(arc.end.inDegrees(), 331.2 + 120, 1e-9);
   EXPECT_EQ(written({arc.center, {arc.radius, 0}}), "[50,40 20x0]");
 
-  const Scene scene = laidOut(word("abcd").rotationEffect(Angle::degrees(90)), {20, 12});
+  const Scene scene =
+      laidOut(word("abcd").rotationEffect(Angle::degrees(30)).rotationEffect(Angle::degrees(60)), {20, 12});
   EXPECT_EQ(drawn(scene), "[16,-4 20x12]");
   EXPECT_NEAR(std::get<TextRun>(scene.items.at(1)).rotation.inDegrees(), 90, 1e-9);
   EXPECT_EQ(scene.accessibility.at(0).frame, (Rect{{0, 0}, {20, 12}}));

@@ -55,6 +55,7 @@ TEST(View, TrimsPartsOfAPart) {
   const Circle half = Circle{}.trim(0.5, 7);
   EXPECT_EQ(half.fill(black), Circle{}.trim(0.5, 1).fill(black));
   EXPECT_EQ(half.trim(0.5, 1).fill(black), Circle{}.trim(0.75, 1).fill(black));
+  EXPECT_EQ(half.trim(1, 0).fill(black), Circle{}.trim(1, 1).fill(black));
 }
 
 TEST(View, KeepsItsNumbersWithinTheirBounds) {
@@ -66,7 +67,8 @@ TEST(View, KeepsItsNumbersWithinTheirBounds) {
   const auto stroke = [](double width) { return Circle{}.stroke(black, {.lineWidth = width}); };
   const std::pair<View, View> pairs[] = {
       {text.font(Font::system(-3).rounded()), text.font(Font::system(0).rounded())},
-      {text.font(Font::system(infinity)), text.font(Font::system(10'000))},
+      {text.font(Font::system(0.99)), text.font(Font::system(0))},
+      {text.font(Font::system(infinity)), text.font(Font::system(1000))},
       {text.foregroundStyle({.red = -1, .green = 2, .blue = NAN, .alpha = 9}),
        text.foregroundStyle(Color::sRGB(0, 1, 0))},
       {text.containerBackground({.red = -1, .green = 2, .blue = NAN}),
@@ -168,15 +170,34 @@ TEST(Description, NamesWhatIsNotUsual) {
             "baseline=9 maxLines=1 truncated=true rotation=-90\n");
 }
 
-TEST(Path, CutsTheRadiusOfCornersToHalfOfTheShorterSide) {
+TEST(Rect, IsNeverInsetBelowNothing) {
+  EXPECT_EQ((Rect{{1, 2}, {20, 30}}.inset(4)), (Rect{{5, 6}, {12, 22}}));
+  EXPECT_EQ((Rect{{1, 2}, {20, 30}}.inset(16)), (Rect{{17, 18}, {0, 0}}));
+}
+
+TEST(Path, RoundsCornersByAtMostHalfOfTheShorterSide) {
   const Rect rect{{1, 2}, {20, 10}};
+  const auto corner = [](Point at, double start) {
+    return Path::Arc{at, 3, Angle::degrees(start), Angle::degrees(start + 90)};
+  };
+  EXPECT_EQ(Path::roundedRect(rect, 3), (Path{{Path::Move{{4, 2}}, corner({18, 5}, -90), corner({18, 9}, 0),
+                                               corner({4, 9}, 90), corner({4, 5}, 180), Path::Close{}}}));
   EXPECT_EQ(Path::roundedRect(rect, 22), Path::roundedRect(rect, 5));
   EXPECT_EQ(Path::roundedRect(rect, -1), Path::rect(rect));
+}
+
+TEST(Path, ClosesWholeCirclesOnly) {
+  const Rect rect{{0, 0}, {20, 10}};
+  const Path::Arc most{{10, 5}, 5, {}, Angle::degrees(342)};
+  EXPECT_EQ(Path::circle(rect, 0, 0.95), (Path{{Path::Move{{15, 5}}, most}}));
+  EXPECT_EQ(Path::circle(rect).elements.back(), Path::Element{Path::Close{}});
 }
 
 TEST(Path, BoundsAreThoseOfTheCurveItself) {
   const Path curve{{Path::Move{{0, 0}}, Path::Curve{{0, 40}, {30, 40}, {30, 0}}}};
   EXPECT_EQ(bounds(curve), (Rect{{0, 0}, {30, 30}}));
+  const Path slope{{Path::Move{{0, 0}}, Path::Curve{{10, 1}, {25, 10}, {30, 30}}}};
+  EXPECT_EQ(bounds(slope), (Rect{{0, 0}, {30, 30}}));
   const Path arc{{Path::Move{{10, 0}}, Path::Arc{{0, 0}, 10, {}, Angle::degrees(-180)}}};
   EXPECT_NEAR(bounds(arc).origin.y, -10, 1e-9);
   EXPECT_NEAR(bounds(arc).bottom(), 0, 1e-9);

@@ -106,6 +106,7 @@ TEST(DialView, ShowsEveryStatus) {
     for (const auto& dot : c.dots) grounds.push_back(dot == on ? "#2E8F93@0.16" : "#D9E2E4@0.4");
     EXPECT_EQ(valuesOf(dial, "Circle", "fill"), grounds) << c.label;
     EXPECT_EQ(valuesOf(dial, "accessibilityElement", "label"), Words{c.label});
+    EXPECT_NE(outline(describe(dial)).find("accessibilityHidden\n"), std::string::npos);
     EXPECT_EQ(valuesOf(dial, "minimumScaleFactor", "factor"), Words{"0.8500"});
     EXPECT_EQ(valuesOf(dial, "lineLimit", "lines"), Words{"1.0000"});
   }

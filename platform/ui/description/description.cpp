@@ -24,8 +24,8 @@ std::string quoted(std::string_view text) {
   return result + '"';
 }
 
-/// How an outline shows an attribute: what people wrote always stands in quotes, words of ours only where
-/// they have blanks.
+/// How an outline shows an attribute. Text from a user is always quoted, a word of ours only if it has
+/// blanks.
 struct OutlineValue {
   std::string_view name;
 

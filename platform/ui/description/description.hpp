@@ -13,8 +13,8 @@ struct Description {
   using Value = std::variant<double, bool, std::string>;
 
   std::string name;
-  /// In a fixed order, without those that are absent and choices that are at their default. Numbers are
-  /// finite and rounded to 3 decimals; infinity is a word.
+  /// In a fixed order. Absent values and choices at their default are left out. Numbers are finite and
+  /// rounded to 3 decimals; infinity is a word.
   std::vector<std::pair<std::string_view, Value>> attributes;
   std::vector<Description> children;
 };

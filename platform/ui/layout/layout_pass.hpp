@@ -10,7 +10,7 @@
 
 namespace ui {
 
-/// How a stack comes out for an offer.
+/// The layout of a stack for one proposal.
 struct StackLayout {
   struct Child {
     ProposedSize offer;
@@ -22,11 +22,11 @@ struct StackLayout {
   Size size;                    ///< of the stack: its children and the spacing between them
 };
 
-/// What the steps of one layout share: the measurer, and how each stack came out for each offer that it was
-/// made. A stack is asked again and again, by the stack around it for its flexibility and its share, then to
-/// be placed; what is inside it need not be.
+/// Shared by the steps of one layout: the measurer, and a cache of stack layouts. A stack is measured
+/// repeatedly: by the stack around it, for its flexibility and then for its share, and again to be placed.
+/// The cache saves measuring its children each time.
 ///
-/// Entries are found by the address of a stack's node, so the view must outlive the pass.
+/// The key is the address of a stack's node, so the view must outlive the pass.
 struct LayoutPass {
   explicit LayoutPass(TextMeasurer& measurerOfTexts) : measurer(measurerOfTexts) {}
 

@@ -28,7 +28,7 @@ struct Outliner {
   }
 };
 
-/// Stands in for a symbol that nobody knows: an empty box with round corners, so that the gap is noticed.
+/// Drawn for an unknown symbol: an empty box with round corners, so that the gap is noticed.
 StrokePath unknownSymbol(const Rect& rect, const Color& color) {
   const double em = rect.size.width;
   return {Path::roundedRect(rect.inset(em * 0.12), em * 0.16), {.lineWidth = em * 0.08}, color};

@@ -17,8 +17,8 @@ struct DisplayList {
   std::optional<Color> containerBackground;  ///< the outermost one found
 };
 
-/// Where a view goes: what it was offered, and the room that it answered with. Both are needed, for a view
-/// that is offered what it answered may well answer with less.
+/// Where a view goes: what it was offered, and the space that it took. Both are needed, because a view that
+/// is offered what it took may take less.
 struct Placement {
   ProposedSize offer;
   Rect rect;
@@ -28,7 +28,7 @@ struct Placement {
 void place(const View& view, const Environment& environment, const Placement& where, LayoutPass& pass,
            DisplayList& list);
 
-/// Offers `offer` to `view` and places it by `alignment` in `area`, over whose edges it may stick out.
+/// Offers `offer` to `view` and aligns it in `area`. The view may be larger than `area`.
 void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
                   const Rect& area, const Alignment& alignment, LayoutPass& pass, DisplayList& list);
 

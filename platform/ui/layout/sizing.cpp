@@ -10,6 +10,19 @@
 namespace ui {
 namespace {
 
+/// All that a shape is offered, 10 points where it is asked for its ideal.
+Size shapeSize(const ProposedSize& proposal) {
+  constexpr double ideal = 10;
+  return {std::max(proposal.width.value_or(ideal), 0.0), std::max(proposal.height.value_or(ideal), 0.0)};
+}
+
+/// The size of the symbol in `font`; 1 em square if no symbol has that name.
+Size imageSize(const nodes::Image& image, const Font& font) {
+  const Symbol* symbol = findSymbol(image.systemName);
+  const Size em = symbol ? symbol->size : Size{1, 1};
+  return {em.width * font.size, em.height * font.size};
+}
+
 struct Sizing {
   const Environment& environment;
   const ProposedSize& proposal;
@@ -75,17 +88,6 @@ struct Sizing {
 Size sizeThatFits(const View& view, const Environment& environment, const ProposedSize& proposal,
                   LayoutPass& pass) {
   return std::visit(Sizing{environment, proposal, pass}, view.node());
-}
-
-Size shapeSize(const ProposedSize& proposal) {
-  constexpr double ideal = 10;
-  return {std::max(proposal.width.value_or(ideal), 0.0), std::max(proposal.height.value_or(ideal), 0.0)};
-}
-
-Size imageSize(const nodes::Image& image, const Font& font) {
-  const Symbol* symbol = findSymbol(image.systemName);
-  const Size em = symbol ? symbol->size : Size{1, 1};
-  return {em.width * font.size, em.height * font.size};
 }
 
 Size paddingSize(const nodes::Padding& padding) {

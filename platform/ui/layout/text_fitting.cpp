@@ -5,12 +5,11 @@
 namespace ui {
 namespace {
 
-/// A text's own width comes back a hair smaller from the sums and differences of a layout, and text renderers
-/// count in fractions of a point of about half this size.
+/// Layout's sums and differences may return a text's own width slightly too small, and text renderers round
+/// to fractions of a point of about half this size.
 constexpr double widthTolerance = 1.0 / 512;
 
-/// The search over several lines stops at this part of the way from the smallest scale to 1: steps that
-/// nobody sees.
+/// The search over several lines tries this many scales between the minimum and 1; finer steps are invisible.
 constexpr int scaleSteps = 16;
 
 class Fitting {
@@ -25,7 +24,8 @@ class Fitting {
     return {font, measurer_.measure(text_, font, width_, environment_.lineLimit)};
   }
 
-  /// One line's width goes with its scale, but for hinting and rounding; so the first try nearly always fits.
+  /// The width of one line is proportional to its scale, except for hinting and rounding; so the first try
+  /// nearly always fits.
   FittedText shrunkOnOneLine() const {
     const double smallest = environment_.minimumScaleFactor;
     constexpr int tries = 4;

@@ -19,7 +19,7 @@ struct Symbol {
 /// The symbol of that name, or null. Lives until the process ends; any thread.
 const Symbol* findSymbol(std::string_view name);
 
-/// All symbols, for those who draw or check the whole set.
+/// All symbols, to draw or check the whole set.
 const std::vector<Symbol>& allSymbols();
 
 }  // namespace ui
