@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <new>
+#include <vector>
 
 #include "render/cairo_handle.hpp"
 #include "render/painter.hpp"
@@ -18,8 +19,9 @@ namespace render {
 namespace {
 
 void requireSuccess(cairo_status_t status) {
+  if (status == CAIRO_STATUS_NO_MEMORY) throw std::bad_alloc();
   if (status != CAIRO_STATUS_SUCCESS)
-    throw ImageError(std::string("cannot draw the image: ") + cairo_status_to_string(status));
+    throw std::runtime_error(std::string("cannot draw the image: ") + cairo_status_to_string(status));
 }
 
 void paintScaled(const ui::Scene& scene, TextEngine& text, double scale, cairo_surface_t* surface) {
@@ -30,7 +32,6 @@ void paintScaled(const ui::Scene& scene, TextEngine& text, double scale, cairo_s
   requireSuccess(cairo_status(cairo.get()));
 }
 
-/// Whole pixels that cover `points`; what exceeds a pixel by a rounding error does not count.
 int pixels(double points, double scale) {
   const double side = std::max(std::ceil(points * scale - 1e-6), 1.0);
   if (!(side <= largestImageSide))
@@ -39,15 +40,11 @@ int pixels(double points, double scale) {
 }
 
 std::string png(const ui::Scene& scene, TextEngine& text, double scale) {
-  const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels(scene.size.width, scale),
-                                                   pixels(scene.size.height, scale)));
-  paintScaled(scene, text, scale, surface.get());
-  cairo_surface_flush(surface.get());
-  return encodePng({.data = cairo_image_surface_get_data(surface.get()),
-                    .width = cairo_image_surface_get_width(surface.get()),
-                    .height = cairo_image_surface_get_height(surface.get()),
-                    .stride = cairo_image_surface_get_stride(surface.get())},
-                   72 * scale);
+  const auto [width, height] = pixelSize(scene.size, scale);
+  const std::size_t stride = static_cast<std::size_t>(width) * sizeof(std::uint32_t);
+  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  drawPixels(scene, text, scale, pixels.data(), stride);
+  return encodePng(pixels.data(), {width, height}, 72 * scale);
 }
 
 cairo_status_t append(void* file, const unsigned char* data, unsigned int length) {
@@ -65,6 +62,7 @@ using CreateSurface = cairo_surface_t* (*)(cairo_write_func_t, void*, double wid
 template <class Prepare>
 std::string vectorFile(const ui::Scene& scene, TextEngine& text, double scale, CreateSurface create,
                        const Prepare& prepare) {
+  pixelSize(scene.size, scale);  // refuses what is too large
   std::string file;
   const Surface surface(create(append, &file, scene.size.width * scale, scene.size.height * scale));
   requireSuccess(cairo_surface_status(surface.get()));
@@ -110,15 +108,27 @@ std::string pdf(const ui::Scene& scene, TextEngine& text, double scale) {
 
 }  // namespace
 
-std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale) try {
+PixelSize pixelSize(ui::Size points, double scale) {
+  return {pixels(points.width, scale), pixels(points.height, scale)};
+}
+
+void drawPixels(const ui::Scene& scene, TextEngine& text, double scale, std::uint32_t* pixels,
+                std::size_t strideBytes) {
+  const auto [width, height] = pixelSize(scene.size, scale);
+  const Surface surface(cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels),
+                                                            CAIRO_FORMAT_ARGB32, width, height,
+                                                            static_cast<int>(strideBytes)));
+  paintScaled(scene, text, scale, surface.get());
+  cairo_surface_flush(surface.get());
+}
+
+std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale) {
   switch (format) {
     case ImageFormat::png: return png(scene, text, scale);
     case ImageFormat::svg: return svg(scene, text, scale);
     case ImageFormat::pdf: return pdf(scene, text, scale);
   }
-  throw ImageError("unknown image format");
-} catch (const std::bad_alloc&) {
-  throw ImageError("cannot draw the image: out of memory");
+  throw std::logic_error("unknown image format");
 }
 
 }  // namespace render

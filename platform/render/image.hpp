@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -10,18 +12,36 @@ namespace render {
 
 enum class ImageFormat { png, svg, pdf };
 
-/// An image that cannot be made: too large, or out of memory. what() is one line.
+/// An image that cannot be made in the size asked for. what() is one line.
 class ImageError : public std::runtime_error {
  public:
   using runtime_error::runtime_error;
 };
 
-/// The largest side of a PNG, in pixels.
+/// The largest side of an image: pixels of a raster image, units of a vector file.
 inline constexpr int largestImageSide = 16384;
 
-/// The bytes of an image file that shows `scene` on a transparent ground. A point is `scale` pixels of a PNG
-/// (rounded up to whole pixels at the right and bottom edge), `scale` user units of an SVG and `scale` points
-/// of a PDF; `scale` is finite and above 0. The same scene gives the same bytes. Throws ImageError.
+struct PixelSize {
+  int width = 0;
+  int height = 0;
+
+  friend bool operator==(const PixelSize&, const PixelSize&) = default;
+};
+
+/// The whole pixels that cover `points` at `scale` pixels per point, at least 1 x 1; what exceeds a pixel by
+/// a rounding error does not count. Throws ImageError when a side is larger than `largestImageSide` or either
+/// argument is not finite.
+PixelSize pixelSize(ui::Size points, double scale);
+
+/// Draws `scene` over `pixels`: pixelSize(scene.size, scale) pixels in rows from the top, `strideBytes` (a
+/// multiple of 4) from one row to the next, each 0xAARRGGBB in the machine's byte order and premultiplied by
+/// alpha. The memory stays the caller's; zeros are a transparent ground. Throws ImageError before it draws.
+void drawPixels(const ui::Scene& scene, TextEngine& text, double scale, std::uint32_t* pixels,
+                std::size_t strideBytes);
+
+/// The bytes of an image file that shows `scene` on a transparent ground. A PNG shows what drawPixels()
+/// draws; a point is `scale` user units of an SVG and `scale` points of a PDF. The same scene gives the same
+/// bytes. Throws ImageError.
 std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale);
 
 }  // namespace render

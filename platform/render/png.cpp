@@ -2,93 +2,85 @@
 
 #include <png.h>
 
-#include <array>
 #include <cmath>
 #include <csetjmp>
-#include <cstring>
+#include <exception>
+#include <new>
 #include <vector>
-
-#include "render/image.hpp"
 
 namespace render {
 namespace {
 
-/// What libpng works on. It reports errors by a jump, so that nothing between setjmp() and the jump may need
+/// What libpng works on. It reports errors by a jump, so nothing between setjmp() and the jump may need
 /// destruction: all of it lives here.
-struct Writing {
-  PixelView pixels;
+struct PngWriter {
+  const std::uint32_t* pixels;
+  PixelSize size;
+  png_uint_32 dotsPerMetre;
+  std::vector<png_byte> row = std::vector<png_byte>(static_cast<std::size_t>(size.width) * 4);
   std::string file;
-  std::vector<png_byte> row;
-  std::string error;
+  std::exception_ptr failure;
+  png_structp png = nullptr;
+  png_infop info = nullptr;
+
+  PngWriter(const std::uint32_t* source, PixelSize sourceSize, png_uint_32 density)
+      : pixels(source), size(sourceSize), dotsPerMetre(density) {}
+  ~PngWriter() { png_destroy_write_struct(&png, &info); }
+  PngWriter(const PngWriter&) = delete;
+  PngWriter& operator=(const PngWriter&) = delete;
 };
 
-extern "C" {
-
 void rememberError(png_structp png, png_const_charp message) {
-  try {
-    static_cast<Writing*>(png_get_error_ptr(png))->error = message;
-  } catch (...) {
-  }
+  auto& writer = *static_cast<PngWriter*>(png_get_error_ptr(png));
+  if (!writer.failure) writer.failure = std::make_exception_ptr(std::runtime_error(message));
   png_longjmp(png, 1);
 }
 
 void ignoreWarning(png_structp, png_const_charp) {}
 
 void append(png_structp png, png_bytep data, png_size_t size) {
-  bool appended = true;
+  auto& writer = *static_cast<PngWriter*>(png_get_io_ptr(png));
   try {
-    static_cast<Writing*>(png_get_io_ptr(png))->file.append(reinterpret_cast<const char*>(data), size);
-  } catch (...) {
-    appended = false;
+    writer.file.append(reinterpret_cast<const char*>(data), size);
+  } catch (const std::bad_alloc&) {
+    writer.failure = std::current_exception();
   }
-  if (!appended) png_error(png, "out of memory");
+  if (writer.failure) png_error(png, "out of memory");
 }
 
 void flushNothing(png_structp) {}
 
-}  // extern "C"
-
-png_byte unpremultiplied(std::uint32_t pixel, int shift) {
-  const std::uint32_t value = (pixel >> shift) & 0xFF;
-  const std::uint32_t alpha = pixel >> 24;
-  return static_cast<png_byte>(alpha == 0 ? 0 : (value * 0xFF + alpha / 2) / alpha);
-}
-
-/// Writes the pixels of a row as RGBA, not multiplied by alpha. Most pixels look like the one before.
-void convert(const unsigned char* source, int width, png_byte* target) {
+/// Writes `count` pixels as RGBA. Most pixels look like the one before.
+void convert(const std::uint32_t* pixels, int count, png_byte* target) {
   std::uint32_t last = 0;
-  std::array<png_byte, 4> rgba{};
-  for (int x = 0; x < width; ++x, source += 4, target += 4) {
-    std::uint32_t pixel;
-    std::memcpy(&pixel, source, sizeof pixel);
-    if (pixel != last)
-      rgba = {unpremultiplied(pixel, 16), unpremultiplied(pixel, 8), unpremultiplied(pixel, 0),
-              static_cast<png_byte>(pixel >> 24)};
-    last = pixel;
-    std::memcpy(target, rgba.data(), rgba.size());
+  std::uint32_t straight = 0;
+  for (const std::uint32_t* pixel = pixels; pixel != pixels + count; ++pixel) {
+    if (*pixel != last) straight = unpremultiplied(last = *pixel);
+    for (const int shift : {16, 8, 0, 24}) *target++ = static_cast<png_byte>(straight >> shift);
   }
 }
 
-/// False on failure, with the reason in `writing.error`.
-bool write(png_structp png, png_infop info, Writing& writing, png_uint_32 dotsPerMetre) {
-  if (setjmp(png_jmpbuf(png))) return false;
-  const PixelView& pixels = writing.pixels;
-  png_set_write_fn(png, &writing, append, flushNothing);
+/// Whether all of it could be written; else `writer.failure` says why not.
+bool write(PngWriter& writer) {
+  if (setjmp(png_jmpbuf(writer.png))) return false;
+  const png_structp png = writer.png;
+  const png_infop info = writer.info;
+  png_set_write_fn(png, &writer, append, flushNothing);
   png_set_user_limits(png, largestImageSide, largestImageSide);
   // Large even areas with few colours: the fastest level without a filter makes files as small as the slow
   // ones do.
   png_set_compression_level(png, 1);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
-  png_set_IHDR(png, info, static_cast<png_uint_32>(pixels.width), static_cast<png_uint_32>(pixels.height), 8,
-               PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-               PNG_FILTER_TYPE_DEFAULT);
+  png_set_IHDR(png, info, static_cast<png_uint_32>(writer.size.width),
+               static_cast<png_uint_32>(writer.size.height), 8, PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE,
+               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
-  png_set_pHYs(png, info, dotsPerMetre, dotsPerMetre, PNG_RESOLUTION_METER);
+  png_set_pHYs(png, info, writer.dotsPerMetre, writer.dotsPerMetre, PNG_RESOLUTION_METER);
   png_write_info(png, info);
-  const unsigned char* row = pixels.data;
-  for (int y = 0; y < pixels.height; ++y, row += pixels.stride) {
-    convert(row, pixels.width, writing.row.data());
-    png_write_row(png, writing.row.data());
+  const std::uint32_t* row = writer.pixels;
+  for (int y = 0; y < writer.size.height; ++y, row += writer.size.width) {
+    convert(row, writer.size.width, writer.row.data());
+    png_write_row(png, writer.row.data());
   }
   png_write_end(png, nullptr);
   return true;
@@ -96,16 +88,23 @@ bool write(png_structp png, png_infop info, Writing& writing, png_uint_32 dotsPe
 
 }  // namespace
 
-std::string encodePng(const PixelView& pixels, double dotsPerInch) {
+std::uint32_t unpremultiplied(std::uint32_t pixel) {
+  const std::uint32_t alpha = pixel >> 24;
+  if (alpha == 0 || alpha == 0xFF) return alpha == 0 ? 0 : pixel;
+  const auto channel = [&](int shift) {
+    return ((pixel >> shift & 0xFF) * 0xFF + alpha / 2) / alpha << shift;
+  };
+  return alpha << 24 | channel(16) | channel(8) | channel(0);
+}
+
+std::string encodePng(const std::uint32_t* pixels, PixelSize size, double dotsPerInch) {
   constexpr double inchesPerMetre = 1 / 0.0254;
-  Writing writing{.pixels = pixels, .row = std::vector<png_byte>(static_cast<std::size_t>(pixels.width) * 4)};
-  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &writing, rememberError, ignoreWarning);
-  png_infop info = png ? png_create_info_struct(png) : nullptr;
-  const bool written =
-      info && write(png, info, writing, static_cast<png_uint_32>(std::lround(dotsPerInch * inchesPerMetre)));
-  png_destroy_write_struct(&png, &info);
-  if (!written) throw ImageError("cannot encode the PNG: " + (info ? writing.error : "out of memory"));
-  return std::move(writing.file);
+  PngWriter writer(pixels, size, static_cast<png_uint_32>(std::lround(dotsPerInch * inchesPerMetre)));
+  writer.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &writer, rememberError, ignoreWarning);
+  writer.info = writer.png ? png_create_info_struct(writer.png) : nullptr;
+  if (!writer.info) throw std::bad_alloc();
+  if (!write(writer)) std::rethrow_exception(writer.failure);
+  return std::move(writer.file);
 }
 
 }  // namespace render

@@ -3,19 +3,15 @@
 #include <cstdint>
 #include <string>
 
+#include "render/image.hpp"
+
 namespace render {
 
-/// Pixels in rows from the top, each 0xAARRGGBB in the machine's byte order and multiplied by alpha: what a
-/// Cairo image surface of format ARGB32 holds.
-struct PixelView {
-  const unsigned char* data;
-  int width;
-  int height;
-  int stride;  ///< bytes from one row to the next
-};
+/// `pixel`, 0xAARRGGBB, with its colour no longer multiplied by its alpha.
+std::uint32_t unpremultiplied(std::uint32_t pixel);
 
-/// The bytes of a PNG file of `pixels`: RGBA, 8 bits a channel, not multiplied by alpha, sRGB, at
-/// `dotsPerInch`. Throws ImageError.
-std::string encodePng(const PixelView& pixels, double dotsPerInch);
+/// The bytes of a PNG file of `pixels`, premultiplied 0xAARRGGBB in rows without gaps: RGBA, 8 bits per
+/// channel, sRGB, at `dotsPerInch`. Throws std::bad_alloc.
+std::string encodePng(const std::uint32_t* pixels, PixelSize size, double dotsPerInch);
 
 }  // namespace render

@@ -5,6 +5,7 @@
 #include "common/command_line.hpp"
 #include "render/cairo_handle.hpp"
 #include "render/painter.hpp"
+#include "render/png.hpp"
 #include "tarno-widget/tile.hpp"
 
 namespace desktop {
@@ -19,12 +20,7 @@ void makeOpaque(cairo_surface_t* image) {
     void* row = cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image);
     for (auto* pixel = static_cast<std::uint32_t*>(row); pixel != static_cast<std::uint32_t*>(row) + width;
          ++pixel) {
-      const std::uint32_t alpha = *pixel >> 24;
-      if (alpha == 0 || alpha == 255) continue;
-      const auto full = [&](int shift) {
-        return ((*pixel >> shift & 255) * 255 + alpha / 2) / alpha << shift;
-      };
-      *pixel = 255u << 24 | full(16) | full(8) | full(0);
+      if (*pixel != 0) *pixel = 255u << 24 | render::unpremultiplied(*pixel);
     }
   }
   cairo_surface_mark_dirty(image);

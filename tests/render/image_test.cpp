@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "support/pixels.hpp"
 
 namespace {
@@ -38,23 +40,61 @@ ui::Scene tile() {
   return {whole.size, {ui::BeginClip{Path::roundedRect(whole, 3)}, pane, text, ui::EndClip{}, stripe}, {}};
 }
 
-TEST(Image, pngHasTheSizeAndTheColoursOfTheScene) {
-  using Sides = std::pair<int, int>;
-  for (const auto& [scale, sides] :
-       {std::pair{1.0, Sides{10, 7}}, {2.0, {20, 14}}, {1.1, {11, 8}}, {0.5, {5, 4}}}) {
-    const Pixels pixels = draw(tile(), scale);
-    EXPECT_EQ((Sides{pixels.width, pixels.height}), sides) << scale;
-  }
+TEST(Image, pngHasTheColoursOfTheScene) {
   const Pixels pixels = draw(tile(), 2);
   EXPECT_EQ(pixels.at(0, 13), (Pixels::Pixel{0, 0, 0, 0}));
   EXPECT_EQ(pixels.at(10, 9), (Pixels::Pixel{255, 255, 0, 128}));
   EXPECT_EQ(pixels.at(19, 0), (Pixels::Pixel{255, 0, 0, 255}));
 }
 
-TEST(Image, refusesWhatNoFileShouldHold) {
-  for (const double scale : {46.0, 1e300})
-    EXPECT_THROW(encode({{364, 170}, {}, {}}, ImageFormat::png, scale), render::ImageError);
-  EXPECT_EQ(draw({{0, 0}, {}, {}}).width, 1);
+TEST(Image, sizesAreWholePixelsThatCoverThePoints) {
+  using render::PixelSize;
+  const struct {
+    ui::Size points;
+    double scale;
+    PixelSize pixels;
+  } table[] = {{{10, 7}, 1, {10, 7}},         {{170, 7}, 1.1, {187, 8}},     {{10, 7}, 0.5, {5, 4}},
+               {{364, 170}, 1.5, {546, 255}}, {{170, 170}, 0.7, {119, 119}}, {{0, -3}, 1, {1, 1}},
+               {{16384, 1}, 1, {16384, 1}}};
+  for (const auto& row : table) EXPECT_EQ(render::pixelSize(row.points, row.scale), row.pixels) << row.scale;
+}
+
+TEST(Image, refusesSizesThatNobodyCanDraw) {
+  render::TextEngine text;
+  const struct {
+    ui::Size points;
+    double scale;
+  } table[] = {{{364, 170}, 46},       {{170, 364}, 46},       {{364, 170}, 1e300},
+               {{1e9, 1}, 1},          {{1, 1e9}, 1},          {{ui::infinity, 1}, 1},
+               {{1, 1}, ui::infinity}, {{1, 1}, std::nan("")}, {{std::nan(""), 1}, 1}};
+  for (const auto& row : table) {
+    EXPECT_THROW(render::drawPixels({row.points, {}, {}}, text, row.scale, nullptr, 0), render::ImageError);
+    for (const auto format : {ImageFormat::png, ImageFormat::svg, ImageFormat::pdf})
+      EXPECT_THROW(encode({row.points, {}, {}}, format, row.scale), render::ImageError) << row.scale;
+  }
+}
+
+TEST(Image, pixelsAreThoseOfThePng) {
+  render::TextEngine text;
+  const ui::Scene scene = tile();
+  constexpr std::uint32_t untouched = 0xDEADBEEF;
+  constexpr int width = 20, height = 14, stride = 23;
+  std::vector<std::uint32_t> pixels(stride * height, untouched);
+  for (int y = 0; y < height; ++y) std::fill_n(&pixels[static_cast<std::size_t>(y * stride)], width, 0u);
+  render::drawPixels(scene, text, 2, pixels.data(), stride * sizeof(std::uint32_t));
+  const Pixels png = draw(scene, 2);
+  for (int i = 0; i < stride * height; ++i) {
+    const std::uint32_t pixel = pixels[static_cast<std::size_t>(i)];
+    if (i % stride >= width) {
+      EXPECT_EQ(pixel, untouched);
+      continue;
+    }
+    const auto [r, g, b, alpha] = png.at(i % stride, i / stride);
+    EXPECT_EQ(pixel >> 24, alpha);
+    const double premultiplied[] = {r * alpha / 255.0, g * alpha / 255.0, b * alpha / 255.0};
+    for (int channel = 0; channel < 3; ++channel)
+      EXPECT_NEAR(pixel >> (16 - 8 * channel) & 0xFF, premultiplied[channel], 0.51) << i;
+  }
 }
 
 TEST(Image, vectorFilesHoldOutlinesAndAreTheSameEveryTime) {

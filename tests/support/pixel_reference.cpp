@@ -52,8 +52,9 @@ testing::AssertionResult matchesReference(const std::string& png, const std::str
   if (sameSize && large * pixelsPerLargerDifference <= differences.size()) return testing::AssertionSuccess();
   const fs::path failures = "reference-failures";
   write(failures / (name + ".actual.png"), png);
-  const render::PixelView view{reinterpret_cast<unsigned char*>(differences.data()), actual.width,
-                               actual.height, 4 * actual.width};
-  if (sameSize) write(failures / (name + ".difference.png"), render::encodePng(view, 72));
+  const auto picture = [&] {
+    return render::encodePng(differences.data(), {actual.width, actual.height}, 72);
+  };
+  if (sameSize) write(failures / (name + ".difference.png"), picture());
   return testing::AssertionFailure() << name << " differs from its reference; see " << fs::absolute(failures);
 }
