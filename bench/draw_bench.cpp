@@ -70,8 +70,6 @@ class BareCalls {
               cairo_, step.stroke.lineCap == ui::LineCap::round ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
           cairo_stroke(cairo_);
           break;
-        case Kind::clip: cairo_save(cairo_), cairo_clip(cairo_); break;
-        case Kind::unclip: cairo_restore(cairo_); break;
         case Kind::text:
           cairo_move_to(cairo_, step.at.x, step.at.y);
           pango_cairo_show_layout(cairo_, step.layout);
@@ -81,7 +79,7 @@ class BareCalls {
   }
 
  private:
-  enum class Kind { fill, stroke, clip, unclip, text };
+  enum class Kind { fill, stroke, text };
   struct Step {
     Kind kind;
     ui::Color color;
@@ -111,8 +109,6 @@ class BareCalls {
 
   void prepare(const ui::FillPath& i) { steps_.push_back({Kind::fill, i.color, copy(i.path)}); }
   void prepare(const ui::StrokePath& i) { steps_.push_back({Kind::stroke, i.color, copy(i.path), i.style}); }
-  void prepare(const ui::BeginClip& i) { steps_.push_back({Kind::clip, {}, copy(i.path)}); }
-  void prepare(const ui::EndClip&) { steps_.push_back({Kind::unclip, {}}); }
   void prepare(const ui::TextRun& i) {
     PangoLayout* layout = pango_layout_new(context_);
     PangoFontDescription* face = pango_font_description_new();

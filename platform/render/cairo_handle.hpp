@@ -3,10 +3,35 @@
 #include <cairo.h>
 
 #include "render/handle.hpp"
+#include "ui/color.hpp"
 
 namespace render {
 
 using Surface = Handle<cairo_surface_t, cairo_surface_destroy>;
 using Context = Handle<cairo_t, cairo_destroy>;
+
+/// Each component as ui::byteOf() rounds it: Cairo itself cuts what lies between two of the 256 steps.
+inline void setColor(cairo_t* cairo, const ui::Color& color) {
+  const auto step = [](double component) { return ui::byteOf(component) / 255.0; };
+  cairo_set_source_rgba(cairo, step(color.red), step(color.green), step(color.blue), step(color.alpha));
+}
+
+/// Whether `cairo` draws into a vector file.
+inline bool isVector(cairo_t* cairo) {
+  const cairo_surface_type_t type = cairo_surface_get_type(cairo_get_group_target(cairo));
+  return type == CAIRO_SURFACE_TYPE_PDF || type == CAIRO_SURFACE_TYPE_SVG ||
+         type == CAIRO_SURFACE_TYPE_RECORDING;
+}
+
+/// From user space to pixels.
+inline cairo_matrix_t pixelMatrix(cairo_t* cairo) {
+  cairo_matrix_t pixels, deviceScale;
+  double scaleX, scaleY;
+  cairo_surface_get_device_scale(cairo_get_group_target(cairo), &scaleX, &scaleY);
+  cairo_matrix_init_scale(&deviceScale, scaleX, scaleY);
+  cairo_get_matrix(cairo, &pixels);
+  cairo_matrix_multiply(&pixels, &pixels, &deviceScale);
+  return pixels;
+}
 
 }  // namespace render

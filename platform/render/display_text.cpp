@@ -12,6 +12,9 @@ bool breaksLine(gunichar c) { return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c 
 /// What Pango would draw as a box, skip, or take for a tab stop that a label does not have.
 bool isControl(gunichar c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
 
+/// U+FDD0 to U+FDEF, and the last two of every plane. Cairo refuses to write a PDF with one.
+bool isNoncharacter(gunichar c) { return (c >= 0xFDD0 && c <= 0xFDEF) || (c & 0xFFFE) == 0xFFFE; }
+
 }  // namespace
 
 DisplayText displayText(std::string_view text, bool singleLine) {
@@ -28,7 +31,7 @@ DisplayText displayText(std::string_view text, bool singleLine) {
     const bool valid = c < 0x110000;
     if (!valid && tooLong && text.size() < 4) break;  // a character that the cut went through
     const std::size_t length = valid ? static_cast<std::size_t>(g_unichar_to_utf8(c, nullptr)) : 1;
-    if (!valid)
+    if (!valid || isNoncharacter(c))
       result += "\uFFFD";
     else if (breaksLine(c))
       result += breakMark;

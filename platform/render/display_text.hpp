@@ -20,9 +20,9 @@ struct DisplayText {
   bool cut = false;  ///< it was too long
 };
 
-/// `text` as it is handed to Pango: valid UTF-8 of bounded length, with U+FFFD for every byte that is none, a
-/// blank for every control character, and every way to write a line break as `lineBreak`, or as a blank when
-/// `singleLine`.
+/// `text` as it is handed to Pango: valid UTF-8 of bounded length, with U+FFFD for every byte that is none
+/// and every noncharacter, a blank for every control character, and every way to write a line break as
+/// `lineBreak`, or as a blank when `singleLine`.
 DisplayText displayText(std::string_view text, bool singleLine);
 
 }  // namespace render

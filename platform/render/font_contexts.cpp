@@ -3,6 +3,10 @@
 #include <pango/pangocairo.h>
 #include <pango/pangofc-fontmap.h>
 
+#include <cstdlib>
+
+#include "render/font_face.hpp"
+
 namespace render {
 namespace {
 
@@ -66,12 +70,19 @@ ObjectHandle<PangoContext> makeContext(const FontMap& fontMap) {
 }  // namespace
 
 FontContexts::FontContexts() {
+  if (std::getenv("FONTCONFIG_FILE") || std::getenv("FONTCONFIG_PATH")) return;
   if (const Config config = roundedFaceOnly()) rounded_ = makeContext(makeFontMap(config.get()));
 }
 
 PangoContext* FontContexts::all() {
   if (!all_) all_ = makeContext(makeFontMap());
   return all_.get();
+}
+
+bool FontContexts::hasRounded() {
+  if (!hasRounded_)
+    hasRounded_ = rounded_ || pango_font_map_get_family(pango_context_get_font_map(all()), roundedFamily);
+  return *hasRounded_;
 }
 
 }  // namespace render

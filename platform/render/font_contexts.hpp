@@ -2,6 +2,8 @@
 
 #include <pango/pango.h>
 
+#include <optional>
+
 #include "render/handle.hpp"
 
 namespace render {
@@ -16,15 +18,20 @@ class FontContexts {
  public:
   FontContexts();
 
-  /// Knows the rounded face and no other. Null where that is not installed as Debian does it.
+  /// Knows the rounded face and no other. Null where that is not installed as Debian does it, or where the
+  /// environment names a font configuration, which then decides alone.
   PangoContext* rounded() const { return rounded_.get(); }
 
   /// Knows every face; set up when it is first asked for.
   PangoContext* all();
 
+  /// Whether the rounded face is installed, in whatever place.
+  bool hasRounded();
+
  private:
   ObjectHandle<PangoContext> rounded_;
   ObjectHandle<PangoContext> all_;
+  std::optional<bool> hasRounded_;
 };
 
 }  // namespace render

@@ -1,7 +1,8 @@
 #include "render/font_face.hpp"
 
+#include <hb.h>
+
 #include <array>
-#include <string>
 
 namespace render {
 namespace {
@@ -22,10 +23,10 @@ constexpr Faces standardFaces{{{"sans-serif", PANGO_WEIGHT_NORMAL},
 /// Quicksand as Debian packages it keeps its medium weight in a family of its own: asked for the medium
 /// weight of "Quicksand", fontconfig hands out regular. There is no semibold; text of that weight is set in
 /// bold, since beside regular text, medium does not read as emphasised.
-constexpr Faces roundedFaces{{{"Quicksand", PANGO_WEIGHT_NORMAL},
+constexpr Faces roundedFaces{{{roundedFamily, PANGO_WEIGHT_NORMAL},
                               {"Quicksand Medium", PANGO_WEIGHT_MEDIUM},
-                              {"Quicksand", PANGO_WEIGHT_BOLD},
-                              {"Quicksand", PANGO_WEIGHT_BOLD}}};
+                              {roundedFamily, PANGO_WEIGHT_BOLD},
+                              {roundedFamily, PANGO_WEIGHT_BOLD}}};
 
 }  // namespace
 
@@ -39,18 +40,35 @@ FontDescription fontFace(const ui::Font& font) {
   return description;
 }
 
-FontDescription fontFaceWithFallback(const ui::Font& font) {
+FontDescription fontFaceAmongAll(const ui::Font& font, bool hasRounded) {
   FontDescription description = fontFace(font);
-  // For Arabic, fontconfig prefers a face that is heavier and wider than ours.
-  const std::string families =
-      std::string(pango_font_description_get_family(description.get())) + ",Noto Sans Arabic";
-  pango_font_description_set_family(description.get(), families.c_str());
+  if (!hasRounded) pango_font_description_set_family_static(description.get(), "sans-serif");
   // From a request for bold on, fontconfig smears a face that has no bold (Japanese) into one, and at 11
   // points that closes the gaps between strokes. For semibold it hands out the same bold faces where there
   // are any.
   if (pango_font_description_get_weight(description.get()) == PANGO_WEIGHT_BOLD)
     pango_font_description_set_weight(description.get(), PANGO_WEIGHT_SEMIBOLD);
   return description;
+}
+
+const char* familiesOfScript(GUnicodeScript script) {
+  switch (script) {
+    case G_UNICODE_SCRIPT_LATIN:
+    case G_UNICODE_SCRIPT_COMMON:
+    case G_UNICODE_SCRIPT_INHERITED:
+    case G_UNICODE_SCRIPT_UNKNOWN: return nullptr;
+    // Left alone, fontconfig prefers a face that is heavier and wider than ours.
+    case G_UNICODE_SCRIPT_ARABIC: return "Noto Sans Arabic,sans-serif";
+    default: return "sans-serif";
+  }
+}
+
+LineExtent lineExtent(const ui::Font& font, PangoContext* context, const FontDescription& face) {
+  if (font.fontDesign == ui::FontDesign::rounded) return {shapingSize, shapingSize / 4};
+  const Handle<PangoFont, g_object_unref> loaded(pango_context_load_font(context, face.get()));
+  hb_font_extents_t extents{};
+  if (loaded) hb_font_get_h_extents(pango_font_get_hb_font(loaded.get()), &extents);
+  return {pango_units_to_double(extents.ascender), -pango_units_to_double(extents.descender)};
 }
 
 }  // namespace render

@@ -14,10 +14,27 @@ using FontDescription = Handle<PangoFontDescription, pango_font_description_free
 /// fonts.
 inline constexpr double shapingSize = 32;
 
+/// The family of the rounded design.
+inline constexpr const char* roundedFamily = "Quicksand";
+
 /// The face that `font` is set in, at the shaping size.
 FontDescription fontFace(const ui::Font& font);
 
-/// The same, with a say in which faces stand in for it. Costs Pango another search.
-FontDescription fontFaceWithFallback(const ui::Font& font);
+/// The same for a text that needs other faces too, or where the rounded face is missing (`hasRounded` is
+/// false) and a plain one stands in for it.
+FontDescription fontFaceAmongAll(const ui::Font& font, bool hasRounded);
+
+/// The families that a run in `script` is set in, or null where that is the font's own.
+const char* familiesOfScript(GUnicodeScript script);
+
+/// What a line takes up above and below its baseline, in points at the shaping size.
+struct LineExtent {
+  double ascent = 0;
+  double descent = 0;
+};
+
+/// `face` is that of `font` in `context`. In the rounded design, lines are as high as the rounded face makes
+/// them also where it is missing, so that a layout stays as it is.
+LineExtent lineExtent(const ui::Font& font, PangoContext* context, const FontDescription& face);
 
 }  // namespace render

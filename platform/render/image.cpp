@@ -3,6 +3,7 @@
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 #include <cairo.h>
+#include <glib.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "render/cairo_handle.hpp"
+#include "render/display_text.hpp"
 #include "render/painter.hpp"
 #include "render/png.hpp"
 
@@ -93,16 +95,42 @@ std::string withOwnSurfaceNames(const std::string& svg) {
   return result.append(svg, copied);
 }
 
-std::string svg(const ui::Scene& scene, TextEngine& text, double scale) {
-  return withOwnSurfaceNames(vectorFile(
-      scene, text, scale, cairo_svg_surface_create_for_stream,
-      [](cairo_surface_t* surface) { cairo_svg_surface_set_document_unit(surface, CAIRO_SVG_UNIT_USER); }));
+/// What a screen reader says about the image as a whole.
+struct Words {
+  std::string title;
+  std::string description;
+
+  Words(const ui::Scene& scene, std::string_view imageTitle) : title(displayText(imageTitle, true).text) {
+    std::string labels;
+    for (const ui::AccessibilityElement& element : scene.accessibility)
+      labels += (labels.empty() ? "" : ", ") + element.label;
+    description = displayText(labels, true).text;
+  }
+};
+
+std::string xmlElement(const std::string& name, const std::string& text) {
+  if (text.empty()) return {};
+  const Handle<char, g_free> escaped(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
+  return "<" + name + ">" + escaped.get() + "</" + name + ">\n";
 }
 
-std::string pdf(const ui::Scene& scene, TextEngine& text, double scale) {
-  return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [](cairo_surface_t* surface) {
+std::string svg(const ui::Scene& scene, TextEngine& text, double scale, const Words& words) {
+  const auto prepare = [](cairo_surface_t* surface) {
+    cairo_svg_surface_set_document_unit(surface, CAIRO_SVG_UNIT_USER);
+  };
+  std::string file =
+      withOwnSurfaceNames(vectorFile(scene, text, scale, cairo_svg_surface_create_for_stream, prepare));
+  const std::size_t endOfTag = file.find('>', file.find("<svg "));
+  const std::string elements = xmlElement("title", words.title) + xmlElement("desc", words.description);
+  return file.replace(endOfTag, 2, " role=\"img\">\n" + elements);
+}
+
+std::string pdf(const ui::Scene& scene, TextEngine& text, double scale, const Words& words) {
+  return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [&](cairo_surface_t* surface) {
     // Otherwise the time of drawing.
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
+    cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, words.title.c_str());
+    cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_SUBJECT, words.description.c_str());
   });
 }
 
@@ -122,11 +150,12 @@ void drawPixels(const ui::Scene& scene, TextEngine& text, double scale, std::uin
   cairo_surface_flush(surface.get());
 }
 
-std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale) {
+std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale,
+                        std::string_view title) {
   switch (format) {
     case ImageFormat::png: return png(scene, text, scale);
-    case ImageFormat::svg: return svg(scene, text, scale);
-    case ImageFormat::pdf: return pdf(scene, text, scale);
+    case ImageFormat::svg: return svg(scene, text, scale, Words(scene, title));
+    case ImageFormat::pdf: return pdf(scene, text, scale, Words(scene, title));
   }
   throw std::logic_error("unknown image format");
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "render/text_engine.hpp"
 #include "ui/scene.hpp"
@@ -40,8 +41,10 @@ void drawPixels(const ui::Scene& scene, TextEngine& text, double scale, std::uin
                 std::size_t strideBytes);
 
 /// The bytes of an image file that shows `scene` on a transparent ground. A PNG shows what drawPixels()
-/// draws; a point is `scale` user units of an SVG and `scale` points of a PDF. The same scene gives the same
-/// bytes. Throws ImageError.
-std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale);
+/// draws; a point is `scale` user units of an SVG and `scale` points of a PDF. In those, screen readers find
+/// `title` and, as the description, what the scene announces. The same scene gives the same bytes. Throws
+/// ImageError, and std::bad_alloc when memory runs out.
+std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale,
+                        std::string_view title = {});
 
 }  // namespace render

@@ -1,6 +1,8 @@
 #include "render/painter.hpp"
 
-#include <cairo.h>
+#include <cmath>
+
+#include "render/cairo_handle.hpp"
 
 namespace render {
 namespace {
@@ -25,8 +27,17 @@ void setPath(cairo_t* cairo, const ui::Path& path) {
   for (const auto& element : path.elements) std::visit(PathBuilder{cairo}, element);
 }
 
-void setColor(cairo_t* cairo, const ui::Color& color) {
-  cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+/// Moves user space by half a pixel at most so that `anchor` stands on a corner of a pixel.
+void snap(cairo_t* cairo, const ui::Point& anchor) {
+  cairo_matrix_t pixels = pixelMatrix(cairo);
+  double x = anchor.x;
+  double y = anchor.y;
+  cairo_matrix_transform_point(&pixels, &x, &y);
+  double right = std::floor(x + 0.5) - x;
+  double down = std::floor(y + 0.5) - y;
+  if (cairo_matrix_invert(&pixels) != CAIRO_STATUS_SUCCESS) return;
+  cairo_matrix_transform_distance(&pixels, &right, &down);
+  cairo_translate(cairo, right, down);
 }
 
 struct ItemPainter {
@@ -34,9 +45,13 @@ struct ItemPainter {
   cairo_t* cairo;
 
   void operator()(const ui::FillPath& item) const {
+    cairo_matrix_t place;
+    cairo_get_matrix(cairo, &place);
+    if (item.anchor && !isVector(cairo)) snap(cairo, *item.anchor);
     setPath(cairo, item.path);
     setColor(cairo, item.color);
     cairo_fill(cairo);
+    cairo_set_matrix(cairo, &place);
   }
 
   void operator()(const ui::StrokePath& item) const {
@@ -49,14 +64,6 @@ struct ItemPainter {
   }
 
   void operator()(const ui::TextRun& item) const { text.draw(item, cairo); }
-
-  void operator()(const ui::BeginClip& item) const {
-    cairo_save(cairo);
-    setPath(cairo, item.path);
-    cairo_clip(cairo);
-  }
-
-  void operator()(const ui::EndClip&) const { cairo_restore(cairo); }
 };
 
 }  // namespace

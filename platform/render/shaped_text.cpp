@@ -1,7 +1,5 @@
 #include "render/shaped_text.hpp"
 
-#include <hb.h>
-
 #include <algorithm>
 
 namespace render {
@@ -18,18 +16,50 @@ std::size_t breakAfter(std::string_view text, const PangoLayoutLine* lastLine) {
   return position + lineBreak.size() < text.size() ? position : std::string_view::npos;
 }
 
+void insert(PangoAttrList* attributes, PangoAttribute* attribute, std::size_t start, std::size_t end) {
+  attribute->start_index = static_cast<guint>(start);
+  attribute->end_index = static_cast<guint>(end);
+  pango_attr_list_insert(attributes, attribute);
+}
+
 /// Pango sets a blank in the face of what stands before it. Between Japanese and Latin words, that makes the
 /// blank before a word twice as wide as the one behind it; so there, blanks are set in the font's own face.
-AttributeList ownBlanks(std::string_view text) {
-  AttributeList attributes(pango_attr_list_new());
+void addOwnBlanks(PangoAttrList* attributes, std::string_view text) {
   for (auto at = text.find(' ', 1); at < text.size() - 1; at = text.find(' ', at + 1)) {
     const bool betweenScripts = (text[at - 1] & 0x80) != 0 && g_ascii_isalnum(text[at + 1]);
     if (!betweenScripts) continue;
-    PangoAttribute* ownFace = pango_attr_fallback_new(FALSE);
-    ownFace->start_index = static_cast<guint>(at);
-    ownFace->end_index = static_cast<guint>(at + 1);
-    pango_attr_list_insert(attributes.get(), ownFace);
+    insert(attributes, pango_attr_fallback_new(FALSE), at, at + 1);
   }
+}
+
+/// The rounded face is a Latin one that also has a few letters of other scripts (Greek π). A run in another
+/// script gets a face that has all of it, with the
+/// signs in it that belong to no script. Digits and ASCII signs keep the font's own face.
+void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
+  std::size_t start = 0;
+  GUnicodeScript runScript = G_UNICODE_SCRIPT_LATIN;
+  const auto endRun = [&](std::size_t end) {
+    if (const char* families = familiesOfScript(runScript))
+      insert(attributes, pango_attr_family_new(families), start, end);
+  };
+  for (std::size_t at = 0; at < text.size(); at += g_utf8_skip[static_cast<unsigned char>(text[at])]) {
+    const GUnicodeScript script = g_unichar_get_script(g_utf8_get_char(text.data() + at));
+    const bool ofNoScript =
+        script == G_UNICODE_SCRIPT_INHERITED || (script == G_UNICODE_SCRIPT_COMMON && (text[at] & 0x80));
+    if (script == runScript || ofNoScript) continue;
+    endRun(at);
+    start = at;
+    runScript = script;
+  }
+  endRun(text.size());
+}
+
+AttributeList attributesOf(std::string_view text) {
+  AttributeList attributes(pango_attr_list_new());
+  // A text is shown as it stands, also where it is broken in the middle of a word.
+  pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
+  addOwnBlanks(attributes.get(), text);
+  addFacesOfScripts(attributes.get(), text);
   return attributes;
 }
 
@@ -44,8 +74,8 @@ int width(const PangoLayoutLine* line) {
 
 }  // namespace
 
-ShapedText::ShapedText(PangoContext* context, const FontDescription& face, const DisplayText& text, int width,
-                       int maxLines)
+ShapedText::ShapedText(PangoContext* context, const FontDescription& face, const LineExtent& extent,
+                       const DisplayText& text, int width, int maxLines)
     : layout_(pango_layout_new(context)) {
   pango_layout_set_font_description(layout_.get(), face.get());
   pango_layout_set_wrap(layout_.get(), PANGO_WRAP_WORD_CHAR);
@@ -54,16 +84,12 @@ ShapedText::ShapedText(PangoContext* context, const FontDescription& face, const
   if (width != unlimited) pango_layout_set_width(layout_.get(), width);
 
   setText(text.text);
-  pango_layout_set_attributes(layout_.get(), ownBlanks(text.text).get());
+  pango_layout_set_attributes(layout_.get(), attributesOf(text.text).get());
   const bool cut = cutBetweenLines(text.text, maxLines);
   metrics_.truncated = cut || text.cut || pango_layout_is_ellipsized(layout_.get());
 
-  const ObjectHandle<PangoFont> primary(pango_context_load_font(context, face.get()));
-  hb_font_extents_t extents{};
-  if (primary) hb_font_get_h_extents(pango_font_get_hb_font(primary.get()), &extents);
-  metrics_.baseline = points(extents.ascender);
-  lineHeight_ = points(extents.ascender - extents.descender);
-
+  metrics_.baseline = extent.ascent;
+  lineHeight_ = extent.ascent + extent.descent;
   placeLines();
   const bool asWideAsItGets =
       !pango_layout_is_wrapped(layout_.get()) && !pango_layout_is_ellipsized(layout_.get());

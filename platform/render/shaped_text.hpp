@@ -22,12 +22,12 @@ inline constexpr int unlimited = std::numeric_limits<int>::max();
 ///
 /// Lines are as high as the font's own face makes them, whatever faces stand in for characters that it lacks,
 /// so that what surrounds a text stays put when the text changes its script. A script that reaches higher or
-/// deeper than that is drawn beyond the line, not clipped.
+/// deeper than that is drawn beyond the line, up to what drawText() allows.
 class ShapedText {
  public:
   /// At most `maxLines` lines of `text` in `face`, no wider than `width` units where that is possible.
-  ShapedText(PangoContext* context, const FontDescription& face, const DisplayText& text, int width,
-             int maxLines);
+  ShapedText(PangoContext* context, const FontDescription& face, const LineExtent& extent,
+             const DisplayText& text, int width, int maxLines);
 
   /// The width is that of the widest line, even where that is more than the one asked for.
   const ui::TextMetrics& metrics() const { return metrics_; }

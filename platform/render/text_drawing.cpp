@@ -16,16 +16,6 @@ constexpr double largestStamp = 4e6;
 
 constexpr std::size_t keptStamps = 4;
 
-bool isVector(cairo_surface_t* surface) {
-  switch (cairo_surface_get_type(surface)) {
-    case CAIRO_SURFACE_TYPE_PDF:
-    case CAIRO_SURFACE_TYPE_PS:
-    case CAIRO_SURFACE_TYPE_SVG:
-    case CAIRO_SURFACE_TYPE_RECORDING: return true;
-    default: return false;
-  }
-}
-
 /// Whether the glyphs of `run` are pictures, coloured or not.
 bool hasPictures(const PangoGlyphItem* run) {
   PangoFont* font = run->item->analysis.font;
@@ -67,17 +57,29 @@ void addOutlines(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& p
 
 /// Cairo draws coloured glyphs without regard to the source's opacity.
 void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
+  const Handle<cairo_pattern_t, cairo_pattern_destroy> source(
+      cairo_pattern_reference(cairo_get_source(cairo)));
   double opacity = 1;
-  cairo_pattern_get_rgba(cairo_get_source(cairo), nullptr, nullptr, nullptr, &opacity);
+  cairo_pattern_get_rgba(source.get(), nullptr, nullptr, nullptr, &opacity);
   if (opacity < 1) cairo_push_group(cairo);
   pango_cairo_show_glyph_item(cairo, pango_layout_get_text(line.glyphs->layout), run);
   if (opacity < 1) {
-    cairo_pattern_t* source = cairo_pattern_reference(cairo_get_source(cairo));
     cairo_pop_group_to_source(cairo);
     cairo_paint_with_alpha(cairo, opacity);
-    cairo_set_source(cairo, source);
-    cairo_pattern_destroy(source);
+    cairo_set_source(cairo, source.get());
   }
+}
+
+/// Clips to the lines of `text` and a quarter of a line around them: enough for every script, and stacks of
+/// combining marks do not run over other texts.
+void clipToLines(const ShapedText& text, cairo_t* cairo) {
+  const double around = text.lineHeight() / 4;
+  const ui::TextMetrics& metrics = text.metrics();
+  // Sideways, letters may lean out of their line.
+  const double side = text.lineHeight();
+  cairo_rectangle(cairo, -side, -metrics.baseline - around, metrics.size.width + 2 * side,
+                  metrics.size.height + 2 * around);
+  cairo_clip(cairo);
 }
 
 void drawPictures(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& pixels) {
@@ -87,10 +89,37 @@ void drawPictures(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& 
   cairo_new_path(cairo);
 }
 
+/// As one image for the whole run. Shown as glyphs, each would be an image, and Cairo 1.16 lists an image in
+/// a PDF's resources once per use: a file with one emoji twice would be malformed.
+void showPicturesAsImage(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
+  PangoRectangle ink;
+  pango_glyph_string_extents(run->glyphs, run->item->analysis.font, &ink, nullptr);
+  pango_extents_to_pixels(&ink, nullptr);
+  if (ink.width <= 0 || ink.height <= 0) return;
+  // At the shaping size, about what the bitmaps of emoji faces hold.
+  const double resolution = std::min(4.0, 16384.0 / ink.width);
+  const Surface image(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
+                                                 static_cast<int>(std::ceil(ink.width * resolution)),
+                                                 static_cast<int>(std::ceil(ink.height * resolution))));
+  cairo_surface_set_device_scale(image.get(), resolution, resolution);
+  cairo_surface_set_device_offset(image.get(), -ink.x * resolution, -ink.y * resolution);
+  const Context glyphs(cairo_create(image.get()));
+  cairo_set_source(glyphs.get(), cairo_get_source(cairo));
+  cairo_move_to(glyphs.get(), 0, 0);
+  showPictures(line, run, glyphs.get());
+  double x, y;
+  cairo_get_current_point(cairo, &x, &y);
+  cairo_save(cairo);
+  cairo_set_source_surface(cairo, image.get(), x, y);
+  cairo_paint(cairo);
+  cairo_restore(cairo);
+}
+
 void drawAsVector(const ShapedText& text, cairo_t* cairo) {
+  clipToLines(text, cairo);
   visitRuns(text, cairo, nullptr, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
     if (hasPictures(run))
-      showPictures(line, run, cairo);
+      showPicturesAsImage(line, run, cairo);
     else
       pango_cairo_show_glyph_item(cairo, pango_layout_get_text(line.glyphs->layout), run);
   });
@@ -103,14 +132,17 @@ std::optional<TextStamp> makeStamp(const ShapedText& text, const cairo_matrix_t&
   const Surface sheet(cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr));
   const Context outlines(cairo_create(sheet.get()));
   cairo_set_matrix(outlines.get(), &matrix);
+  clipToLines(text, outlines.get());
   addOutlines(text, outlines.get(), matrix);
   cairo_identity_matrix(outlines.get());
   double left, top, right, bottom;
   cairo_path_extents(outlines.get(), &left, &top, &right, &bottom);
-  left = std::floor(left);
-  top = std::floor(top);
-  const double width = std::ceil(right) - left;
-  const double height = std::ceil(bottom) - top;
+  double clipLeft, clipTop, clipRight, clipBottom;
+  cairo_clip_extents(outlines.get(), &clipLeft, &clipTop, &clipRight, &clipBottom);
+  left = std::floor(std::max(left, clipLeft));
+  top = std::floor(std::max(top, clipTop));
+  const double width = std::ceil(std::min(right, clipRight)) - left;
+  const double height = std::ceil(std::min(bottom, clipBottom)) - top;
   if (width * height > largestStamp) return std::nullopt;
 
   TextStamp stamp{
@@ -143,12 +175,8 @@ const TextStamp* findStamp(TextStamps& stamps, const ShapedText& text, const cai
 
 /// User space to pixels, moved by less than a pixel: up or down to set the text upon whole pixels, and
 /// sideways by a sixteenth at most, so that rounding errors do not ask for a new stamp.
-cairo_matrix_t snappedPixels(cairo_t* cairo, double scaleX, double scaleY) {
-  cairo_matrix_t pixels;
-  cairo_get_matrix(cairo, &pixels);
-  cairo_matrix_t scale;
-  cairo_matrix_init_scale(&scale, scaleX, scaleY);
-  cairo_matrix_multiply(&pixels, &pixels, &scale);
+cairo_matrix_t snappedPixels(cairo_t* cairo) {
+  cairo_matrix_t pixels = pixelMatrix(cairo);
   if (isUpright(pixels)) {
     pixels.x0 = std::round(pixels.x0 * 8) / 8;
     pixels.y0 = std::round(pixels.y0);
@@ -159,7 +187,7 @@ cairo_matrix_t snappedPixels(cairo_t* cairo, double scaleX, double scaleY) {
 void drawOnPixels(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
   double scaleX, scaleY;
   cairo_surface_get_device_scale(cairo_get_group_target(cairo), &scaleX, &scaleY);
-  const cairo_matrix_t pixels = snappedPixels(cairo, scaleX, scaleY);
+  const cairo_matrix_t pixels = snappedPixels(cairo);
   cairo_matrix_t fraction = pixels;
   fraction.x0 -= std::floor(pixels.x0);
   fraction.y0 -= std::floor(pixels.y0);
@@ -173,6 +201,7 @@ void drawOnPixels(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
                        std::floor(pixels.y0) + stamp->top);
   cairo_transform(cairo, &pixels);
   if (!stamp) {
+    clipToLines(text, cairo);
     addOutlines(text, cairo, pixels);
     cairo_fill(cairo);
   }
@@ -184,7 +213,7 @@ void drawOnPixels(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
 void drawText(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
   cairo_save(cairo);
   cairo_new_path(cairo);
-  if (isVector(cairo_get_group_target(cairo)))
+  if (isVector(cairo))
     drawAsVector(text, cairo);
   else
     drawOnPixels(text, stamps, cairo);

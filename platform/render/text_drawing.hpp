@@ -27,6 +27,8 @@ using TextStamps = std::vector<TextStamp>;
 /// There, text is filled as outlines: Cairo's glyphs stand on whole pixels only, and at 11 or 12 points their
 /// spacing would jump from letter to letter. Outlines are slow to fill, hence the stamps. Vector surfaces get
 /// text as glyphs, and so does every surface where the glyphs are pictures (emoji).
+///
+/// What reaches higher or deeper than the lines and a quarter of a line more is cut off.
 void drawText(const ShapedText& text, TextStamps& stamps, cairo_t* cairo);
 
 }  // namespace render

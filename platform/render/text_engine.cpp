@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "render/cairo_handle.hpp"
 #include "render/display_text.hpp"
 #include "render/font_contexts.hpp"
 #include "render/font_face.hpp"
@@ -91,16 +92,21 @@ class TextEngine::Impl {
     const DisplayText shown = displayText(text, maxLines == 1);
     PangoContext* rounded = font.fontDesign == ui::FontDesign::rounded ? contexts_->rounded() : nullptr;
     if (rounded && isLatin(shown.text)) {
-      ShapedText shaped(rounded, fontFace(font), shown, width, maxLines);
+      const FontDescription face = fontFace(font);
+      ShapedText shaped(rounded, face, lineExtent(font, rounded, face), shown, width, maxLines);
       if (!shaped.lacksGlyphs()) return shaped;
     }
-    return {contexts_->all(), fontFaceWithFallback(font), shown, width, maxLines};
+    PangoContext* all = contexts_->all();
+    const FontDescription face = fontFaceAmongAll(font, contexts_->hasRounded());
+    return {all, face, lineExtent(font, all, face), shown, width, maxLines};
   }
 
   std::optional<FontContexts> contexts_;  ///< set up for the first text: there are scenes without any
   std::vector<Kept> kept_;
   unsigned long uses_ = 0;
 };
+
+bool hasRoundedFace() { return FontContexts{}.hasRounded(); }
 
 TextEngine::TextEngine() : impl_(std::make_unique<Impl>()) {}
 
@@ -125,7 +131,7 @@ void TextEngine::draw(const ui::TextRun& run, cairo_t* cairo) {
   cairo_rotate(cairo, run.rotation.radians);
   cairo_translate(cairo, kept.shaped.rightToLeft() ? slack : 0, run.baseline);
   cairo_scale(cairo, scale, scale);
-  cairo_set_source_rgba(cairo, run.color.red, run.color.green, run.color.blue, run.color.alpha);
+  setColor(cairo, run.color);
   drawText(kept.shaped, kept.stamps, cairo);
   cairo_restore(cairo);
 }

@@ -9,6 +9,10 @@ typedef struct _cairo cairo_t;  // NOLINT(bugprone-reserved-identifier): Cairo's
 
 namespace render {
 
+/// Whether the face of the rounded design, Quicksand, is installed. Without it, texts are set in the plain
+/// sans-serif face of the machine, in lines of the same height.
+bool hasRoundedFace();
+
 /// Measures and draws text with Pango: shaping, bidirectional order and fallback faces for every script. The
 /// rounded design is set in Quicksand. What it measures is what it draws, at every scale: metrics are not
 /// hinted. Keeps the layouts that it made last, so that drawing what was just measured, or drawing it again,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 namespace ui {
 
 enum class RGBColorSpace { sRGB };
@@ -21,6 +23,11 @@ struct Color {
 
   friend bool operator==(const Color&, const Color&) = default;
 };
+
+/// A component as one of 256 steps, half rounded up: what is drawn, and what inspection prints.
+constexpr int byteOf(double component) {
+  return component > 0 ? static_cast<int>(std::min(component, 1.0) * 255 + 0.5) : 0;
+}
 
 inline constexpr Color white = Color::sRGB(1, 1, 1);
 inline constexpr Color black = Color::sRGB(0, 0, 0);

@@ -15,13 +15,12 @@ Scene layout(const View& view, const ContainerShape& container, TextMeasurer& me
   placeAligned(view, {}, {room.size.width, room.size.height}, room, center, pass, placed);
 
   Scene scene{.size = whole.size, .items = {}, .accessibility = std::move(placed.accessibility)};
-  scene.items.reserve(placed.items.size() + 3);
-  scene.items.emplace_back(BeginClip{Path::roundedRect(whole, length(container.cornerRadius))});
+  scene.items.reserve(placed.items.size() + 1);
   if (placed.containerBackground)
-    scene.items.emplace_back(FillPath{Path::rect(whole), *placed.containerBackground});
+    scene.items.emplace_back(
+        FillPath{Path::roundedRect(whole, length(container.cornerRadius)), *placed.containerBackground});
   scene.items.insert(scene.items.end(), std::make_move_iterator(placed.items.begin()),
                      std::make_move_iterator(placed.items.end()));
-  scene.items.emplace_back(EndClip{});
   return scene;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -15,6 +16,9 @@ namespace ui {
 struct FillPath {
   Path path;
   Color color;
+  /// Drawn on pixels, the outline moves by half a pixel at most so that this point stands between four of
+  /// them: the edges of a small sign stay crisp.
+  std::optional<Point> anchor{};
 
   friend bool operator==(const FillPath&, const FillPath&) = default;
 };
@@ -42,18 +46,7 @@ struct TextRun {
   friend bool operator==(const TextRun&, const TextRun&) = default;
 };
 
-/// What follows, up to the matching EndClip, shows only inside `path`.
-struct BeginClip {
-  Path path;
-
-  friend bool operator==(const BeginClip&, const BeginClip&) = default;
-};
-
-struct EndClip {
-  friend bool operator==(const EndClip&, const EndClip&) = default;
-};
-
-using SceneItem = std::variant<FillPath, StrokePath, TextRun, BeginClip, EndClip>;
+using SceneItem = std::variant<FillPath, StrokePath, TextRun>;
 
 /// One thing that a screen reader stops at.
 struct AccessibilityElement {

@@ -3,6 +3,7 @@
 #include "common/output.hpp"
 #include "render/image.hpp"
 #include "tarno-widget/commands.hpp"
+#include "tarno-widget/localization.hpp"
 #include "tarno-widget/tile.hpp"
 
 namespace extension {
@@ -25,7 +26,8 @@ int render(const widgetkit::WidgetConfiguration& widget, const RenderOptions& op
   render::TextEngine text;
   std::string bytes;
   try {
-    bytes = encodeImage(tileScene(entry, options.family, text), text, format, options.scale);
+    bytes = encodeImage(tileScene(entry, options.family, text), text, format, options.scale,
+                        localized(widget.displayName));
   } catch (const render::ImageError& error) {
     throw program::Failure{EX_USAGE, error.what()};
   }

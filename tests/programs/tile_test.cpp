@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <fstream>
+
 #include "render/image.hpp"
 #include "support/fake_measurer.hpp"
 #include "support/pixel_reference.hpp"
 #include "tarno-widget/extension.hpp"
+#include "ui/symbols/symbol.hpp"
 #include "widget/views/widget_view.hpp"
 
 namespace {
@@ -88,6 +92,46 @@ TEST(Tile, LooksAsItDid) {
     const auto scene = extension::tileScene(entryOf(c.status, c.age), c.family, text);
     EXPECT_TRUE(matchesReference(encodeImage(scene, text, render::ImageFormat::png, c.scale), c.name));
   }
+}
+
+TEST(Tile, SymbolsLookAsTheyDid) {
+  ui::Scene sheet{.size = {350, 140}, .items = {}, .accessibility = {}};
+  for (const ui::Symbol& symbol : ui::allSymbols()) {
+    const std::size_t cell = sheet.items.size();
+    const ui::Point corner{static_cast<double>(cell % 5) * 70 + 3, static_cast<double>(cell / 5) * 70 + 3};
+    sheet.items.emplace_back(ui::FillPath{symbol.outline.placed(48, corner), ui::black});
+  }
+  render::TextEngine text;
+  EXPECT_TRUE(matchesReference(encodeImage(sheet, text, render::ImageFormat::png, 1), "symbols"));
+}
+
+/// Draws a tile in a process whose fontconfig does not know the rounded face; 0 when it looks as it did.
+int drawWithoutRoundedFace() {
+  const auto configuration = testing::TempDir() + "without_rounded_face.conf";
+  std::ofstream(configuration)
+      << R"(<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>
+      <glob>*/quicksand/*</glob></rejectfont></selectfont></fontconfig>)";
+  setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
+  if (render::hasRoundedFace()) return 1;
+  const foundation::ClockOverride clock{now};
+  render::TextEngine text;
+  const auto scene =
+      extension::tileScene(entryOf(TarnoMacStatusSnapshot{.deviceName = "Kivo's حاسوب",
+                                                          .status = TarnoMacStatus::locking,
+                                                          .reason = "A text of more than one line, and π.",
+                                                          .facePresent = true},
+                                   4s),
+                           WidgetFamily::systemMedium, text);
+  const auto same =
+      matchesReference(encodeImage(scene, text, render::ImageFormat::png, 1), "plain-face-medium");
+  return same ? 0 : 2;
+}
+
+TEST(Tile, KeepsItsLayoutWithoutTheRoundedFace) {
+  EXPECT_TRUE(render::hasRoundedFace());
+  testing::FLAGS_gtest_death_test_style =
+      "threadsafe";  // a new process, whose fontconfig has read nothing yet
+  EXPECT_EXIT(std::exit(drawWithoutRoundedFace()), testing::ExitedWithCode(0), "");
 }
 
 TEST(Extension, HostGetsTheWidgetAndItsAnswer) {

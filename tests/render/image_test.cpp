@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <set>
+#include <sstream>
 
+#include "render/png.hpp"
 #include "support/pixels.hpp"
 
 namespace {
@@ -31,13 +34,13 @@ std::string marks(const ui::SceneItem& item, std::initializer_list<std::pair<int
   return result;
 }
 
-/// A text on a pane with round corners, and a stripe beyond them.
+/// A text on a pane with round corners, and a stripe in one of them.
 ui::Scene tile() {
   const ui::Rect whole{{0, 0}, {10, 7}};
   const ui::TextRun text{"Mac", ui::Font::system(2).rounded(), red.opacity(0.5), {{2, 1}, {5, 2}}, 1.5};
-  const ui::FillPath pane{Path::rect(whole), ui::Color::sRGB(1, 1, 0).opacity(0.5)};
+  const ui::FillPath pane{Path::roundedRect(whole, 3), ui::Color::sRGB(1, 1, 0).opacity(0.5)};
   const ui::FillPath stripe{Path::rect({{4, 0}, {6, 1}}), red};
-  return {whole.size, {ui::BeginClip{Path::roundedRect(whole, 3)}, pane, text, ui::EndClip{}, stripe}, {}};
+  return {whole.size, {pane, text, stripe}, {}};
 }
 
 TEST(Image, pngHasTheColoursOfTheScene) {
@@ -97,15 +100,100 @@ TEST(Image, pixelsAreThoseOfThePng) {
   }
 }
 
+TEST(Image, pngSaysItsColourSpaceAndResolution) {
+  const std::string png = encode(tile(), ImageFormat::png, 2);
+  EXPECT_NE(png.find(std::string("sRGB\0", 5)), std::string::npos);
+  // 144 dots per inch are 5669 per metre.
+  EXPECT_NE(png.find(std::string("pHYs\0\0\x16\x25\0\0\x16\x25\x01", 13)), std::string::npos);
+  const std::pair<std::uint32_t, std::uint32_t> table[] = {
+      {0x00000000, 0x00000000}, {0xFF123456, 0xFF123456}, {0x80402001, 0x80804002}, {0x01010001, 0x01FF00FF}};
+  for (const auto& [premultiplied, straight] : table)
+    EXPECT_EQ(render::unpremultiplied(premultiplied), straight);
+}
+
+TEST(Image, coloursAreRoundedHalfUp) {
+  const struct {
+    ui::Color color;
+    Pixels::Pixel pixel;
+  } table[] = {{ui::Color::sRGB(0.97, 0.98, 0.972), {247, 250, 248, 255}},
+               {ui::Color::sRGB(0.5, 0.08, 2), {128, 20, 255, 255}},
+               {ui::Color::sRGB(1, 1, -1).opacity(0.16), {255, 255, 0, 41}}};
+  for (const auto& [color, pixel] : table)
+    EXPECT_EQ(draw({{4, 4}, {ui::FillPath{Path::rect({{0, 0}, {4, 4}}), color}}, {}}).at(1, 1), pixel);
+}
+
+bool has(const std::string& file, const std::string& text) { return file.find(text) != std::string::npos; }
+
 TEST(Image, vectorFilesHoldOutlinesAndAreTheSameEveryTime) {
-  const auto has = [](const std::string& file, const char* text) {
-    return file.find(text) != std::string::npos;
-  };
   const std::string svg = encode(tile(), ImageFormat::svg, 2), pdf = encode(tile(), ImageFormat::pdf, 2);
-  EXPECT_TRUE(has(svg, R"(width="20" height="14")") && !has(svg, "<image"));
-  EXPECT_TRUE(has(pdf, "/MediaBox [ 0 0 20 14 ]") && has(pdf, "Quicksand"));
-  EXPECT_FALSE(has(pdf, "/Image") || has(pdf, "/CreationDate"));
-  EXPECT_TRUE(encode(tile(), ImageFormat::svg, 2) == svg && encode(tile(), ImageFormat::pdf, 2) == pdf);
+  EXPECT_TRUE(has(svg, R"(width="20" height="14" viewBox="0 0 20 14")"));
+  EXPECT_FALSE(has(svg, "<image"));
+  EXPECT_TRUE(has(pdf, "/MediaBox [ 0 0 20 14 ]"));
+  EXPECT_TRUE(has(pdf, "Quicksand"));
+  EXPECT_FALSE(has(pdf, "/Image"));
+  EXPECT_FALSE(has(pdf, "/CreationDate"));
+  EXPECT_TRUE(encode(tile(), ImageFormat::svg, 2) == svg);
+  EXPECT_TRUE(encode(tile(), ImageFormat::pdf, 2) == pdf);
+}
+
+TEST(Image, vectorFilesSayWhatTheyShow) {
+  render::TextEngine text;
+  const ui::Scene scene{{9, 9}, {}, {{.label = "a < b"}, {.label = "Mac\x01 surface7\uFFFE"}}};
+  const std::string svg = encodeImage(scene, text, ImageFormat::svg, 1, "T & \"t\"");
+  EXPECT_TRUE(has(svg,
+                  "version=\"1.1\" role=\"img\">\n<title>T &amp; &quot;t&quot;</title>\n"
+                  "<desc>a &lt; b, Mac  surface7\uFFFD</desc>\n<"));
+  EXPECT_FALSE(has(encode({{9, 9}, {}, {}}, ImageFormat::svg), "<title>"));
+  const std::string pdf = encodeImage({{9, 9}, {}, {{.label = "ab"}}}, text, ImageFormat::pdf, 1, "Title");
+  EXPECT_TRUE(has(pdf, "/Title (Title)"));
+  EXPECT_TRUE(has(pdf, "/Subject (ab)"));
+}
+
+TEST(Image, pdfTakesEveryText) {
+  const auto pdf = [](const std::string& text) {
+    return encode({{90, 20}, {ui::TextRun{text, ui::Font::system(12), red, {{0, 0}, {90, 20}}, 15}}, {}},
+                  ImageFormat::pdf);
+  };
+  EXPECT_TRUE(pdf("\uFFFE\uFDD0\uFDEF\U0010FFFF") == pdf("\uFFFD\uFFFD\uFFFD\uFFFD"));
+  EXPECT_FALSE(pdf("\uFDCF\uFDF0") == pdf("\uFFFD\uFFFD"));
+  // Readers call a file malformed that lists an image twice.
+  const std::string emoji = pdf("\U0001F512 \U0001F512");
+  const std::size_t start = emoji.find("/XObject <<");
+  std::istringstream names(emoji.substr(start, emoji.find(">>", start) - start));
+  std::set<std::string> seen;
+  for (std::string word; names >> word;)
+    if (word.starts_with("/x")) EXPECT_TRUE(seen.insert(word).second) << word;
+  EXPECT_FALSE(seen.empty());
+}
+
+/// The first and the last pixel that a square of 10 points at (5.3, 5.6) covers whole, in its middle row and
+/// column; -1 where pixels are covered in part.
+std::array<int, 4> coveredPixels(double scale, std::optional<ui::Point> anchor) {
+  const Pixels pixels =
+      draw({{20, 20}, {ui::FillPath{Path::rect({{5.3, 5.6}, {10, 10}}), red, anchor}}, {}}, scale);
+  std::array<int, 4> found{-1, -1, -1, -1};
+  for (int i = 0; i < pixels.width; ++i)
+    for (const std::size_t axis : {0u, 2u}) {
+      const int alpha = axis == 0 ? pixels.at(i, pixels.height / 2)[3] : pixels.at(pixels.width / 2, i)[3];
+      if (alpha != 0 && alpha != 255) return {-1, -1, -1, -1};
+      if (alpha == 0) continue;
+      if (found[axis] < 0) found[axis] = i;
+      found[axis + 1] = i;
+    }
+  return found;
+}
+
+TEST(Painter, setsSmallSignsOnWholePixels) {
+  using Range = std::array<int, 4>;
+  const ui::Point middle{10.3, 10.6};
+  EXPECT_EQ(coveredPixels(1, middle), (Range{5, 14, 6, 15}));
+  EXPECT_EQ(coveredPixels(2, middle), (Range{11, 30, 11, 30}));
+  EXPECT_EQ(coveredPixels(1, {}), (Range{-1, -1, -1, -1}));
+  const auto svg = [](std::optional<ui::Point> anchor) {
+    return encode({{20, 20}, {ui::FillPath{Path::rect({{5.3, 5.6}, {10, 10}}), red, anchor}}, {}},
+                  ImageFormat::svg);
+  };
+  EXPECT_TRUE(svg(middle) == svg({}));
 }
 
 TEST(Painter, fillsByTheNonzeroRuleAndStrokesWithCapsAndMitres) {

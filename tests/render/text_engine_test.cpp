@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "render/display_text.hpp"
 #include "render/image.hpp"
 #include "support/pixels.hpp"
 
@@ -100,6 +101,54 @@ TEST(TextEngine, everyWeightHasItsFaceAndDigitsNeverFallBack) {
   EXPECT_NEAR(width("書 Mac 12") - width("書"), width(" Mac 12"), 0.01);
   EXPECT_EQ(width("one\r\ntwo"), width("one two"));
   EXPECT_EQ(width(std::string("a\0b", 3)), width("a b"));
+}
+
+TEST(TextEngine, aRunOfOneScriptIsSetInOneFace) {
+  render::TextEngine engine;
+  const auto width = [&](const std::string& text, const ui::Font& font) {
+    return engine.measure(text, font, {}, 1).size.width;
+  };
+  // The rounded face has a pi, and no other Greek letter; it lacks the letter for a click.
+  for (const std::string text : {"π", "απδ", "\u01C2"})
+    EXPECT_NEAR(width(text, caption), 0.97 * width(text, ui::Font::system(12)), 0.01) << text;
+  EXPECT_GT(width("abc", caption), width("abc", ui::Font::system(12)));
+}
+
+TEST(TextEngine, breaksWordsWithoutHyphens) {
+  render::TextEngine engine;
+  const std::string word = "Donaudampfschifffahrtsgesellschaftskapitänsmütze";
+  const auto picture = [&](const std::string& text) {
+    const auto run = place(engine, text, 194, 2);
+    return render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, 1);
+  };
+  const std::string broken = picture(word);
+  int same = 0;
+  for (std::size_t at = 20; at < 40; ++at)
+    same += picture(word.substr(0, at) + "\n" + word.substr(at)) == broken;
+  EXPECT_EQ(same, 1);
+}
+
+TEST(TextEngine, stackedMarksStayNearTheirLine) {
+  render::TextEngine engine;
+  std::string stacked = "Z";
+  for (int i = 0; i < 40; ++i) stacked += "\u030D\u0329";
+  auto run = place(engine, stacked);
+  run.box.origin.y = 25;
+  const auto found = ink(engine, run);
+  const double quarter = run.box.size.height / 4;
+  EXPECT_NEAR(found.top, run.box.origin.y - quarter, 1.5);
+  EXPECT_NEAR(found.bottom, run.box.bottom() + quarter, 1.5);
+}
+
+TEST(DisplayText, isValidAndBounded) {
+  using render::displayText, render::longestDisplayText;
+  const std::string filler(longestDisplayText - 1, 'x');
+  EXPECT_EQ(displayText(filler + "é", true).text, filler + "…");
+  EXPECT_TRUE(displayText(filler + "é", true).cut);
+  EXPECT_EQ(displayText(filler + "y", true).text, filler + "y");
+  EXPECT_FALSE(displayText(filler + "y", true).cut);
+  EXPECT_EQ(displayText("\xE3\x81", true).text, "\uFFFD\uFFFD");
+  EXPECT_EQ(displayText("a\tb\x7F\u0085\r\nc\v", false).text, "a b \u2028\u2028c\u2028");
 }
 
 TEST(TextEngine, drawsInsideTheBoxAtEveryScaleAndTurnsAboutItsCorner) {

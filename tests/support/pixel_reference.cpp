@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 constexpr int smallDifference = 12;
 
 /// Of so many pixels one may differ more.
-constexpr std::size_t pixelsPerLargerDifference = 2000;
+constexpr std::size_t pixelsPerLargerDifference = 10'000;
 
 void write(const fs::path& path, const std::string& bytes) {
   fs::create_directories(path.parent_path());

@@ -64,7 +64,7 @@ std::string describe(const Color& color) {
   constexpr std::string_view hex = "0123456789ABCDEF";
   std::string text = "#";
   for (const double component : {color.red, color.green, color.blue}) {
-    const auto byte = static_cast<unsigned>(std::lround(std::clamp(component, 0.0, 1.0) * 255));
+    const auto byte = static_cast<unsigned>(byteOf(component));
     text += {hex[byte >> 4], hex[byte & 0xF]};
   }
   if (color.alpha != 1) text.append("@").append(digits(rounded(color.alpha)));

@@ -52,26 +52,7 @@ struct ItemDescriber {
     if (item.rotation != Angle{}) builder.number("rotation", item.rotation.inDegrees());
     return builder;
   }
-  Builder operator()(const BeginClip& item) const {
-    Builder builder{"clip"};
-    addOutline(builder, item.path);
-    return builder;
-  }
-  Builder operator()(const EndClip&) const { return Builder{"end"}; }
 };
-
-/// Adds the items from `index` on, up to the end of the clip that they are in, which stands inside its clip's
-/// node.
-std::size_t addItems(Builder& parent, const std::vector<SceneItem>& items, std::size_t index) {
-  while (index < items.size()) {
-    const SceneItem& item = items[index++];
-    if (std::holds_alternative<EndClip>(item)) break;
-    Builder builder = std::visit(ItemDescriber{}, item);
-    if (std::holds_alternative<BeginClip>(item)) index = addItems(builder, items, index);
-    parent.child(builder.take());
-  }
-  return index;
-}
 
 Description describe(const AccessibilityElement& element) {
   return Builder{element.role == AccessibilityElement::Role::image ? "image" : "staticText"}
@@ -85,7 +66,7 @@ Description describe(const AccessibilityElement& element) {
 Description describe(const Scene& scene) {
   Builder builder{"Scene"};
   builder.number("width", scene.size.width).number("height", scene.size.height);
-  addItems(builder, scene.items, 0);
+  for (const SceneItem& item : scene.items) builder.child(std::visit(ItemDescriber{}, item).take());
   return builder.take();
 }
 

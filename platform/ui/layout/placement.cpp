@@ -37,14 +37,15 @@ StrokePath unknownSymbol(const Rect& rect, const Color& color) {
 struct ItemRotation {
   const Rotation& rotation;
 
-  void operator()(FillPath& item) const { item.path = item.path.rotated(rotation); }
+  void operator()(FillPath& item) const {
+    item.path = item.path.rotated(rotation);
+    if (item.anchor) item.anchor = rotation.apply(*item.anchor);
+  }
   void operator()(StrokePath& item) const { item.path = item.path.rotated(rotation); }
   void operator()(TextRun& item) const {
     item.box.origin = rotation.apply(item.box.origin);
     item.rotation.radians += rotation.angle.radians;
   }
-  void operator()(BeginClip& item) const { item.path = item.path.rotated(rotation); }
-  void operator()(EndClip&) const {}
 };
 
 struct Placer {
@@ -89,11 +90,13 @@ struct Placer {
     if (!symbol)
       list.items.emplace_back(unknownSymbol(where.rect, color));
     else
-      list.items.emplace_back(
-          FillPath{symbol->outline.placed(environment.font.size, where.rect.origin), color});
+      list.items.emplace_back(FillPath{symbol->outline.placed(environment.font.size, where.rect.origin),
+                                       color, where.rect.center()});
   }
   void operator()(const nodes::Fill& node) const {
-    list.items.emplace_back(FillPath{std::visit(Outliner{where.rect}, node.outline), node.color});
+    const bool isCircle = std::holds_alternative<nodes::Circle>(node.outline);
+    list.items.emplace_back(FillPath{std::visit(Outliner{where.rect}, node.outline), node.color,
+                                     isCircle ? std::optional{where.rect.center()} : std::nullopt});
   }
   void operator()(const nodes::Stroke& node) const {
     list.items.emplace_back(
