@@ -2,7 +2,6 @@
 
 #include <locale.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "foundation/coding_error.hpp"
@@ -131,13 +130,12 @@ class TreeBuilder {
 
 JSONValue parseJSON(std::string_view text) {
   // The parser takes a NUL for the end of its input; JSON has no place for that byte.
-  const auto* const nul = std::find(text.begin(), text.end(), '\0');
+  const auto document = text.substr(0, text.find('\0'));
   const CLocaleScope scope;
   TreeBuilder builder;
-  nlohmann::json::sax_parse(text.begin(), nul, &builder);
-  if (nul != text.end())
-    throw DecodingError{
-        DecodingError::Kind::dataCorrupted, {}, notJSON(static_cast<std::size_t>(nul - text.begin()) + 1)};
+  nlohmann::json::sax_parse(document.begin(), document.end(), &builder);
+  if (document.size() < text.size())
+    throw DecodingError{DecodingError::Kind::dataCorrupted, {}, notJSON(document.size() + 1)};
   return std::move(builder).result();
 }
 
