@@ -2,21 +2,20 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 
+#include "common/failure.hpp"
 #include "foundation/date.hpp"
 
 namespace program {
 
 /// Parses the arguments into `app`, then calls `command`; the program's main ends with what this returns.
-/// Help is printed for --help and the code is 0; a wrong command line is one line on standard error and
-/// EX_USAGE. A Failure of `command` is one line on standard error and its code, any other exception one line
-/// and EX_SOFTWARE.
+/// Help is printed for --help, the program's name and version for --version, and the code is 0; a wrong
+/// command line is one line on standard error and EX_USAGE. An exception of `command` is one line on standard
+/// error and the code that currentFailure() gives it.
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command);
-
-/// One line on standard error: the program's name, then `line`.
-void complain(const std::string& line);
 
 /// An option that takes an RFC 3339 date-time, with or without a fraction of a second.
 CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<foundation::Date>& date,
@@ -25,8 +24,9 @@ CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional
 /// --at DATE, for commands that read the clock: while the command runs, the clock stands still there.
 class ClockOption {
  public:
-  /// Adds the option to `app`; this object outlives the command.
-  explicit ClockOption(CLI::App& app);
+  /// Adds the option to each of `commands`; this object outlives them.
+  explicit ClockOption(std::initializer_list<CLI::App*> commands);
+  explicit ClockOption(CLI::App& command) : ClockOption({&command}) {}
 
   /// Stops the clock when the option was given. Call once, after the arguments were parsed.
   void apply();

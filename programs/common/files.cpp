@@ -32,10 +32,23 @@ void writeDirectly(const std::filesystem::path& path, std::string_view bytes) {
   if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
 }
 
+/// Where the file at `path` is, or would be: behind all links, also where the last leads to no file.
+std::filesystem::path linkTarget(std::filesystem::path path) {
+  constexpr int mostLinks = 40;  // as for the kernel, path_resolution(7)
+  for (int links = 0; links <= mostLinks; ++links) {
+    std::error_code noLink;
+    const auto target = std::filesystem::read_symlink(path, noLink);
+    if (noLink) return path;
+    path = path.parent_path() / target;
+  }
+  errno = ELOOP;
+  throw failed(EX_CANTCREAT, "cannot create", path);
+}
+
 /// Through a new file beside it, which then takes its name. Not synced: what is written here can be made
 /// again.
 void replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
-  std::string temporary = path.string() + ".XXXXXX";
+  std::string temporary = path.parent_path() / ".tarno-XXXXXX";
   const FileDescriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
   if (!file) throw failed(EX_CANTCREAT, "cannot create", path);
   if (fchmod(file.get(), mode) != 0 || !writeAll(file.get(), bytes) ||
@@ -77,15 +90,10 @@ std::string readFile(const std::filesystem::path& path, std::size_t limit) {
 }
 
 void writeFile(const std::filesystem::path& path, std::string_view bytes) {
-  std::error_code ignored;
-  const auto linked = std::filesystem::weakly_canonical(path, ignored);
-  const auto& target = linked.empty() ? path : linked;
   struct stat status {};
-  const bool exists = stat(target.c_str(), &status) == 0;
-  if (exists && S_ISDIR(status.st_mode))
-    throw Failure{EX_CANTCREAT, "cannot create " + path.string() + ": Is a directory"};
-  if (exists && !S_ISREG(status.st_mode)) return writeDirectly(target, bytes);
-  replaceFile(target, bytes, exists ? status.st_mode & 07777 : 0666 & ~currentUmask());
+  const bool exists = stat(path.c_str(), &status) == 0;
+  if (exists && !S_ISREG(status.st_mode)) return writeDirectly(path, bytes);
+  replaceFile(linkTarget(path), bytes, exists ? status.st_mode & 07777 : 0666 & ~currentUmask());
 }
 
 }  // namespace program

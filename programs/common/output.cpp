@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 #include "common/failure.hpp"
 #include "common/files.hpp"
@@ -13,6 +15,33 @@ namespace program {
 namespace {
 
 int outputDescriptor = STDOUT_FILENO;
+
+/// The character that `text` begins with and how many bytes it takes; where they are not UTF-8 (RFC 3629,
+/// section 4), nothing and one byte.
+std::pair<std::optional<char32_t>, std::size_t> firstCharacter(std::string_view text) {
+  constexpr std::pair<std::nullopt_t, std::size_t> invalid{std::nullopt, 1};
+  const auto first = static_cast<unsigned char>(text.front());
+  if (first < 0x80) return {first, 1};
+  const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+  if (first < 0xC0 || first > 0xF4 || text.size() < length) return invalid;
+  char32_t character = first & (0x7Fu >> length);
+  for (const char c : text.substr(1, length - 1)) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80 || byte > 0xBF) return invalid;
+    character = character << 6 | (byte & 0x3Fu);
+  }
+  constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};  // by length
+  const bool isSurrogate = 0xD800 <= character && character <= 0xDFFF;
+  if (character < smallest[length] || character > 0x10FFFF || isSurrogate) return invalid;
+  return {character, length};
+}
+
+bool steersTerminal(char32_t character) {
+  const auto isIn = [character](char32_t first, char32_t last) {
+    return first <= character && character <= last;
+  };
+  return isIn(0, 0x1F) || isIn(0x7F, 0x9F) || isIn(0x2028, 0x202E) || isIn(0x2066, 0x2069);
+}
 
 }  // namespace
 
@@ -29,15 +58,29 @@ void writeOutput(std::string_view bytes) {
 }
 
 std::string printable(std::string_view text) {
-  std::string safe{text};
-  for (std::size_t i = 0; i < safe.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(safe[i]);
-    // C0 and DEL, and C1, which UTF-8 writes as C2 80 to C2 9F.
-    const bool isC1 = i > 0 && byte >= 0x80 && byte < 0xA0 && static_cast<unsigned char>(safe[i - 1]) == 0xC2;
-    if (isC1) safe.erase(--i, 1);
-    if (byte < 0x20 || byte == 0x7F || isC1) safe[i] = '?';
+  std::string safe;
+  safe.reserve(text.size());
+  while (!text.empty()) {
+    const auto [character, length] = firstCharacter(text);
+    if (character && !steersTerminal(*character)) {
+      safe += text.substr(0, length);
+    } else {
+      safe += '?';
+    }
+    text.remove_prefix(length);
   }
   return safe;
+}
+
+std::string printableLines(std::string_view text) {
+  std::string safe;
+  while (true) {
+    const auto end = text.find('\n');
+    safe += printable(text.substr(0, end));
+    if (end == text.npos) return safe;
+    safe += '\n';
+    text.remove_prefix(end + 1);
+  }
 }
 
 }  // namespace program

@@ -1,4 +1,11 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <functional>
+#include <set>
+#include <thread>
 
 #include "common/dates.hpp"
 #include "common/failure.hpp"
@@ -10,22 +17,68 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::set<std::string> entries(const fs::path& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator{folder}) names.insert(entry.path().filename());
+  return names;
+}
+
+/// The exit code that `action` fails with; 0 when it does not.
+int codeOf(const std::function<void()>& action) {
+  try {
+    action();
+    return 0;
+  } catch (const program::Failure& failure) {
+    return failure.exitCode();
+  }
+}
+
 TEST(Program, TextForATerminalCannotSteerIt) {
-  const std::pair<std::string, const char*> cases[] = {{"Zoë’s 🖥️", "Zoë’s 🖥️"},
-                                                       {"a\nb\tc", "a?b?c"},
-                                                       {"\x1b[2J\x7f", "?[2J?"},
-                                                       {"\xc2\x9b"
-                                                        "31m",
-                                                        "?31m"},
-                                                       {std::string(1, '\0'), "?"},
-                                                       {"\xc2\xa0", "\xc2\xa0"}};
+  const std::pair<std::string, const char*> cases[] = {
+      {"Zoë’s 🖥️ \u200Eעברית", "Zoë’s 🖥️ \u200Eעברית"},
+      {"a\nb\tc", "a?b?c"},
+      {std::string("\0\x1b[2J\x1f\x7f ~", 9), "??[2J?? ~"},
+      {"\u0080\u009b31m\u009f\u00a0", "??31m?\u00a0"},
+      {"\u2027\u2028\u202a\u202e\u202f", "\u2027???\u202f"},
+      {"\u2065\u2066\u2069\u206a", "\u2065??\u206a"},
+      {"\x80 \xc2 \xc3\xc3\xa9 \xe2\x82", "? ? ?é ??"},                     // a character that is cut short
+      {"\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "?? ??? ????"},            // longer than it need be
+      {"\xed\xa0\x80 \xf4\x90\x80\x80 \xf9\x90\x80\x80", "??? ???? ????"},  // no character
+      {"\xed\x9f\xbf\xee\x80\x80\xf4\x8f\xbf\xbf", "\xed\x9f\xbf\xee\x80\x80\xf4\x8f\xbf\xbf"}};
   for (const auto& [text, safe] : cases) EXPECT_EQ(program::printable(text), safe);
+  EXPECT_EQ(program::printableLines("a\tb\n\n\xffz\n"), "a?b\n\n?z\n");
+}
+
+TEST(Program, ErrorLinesAreWholeOrLoseTheirMiddle) {
+  EXPECT_STREQ(program::Failure(64, std::string("a\0b", 3)).what(), "a?b");
+  EXPECT_EQ(program::errorLine(std::string(1000, 'x')), std::string(1000, 'x'));
+  EXPECT_EQ(program::errorLine("<" + std::string(1 << 20, 'x') + ">"),
+            "<" + std::string(694, 'x') + " … " + std::string(299, 'x') + ">");
+  std::string letters;
+  while (letters.size() < 2000) letters += "é";
+  const auto half = letters.substr(0, 694), end = letters.substr(0, 300);  // no letter is cut
+  EXPECT_EQ(program::errorLine(letters), half + " … " + end);
+  EXPECT_EQ(program::errorLine(letters + "."), half + " … " + end.substr(2) + ".");
+}
+
+TEST(Program, ExceptionsEndAProgramWithTheirCode) {
+  const auto code = [](const auto& exception) {
+    try {
+      throw exception;
+    } catch (...) {
+      return program::currentFailure().exitCode();
+    }
+  };
+  EXPECT_EQ(code(program::Failure{EX_NOINPUT, ""}), EX_NOINPUT);
+  EXPECT_EQ(code(std::bad_alloc{}), EX_OSERR);
+  EXPECT_EQ(code(std::runtime_error{""}), EX_SOFTWARE);
 }
 
 TEST(Program, DatesShowMillisecondsOnlyWhenThereAreAny) {
   for (const char* const text :
        {"2026-11-16T15:41:35Z", "2026-11-16T15:41:35.250Z", "1969-12-31T23:59:59.999Z"})
     EXPECT_EQ(program::dateText(*program::parseDate(text)), text);
+  EXPECT_EQ(program::dateText(foundation::Date{std::chrono::microseconds{999}}), "1970-01-01T00:00:00Z");
   EXPECT_EQ(program::parseDate("2026-11-16"), std::nullopt);
 }
 
@@ -39,9 +92,63 @@ TEST(Program, FilesAreReplacedThroughTheirLinksAndKeepTheirMode) {
   EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(program::readFile(file, 3), "new");
   EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-  EXPECT_EQ(std::distance(fs::directory_iterator{temporary.folder()}, fs::directory_iterator{}), 2);
-  EXPECT_THROW(program::readFile(file, 2), program::Failure);
-  EXPECT_THROW(program::writeFile(temporary.folder() / "none" / "file", "new"), program::Failure);
+  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"file", "link"}));
+}
+
+TEST(Program, FilesAreMadeWhereLinksLead) {
+  const TemporaryStore temporary;
+  fs::create_directory(temporary.folder() / "inner");
+  fs::create_symlink("inner/second", temporary.folder() / "first");
+  fs::create_symlink("../made", temporary.folder() / "inner" / "second");
+  fs::create_symlink("loop", temporary.folder() / "loop");
+  program::writeFile(temporary.folder() / "first", "new");
+  EXPECT_EQ(program::readFile(temporary.folder() / "made", 3), "new");
+  EXPECT_TRUE(fs::is_symlink(temporary.folder() / "inner" / "second"));
+  EXPECT_EQ(codeOf([&] { program::writeFile(temporary.folder() / "loop", "new"); }), EX_CANTCREAT);
+  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"first", "inner", "loop", "made"}));
+}
+
+TEST(Program, NewFilesHaveTheModeThatTheUmaskLeaves) {
+  const TemporaryStore temporary;
+  const auto before = umask(027);
+  program::writeFile(temporary.folder() / "file", "");
+  EXPECT_EQ(umask(before), 027);
+  EXPECT_EQ(fs::status(temporary.folder() / "file").permissions(), fs::perms{0640});
+}
+
+TEST(Program, WhatIsNotAFileIsWrittenInto) {
+  const TemporaryStore temporary;
+  const auto pipe = temporary.folder() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::string received;
+  std::thread reader{[&] { received = program::readFile(pipe, 1 << 20); }};
+  const std::string sent(300000, 'x');  // more than a pipe holds
+  program::writeFile(pipe, sent);
+  reader.join();
+  EXPECT_EQ(received, sent);
+  EXPECT_TRUE(fs::is_fifo(pipe));
+  EXPECT_EQ(codeOf([] { program::writeFile("/dev/full", "x"); }), EX_IOERR);
+}
+
+TEST(Program, FailuresNameTheirCauseAndLeaveNothing) {
+  const TemporaryStore temporary;
+  const auto file = temporary.folder() / "file";
+  program::writeFile(file, "old");
+  EXPECT_EQ(codeOf([&] { program::readFile(file, 2); }), EX_DATAERR);
+  EXPECT_EQ(codeOf([&] { program::readFile(temporary.folder(), 2); }), EX_NOINPUT);
+  EXPECT_EQ(codeOf([&] { program::readFile(temporary.folder() / "none", 2); }), EX_NOINPUT);
+  EXPECT_EQ(codeOf([&] { program::writeFile(temporary.folder(), "new"); }), EX_CANTCREAT);
+  EXPECT_EQ(codeOf([&] { program::writeFile(temporary.folder() / "none" / "file", "new"); }), EX_CANTCREAT);
+  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit small{4, limit.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  EXPECT_EQ(codeOf([&] { program::writeFile(file, "longer than that"); }), EX_IOERR);
+  setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, previous);
+  EXPECT_EQ(program::readFile(file, 3), "old");
+  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"file"}));
 }
 
 }  // namespace
