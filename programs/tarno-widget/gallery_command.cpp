@@ -1,9 +1,12 @@
+#include "tarno-widget/gallery_command.hpp"
+
 #include <nlohmann/json.hpp>
 
 #include "common/failure.hpp"
 #include "common/output.hpp"
-#include "tarno-widget/commands.hpp"
+#include "foundation/date.hpp"
 #include "tarno-widget/localization.hpp"
+#include "tarno-widget/render_command.hpp"
 #include "tarno-widget/tile.hpp"
 
 namespace extension {
@@ -27,8 +30,8 @@ std::string textForPeople(const widgetkit::WidgetConfiguration& widget) {
                   size.width, size.height);
     families += line;
   }
-  return localized(widget.displayName) + "\n" + localized(widget.widgetDescription) + "\nkind " +
-         widget.kind + "\n" + families;
+  return program::printableLines(localized(widget.displayName) + "\n" + localized(widget.widgetDescription) +
+                                 "\nkind " + widget.kind + "\n" + families);
 }
 
 void drawPreviews(const widgetkit::WidgetConfiguration& widget, const std::filesystem::path& folder,
@@ -39,13 +42,14 @@ void drawPreviews(const widgetkit::WidgetConfiguration& widget, const std::files
     throw program::Failure{EX_CANTCREAT, "cannot create " + folder.string() + ": " + error.message()};
   for (const auto family : widget.families) {
     const auto file = folder / (widget.kind + "-" + std::string{name(family)} + ".png");
-    render(widget, {.family = family, .output = file, .scale = scale, .request = Request::preview});
+    render(widget, {.tile = {family, Request::preview}, .output = file, .scale = scale});
   }
 }
 
 }  // namespace
 
 int gallery(const widgetkit::WidgetConfiguration& widget, const GalleryOptions& options) {
+  const foundation::ClockOverride oneReading{foundation::now()};
   if (options.output) drawPreviews(widget, *options.output, options.scale);
   program::writeOutput(options.asJSON ? jsonText(widget) : textForPeople(widget));
   return EX_OK;

@@ -1,30 +1,45 @@
+#include "tarno-widget/inspect_command.hpp"
+
 #include <sysexits.h>
 
 #include <nlohmann/json.hpp>
 
+#include "common/dates.hpp"
 #include "common/output.hpp"
+#include "foundation/date.hpp"
 #include "render/text_engine.hpp"
-#include "tarno-widget/commands.hpp"
 #include "tarno-widget/inspection.hpp"
-#include "tarno-widget/tile.hpp"
 #include "ui/description/scene_description.hpp"
 #include "ui/description/view_description.hpp"
 
 namespace extension {
 namespace {
 
-/// Everything that is inspected, at one moment.
+/// Everything between a request and the pixels, at one moment.
 struct Inspected {
   widgetkit::WidgetFamily family;
-  widgetkit::AnyTimelineEntry entry;
+  nlohmann::ordered_json entry;
   ui::Description view;
   ui::Description scene;
   ui::Description accessibility;
 };
 
+Inspected inspected(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile) {
+  const foundation::ClockOverride oneReading{foundation::now()};
+  const auto entry = entryFor(widget, tile);
+  const auto view = entry.content({.widgetFamily = tile.family});
+  render::TextEngine text;
+  const auto scene = tileScene(view, tile.family, text);
+  return {.family = tile.family,
+          .entry = json(entry),
+          .view = describe(view),
+          .scene = describe(scene),
+          .accessibility = describeAccessibility(scene)};
+}
+
 std::string jsonText(const Inspected& inspected) {
   const nlohmann::ordered_json result{{"family", name(inspected.family)},
-                                      {"entry", json(inspected.entry)},
+                                      {"entry", inspected.entry},
                                       {"view", json(inspected.view)},
                                       {"scene", json(inspected.scene)},
                                       {"accessibility", json(inspected.accessibility)["children"]}};
@@ -33,25 +48,26 @@ std::string jsonText(const Inspected& inspected) {
 
 std::string textForPeople(const Inspected& inspected) {
   std::string text = "entry " + std::string{name(inspected.family)} + "\n";
-  const auto entry = json(inspected.entry);
-  for (const auto& [key, value] : entry.items()) text += "  " + key + " " + value.dump() + "\n";
+  for (const auto& [key, value] : inspected.entry.items()) text += "  " + key + " " + value.dump() + "\n";
   for (const auto* const part : {&inspected.view, &inspected.scene, &inspected.accessibility})
     text += "\n" + outline(*part);
-  return text;
+  return program::printableLines(text);
 }
 
 }  // namespace
 
+int timeline(const widgetkit::WidgetConfiguration& widget, widgetkit::WidgetFamily family) {
+  const auto timeline = widget.provider->timeline(requestContext(family));
+  nlohmann::ordered_json result;
+  for (const auto& entry : timeline.entries) result["entries"].push_back(json(entry));
+  result["reload_after"] = program::dateText(timeline.policy.date());
+  program::writeOutput(result.dump(2) + "\n");
+  return EX_OK;
+}
+
 int inspect(const widgetkit::WidgetConfiguration& widget, const InspectOptions& options) {
-  render::TextEngine text;
-  const auto entry = entryFor(widget, options.family, options.request);
-  const auto scene = tileScene(entry, options.family, text);
-  const Inspected inspected{.family = options.family,
-                            .entry = entry,
-                            .view = describe(entry.content({.widgetFamily = options.family})),
-                            .scene = describe(scene),
-                            .accessibility = describeAccessibility(scene)};
-  program::writeOutput(options.asJSON ? jsonText(inspected) : textForPeople(inspected));
+  const auto everything = inspected(widget, options.tile);
+  program::writeOutput(options.asJSON ? jsonText(everything) : textForPeople(everything));
   return EX_OK;
 }
 

@@ -20,11 +20,16 @@ ordered_json json(const widgetkit::AnyTimelineEntry& entry) {
   return result;
 }
 
-ordered_json json(const ui::Description& description) {
-  ordered_json result;
-  result["name"] = description.name;
+ordered_json attributes(const ui::Description& description) {
+  auto result = ordered_json::object();
   for (const auto& [key, value] : description.attributes)
     std::visit([&, name = std::string{key}](const auto& plain) { result[name] = plain; }, value);
+  return result;
+}
+
+ordered_json json(const ui::Description& description) {
+  ordered_json result{{"name", description.name}};
+  result.update(attributes(description));
   for (const auto& child : description.children) result["children"].push_back(json(child));
   return result;
 }

@@ -1,10 +1,10 @@
-#include "common/failure.hpp"
+#include "tarno-widget/render_command.hpp"
+
 #include "common/files.hpp"
 #include "common/output.hpp"
-#include "render/image.hpp"
-#include "tarno-widget/commands.hpp"
+#include "foundation/date.hpp"
+#include "tarno-widget/drawing.hpp"
 #include "tarno-widget/localization.hpp"
-#include "tarno-widget/tile.hpp"
 
 namespace extension {
 namespace {
@@ -22,15 +22,13 @@ render::ImageFormat formatOf(const std::filesystem::path& output) {
 
 int render(const widgetkit::WidgetConfiguration& widget, const RenderOptions& options) {
   const auto format = formatOf(options.output);
-  const auto entry = entryFor(widget, options.family, options.request);
+  const foundation::ClockOverride oneReading{foundation::now()};
+  const auto entry = entryFor(widget, options.tile);
   render::TextEngine text;
-  std::string bytes;
-  try {
-    bytes = encodeImage(tileScene(entry, options.family, text), text, format, options.scale,
-                        localized(widget.displayName));
-  } catch (const render::ImageError& error) {
-    throw program::Failure{EX_USAGE, error.what()};
-  }
+  const auto bytes = drawn([&] {
+    return encodeImage(tileScene(entry, options.tile.family, text), text, format, options.scale,
+                       localized(widget.displayName));
+  });
   if (options.output == "-") {
     program::writeOutput(bytes);
   } else {

@@ -20,11 +20,26 @@ ui::Size tileSize(widgetkit::WidgetFamily family);
 /// The family that a command line calls "small", "medium" or "large"; nothing for any other word.
 std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
 
-/// Draws an entry's tile as it is now: builds the view anew (which may read the clock) and lays it out.
-ui::Scene tileScene(const widgetkit::AnyTimelineEntry& entry, widgetkit::WidgetFamily family,
-                    ui::TextMeasurer& measurer);
-
 /// What a host tells the provider about a request for a tile of `family`.
 widgetkit::TimelineProviderContext requestContext(widgetkit::WidgetFamily family, bool isPreview = false);
+
+/// What to ask the provider for.
+enum class Request { timeline, placeholder, preview };
+
+/// Which tile a command is about.
+struct TileOptions {
+  widgetkit::WidgetFamily family = widgetkit::WidgetFamily::systemMedium;
+  Request request = Request::timeline;
+};
+
+/// The entry that answers a request; of a timeline, the first.
+widgetkit::AnyTimelineEntry entryFor(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile);
+
+/// Lays out an entry's view as a tile.
+ui::Scene tileScene(const ui::View& view, widgetkit::WidgetFamily family, ui::TextMeasurer& measurer);
+
+/// An entry's tile as it is now: builds the view anew (which may read the clock) and lays it out.
+ui::Scene tileScene(const widgetkit::AnyTimelineEntry& entry, widgetkit::WidgetFamily family,
+                    ui::TextMeasurer& measurer);
 
 }  // namespace extension

@@ -4,16 +4,51 @@
 import json
 import os
 import shutil
+import fcntl
 import struct
 import subprocess
 import sys
 import unittest
+import zlib
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
 from program_test_case import BIN, MOMENT, ProgramTest  # noqa: E402
 
 
+SHRINK_SEAL = 0x2  # F_SEAL_SHRINK, <linux/fcntl.h>
+
+
+def png_pixels(png):
+    """The RGBA rows of a PNG whose rows are not filtered."""
+    data, at = b"", 8
+    while at < len(png):
+        length, kind = struct.unpack_from(">I4s", png, at)
+        data += png[at + 8:at + 8 + length] if kind == b"IDAT" else b""
+        at += 12 + length
+    width, height = struct.unpack_from(">II", png, 16)
+    rows, row = zlib.decompress(data), 1 + 4 * width
+    assert not any(rows[::row]), "a row is filtered"
+    return [rows[y * row + 1:(y + 1) * row] for y in range(height)]
+
+
+def straight(argb):
+    """The RGBA bytes of a premultiplied pixel."""
+    alpha = argb >> 24
+    return bytes([((argb >> shift & 255) * 255 + alpha // 2) // alpha if alpha else 0 for shift in (16, 8, 0)] + [alpha])
+
+
 class Widget(ProgramTest):
+    def frame(self, *arguments, code=0, flags=os.MFD_ALLOW_SEALING, **environment):
+        """The answer of a frame and the memory that it is in, as a host gets them."""
+        memory = os.memfd_create("frame", flags)
+        self.addCleanup(os.close, memory)
+        done = subprocess.run([BIN / "tarno-widget", "frame", "--fd", str(memory), *map(str, arguments)], timeout=60,
+                              pass_fds=[memory], capture_output=True, env={**self.environment, **environment})
+        self.assertEqual(done.returncode, code, done.stderr)
+        self.assertEqual(done.stderr, b"")
+        answer, = done.stdout.splitlines()
+        return json.loads(answer), memory
+
     def test_tiles_have_their_size_and_replace_files_whole(self):
         self.save()
         for family, width, height in (("small", 170, 170), ("medium", 364, 170), ("large", 364, 382)):
@@ -29,6 +64,49 @@ class Widget(ProgramTest):
             self.assertTrue((self.folder / name).read_bytes().startswith(start))
         self.assertEqual(sorted(os.listdir(self.folder)), ["a.pdf", "a.svg", "data", "tile.png"])
 
+    def test_a_frame_is_what_render_draws(self):
+        self.save()
+        for family, scale, width, height in (("small", 1, 170, 170), ("medium", 1.25, 455, 213), ("large", 2, 728, 764)):
+            arguments = ("--family", family, "--scale", scale, "--at", MOMENT)
+            answer, memory = self.frame(*arguments)
+            self.assertEqual((answer["width"], answer["height"]), (width, height))
+            self.assertEqual(fcntl.fcntl(memory, fcntl.F_GET_SEALS), SHRINK_SEAL)
+            self.assertEqual(os.fstat(memory).st_size, answer["stride"] * height)
+            rows = png_pixels(self.run_program("tarno-widget", "render", *arguments, "--output", "-").stdout)
+            for y in range(height):
+                row = struct.unpack(f"={width}I", os.pread(memory, 4 * width, y * answer["stride"]))
+                self.assertEqual(b"".join(map(straight, row)), rows[y], (family, y))
+
+    def test_a_frame_says_what_a_host_needs(self):
+        self.save(at="2026-11-16T15:41:30.123456Z")
+        answer, _ = self.frame("--scale", 2, "--at", "2026-11-16T15:41:35.000400Z")
+        elements = answer.pop("accessibility")
+        self.assertEqual(answer, {
+            "width": 728, "height": 340, "stride": 2912, "scale": 2, "tile": {"width": 364, "height": 170},
+            "title": "Tarno", "announcement": "Kivo's Mac locked", "reload_after": "2026-11-16T15:42:05.001Z",
+            "stale_from": "2026-11-16T15:44:01.124Z",
+            "watch": {"folder": str(self.group), "file": os.listdir(self.group)[0]}})
+        self.assertEqual(elements[0], {"role": "image", "label": "Kivo's Mac locked",
+                                       "x": 16, "y": 23, "width": 124, "height": 124})
+        self.assertEqual([element["role"] for element in elements[1:]], ["staticText"] * (len(elements) - 1))
+        self.assertIn("4s ago", [element["label"] for element in elements])
+        before, _ = self.frame("--at", "2026-11-16T15:44:01.123Z")
+        self.assertEqual(before["announcement"], "Kivo's Mac locked")
+        after, _ = self.frame("--at", "2026-11-16T15:44:01.124Z")
+        self.assertEqual((after["announcement"], after["stale_from"]), ("Kivo's Mac status stale", None))
+
+    def test_a_frame_without_a_status(self):
+        answer, _ = self.frame("--at", "9999-12-31T23:59:59.9999Z")
+        self.assertEqual((answer["announcement"], answer["stale_from"]), ("Mac status unknown", None))
+        self.assertEqual(answer["reload_after"], "9999-12-31T23:59:59.999Z")
+        self.assertEqual(answer["watch"]["folder"], str(self.group))
+
+    def test_a_frame_that_cannot_be_drawn(self):
+        for arguments, flags in ((("--scale", 1e6), os.MFD_ALLOW_SEALING), ((), 0)):
+            answer, _ = self.frame(*arguments, flags=flags, code=64)
+            self.assertEqual(list(answer), ["error"])
+        self.run_program("tarno-widget", "frame", code=64)
+
     def test_timeline_and_requests(self):
         self.save({"status": "locking"})
         timeline = json.loads(self.run_program("tarno-widget", "timeline", "--at", MOMENT).stdout)
@@ -43,7 +121,7 @@ class Widget(ProgramTest):
     def test_inspection_shows_the_arc_where_it_is_drawn(self):
         for status, end in (("locked", 457.2), ("unlocked", 318.096), ("locking", 378.576), ("unknown", 239.472)):
             self.save({"status": status})
-            items = self.inspected("--family", "small", "--at", MOMENT)["scene"]["children"][0]["children"]
+            items = self.inspected("--family", "small", "--at", MOMENT)["scene"]["children"]
             arc, = (item for item in items if item.get("outline") == "arc")
             self.assertEqual((arc["start"], arc["end"], arc["lineCap"]), (154.8, end, "round"), status)
         people = self.run_program("tarno-widget", "inspect", "--placeholder", "--at", MOMENT).stdout.decode()

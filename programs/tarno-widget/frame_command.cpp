@@ -1,0 +1,108 @@
+#include "tarno-widget/frame_command.hpp"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "common/dates.hpp"
+#include "common/output.hpp"
+#include "foundation/suite_store.hpp"
+#include "render/image.hpp"
+#include "shared/freshness/status_freshness.hpp"
+#include "shared/persistence/mac_defaults.hpp"
+#include "tarno-widget/drawing.hpp"
+#include "tarno-widget/inspection.hpp"
+#include "tarno-widget/localization.hpp"
+#include "tarno-widget/shared_pixels.hpp"
+#include "tarno-widget/tile.hpp"
+#include "ui/description/scene_description.hpp"
+#include "widget/timeline/widget_entry.hpp"
+
+namespace extension {
+namespace {
+
+using nlohmann::ordered_json;
+
+/// A moment to wait for, never too early: rounded up to the millisecond, and no later than a date can say.
+std::string momentText(foundation::Date moment) {
+  using std::chrono::milliseconds;
+  return program::dateText(std::min<foundation::Date>(
+      std::chrono::ceil<milliseconds>(moment), std::chrono::floor<milliseconds>(foundation::latestDate)));
+}
+
+/// When the status that `entry` shows turns stale by its age; nothing when it is stale already or never will
+/// be.
+std::optional<foundation::Date> staleFrom(const widgetkit::AnyTimelineEntry& entry) {
+  const auto& [date, status, lastRefresh] = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);
+  if (!status || status->isStale() || !lastRefresh) return std::nullopt;
+  // An age is whole seconds, and stale is what is older than the limit.
+  return foundation::addingTimeInterval(*lastRefresh,
+                                        TarnoStatusFreshness::localStaleAfter + std::chrono::seconds{1});
+}
+
+ordered_json elements(const ui::Scene& scene) {
+  auto result = ordered_json::array();
+  for (const auto& element : ui::describeAccessibility(scene).children)
+    result.emplace_back(ordered_json{{"role", element.name}}).update(attributes(element));
+  return result;
+}
+
+/// What a screen reader says when the status changes: the label of the tile's one image, which names the Mac
+/// and its status and nothing that changes by itself.
+std::string announcement(const ui::Scene& scene) {
+  const auto image =
+      std::find_if(scene.accessibility.begin(), scene.accessibility.end(),
+                   [](const auto& element) { return element.role == ui::AccessibilityElement::Role::image; });
+  return image != scene.accessibility.end() ? image->label : std::string{};
+}
+
+ordered_json watched() {
+  const auto location = foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
+  if (!location) return nullptr;
+  return {{"folder", location->directory.string()}, {"file", location->file.filename().string()}};
+}
+
+/// The answer for a host; throws what keeps it from having a picture.
+ordered_json drawFrame(const widgetkit::WidgetConfiguration& widget, const FrameOptions& options) {
+  const auto size = drawn([&] { return render::pixelSize(tileSize(options.family), options.scale); });
+  const SharedPixels pixels{options.descriptor, size};
+  const auto timeline = widget.provider->timeline(requestContext(options.family));
+  const auto& entry = timeline.entries.front();
+  render::TextEngine text;
+  const auto scene = tileScene(entry, options.family, text);
+  drawn([&] { drawPixels(scene, text, options.scale, pixels.data(), pixels.stride()); });
+
+  ordered_json answer{{"width", size.width}, {"height", size.height}, {"stride", pixels.stride()}};
+  answer["scale"] = options.scale;
+  answer["tile"] = {{"width", scene.size.width}, {"height", scene.size.height}};
+  answer["title"] = localized(widget.displayName);
+  answer["announcement"] = announcement(scene);
+  answer["accessibility"] = elements(scene);
+  answer["reload_after"] = momentText(timeline.policy.date());
+  answer["stale_from"] = nullptr;
+  if (const auto stale = staleFrom(entry)) answer["stale_from"] = momentText(*stale);
+  answer["watch"] = watched();
+  return answer;
+}
+
+void print(const ordered_json& answer) {
+  // A path need not be UTF-8; JSON must.
+  program::writeOutput(answer.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n");
+}
+
+}  // namespace
+
+int frame(const widgetkit::WidgetConfiguration& widget, const FrameOptions& options) {
+  ordered_json answer;
+  int exitCode = EX_OK;
+  try {
+    answer = drawFrame(widget, options);
+  } catch (...) {
+    const auto failure = program::currentFailure();
+    answer = {{"error", failure.what()}};
+    exitCode = failure.exitCode();
+  }
+  print(answer);
+  return exitCode;
+}
+
+}  // namespace extension

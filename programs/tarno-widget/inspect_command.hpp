@@ -1,0 +1,21 @@
+#pragma once
+
+#include "tarno-widget/tile.hpp"
+
+/// The commands that print what the widget answers. Each returns the program's exit code and throws
+/// program::Failure.
+namespace extension {
+
+/// Prints the entries and the reload date of a timeline as JSON.
+int timeline(const widgetkit::WidgetConfiguration& widget, widgetkit::WidgetFamily family);
+
+struct InspectOptions {
+  TileOptions tile;
+  bool asJSON = false;
+};
+
+/// Prints an entry, its view tree, the scene laid out and what a screen reader finds, all for one reading of
+/// the clock.
+int inspect(const widgetkit::WidgetConfiguration& widget, const InspectOptions& options);
+
+}  // namespace extension
