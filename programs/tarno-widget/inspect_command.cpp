@@ -6,7 +6,6 @@
 
 #include "common/dates.hpp"
 #include "common/output.hpp"
-#include "foundation/date.hpp"
 #include "render/text_engine.hpp"
 #include "tarno-widget/inspection.hpp"
 #include "ui/description/scene_description.hpp"
@@ -15,41 +14,20 @@
 namespace extension {
 namespace {
 
-/// Everything between a request and the pixels, at one moment.
-struct Inspected {
-  widgetkit::WidgetFamily family;
-  nlohmann::ordered_json entry;
-  ui::Description view;
-  ui::Description scene;
-  ui::Description accessibility;
-};
-
-Inspected inspected(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile) {
-  const foundation::ClockOverride oneReading{foundation::now()};
-  const auto entry = entryFor(widget, tile);
-  const auto view = entry.content({.widgetFamily = tile.family});
-  render::TextEngine text;
-  const auto scene = tileScene(view, tile.family, text);
-  return {.family = tile.family,
-          .entry = json(entry),
-          .view = describe(view),
-          .scene = describe(scene),
-          .accessibility = describeAccessibility(scene)};
-}
-
-std::string jsonText(const Inspected& inspected) {
-  const nlohmann::ordered_json result{{"family", name(inspected.family)},
-                                      {"entry", inspected.entry},
-                                      {"view", json(inspected.view)},
-                                      {"scene", json(inspected.scene)},
-                                      {"accessibility", json(inspected.accessibility)["children"]}};
+std::string jsonText(const Inspection& shown, widgetkit::WidgetFamily family) {
+  const nlohmann::ordered_json result{{"family", name(family)},
+                                      {"entry", json(shown.entry)},
+                                      {"view", json(shown.view)},
+                                      {"scene", json(shown.scene)},
+                                      {"accessibility", json(shown.accessibility)["children"]}};
   return result.dump(2) + "\n";
 }
 
-std::string textForPeople(const Inspected& inspected) {
-  std::string text = "entry " + std::string{name(inspected.family)} + "\n";
-  for (const auto& [key, value] : inspected.entry.items()) text += "  " + key + " " + value.dump() + "\n";
-  for (const auto* const part : {&inspected.view, &inspected.scene, &inspected.accessibility})
+std::string textForPeople(const Inspection& shown, widgetkit::WidgetFamily family) {
+  std::string text = "entry " + std::string{name(family)} + "\n";
+  const auto entry = json(shown.entry);
+  for (const auto& [key, value] : entry.items()) text += "  " + key + " " + value.dump() + "\n";
+  for (const auto* const part : {&shown.view, &shown.scene, &shown.accessibility})
     text += "\n" + outline(*part);
   return program::printableLines(text);
 }
@@ -66,8 +44,10 @@ int timeline(const widgetkit::WidgetConfiguration& widget, widgetkit::WidgetFami
 }
 
 int inspect(const widgetkit::WidgetConfiguration& widget, const InspectOptions& options) {
-  const auto everything = inspected(widget, options.tile);
-  program::writeOutput(options.asJSON ? jsonText(everything) : textForPeople(everything));
+  render::TextEngine text;
+  const auto shown = inspection(widget, options.tile, text);
+  program::writeOutput(options.asJSON ? jsonText(shown, options.tile.family)
+                                      : textForPeople(shown, options.tile.family));
   return EX_OK;
 }
 

@@ -3,11 +3,27 @@
 #include <nlohmann/json.hpp>
 
 #include "common/dates.hpp"
+#include "foundation/date.hpp"
 #include "shared/coding/json.hpp"
+#include "ui/description/scene_description.hpp"
+#include "ui/description/view_description.hpp"
+#include "widget/timeline/widget_entry.hpp"
 
 namespace extension {
 
 using nlohmann::ordered_json;
+
+Inspection inspection(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile,
+                      ui::TextMeasurer& measurer) {
+  const foundation::ClockOverride oneReading{foundation::now()};
+  const auto entry = entryFor(widget, tile);
+  const auto view = entry.content({.widgetFamily = tile.family});
+  const auto scene = tileScene(view, tile.family, measurer);
+  return {.entry = entry,
+          .view = describe(view),
+          .scene = describe(scene),
+          .accessibility = describeAccessibility(scene)};
+}
 
 ordered_json json(const widgetkit::AnyTimelineEntry& entry) {
   const auto& value = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);

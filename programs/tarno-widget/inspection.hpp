@@ -2,12 +2,22 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "tarno-widget/tile.hpp"
 #include "ui/description/description.hpp"
-#include "widget/timeline/widget_entry.hpp"
-#include "widgetkit/widget_configuration.hpp"
 
-/// Entries, views and scenes as JSON.
 namespace extension {
+
+/// Everything between a request and the pixels, at one moment.
+struct Inspection {
+  widgetkit::AnyTimelineEntry entry;
+  ui::Description view;
+  ui::Description scene;
+  ui::Description accessibility;
+};
+
+/// Asks for an entry, builds its view once and lays that out, all for one reading of the clock.
+Inspection inspection(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile,
+                      ui::TextMeasurer& measurer);
 
 /// "date", "status" (the record, or null) and "last_refresh" (a date, or null).
 nlohmann::ordered_json json(const widgetkit::AnyTimelineEntry& entry);

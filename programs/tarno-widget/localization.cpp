@@ -23,9 +23,6 @@ void useCatalogues() {
   bind_textdomain_codeset(domain, "UTF-8");
 }
 
-std::string localized(const widgetkit::LocalizedStringKey& key) {
-  if (key.key.empty()) return {};  // under the empty key gettext keeps the catalogue's header
-  return dgettext(domain, key.key.c_str());
-}
+std::string localized(const widgetkit::LocalizedStringKey& key) { return dgettext(domain, key.key.c_str()); }
 
 }  // namespace extension

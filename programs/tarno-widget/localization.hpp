@@ -11,7 +11,7 @@ namespace extension {
 void useCatalogues();
 
 /// The text for a key in the user's language by gettext, domain "tarno", or the key itself where there is
-/// none.
+/// none. The key is not empty: under the empty key gettext keeps a catalogue's header.
 std::string localized(const widgetkit::LocalizedStringKey& key);
 
 }  // namespace extension

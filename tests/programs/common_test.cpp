@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <functional>
 #include <set>
 #include <thread>
+#include <vector>
 
+#include "common/command_line.hpp"
 #include "common/dates.hpp"
 #include "common/failure.hpp"
 #include "common/files.hpp"
@@ -61,17 +64,34 @@ TEST(Program, ErrorLinesAreWholeOrLoseTheirMiddle) {
   EXPECT_EQ(program::errorLine(letters + "."), half + " … " + end.substr(2) + ".");
 }
 
-TEST(Program, ExceptionsEndAProgramWithTheirCode) {
-  const auto code = [](const auto& exception) {
-    try {
-      throw exception;
-    } catch (...) {
-      return program::currentFailure().exitCode();
-    }
-  };
-  EXPECT_EQ(code(program::Failure{EX_NOINPUT, ""}), EX_NOINPUT);
-  EXPECT_EQ(code(std::bad_alloc{}), EX_OSERR);
-  EXPECT_EQ(code(std::runtime_error{""}), EX_SOFTWARE);
+/// The code that a program ends with, and what it says.
+std::pair<int, std::string> runWith(std::vector<const char*> arguments, const std::function<int()>& command) {
+  CLI::App app;
+  program::ClockOption clock{app};
+  arguments.insert(arguments.begin(), "program");
+  testing::internal::CaptureStderr();
+  const int code =
+      program::run(app, static_cast<int>(arguments.size()), const_cast<char**>(arguments.data()), [&] {
+        clock.apply();
+        return command();
+      });
+  return {code, testing::internal::GetCapturedStderr()};
+}
+
+TEST(Program, EndsWithTheCodeOfWhatHappened) {
+  const auto name = std::string{program_invocation_short_name} + ": ";
+  const auto failing = [](const auto& exception) { return [exception]() -> int { throw exception; }; };
+  using Result = std::pair<int, std::string>;
+  EXPECT_EQ(runWith({}, [] { return 3; }), (Result{3, ""}));
+  EXPECT_EQ(runWith({}, failing(program::Failure{EX_NOINPUT, "a\033b"})),
+            (Result{EX_NOINPUT, name + "a?b\n"}));
+  EXPECT_EQ(runWith({}, failing(std::bad_alloc{})), (Result{EX_OSERR, name + "out of memory\n"}));
+  EXPECT_EQ(runWith({}, failing(std::logic_error{"odd"})), (Result{EX_SOFTWARE, name + "odd\n"}));
+  EXPECT_EQ(runWith({"--at", "2026-11-16"}, [] { return 0; }).first, EX_USAGE);
+  EXPECT_EQ(
+      runWith({"--at", "2026-11-16T15:41:35.25+01:00"},
+              [] { return foundation::now() == *program::parseDate("2026-11-16T14:41:35.250Z") ? 0 : 1; }),
+      (Result{0, ""}));
 }
 
 TEST(Program, DatesShowMillisecondsOnlyWhenThereAreAny) {
@@ -116,18 +136,40 @@ TEST(Program, NewFilesHaveTheModeThatTheUmaskLeaves) {
   EXPECT_EQ(fs::status(temporary.folder() / "file").permissions(), fs::perms{0640});
 }
 
-TEST(Program, WhatIsNotAFileIsWrittenInto) {
-  const TemporaryStore temporary;
-  const auto pipe = temporary.folder() / "pipe";
-  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  std::string received;
-  std::thread reader{[&] { received = program::readFile(pipe, 1 << 20); }};
+TEST(Program, PipesAreWrittenAndReadWholeAndSurviveSignals) {
+  const auto ignored = [](int) {};
+  struct sigaction action {
+  }, before{};
+  action.sa_handler = ignored;  // without SA_RESTART
+  sigaction(SIGUSR1, &action, &before);
+  std::signal(SIGPIPE, SIG_IGN);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const auto name = [](int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); };
+  const auto disturb = [](std::thread& thread) {
+    for (int i = 0; i < 20; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds{1});
+      pthread_kill(thread.native_handle(), SIGUSR1);
+    }
+  };
   const std::string sent(300000, 'x');  // more than a pipe holds
-  program::writeFile(pipe, sent);
+  std::string received;
+  std::thread writer{[&] { program::writeFile(name(ends[1]), sent); }};
+  disturb(writer);
+  std::thread reader{[&] { received = program::readFile(name(ends[0]), sent.size()); }};
+  writer.join();
+  disturb(reader);
+  close(ends[1]);
   reader.join();
-  EXPECT_EQ(received, sent);
-  EXPECT_TRUE(fs::is_fifo(pipe));
-  EXPECT_EQ(codeOf([] { program::writeFile("/dev/full", "x"); }), EX_IOERR);
+  close(ends[0]);
+  EXPECT_EQ(received.size(), sent.size());
+  sigaction(SIGUSR1, &before, nullptr);
+
+  ASSERT_EQ(pipe(ends), 0);
+  const int unread = ends[1];
+  close(ends[0]);
+  EXPECT_FALSE(program::writeAll(unread, "x"));
+  close(unread);
 }
 
 TEST(Program, FailuresNameTheirCauseAndLeaveNothing) {

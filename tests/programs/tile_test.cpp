@@ -8,7 +8,9 @@
 #include "render/image.hpp"
 #include "support/fake_measurer.hpp"
 #include "support/pixel_reference.hpp"
+#include "tarno-widget/drawing.hpp"
 #include "tarno-widget/extension.hpp"
+#include "tarno-widget/inspection.hpp"
 #include "ui/symbols/symbol.hpp"
 #include "widget/views/widget_view.hpp"
 
@@ -132,6 +134,34 @@ TEST(Tile, KeepsItsLayoutWithoutTheRoundedFace) {
   testing::FLAGS_gtest_death_test_style =
       "threadsafe";  // a new process, whose fontconfig has read nothing yet
   EXPECT_EXIT(std::exit(drawWithoutRoundedFace()), testing::ExitedWithCode(0), "");
+}
+
+TEST(Inspection, ShowsEverythingForOneReadingOfTheClock) {
+  auto moment = now;
+  const foundation::ClockOverride clock{[&] { return moment += 1s; }};
+  extension::withWidget([](const auto& widget) {
+    FakeMeasurer measurer;
+    const auto shown = extension::inspection(
+        widget, {WidgetFamily::systemMedium, extension::Request::placeholder}, measurer);
+    EXPECT_EQ(shown.entry.date, now + 1s);
+    EXPECT_EQ(std::any_cast<TarnoMacWidgetEntry>(shown.entry.value).lastRefresh, now + 1s);
+    EXPECT_NE(outline(shown.accessibility).find("\"0s ago\""), std::string::npos);
+    return 0;
+  });
+}
+
+TEST(Drawing, FailuresNameTheirCause) {
+  const auto code = [](const auto& exception) {
+    try {
+      extension::drawn([&] { throw exception; });
+    } catch (const program::Failure& failure) {
+      return failure.exitCode();
+    }
+    return 0;
+  };
+  EXPECT_EQ(code(render::ImageError{"too large"}), EX_USAGE);
+  EXPECT_EQ(code(std::runtime_error{"no such font"}), EX_DATAERR);
+  EXPECT_THROW(code(std::bad_alloc{}), std::bad_alloc);
 }
 
 TEST(Extension, HostGetsTheWidgetAndItsAnswer) {

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """tarno-widget as people run it."""
 
+import fcntl
 import json
 import os
+import resource
 import shutil
-import fcntl
 import struct
 import subprocess
 import sys
@@ -59,6 +60,9 @@ class Widget(ProgramTest):
                 self.assertEqual(struct.unpack(">II", png[16:24]), (width * scale, height * scale))
                 done = self.run_program("tarno-widget", "render", *arguments, "--output", "-")
                 self.assertEqual(done.stdout, png)
+        later = self.run_program("tarno-widget", "render", "--at", "2026-11-16T15:44:06Z", "--output", "-").stdout
+        sooner = self.run_program("tarno-widget", "render", "--at", MOMENT, "--output", "-").stdout
+        self.assertNotEqual(png_pixels(later), png_pixels(sooner))
         for name, start in (("a.svg", b"<?xml"), ("a.pdf", b"%PDF")):
             self.run_program("tarno-widget", "render", "--output", name, "--placeholder")
             self.assertTrue((self.folder / name).read_bytes().startswith(start))
@@ -117,6 +121,14 @@ class Widget(ProgramTest):
             inspected = self.inspected(flag, "--at", MOMENT)
             self.assertEqual(inspected["entry"]["status"]["device_name"], "Kivo's Mac")
             self.assertEqual(inspected["accessibility"][0]["label"], "Kivo's Mac locked")
+            self.assertEqual(inspected["entry"]["last_refresh"], MOMENT)
+
+    def test_inspection_cannot_steer_a_terminal(self):
+        name = "a\x1b[2J\x7f\x9b\u202eb\n"
+        self.save({"device_name": name})
+        shown = self.run_program("tarno-widget", "inspect", "--at", MOMENT).stdout.decode()
+        self.assertNotRegex(shown, "[\x00-\x09\x0b-\x1f\x7f-\x9f\u202a-\u202e]")
+        self.assertEqual(self.inspected("--at", MOMENT)["entry"]["status"]["device_name"], name)
 
     def test_inspection_shows_the_arc_where_it_is_drawn(self):
         for status, end in (("locked", 457.2), ("unlocked", 318.096), ("locking", 378.576), ("unknown", 239.472)):
@@ -132,7 +144,21 @@ class Widget(ProgramTest):
         self.assertEqual(shown, {"kind": "TarnoMacWidget", "display_name": "Tarno",
                                  "description": "Mac lock status and presence signals.",
                                  "families": ["systemSmall", "systemMedium", "systemLarge"]})
-        self.assertEqual(len(os.listdir(self.folder / "previews")), 3)
+        self.assertEqual(sorted(os.listdir(self.folder / "previews")),
+                         [f"TarnoMacWidget-system{family}.png" for family in ("Large", "Medium", "Small")])
+        people = self.run_program("tarno-widget", "gallery").stdout.decode()
+        self.assertEqual(people, "Tarno\nMac lock status and presence signals.\nkind TarnoMacWidget\n"
+                                 "  systemSmall   170 x 170 points\n  systemMedium  364 x 170 points\n"
+                                 "  systemLarge   364 x 382 points\n")
+
+    def test_previews_show_the_placeholder(self):
+        self.save({"status": "unlocked"})
+        self.run_program("tarno-widget", "gallery", "--output", ".", "--scale", 1.5)
+        for family in ("small", "medium"):
+            drawn = self.run_program("tarno-widget", "render", "--placeholder", "--family", family, "--scale", 1.5,
+                                     "--output", "-").stdout
+            shown = (self.folder / f"TarnoMacWidget-system{family.capitalize()}.png").read_bytes()
+            self.assertEqual(png_pixels(shown), png_pixels(drawn), family)
 
     def test_gallery_speaks_the_users_language(self):
         programs, catalogues = self.folder / "bin", self.folder / "share/locale/de/LC_MESSAGES"
@@ -142,21 +168,27 @@ class Widget(ProgramTest):
         text = ('msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n'
                 'msgid "Mac lock status and presence signals."\nmsgstr "Sperre und Anwesenheit für den Mac"\n')
         subprocess.run(["msgfmt", "-o", catalogues / "tarno.mo", "-"], input=text.encode(), check=True)
-        shown = self.run_program(programs / "tarno-widget", "gallery", "--json", LANGUAGE="de").stdout
-        self.assertEqual(json.loads(shown)["description"], "Sperre und Anwesenheit für den Mac")
-        self.assertEqual(json.loads(shown)["display_name"], "Tarno")
+        for locale in ({"LC_ALL": "C.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "C.UTF-8"}):
+            shown = json.loads(
+                self.run_program(programs / "tarno-widget", "gallery", "--json", LANGUAGE="de", **locale).stdout)
+            self.assertEqual(shown["description"], "Sperre und Anwesenheit für den Mac", locale)
+            self.assertEqual(shown["display_name"], "Tarno")
 
     def test_wrong_command_lines(self):
         for arguments in ((), ("--output", "tile.gif"), ("--output", "a.png", "--family", "huge"),
                           ("--output", "a.png", "--scale", "0"), ("--output", "a.png", "--scale", "nan"),
+                          ("--output", "a.png", "--scale", "inf"), ("--output", "a.png", "--scale", "-1"),
+                          ("--output", "a.png", "--at", "yesterday"),
                           ("--output", "a.png", "--scale", "100000"),
                           ("--output", "a.png", "--preview", "--placeholder"), ("--output", "/")):
             self.run_program("tarno-widget", "render", *arguments, code=64)
         self.assertEqual(os.listdir(self.folder), ["data"] if self.group.exists() else [])
 
-    def test_help_has_an_example(self):
-        for command in ([], ["render"], ["timeline"], ["gallery"], ["inspect"]):
-            self.assertIn(b"Example", self.run_program("tarno-widget", *command, "--help").stdout)
+    def test_help_and_version(self):
+        for command in ([], ["frame"], ["render"], ["timeline"], ["gallery"], ["inspect"]):
+            self.assertIn(b"Example:\n  tarno-widget", self.run_program("tarno-widget", *command, "--help").stdout)
+        for program in ("tarno-status", "tarno-widget", "tarno-desktop"):
+            self.assertRegex(self.run_program(program, "--version").stdout.decode(), rf"\A{program} \d+\.\d+\.\d+\n\Z")
 
     def test_what_cannot_be_written(self):
         self.run_program("tarno-widget", "render", "--output", "no/such/folder/a.png", code=73)
@@ -166,6 +198,13 @@ class Widget(ProgramTest):
             done = subprocess.run([BIN / "tarno-widget", "render", "--output", "-"], stdout=full,
                                   stderr=subprocess.PIPE, env=self.environment, check=False)
         self.assertEqual(done.returncode, 74, done.stderr)
+
+    def test_a_file_size_limit_leaves_nothing(self):
+        done = subprocess.run([BIN / "tarno-widget", "render", "--output", "b.png"], capture_output=True,
+                              env=self.environment, cwd=self.folder,
+                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100)))
+        self.assertEqual(done.returncode, 74, done.stderr)
+        self.assertEqual([name for name in os.listdir(self.folder) if name != "data"], [])
 
 
 if __name__ == "__main__":
