@@ -18,13 +18,15 @@ CLI::App& addCommand(CLI::App& app, const char* name, const char* description, c
 }
 
 void addFamilyOption(CLI::App& command, widgetkit::WidgetFamily& family) {
-  const auto read = [&family](const std::string& word) {
+  const std::string words{extension::familyWords};
+  const auto read = [&family, words](const std::string& word) {
     const auto named = extension::familyNamed(word);
-    if (!named) throw CLI::ValidationError{"--family is small, medium or large, not '" + word + "'"};
+    if (!named) throw CLI::ValidationError{"--family takes " + words + ", not '" + word + "'"};
     family = *named;
   };
-  command.add_option_function<std::string>("--family", read, "small, medium (default) or large")
-      ->type_name("FAMILY");
+  command.add_option_function<std::string>("--family", read, "Size of the tile: " + words)
+      ->type_name("FAMILY")
+      ->default_str("medium");
 }
 
 void addTileOptions(CLI::App& command, extension::TileOptions& tile) {

@@ -17,7 +17,10 @@ inline constexpr double cornerRadius = 22;
 /// The size of a family's tile in points: 170 x 170, 364 x 170, 364 x 382.
 ui::Size tileSize(widgetkit::WidgetFamily family);
 
-/// The family that a command line calls "small", "medium" or "large"; nothing for any other word.
+/// What a command line calls the families.
+inline constexpr std::string_view familyWords = "small, medium or large";
+
+/// The family that one of these words names; nothing for any other word.
 std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
 
 /// What a host tells the provider about a request for a tile of `family`.

@@ -39,14 +39,15 @@ def straight(argb):
 
 
 class Widget(ProgramTest):
-    def frame(self, *arguments, code=0, flags=os.MFD_ALLOW_SEALING, **environment):
+    def frame(self, *arguments, code=0, flags=os.MFD_ALLOW_SEALING, said=rb"\A\Z"):
         """The answer of a frame and the memory that it is in, as a host gets them."""
         memory = os.memfd_create("frame", flags)
         self.addCleanup(os.close, memory)
+        os.write(memory, bytes([255]) * 5000)
         done = subprocess.run([BIN / "tarno-widget", "frame", "--fd", str(memory), *map(str, arguments)], timeout=60,
-                              pass_fds=[memory], capture_output=True, env={**self.environment, **environment})
+                              pass_fds=[memory], capture_output=True, env=self.environment)
         self.assertEqual(done.returncode, code, done.stderr)
-        self.assertEqual(done.stderr, b"")
+        self.assertRegex(done.stderr, said)
         answer, = done.stdout.splitlines()
         return json.loads(answer), memory
 
@@ -104,6 +105,12 @@ class Widget(ProgramTest):
         self.assertEqual((answer["announcement"], answer["stale_from"]), ("Mac status unknown", None))
         self.assertEqual(answer["reload_after"], "9999-12-31T23:59:59.999Z")
         self.assertEqual(answer["watch"]["folder"], str(self.group))
+
+    def test_the_stores_message_is_not_part_of_the_answer(self):
+        self.save()
+        self.group.chmod(0o777)
+        answer, _ = self.frame(said=rb"\A[^\n]+\n\Z")
+        self.assertEqual(answer["announcement"], "Mac status unknown")
 
     def test_a_frame_that_cannot_be_drawn(self):
         for arguments, flags in ((("--scale", 1e6), os.MFD_ALLOW_SEALING), ((), 0)):
