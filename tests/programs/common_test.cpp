@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,11 +13,13 @@
 #include "common/failure.hpp"
 #include "common/files.hpp"
 #include "common/output.hpp"
+#include "foundation/file_descriptor.hpp"
 #include "support/temporary_store.hpp"
 
 namespace {
 
 namespace fs = std::filesystem;
+using foundation::FileDescriptor;
 
 std::set<std::string> entries(const fs::path& folder) {
   std::set<std::string> names;
@@ -102,50 +103,35 @@ TEST(Program, DatesShowMillisecondsOnlyWhenThereAreAny) {
   EXPECT_EQ(program::parseDate("2026-11-16"), std::nullopt);
 }
 
-TEST(Program, FilesAreReplacedThroughTheirLinksAndKeepTheirMode) {
+TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {
   const TemporaryStore temporary;
-  const auto file = temporary.folder() / "file", link = temporary.folder() / "link";
-  program::writeFile(file, "old");
-  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
-  fs::create_symlink("file", link);
-  program::writeFile(link, "new");
-  EXPECT_TRUE(fs::is_symlink(link));
-  EXPECT_EQ(program::readFile(file, 3), "new");
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"file", "link"}));
-}
-
-TEST(Program, FilesAreMadeWhereLinksLead) {
-  const TemporaryStore temporary;
-  fs::create_directory(temporary.folder() / "inner");
-  fs::create_symlink("inner/second", temporary.folder() / "first");
-  fs::create_symlink("../made", temporary.folder() / "inner" / "second");
-  fs::create_symlink("loop", temporary.folder() / "loop");
-  program::writeFile(temporary.folder() / "first", "new");
-  EXPECT_EQ(program::readFile(temporary.folder() / "made", 3), "new");
-  EXPECT_TRUE(fs::is_symlink(temporary.folder() / "inner" / "second"));
-  EXPECT_EQ(codeOf([&] { program::writeFile(temporary.folder() / "loop", "new"); }), EX_CANTCREAT);
-  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"first", "inner", "loop", "made"}));
-}
-
-TEST(Program, NewFilesHaveTheModeThatTheUmaskLeaves) {
-  const TemporaryStore temporary;
+  const auto at = [&](const char* name) { return temporary.folder() / name; };
+  fs::create_directory(at("inner"));
+  fs::create_symlink("inner/second", at("first"));
+  fs::create_symlink("../file", at("inner/second"));
   const auto before = umask(027);
-  program::writeFile(temporary.folder() / "file", "");
+  program::writeFile(at("first"), "made");
   EXPECT_EQ(umask(before), 027);
-  EXPECT_EQ(fs::status(temporary.folder() / "file").permissions(), fs::perms{0640});
+  EXPECT_EQ(program::readFile(at("file"), 4), "made");
+  EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{0640});
+  fs::permissions(at("file"), fs::perms{0604});
+  program::writeFile(at("first"), "replaced");
+  EXPECT_EQ(program::readFile(at("file"), 8), "replaced");
+  EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{0604});
+  EXPECT_TRUE(fs::is_symlink(at("inner/second")));
+  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"file", "first", "inner"}));
 }
 
 TEST(Program, PipesAreWrittenAndReadWholeAndSurviveSignals) {
-  const auto ignored = [](int) {};
   struct sigaction action {
   }, before{};
-  action.sa_handler = ignored;  // without SA_RESTART
+  action.sa_handler = [](int) {};  // without SA_RESTART
   sigaction(SIGUSR1, &action, &before);
-  std::signal(SIGPIPE, SIG_IGN);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  const auto name = [](int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); };
+  const FileDescriptor output{ends[0]};
+  FileDescriptor input{ends[1]};
+  const auto name = [](const FileDescriptor& end) { return "/proc/self/fd/" + std::to_string(end.get()); };
   const auto disturb = [](std::thread& thread) {
     for (int i = 0; i < 20; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds{1});
@@ -154,43 +140,31 @@ TEST(Program, PipesAreWrittenAndReadWholeAndSurviveSignals) {
   };
   const std::string sent(300000, 'x');  // more than a pipe holds
   std::string received;
-  std::thread writer{[&] { program::writeFile(name(ends[1]), sent); }};
+  std::thread writer{[&] { program::writeFile(name(input), sent); }};
   disturb(writer);
-  std::thread reader{[&] { received = program::readFile(name(ends[0]), sent.size()); }};
+  std::thread reader{[&] { received = program::readFile(name(output), sent.size()); }};
   writer.join();
   disturb(reader);
-  close(ends[1]);
+  input = FileDescriptor{};
   reader.join();
-  close(ends[0]);
   EXPECT_EQ(received.size(), sent.size());
   sigaction(SIGUSR1, &before, nullptr);
-
-  ASSERT_EQ(pipe(ends), 0);
-  const int unread = ends[1];
-  close(ends[0]);
-  EXPECT_FALSE(program::writeAll(unread, "x"));
-  close(unread);
 }
 
-TEST(Program, FailuresNameTheirCauseAndLeaveNothing) {
+TEST(Program, FileFailuresNameTheirCause) {
   const TemporaryStore temporary;
-  const auto file = temporary.folder() / "file";
-  program::writeFile(file, "old");
-  EXPECT_EQ(codeOf([&] { program::readFile(file, 2); }), EX_DATAERR);
-  EXPECT_EQ(codeOf([&] { program::readFile(temporary.folder(), 2); }), EX_NOINPUT);
-  EXPECT_EQ(codeOf([&] { program::readFile(temporary.folder() / "none", 2); }), EX_NOINPUT);
-  EXPECT_EQ(codeOf([&] { program::writeFile(temporary.folder(), "new"); }), EX_CANTCREAT);
-  EXPECT_EQ(codeOf([&] { program::writeFile(temporary.folder() / "none" / "file", "new"); }), EX_CANTCREAT);
-  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit small{4, limit.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &small);
-  EXPECT_EQ(codeOf([&] { program::writeFile(file, "longer than that"); }), EX_IOERR);
-  setrlimit(RLIMIT_FSIZE, &limit);
-  std::signal(SIGXFSZ, previous);
-  EXPECT_EQ(program::readFile(file, 3), "old");
-  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"file"}));
+  const auto at = [&](const char* name) { return temporary.folder() / name; };
+  program::writeFile(at("file"), "old");
+  fs::create_symlink("loop", at("loop"));
+  const std::pair<int, std::function<void()>> cases[] = {
+      {EX_DATAERR, [&] { program::readFile(at("file"), 2); }},
+      {EX_NOINPUT, [&] { program::readFile(at(""), 2); }},
+      {EX_NOINPUT, [&] { program::readFile(at("none"), 2); }},
+      {EX_CANTCREAT, [&] { program::writeFile(at(""), "new"); }},
+      {EX_CANTCREAT, [&] { program::writeFile(at("none/file"), "new"); }},
+      {EX_CANTCREAT, [&] { program::writeFile(at("loop"), "new"); }}};
+  for (const auto& [code, action] : cases) EXPECT_EQ(codeOf(action), code);
+  EXPECT_EQ(entries(temporary.folder()), (std::set<std::string>{"file", "loop"}));
 }
 
 }  // namespace

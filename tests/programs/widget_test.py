@@ -207,11 +207,13 @@ class Widget(ProgramTest):
         self.assertEqual(done.returncode, 74, done.stderr)
 
     def test_a_file_size_limit_leaves_nothing(self):
+        (self.folder / "b.png").write_text("old")
         done = subprocess.run([BIN / "tarno-widget", "render", "--output", "b.png"], capture_output=True,
                               env=self.environment, cwd=self.folder,
                               preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100)))
         self.assertEqual(done.returncode, 74, done.stderr)
-        self.assertEqual([name for name in os.listdir(self.folder) if name != "data"], [])
+        self.assertEqual([name for name in os.listdir(self.folder) if name != "data"], ["b.png"])
+        self.assertEqual((self.folder / "b.png").read_text(), "old")
 
 
 if __name__ == "__main__":
