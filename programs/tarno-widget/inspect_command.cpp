@@ -51,4 +51,13 @@ int inspect(const widgetkit::WidgetConfiguration& widget, const InspectOptions& 
   return EX_OK;
 }
 
+int fonts() {
+  const bool hasRounded = render::hasRoundedFace();
+  program::writeOutput(hasRounded
+                           ? "Quicksand\n"
+                           : "Quicksand is missing, so texts are set in a plain sans-serif face; install "
+                             "fonts-quicksand\n");
+  return hasRounded ? EX_OK : EX_UNAVAILABLE;
+}
+
 }  // namespace extension

@@ -102,9 +102,13 @@ int main(int argc, char** argv) {
       ->type_name("FOLDER");
   addScaleOption(gallery, browsing.scale);
 
+  auto& fonts = addCommand(app, "fonts", "Print the face that texts are set in, and say if it is missing",
+                           "tarno-widget fonts");
+
   program::ClockOption clock{&render, &frame, &timeline, &inspect, &gallery};
   return program::run(app, argc, argv, [&] {
     clock.apply();
+    if (fonts.parsed()) return extension::fonts();
     return extension::withWidget([&](const widgetkit::WidgetConfiguration& widget) {
       if (render.parsed()) return extension::render(widget, rendering);
       if (frame.parsed()) return extension::frame(widget, framing);

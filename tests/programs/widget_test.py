@@ -191,8 +191,17 @@ class Widget(ProgramTest):
             self.run_program("tarno-widget", "render", *arguments, code=64)
         self.assertEqual(os.listdir(self.folder), ["data"] if self.group.exists() else [])
 
+    def test_fonts_tell_when_the_rounded_face_is_missing(self):
+        self.assertEqual(self.run_program("tarno-widget", "fonts").stdout, b"Quicksand\n")
+        (self.folder / "fonts.conf").write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont>"
+                                                "<rejectfont><glob>*quicksand*</glob></rejectfont></selectfont></fontconfig>")
+        done = subprocess.run([BIN / "tarno-widget", "fonts"], capture_output=True,
+                              env={**self.environment, "FONTCONFIG_FILE": str(self.folder / "fonts.conf")})
+        self.assertEqual((done.returncode, done.stderr), (69, b""))
+        self.assertRegex(done.stdout.decode(), r"\AQuicksand is missing[^\n]*\n\Z")
+
     def test_help_and_version(self):
-        for command in ([], ["frame"], ["render"], ["timeline"], ["gallery"], ["inspect"]):
+        for command in ([], ["frame"], ["render"], ["timeline"], ["gallery"], ["inspect"], ["fonts"]):
             self.assertIn(b"Example:\n  tarno-widget", self.run_program("tarno-widget", *command, "--help").stdout)
         for program in ("tarno-status", "tarno-widget", "tarno-desktop"):
             self.assertRegex(self.run_program(program, "--version").stdout.decode(), rf"\A{program} \d+\.\d+\.\d+\n\Z")
