@@ -5,21 +5,33 @@
 namespace program {
 namespace {
 
-constexpr foundation::ISO8601DateFormatter wholeSeconds{foundation::withInternetDateTime};
-constexpr foundation::ISO8601DateFormatter fractions{foundation::withInternetDateTime |
-                                                     foundation::withFractionalSeconds};
+const std::string forms = "a date such as 2026-11-16T15:41:35Z or 2026-11-16T16:41:35.250+01:00 (RFC 3339)";
 
 }  // namespace
 
-std::optional<foundation::Date> parseDate(std::string_view text) {
-  const auto date = fractions.date(text);
-  return date ? date : wholeSeconds.date(text);
+CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<foundation::Date>& date,
+                           const std::string& description) {
+  const auto read = [&date, name](const std::string& text) {
+    date = foundation::dateFromRFC3339(text);
+    if (!date) throw CLI::ValidationError{name + " takes " + forms + ", not '" + text + "'"};
+  };
+  return app.add_option_function<std::string>(name, read, description + "; " + forms)->type_name("DATE");
+}
+
+ClockOption::ClockOption(std::initializer_list<CLI::App*> commands) {
+  for (auto* const command : commands)
+    addDateOption(*command, "--at", at_, "Use this date instead of the current time");
+}
+
+void ClockOption::apply() {
+  if (at_) override_.emplace(*at_);
 }
 
 std::string dateText(foundation::Date date) {
   using namespace std::chrono;
+  using namespace foundation;
   const bool isWhole = floor<milliseconds>(date) == floor<seconds>(date);
-  return (isWhole ? wholeSeconds : fractions).string(date);
+  return ISO8601DateFormatter{withInternetDateTime | (isWhole ? 0u : withFractionalSeconds)}.string(date);
 }
 
 }  // namespace program

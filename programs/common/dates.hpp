@@ -1,15 +1,32 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
+#include <initializer_list>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "foundation/date.hpp"
 
 namespace program {
 
-/// An RFC 3339 date-time, with or without a fraction of a second.
-std::optional<foundation::Date> parseDate(std::string_view text);
+/// An option that takes an RFC 3339 date-time, with or without a fraction of a second.
+CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<foundation::Date>& date,
+                           const std::string& description);
+
+/// --at DATE, for commands that read the clock: while the command runs, the clock stands still there.
+class ClockOption {
+ public:
+  /// Adds the option to each of `commands`; this object outlives them.
+  explicit ClockOption(std::initializer_list<CLI::App*> commands);
+  explicit ClockOption(CLI::App& command) : ClockOption({&command}) {}
+
+  /// Stops the clock when the option was given. Call once, after the arguments were parsed.
+  void apply();
+
+ private:
+  std::optional<foundation::Date> at_;
+  std::optional<foundation::ClockOverride> override_;
+};
 
 /// RFC 3339 in UTC, with milliseconds unless they are zero.
 std::string dateText(foundation::Date date);

@@ -1,6 +1,7 @@
 #include <cstdlib>
 
 #include "common/command_line.hpp"
+#include "common/dates.hpp"
 #include "common/failure.hpp"
 #include "common/output.hpp"
 #include "tarno-desktop/desktop.hpp"

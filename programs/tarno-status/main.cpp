@@ -1,5 +1,6 @@
 #include "commands.hpp"
 #include "common/command_line.hpp"
+#include "common/dates.hpp"
 #include "common/output.hpp"
 
 int main(int argc, char** argv) {

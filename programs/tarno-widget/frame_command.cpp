@@ -34,9 +34,7 @@ std::string momentText(foundation::Date moment) {
 std::optional<foundation::Date> staleFrom(const widgetkit::AnyTimelineEntry& entry) {
   const auto& [date, status, lastRefresh] = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);
   if (!status || status->isStale() || !lastRefresh) return std::nullopt;
-  // An age is whole seconds, and stale is what is older than the limit.
-  return foundation::addingTimeInterval(*lastRefresh,
-                                        TarnoStatusFreshness::localStaleAfter + std::chrono::seconds{1});
+  return TarnoStatusFreshness::staleFrom(*lastRefresh);
 }
 
 ordered_json elements(const ui::Scene& scene) {

@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "common/command_line.hpp"
+#include "common/dates.hpp"
 #include "common/output.hpp"
 #include "tarno-widget/extension.hpp"
 #include "tarno-widget/frame_command.hpp"

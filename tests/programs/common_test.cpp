@@ -14,6 +14,7 @@
 #include "common/files.hpp"
 #include "common/output.hpp"
 #include "foundation/file_descriptor.hpp"
+#include "foundation/iso8601.hpp"
 #include "support/temporary_store.hpp"
 
 namespace {
@@ -91,16 +92,17 @@ TEST(Program, EndsWithTheCodeOfWhatHappened) {
   EXPECT_EQ(runWith({"--at", "2026-11-16"}, [] { return 0; }).first, EX_USAGE);
   EXPECT_EQ(
       runWith({"--at", "2026-11-16T15:41:35.25+01:00"},
-              [] { return foundation::now() == *program::parseDate("2026-11-16T14:41:35.250Z") ? 0 : 1; }),
+              [] {
+                return foundation::now() == *foundation::dateFromRFC3339("2026-11-16T14:41:35.250Z") ? 0 : 1;
+              }),
       (Result{0, ""}));
 }
 
 TEST(Program, DatesShowMillisecondsOnlyWhenThereAreAny) {
   for (const char* const text :
        {"2026-11-16T15:41:35Z", "2026-11-16T15:41:35.250Z", "1969-12-31T23:59:59.999Z"})
-    EXPECT_EQ(program::dateText(*program::parseDate(text)), text);
+    EXPECT_EQ(program::dateText(*foundation::dateFromRFC3339(text)), text);
   EXPECT_EQ(program::dateText(foundation::Date{std::chrono::microseconds{999}}), "1970-01-01T00:00:00Z");
-  EXPECT_EQ(program::parseDate("2026-11-16"), std::nullopt);
 }
 
 TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {
