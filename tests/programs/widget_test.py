@@ -39,13 +39,14 @@ def straight(argb):
 
 
 class Widget(ProgramTest):
-    def frame(self, *arguments, code=0, flags=os.MFD_ALLOW_SEALING, said=rb"\A\Z"):
+    def frame(self, *arguments, code=0, flags=os.MFD_ALLOW_SEALING, said=rb"\A\Z", program="tarno-widget",
+              **environment):
         """The answer of a frame and the memory that it is in, as a host gets them."""
         memory = os.memfd_create("frame", flags)
         self.addCleanup(os.close, memory)
         os.write(memory, bytes([255]) * 5000)
-        done = subprocess.run([BIN / "tarno-widget", "frame", "--fd", str(memory), *map(str, arguments)], timeout=60,
-                              pass_fds=[memory], capture_output=True, env=self.environment)
+        done = subprocess.run([BIN / program, "frame", "--fd", str(memory), *map(str, arguments)], timeout=60,
+                              pass_fds=[memory], capture_output=True, env={**self.environment, **environment})
         self.assertEqual(done.returncode, code, done.stderr)
         self.assertRegex(done.stderr, said)
         answer, = done.stdout.splitlines()
@@ -173,13 +174,16 @@ class Widget(ProgramTest):
         catalogues.mkdir(parents=True)
         shutil.copy(BIN / "tarno-widget", programs)
         text = ('msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n'
+                'msgid "Tarno"\nmsgstr "Tarno-Kachel"\n'
                 'msgid "Mac lock status and presence signals."\nmsgstr "Sperre und Anwesenheit für den Mac"\n')
         subprocess.run(["msgfmt", "-o", catalogues / "tarno.mo", "-"], input=text.encode(), check=True)
         for locale in ({"LC_ALL": "C.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "C.UTF-8"}):
             shown = json.loads(
                 self.run_program(programs / "tarno-widget", "gallery", "--json", LANGUAGE="de", **locale).stdout)
             self.assertEqual(shown["description"], "Sperre und Anwesenheit für den Mac", locale)
-            self.assertEqual(shown["display_name"], "Tarno")
+            self.assertEqual(shown["display_name"], "Tarno-Kachel")
+        answer, _ = self.frame(program=programs / "tarno-widget", LANGUAGE="de")
+        self.assertEqual(answer["title"], "Tarno-Kachel")
 
     def test_wrong_command_lines(self):
         for arguments in ((), ("--output", "tile.gif"), ("--output", "a.png", "--family", "huge"),
