@@ -2,8 +2,8 @@
 
 #include "tarno-widget/tile.hpp"
 
-/// The commands that print what the widget answers and what it is drawn with. Each returns the program's exit code and throws
-/// program::Failure.
+/// The commands that print what the widget answers and what it is drawn with. Each returns the program's exit
+/// code and throws program::Failure.
 namespace extension {
 
 /// Prints the entries and the reload date of a timeline as JSON.
