@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 #include <variant>
 
@@ -16,5 +18,8 @@ struct Data {
 
 /// What a defaults store keeps under a key: data, a date, text or a number.
 using DefaultsValue = std::variant<Data, Date, std::string, double>;
+
+/// Values by their keys.
+using DefaultsValues = std::map<std::string, DefaultsValue, std::less<>>;
 
 }  // namespace foundation

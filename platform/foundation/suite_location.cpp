@@ -1,4 +1,4 @@
-#include "foundation/suite_store.hpp"
+#include "foundation/suite_location.hpp"
 
 #include <limits.h>
 #include <pwd.h>
@@ -48,7 +48,7 @@ std::optional<SuiteLocation> suiteLocation(std::string_view name) {
   const auto home = dataHome();
   if (!home) return std::nullopt;
   const path directory = *home / name;
-  return SuiteLocation{directory, directory / "defaults.sqlite"};
+  return SuiteLocation{directory, directory / "defaults.json"};
 }
 
 }  // namespace foundation

@@ -1,87 +1,84 @@
 #include "foundation/suite_store.hpp"
 
-#include <sqlite3.h>
-
-#include <algorithm>
+#include <chrono>
+#include <thread>
 #include <utility>
 
-#include "foundation/defaults_table.hpp"
-#include "foundation/suite_directory.hpp"
+#include "foundation/coding_error.hpp"
+#include "foundation/defaults_document.hpp"
+#include "foundation/suite_folder.hpp"
 
 namespace foundation {
 namespace {
 
-constexpr std::chrono::milliseconds readerPatience{250};
-constexpr std::chrono::milliseconds writerPatience{2000};
+using namespace std::chrono;
 
-/// SQLite adds the name of the journal to it.
-std::size_t longestPath() {
-  return static_cast<std::size_t>(sqlite3_vfs_find(nullptr)->mxPathname) -
-         std::string_view{"-journal"}.size();
+/// How long a save waits for others, in all.
+constexpr milliseconds patience{2000};
+
+struct Content {
+  std::optional<std::string> text;  ///< of the file; nothing when there is none or it is damaged
+  DefaultsValues values;
+  std::string damage;
+};
+
+Content readContent(const SuiteFolder& folder) {
+  Content content{.text = folder.readFile()};
+  if (!content.text) return content;
+  try {
+    content.values = decodeDefaults(*content.text);
+  } catch (const DecodingError& error) {
+    content.damage = error.what();
+    content.text.reset();
+  }
+  return content;
 }
 
-DefaultsValues readValues(const SuiteDirectory& directory) {
-  const Deadline deadline{readerPatience};
-  const auto lock = directory.lockShared(deadline);
+Content readSuite(const SuiteLocation& location) {
+  const auto folder = SuiteFolder::find(location);
+  return folder ? readContent(*folder) : Content{};
+}
+
+/// Does `work` in the folder while no one else saves. A folder that turns out to have been removed or
+/// replaced does not count: the work is done once more in the one that the path leads to by then. Hands back
+/// the folder, still locked.
+template <class Work>
+SuiteFolder inLockedFolder(const SuiteLocation& location, Work work) {
+  const auto end = steady_clock::now() + patience;
+  for (; steady_clock::now() < end; std::this_thread::sleep_for(milliseconds{2})) {
+    auto folder = SuiteFolder::findOrMake(location);
+    if (!folder.tryLock() || !folder.isInPlace()) continue;
+    try {
+      work(folder);
+      if (folder.isInPlace()) return folder;
+    } catch (const SuiteError&) {
+      if (folder.isInPlace()) throw;
+    }
+  }
+  throw SuiteError{SuiteError::Kind::busy, location.directory.string() + " is locked by another program"};
+}
+
+/// What the suite holds afterwards. Throws EncodingError, too.
+DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes) {
   DefaultsValues values;
-  if (!directory.hasFile()) return values;
-  // Ready to write, because a save that was cut off is undone by whoever comes next.
-  const SqliteDatabase database{directory.location().file, SqliteDatabase::Access::readWrite, deadline};
-  visitDefaults(database, [&](DefaultsRow row) {
-    if (row.value) values.insert_or_assign(std::string{row.key}, *std::move(row.value));
+  inLockedFolder(location, [&](const SuiteFolder& folder) {
+    auto content = readContent(folder);
+    for (const auto& [key, value] : changes) content.values.insert_or_assign(key, value);
+    folder.replaceFile(encodeDefaults(content.values), content.text, !content.damage.empty());
+    values = std::move(content.values);
   });
   return values;
 }
 
-/// Writes `values` in one transaction, or throws; false when the file is damaged. The caller holds a lock.
-bool tryToWrite(const SuiteDirectory& directory, const DefaultsValues& values, const Deadline& deadline) {
-  if (!directory.hasFile()) directory.makeFile();
-  try {
-    const SqliteDatabase database{directory.location().file, SqliteDatabase::Access::readWrite, deadline};
-    writeDefaults(database, values);
-    return true;
-  } catch (const SqliteError& error) {
-    // A file that we may write and that SQLite will not is marked, in its header, as written by some later
-    // format.
-    const bool isOfAnotherFormat = error.code() == SQLITE_READONLY && directory.mayWriteFile();
-    if (error.isDamage() || isOfAnotherFormat) return false;
-    throw;
-  }
-}
-
-/// Writes `values` in one transaction, setting a damaged file aside first; throws when nothing was written.
-void writeValues(const SuiteDirectory& directory, const DefaultsValues& values) {
-  const Deadline deadline{writerPatience};
-  {
-    const auto lock = directory.lockShared(deadline);
-    if (tryToWrite(directory, values, deadline)) return;
-  }
-  const auto lock = directory.lockExclusively(deadline);
-  // Another process may have been quicker to set it aside.
-  if (tryToWrite(directory, values, deadline)) return;
-  directory.setFileAside(now());
-  if (!tryToWrite(directory, values, deadline)) {
-    throw SuiteRefusal{directory.location().file.string() + " is damaged as soon as it is made"};
-  }
-}
-
 class SuiteStore final : public UserDefaults {
  public:
-  explicit SuiteStore(SuiteLocation location)
-      : directory_(std::move(location), SuiteDirectory::WhenMissing::make) {
-    const auto& file = directory_.location().file;
-    if (file.native().size() > longestPath())
-      throw SuiteRefusal{file.string() + " is a longer path than SQLite takes"};
-    directory_.hasFile();
-  }
-
-  ~SuiteStore() override { synchronizeValues(); }
+  SuiteStore(SuiteLocation location, DefaultsValues stored)
+      : location_(std::move(location)), stored_(std::move(stored)) {}
 
   std::optional<DefaultsValue> object(std::string_view key) const override {
     if (const auto found = pending_.find(key); found != pending_.end()) return found->second;
-    if (!stored_) read();
-    const auto found = stored_->find(key);
-    if (found == stored_->end()) return std::nullopt;
+    const auto found = stored_.find(key);
+    if (found == stored_.end()) return std::nullopt;
     return found->second;
   }
 
@@ -89,50 +86,59 @@ class SuiteStore final : public UserDefaults {
     pending_.insert_or_assign(std::string{key}, std::move(value));
   }
 
-  bool synchronize() override { return synchronizeValues(); }
+  bool synchronize() override {
+    try {
+      stored_ = pending_.empty() ? readSuite(location_).values : save(location_, pending_);
+      pending_.clear();
+      return true;
+    } catch (const EncodingError& error) {
+      pending_.erase(error.codingPath.front());
+    } catch (const SuiteError&) {
+      if (pending_.empty()) stored_.clear();  // what cannot be read counts as missing
+    }
+    return false;
+  }
 
  private:
-  /// A state that cannot be read is kept as an empty one, so that all keys agree and the wait happens once.
-  void read() const {
-    stored_.emplace();
-    try {
-      *stored_ = readValues(directory_);
-    } catch (const SqliteError&) {
-    } catch (const SuiteRefusal&) {
-    }
-  }
-
-  bool synchronizeValues() noexcept {
-    stored_.reset();
-    if (pending_.empty()) return true;
-    const auto canBeStored = [](const auto& entry) { return isStorable(entry.second); };
-    if (!std::all_of(pending_.begin(), pending_.end(), canBeStored)) return false;
-    try {
-      writeValues(directory_, pending_);
-    } catch (const SqliteError&) {
-      return false;
-    } catch (const SuiteRefusal&) {
-      return false;
-    }
-    pending_.clear();
-    return true;
-  }
-
-  SuiteDirectory directory_;
+  SuiteLocation location_;
+  DefaultsValues stored_;
   DefaultsValues pending_;
-  mutable std::optional<DefaultsValues> stored_;
 };
+
+SuiteLocation locate(std::string_view name) {
+  auto location = suiteLocation(name);
+  if (!location)
+    throw SuiteError{SuiteError::Kind::unusable,
+                     "there is no home for a suite called '" + std::string{name} + '\''};
+  return *std::move(location);
+}
 
 }  // namespace
 
 SuiteOpening openSuite(std::string_view name) {
-  auto location = suiteLocation(name);
-  if (!location) return {nullptr, "there is no home for a suite called '" + std::string{name} + '\''};
   try {
-    return {std::make_shared<SuiteStore>(*std::move(location)), ""};
-  } catch (const SuiteRefusal& refusal) {
-    return {nullptr, refusal.what()};
+    auto location = locate(name);
+    auto content = readSuite(location);
+    if (!content.damage.empty()) content.damage = location.file.string() + " is damaged: " + content.damage;
+    return {std::make_shared<SuiteStore>(std::move(location), std::move(content.values)), "", content.damage};
+  } catch (const SuiteError& error) {
+    return {nullptr, error.what(), ""};
   }
+}
+
+void saveToSuite(std::string_view name, const DefaultsValues& changes) {
+  try {
+    save(locate(name), changes);
+  } catch (const EncodingError& error) {
+    throw SuiteError{SuiteError::Kind::value, error.what()};
+  }
+}
+
+void rehearseSavingToSuite(std::string_view name) {
+  const auto rehearse = [](const SuiteFolder& folder) {
+    folder.rehearse(encodeDefaults(readContent(folder).values));
+  };
+  inLockedFolder(locate(name), rehearse).removeIfMade();
 }
 
 }  // namespace foundation

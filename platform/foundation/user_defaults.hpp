@@ -26,12 +26,11 @@ class UserDefaults {
   /// The text under `key`; nothing when the key is missing or holds a value of another type.
   std::optional<std::string> string(std::string_view key) const;
 
-  /// Stores `value` under `key`, replacing what was there. Other readers see it after synchronize() at the
-  /// latest.
+  /// Stores `value` under `key`, replacing what was there. Other processes see it after synchronize().
   virtual void set(std::string_view key, DefaultsValue value) = 0;
 
-  /// Writes what was set; false when it could not be written (it is then kept and tried again by the next
-  /// call).
+  /// Writes what was set; false when it could not be written. It is then kept and written by the next call
+  /// that can, except for a value that cannot be stored, which is dropped.
   virtual bool synchronize() = 0;
 
   /// The process's own store: in memory, one per process, not shared with others, gone when the process ends.

@@ -1,20 +1,20 @@
 #include <pwd.h>
+#include <sys/stat.h>
 #include <sysexits.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 #include "commands.hpp"
 #include "common/dates.hpp"
 #include "common/output.hpp"
 #include "foundation/suite_store.hpp"
-#include "shared/coding/json.hpp"
 #include "shared/persistence/mac_defaults.hpp"
+#include "shared_status.hpp"
 
 namespace status {
 namespace {
-
-using foundation::SuiteReport;
 
 constexpr std::string_view keys[] = {TarnoMacDefaults::lastStatus, TarnoMacDefaults::lastStatusAt,
                                      TarnoMacDefaults::lastStatusValue,
@@ -27,103 +27,88 @@ std::string line(std::string_view label, const std::string& text) {
   return padded + program::printable(text) + "\n";
 }
 
-std::string itemText(const SuiteReport::Item& item) {
-  if (!item.exists) return "missing";
-  const passwd* const owner = getpwuid(item.owner);
-  const std::string name = owner != nullptr ? owner->pw_name : "user " + std::to_string(item.owner);
+std::string itemText(const std::filesystem::path& path) {
+  struct stat found {};
+  if (lstat(path.c_str(), &found) != 0) return "missing";
+  const passwd* const owner = getpwuid(found.st_uid);
+  const std::string name = owner != nullptr ? owner->pw_name : "user " + std::to_string(found.st_uid);
   char mode[8];
-  std::snprintf(mode, sizeof mode, "%04o", static_cast<unsigned>(item.mode));
+  std::snprintf(mode, sizeof mode, "%04o", static_cast<unsigned>(found.st_mode & 07777));
   return "owner " + name + ", mode " + mode;
 }
 
-const SuiteReport::Entry* find(const SuiteReport& report, std::string_view key) {
-  const auto found = std::find_if(report.entries.begin(), report.entries.end(),
-                                  [key](const auto& entry) { return entry.key == key; });
-  return found != report.entries.end() ? &*found : nullptr;
+std::string valueText(const std::optional<foundation::DefaultsValue>& value) {
+  struct Describer {
+    std::string operator()(const foundation::Data& data) const {
+      return "data, " + std::to_string(data.bytes.size()) + " bytes";
+    }
+    std::string operator()(const foundation::Date& date) const { return "date, " + program::dateText(date); }
+    std::string operator()(const std::string& text) const {
+      return "string, " + std::to_string(text.size()) + " bytes";
+    }
+    std::string operator()(double) const { return "number"; }
+  };
+  return value ? std::visit(Describer{}, *value) : "nothing stored";
 }
 
-std::string entryText(const SuiteReport::Entry* entry) {
-  if (entry == nullptr) return "nothing stored";
-  return entry->type + ", " + std::to_string(entry->size) + " bytes";
+std::string ageText(const std::optional<TarnoStoredMacStatus>& status, foundation::Date now) {
+  if (!status) return "no report";
+  if (!status->receivedAt) return "unknown: no receipt date is stored";
+  if (*status->receivedAt > now) return "received in the future";
+  return std::to_string(status->snapshot.ageSeconds.value_or(0)) + " s";
 }
 
-/// What the stored values amount to, read the way the widget reads them.
-struct Diagnosis {
-  std::optional<TarnoStoredMacStatus> loaded;
-  std::string recordFault;  ///< why the record does not decode; empty when it does or there is none
-};
-
-Diagnosis diagnose(const foundation::UserDefaults& store) {
-  Diagnosis diagnosis{.loaded = TarnoMacDefaults::loadStatus(store, foundation::now())};
-  const auto record = store.data(TarnoMacDefaults::lastStatus);
-  if (!record) return diagnosis;
+/// Why a save would fail; empty when it would not.
+std::string savingFault() {
   try {
-    TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record->bytes);
-  } catch (const foundation::DecodingError& error) {
-    diagnosis.recordFault = error.what();
+    foundation::rehearseSavingToSuite(TarnoMacDefaults::appGroupIdentifier);
+    return "";
+  } catch (const foundation::SuiteError& error) {
+    return error.what();
   }
-  return diagnosis;
 }
 
-std::string recordText(const SuiteReport& report, const Diagnosis& diagnosis) {
-  if (!diagnosis.recordFault.empty()) return "does not decode: " + diagnosis.recordFault;
-  const auto* const entry = find(report, TarnoMacDefaults::lastStatus);
-  if (entry == nullptr) return "none";
-  return entry->type == "data" ? "decodes" : "is not data";
+bool isFresh(const SharedStatus& shared) {
+  return shared.status && shared.status->receivedAt && !shared.status->snapshot.isStale();
 }
 
-std::string ageText(const Diagnosis& diagnosis) {
-  if (!diagnosis.loaded) return "no report";
-  const auto& [snapshot, receivedAt] = *diagnosis.loaded;
-  if (!receivedAt) return "unknown: no receipt date is stored";
-  const auto age = foundation::secondsBetween(*receivedAt, foundation::now()).count();
-  const auto received = "received " + program::dateText(*receivedAt);
-  if (age < 0) return received + ", which lies in the future";
-  return std::to_string(snapshot.ageSeconds.value_or(0)) + " s, " + received;
-}
-
-std::string verdict(const SuiteReport& report, const Diagnosis& diagnosis) {
-  if (!report.failure.empty())
-    return "The shared store cannot be used, so the tile says \"No status\": " + report.failure + ".";
-  if (report.entries.empty())
+/// What the tile shows and, unless all is well, why.
+std::string verdict(const SharedStatus& shared) {
+  if (!shared.status && shared.fault.empty())
     return "Nothing was saved yet, so the tile says \"No status\"; save a report with tarno-status save.";
-  if (!diagnosis.loaded)
-    return "The tile says \"No status\": neither the record nor the plain value can be used; the next save "
-           "mends it.";
-  const auto& snapshot = diagnosis.loaded->snapshot;
-  const auto tile = "the tile says \"" + snapshot.statusLine() + "\"";
-  if (!diagnosis.recordFault.empty())
-    return "The record does not decode, so only the plain value is used and " + tile +
-           "; the next save mends it.";
-  if (find(report, TarnoMacDefaults::lastStatus) == nullptr)
-    return "There is no record, so only the plain value is used and " + tile + ".";
-  if (!diagnosis.loaded->receivedAt)
+  if (!shared.status) return "The tile says \"No status\": " + shared.fault + ".";
+  const auto tile = "the tile says \"" + shared.status->snapshot.statusLine() + "\"";
+  if (!shared.fault.empty())
+    return "Only the plain value is used, so " + tile + ": " + shared.fault + "; the next save mends it.";
+  if (!shared.status->receivedAt)
     return "The receipt date is missing, so that the report's age is unknown; " + tile + ".";
-  if (snapshot.isStale())
+  if (shared.status->snapshot.isStale())
     return "The last report is stale, so " + tile + " until the companion application saves a new one.";
-  return "All is well: " + tile + ".";
+  return "The report is fresh: " + tile + ".";
 }
 
 }  // namespace
 
 int doctor() {
-  const auto report = foundation::inspectSuite(TarnoMacDefaults::appGroupIdentifier);
-  Diagnosis diagnosis;
-  if (report.failure.empty() && report.directory.exists) {
-    const auto opening = foundation::openSuite(TarnoMacDefaults::appGroupIdentifier);
-    if (opening.store) diagnosis = diagnose(*opening.store);
-  }
+  const auto now = foundation::now();
+  const auto shared = readSharedStatus(now);
+  const auto fault = savingFault();
+  const auto location = foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
 
-  std::string text = line("store", report.location ? report.location->file.string() : "nowhere");
-  text += line("opens", report.failure.empty() ? "yes" : "no: " + report.failure);
-  text += line("directory", itemText(report.directory));
-  text += line("file", itemText(report.file));
-  for (const auto key : keys) text += line(key, entryText(find(report, key)));
-  text += line("record", recordText(report, diagnosis));
-  text += line("report's age", ageText(diagnosis));
-  text += "\n" + program::printable(verdict(report, diagnosis)) + "\n";
+  std::string text = line("store", location ? location->file.string() : "nowhere");
+  text += line("directory", location ? itemText(location->directory) : "missing");
+  text += line("file", location ? itemText(location->file) : "missing");
+  for (const auto key : keys)
+    text += line(key, valueText(shared.store ? shared.store->object(key) : std::nullopt));
+  text += line("report's age", ageText(shared.status, now));
+  text += line("reading", shared.fault.empty() ? "works" : "fails: " + shared.fault);
+  text += line("saving", fault.empty() ? "works" : "would fail: " + fault);
+
+  const bool isWell = isFresh(shared) && fault.empty();
+  const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";
+  text += "\n" + program::printable((isWell ? "All is well. " : "") + verdict(shared) + saving) + "\n";
   program::writeOutput(text);
-  return EX_OK;
+  return isWell ? EX_OK : EX_UNAVAILABLE;
 }
 
 }  // namespace status

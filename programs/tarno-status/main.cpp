@@ -1,3 +1,5 @@
+#include <csignal>
+
 #include "commands.hpp"
 #include "common/command_line.hpp"
 #include "common/dates.hpp"
@@ -5,6 +7,7 @@
 
 int main(int argc, char** argv) {
   program::reserveStandardOutput();
+  std::signal(SIGXFSZ, SIG_IGN);  // a file size limit makes writing fail, rather than end the program
 
   CLI::App app{"Saves, shows and diagnoses the stored status of the user's Mac."};
   program::setExample(app, "echo '{\"status\": \"locked\"}' | tarno-status save && tarno-status show");
@@ -21,12 +24,13 @@ int main(int argc, char** argv) {
 
   bool asJSON = false;
   auto& show = *app.add_subcommand("show", "Show the last saved report as the widget would see it");
-  show.add_flag("--json", asJSON, "Print {\"received_at\": …, \"snapshot\": {…}}, or null");
+  show.add_flag("--json", asJSON,
+                "Print {\"received_at\": …, \"snapshot\": {…}}, or null when nothing was saved yet");
   program::ClockOption showClock{show};
   program::setExample(show, "tarno-status show --json --at 2026-11-16T15:45:00Z");
 
   auto& doctor =
-      *app.add_subcommand("doctor", "Say where the store is, what it holds and what is wrong with it");
+      *app.add_subcommand("doctor", "Say where the store is, what it holds and whether saving works");
   program::ClockOption doctorClock{doctor};
   program::setExample(doctor, "tarno-status doctor");
 

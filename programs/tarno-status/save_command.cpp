@@ -1,7 +1,9 @@
+#include <nlohmann/json.hpp>
+
 #include "commands.hpp"
+#include "common/command_line.hpp"
 #include "common/failure.hpp"
 #include "common/files.hpp"
-#include "foundation/suite_store.hpp"
 #include "shared/coding/json.hpp"
 #include "shared/persistence/mac_defaults.hpp"
 
@@ -11,10 +13,9 @@ namespace {
 /// Far more than any record; keeps a wrong file from being swallowed whole.
 constexpr std::size_t largestRecord = 1 << 20;
 
-TarnoMacStatusSnapshot readRecord(const std::filesystem::path& file) {
-  const auto bytes = program::readFile(file, largestRecord);
+TarnoMacStatusSnapshot decodeRecord(std::string_view json) {
   try {
-    return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(bytes);
+    return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(json);
   } catch (const foundation::DecodingError& error) {
     const std::string place =
         error.codingPath.empty() ? "the record" : "key \"" + foundation::description(error.codingPath) + "\"";
@@ -22,32 +23,38 @@ TarnoMacStatusSnapshot readRecord(const std::filesystem::path& file) {
   }
 }
 
-std::shared_ptr<foundation::UserDefaults> openSharedStore() {
-  auto opening = foundation::openSuite(TarnoMacDefaults::appGroupIdentifier);
-  if (!opening.store) throw program::Failure{EX_CANTCREAT, "nothing was saved: " + opening.failure};
-  return opening.store;
+int exitCode(foundation::SuiteError::Kind kind) {
+  using Kind = foundation::SuiteError::Kind;
+  switch (kind) {
+    case Kind::value: return EX_DATAERR;
+    case Kind::unusable: return EX_CANTCREAT;
+    case Kind::busy: return EX_TEMPFAIL;
+    case Kind::inputOutput: return EX_IOERR;
+  }
+  return EX_SOFTWARE;
 }
 
-/// Through a handle of its own, as another process would. A report that somebody else saved since is no
-/// failure of ours.
-bool canBeReadBack(const TarnoMacStatusSnapshot& snapshot, foundation::Date receivedAt) {
-  const auto store = openSharedStore();
-  if (store->object(TarnoMacDefaults::lastStatusAt) != foundation::DefaultsValue{receivedAt})
-    return store->data(TarnoMacDefaults::lastStatus).has_value();
-  return store->data(TarnoMacDefaults::lastStatus) == foundation::Data{TarnoJSON::encoder().encode(snapshot)};
+/// One line that names the keys of the record that hold something which is not in what was saved.
+void reportIgnoredKeys(const std::string& record, const TarnoMacStatusSnapshot& snapshot) {
+  const auto given = nlohmann::json::parse(record);
+  const auto saved = nlohmann::json::parse(TarnoJSON::encoder().encode(snapshot));
+  std::string names;
+  for (const auto& [key, value] : given.items())
+    if (!value.is_null() && !saved.contains(key)) names += (names.empty() ? "\"" : ", \"") + key + '"';
+  if (!names.empty()) program::complain("saved without what is not a key of a record: " + names);
 }
 
 }  // namespace
 
 int save(const SaveOptions& options) {
-  const auto snapshot = readRecord(options.file);
-  const auto receivedAt = options.receivedAt.value_or(foundation::now());
-  const auto store = openSharedStore();
-  TarnoMacDefaults::persistStatus(snapshot, receivedAt, options.mirrorKey, *store);
-  // Saving reports nothing; what it could not write is still pending, and then this fails as well.
-  if (!store->synchronize() || !canBeReadBack(snapshot, receivedAt))
-    throw program::Failure{EX_IOERR,
-                           "the report could not be written to the shared store (see tarno-status doctor)"};
+  const auto record = program::readFile(options.file, largestRecord);
+  const auto snapshot = decodeRecord(record);
+  try {
+    TarnoMacDefaults::saveStatus(snapshot, options.receivedAt.value_or(foundation::now()), options.mirrorKey);
+  } catch (const foundation::SuiteError& error) {
+    throw program::Failure{exitCode(error.kind()), std::string{"nothing was saved: "} + error.what()};
+  }
+  reportIgnoredKeys(record, snapshot);
   return EX_OK;
 }
 

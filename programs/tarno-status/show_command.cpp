@@ -5,9 +5,8 @@
 #include "common/dates.hpp"
 #include "common/failure.hpp"
 #include "common/output.hpp"
-#include "foundation/suite_store.hpp"
 #include "shared/coding/json.hpp"
-#include "shared/persistence/mac_defaults.hpp"
+#include "shared_status.hpp"
 
 namespace status {
 namespace {
@@ -33,7 +32,7 @@ std::string presence(const TarnoMacStatusSnapshot& snapshot) {
 }
 
 std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
-  if (!stored) return "No status\nNothing usable is stored; tarno-status doctor says why.\n";
+  if (!stored) return "No status\nNothing was saved yet.\n";
   const auto& snapshot = stored->snapshot;
   std::string age = "unknown";
   if (snapshot.ageSeconds) age = std::to_string(*snapshot.ageSeconds) + " s";
@@ -49,9 +48,8 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
 }  // namespace
 
 int show(bool asJSON) {
-  const auto opening = foundation::openSuite(TarnoMacDefaults::appGroupIdentifier);
-  if (!opening.store) throw program::Failure{EX_IOERR, opening.failure};
-  const auto stored = TarnoMacDefaults::loadStatus(*opening.store, foundation::now());
+  const auto [store, stored, fault] = readSharedStatus(foundation::now());
+  if (!stored && !fault.empty()) throw program::Failure{EX_UNAVAILABLE, fault};
   program::writeOutput(asJSON ? jsonText(stored) : textForPeople(stored));
   return EX_OK;
 }

@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/suite_error.hpp"
 #include "foundation/user_defaults.hpp"
 #include "shared/freshness/stored_status.hpp"
 
-/// The store that the companion application and the widget share, and the two ways through it.
+/// The store that the companion application and the widget share, and the ways through it.
 namespace TarnoMacDefaults {
 
 /// The app group whose members share the store.
@@ -25,11 +26,19 @@ inline constexpr std::string_view lastStatusMirrorKey =
 /// the handle is the caller's own, for one thread at a time.
 std::shared_ptr<foundation::UserDefaults> store();
 
-/// Saves a report: the record, the receipt date, the plain value of its resolved status and, when there is
-/// one, the mirror key, in this order, then synchronizes once. A report that cannot be encoded writes
-/// nothing. Reports no error; who must know reads back what was saved.
+/// Saves a report into `store`: the record, the receipt date, the plain value of its resolved status and,
+/// when there is one, the mirror key, in this order, then synchronizes once. A report that cannot be encoded
+/// writes nothing. Reports no error; saveStatus() does.
 void persistStatus(const TarnoMacStatusSnapshot& snapshot, foundation::Date receivedAt,
                    const std::optional<std::string>& mirrorKey, foundation::UserDefaults& store);
+
+/// Saves the same into the shared store, for a companion application that must know whether it worked. Once
+/// this returns, the report is on the disk and every reader finds it. When it throws SuiteError, whose what()
+/// is one sentence for people, the store holds what it held before; kind() tells a report that cannot be
+/// saved (value) from a store that is unusable, busy or failing. Waits at most 2 s for others who save, and
+/// as long as the disk takes. Any thread.
+void saveStatus(const TarnoMacStatusSnapshot& snapshot, foundation::Date receivedAt,
+                const std::optional<std::string>& mirrorKey = std::nullopt);
 
 /// The last saved report, judged for freshness at `now`: the record when it decodes, else one made of the
 /// plain value, else nothing. Writes nothing and reports no error, whatever the store holds. Any thread that

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """tarno-status as people run it."""
 
+import fcntl
 import json
 import os
 import subprocess
@@ -37,36 +38,95 @@ class Status(ProgramTest):
         self.run_program("tarno-status", "save", "no-such-file", code=66)
         self.assertEqual(self.shown(), before)
 
-    def test_a_store_that_nobody_shares(self):
+    def test_keys_that_no_record_has_are_named_and_left_out(self):
+        done = self.run_program("tarno-status", "save", "--received-at", MOMENT,
+                                stdin='{"status": "locked", "stauts": 1, "x\\u001b": {}, "reason": null}')
+        self.assertIn('"stauts", "x?"', done.stderr.decode())
+        self.assertEqual(self.shown()["snapshot"], {"status": "locked", "age_seconds": 0})
+
+    def test_save_stores_what_it_was_given(self):
+        self.run_program("tarno-status", "save", "--at", MOMENT, "--mirror-key", "mirror", stdin="{}")
+        stored = json.loads((self.group / "defaults.json").read_text())
+        self.assertEqual(stored["tarno.lastStatusAt"]["value"], "2026-11-16T15:41:35.000000Z")
+        self.assertEqual(stored["tarno.lastStatusMirrorKey"]["value"], "mirror")
+
+    def doctor(self, code=69):
+        """Its lines by their labels; the verdict is under ""."""
+        done = subprocess.run([BIN / "tarno-status", "doctor", "--at", MOMENT], capture_output=True, text=True,
+                              env=self.environment, check=False)
+        self.assertEqual((done.returncode, done.stderr), (code, ""), done.stdout)
+        lines = done.stdout.splitlines()
+        return {**{line[:26].strip(): line[26:] for line in lines[:-2]}, "": lines[-1]}
+
+    def write(self, **values):
+        """A file as another program would write it: `at`, `record` and `plain` as (type, value)."""
+        keys = {"at": "tarno.lastStatusAt", "record": "tarno.lastStatus", "plain": "tarno.lastStatusValue"}
+        document = {keys[name]: dict(zip(("type", "value"), value)) for name, value in values.items()}
+        (self.group / "defaults.json").write_text(json.dumps(document))
+
+    def test_doctor_and_show_agree_on_what_is_stored(self):
+        self.assertIn("Nothing was saved yet", self.doctor()[""])
+        self.assertFalse(self.group.exists())
+        self.save(at="2026-11-16T15:39:04Z")
+        self.assertEqual(self.doctor()[""], 'The last report is stale, so the tile says "Status stale" until the companion '
+                         "application saves a new one.")
+        self.save()
+        report = self.doctor(code=0)
+        self.assertEqual(report[""], 'All is well. The report is fresh: the tile says "Locked".')
+        self.assertRegex(report["file"], r"\Aowner \S+, mode 0600\Z")
+        self.assertEqual(report["directory"], report["file"].replace("0600", "0700"))
+        self.assertEqual(report["tarno.lastStatusAt"], "date, " + MOMENT)
+        self.assertEqual(report["tarno.lastStatusValue"], "string, 6 bytes")
+        self.assertEqual(report["tarno.lastStatusMirrorKey"], "nothing stored")
+        self.assertEqual(report["report's age"], "0 s")
+        at, record, plain = ("date", MOMENT), ("data", '{"status": "locked"}'), ("string", "locked")
+        for code, status, words, values in (
+                (69, "Locked", "age is unknown", {"record": record}),
+                (0, "Locked", "there is no record", {"at": at, "plain": plain}),
+                (0, "Locked", "the record is not data", {"at": at, "plain": plain, "record": plain}),
+                (0, "Locked", 'does not decode: stale: expected true or false',
+                 {"at": at, "plain": plain, "record": ("data", '{"stale": 3}')}),
+                (69, None, "does not decode", {"at": at, "record": ("data", "{")}),
+                (69, None, "there is no record", {"at": at, "plain": ("string", "Locked")}),
+                (69, None, "is damaged", {"at": at, "record": ("data", 5)}),
+                (0, "Locked", "All is well", {"at": ("date", "2026-11-16T15:41:36Z"), "record": record})):
+            self.write(**values)
+            verdict = self.doctor(code)[""]
+            self.assertIn(words, verdict)
+            self.assertIn(f'the tile says "{status or "No status"}"', verdict.replace("The", "the"))
+            if status:
+                self.assertIn(status + "\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode())
+            else:
+                self.run_program("tarno-status", "show", code=69)
+        self.assertEqual(self.doctor(0)["report's age"], "received in the future")
+
+    def test_doctor_show_and_save_agree_on_a_store_that_cannot_be_used(self):
         self.group.parent.mkdir(parents=True)
         self.group.symlink_to("/")
-        done = self.run_program("tarno-status", "save", stdin="{}", code=73)
-        self.assertIn("is a symbolic link", done.stderr.decode())
-        self.run_program("tarno-status", "show", code=74)
+        for command, code in (("save", 73), ("show", 69)):
+            done = self.run_program("tarno-status", command, stdin="{}", code=code)
+            self.assertIn("is a symbolic link", done.stderr.decode())
         done = self.run_program("tarno-widget", "timeline", "--at", MOMENT)
         self.assertIsNone(json.loads(done.stdout)["entries"][0]["status"])
         self.assertRegex(done.stderr.decode(), r"\AERROR: TarnoMacDefaults could not [^\n]+\n\Z")
-        self.assertIn("is a symbolic link", self.run_program("tarno-status", "doctor").stdout.decode())
+        report = self.doctor()
+        self.assertIn("is a symbolic link", report["reading"])
+        self.assertIn("is a symbolic link", report["saving"])
 
-    def test_doctor_names_what_is_wrong(self):
-        def verdict():
-            return self.run_program("tarno-status", "doctor", "--at", MOMENT).stdout.decode().strip().splitlines()[-1]
-
-        self.assertIn("Nothing was saved yet", verdict())
-        self.assertFalse(self.group.exists())
+    def test_other_savers_and_a_file_size_limit_stop_a_save_that_doctor_foretells(self):
         self.save()
-        self.assertEqual(verdict(), 'All is well: the tile says "Locked".')
-        self.save(at="2026-11-16T15:39:04Z")
-        self.assertIn("stale", verdict())
-        statement = "UPDATE defaults SET value = CAST('{\"stale\": 3}' AS BLOB) WHERE key = 'tarno.lastStatus'"
-        subprocess.run(["sqlite3", self.group / "defaults.sqlite", statement], check=True)
-        report = self.run_program("tarno-status", "doctor", "--at", MOMENT).stdout.decode()
-        self.assertIn("does not decode: stale: expected true or false", report)
-        self.assertIn("only the plain value is used", verdict())
-        (self.group / "defaults.sqlite").write_bytes(b"not a database at all" * 100)
-        self.assertIn("cannot be used", verdict())
-        self.save()
-        self.assertEqual(verdict(), 'All is well: the tile says "Locked".')
+        lock = os.open(self.group, os.O_RDONLY)
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        self.run_program("tarno-status", "save", stdin="{}", code=75)
+        self.assertIn("would fail: ", self.doctor()["saving"])
+        os.close(lock)
+        limited = ["sh", "-c", 'ulimit -f 0; "$@"', "sh", BIN / "tarno-status"]
+        for command, code in (("save", 74), ("doctor", 69)):
+            done = subprocess.run([*limited, command], input=b"{}", capture_output=True, env=self.environment, check=False)
+            self.assertEqual(done.returncode, code)
+            self.assertIn(b"File too large", done.stdout + done.stderr)
+        self.assertEqual(self.shown()["snapshot"]["status"], "locked")
+        self.assertEqual(os.listdir(self.group), ["defaults.json"])
 
     def test_saves_and_renders_at_once_see_whole_reports(self):
         records = [{"device_name": name * 50, "status": status, "message": name * 5000}

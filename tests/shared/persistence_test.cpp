@@ -109,9 +109,37 @@ TEST(MacDefaults, WhatIsSavedIsLoaded) {
   const TemporaryStore temporary;
   testing::internal::CaptureStdout();
   const Snapshot saved{.deviceName = "Kivo's Mac", .status = TarnoMacStatus::locked, .stale = false};
+  const TarnoStoredMacStatus loaded{saved.withLocalFreshness(now, now, 150s), now};
   persistStatus(saved, now, std::nullopt, *store());
-  EXPECT_EQ(loadStatus(*store(), now), (TarnoStoredMacStatus{saved.withLocalFreshness(now, now, 150s), now}));
+  EXPECT_EQ(loadStatus(*store(), now), loaded);
+  saveStatus({.status = TarnoMacStatus::unlocked}, now - 1h, "mirror");
+  EXPECT_EQ(loadStatus(*store(), now)->receivedAt, now - 1h);
+  saveStatus(saved, now);
+  EXPECT_EQ(loadStatus(*store(), now), loaded);
+  EXPECT_EQ(store()->string(lastStatusValue), "locked");
+  EXPECT_EQ(store()->string(lastStatusMirrorKey), "mirror");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(MacDefaults, SavingSaysWhatWentWrongAndLeavesTheStoreAsItIs) {
+  using Kind = foundation::SuiteError::Kind;
+  const TemporaryStore temporary;
+  const auto folder = temporary.folder() / std::string{appGroupIdentifier};
+  saveStatus({.status = TarnoMacStatus::locked}, now);
+  const auto failsWith = [](const Snapshot& snapshot, Date receivedAt, const std::string& mirrorKey) {
+    try {
+      saveStatus(snapshot, receivedAt, mirrorKey);
+    } catch (const foundation::SuiteError& error) {
+      return std::optional{error.kind()};
+    }
+    return std::optional<Kind>{};
+  };
+  EXPECT_EQ(failsWith({.inputIdleSeconds = std::nan("")}, now, ""), Kind::value);
+  EXPECT_EQ(failsWith({}, Date::max(), ""), Kind::value);
+  EXPECT_EQ(failsWith({}, now, std::string(5 << 20, 'x')), Kind::value);
+  EXPECT_EQ(loadStatus(*store(), now)->snapshot.status, TarnoMacStatus::locked);
+  std::filesystem::permissions(folder, std::filesystem::perms::all);
+  EXPECT_EQ(failsWith({}, now, ""), Kind::unusable);
 }
 
 TEST(MacDefaults, FallsBackAndSaysSoOnce) {

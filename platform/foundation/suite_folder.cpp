@@ -1,0 +1,212 @@
+#include "foundation/suite_folder.hpp"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "foundation/iso8601.hpp"
+#include "foundation/suite_error.hpp"
+
+namespace foundation {
+namespace {
+
+using std::filesystem::path;
+
+/// Room for a few values of largestDefaultsValue in JSON's longest form.
+constexpr std::size_t largestFile = std::size_t{64} << 20;
+
+/// Only who holds the lock makes it, so that one name will do: what a killed saver left is replaced.
+constexpr const char* temporaryName = ".defaults.json.new";
+
+constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+
+SuiteError unusable(const path& path, const char* reason) {
+  return {SuiteError::Kind::unusable, path.string() + ' ' + reason};
+}
+
+/// For a system call that has just failed.
+SuiteError failure(const std::string& action, const path& path) {
+  const int error = errno;
+  const auto obstacles = {EACCES, EPERM, EROFS, ENOENT, ENOTDIR, EISDIR, ELOOP, ENAMETOOLONG, EEXIST};
+  const bool isObstacle = std::find(obstacles.begin(), obstacles.end(), error) != obstacles.end();
+  return {isObstacle ? SuiteError::Kind::unusable : SuiteError::Kind::inputOutput,
+          "cannot " + action + ' ' + path.string() + ": " + std::generic_category().message(error)};
+}
+
+/// What is called `name` in `folder` and `shown` to people, open for reading; none when there is nothing.
+/// Throws unless it may be used as the `kind` S_IFDIR or S_IFREG.
+FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_t kind) {
+  // Without O_NONBLOCK a FIFO would make the reader wait.
+  constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  FileDescriptor file{openat(folder, name.c_str(), flags)};
+  if (!file && errno == ENOENT) return file;
+  if (!file && errno == ELOOP) throw unusable(shown, "is a symbolic link");
+  struct stat found {};
+  if (!file || fstat(file.get(), &found) != 0) throw failure("open", shown);
+  if ((found.st_mode & S_IFMT) != kind)
+    throw unusable(shown, kind == S_IFDIR ? "is not a directory" : "is not a regular file");
+  if (found.st_uid != geteuid()) throw unusable(shown, "belongs to another user");
+  if ((found.st_mode & (S_IWGRP | S_IWOTH)) != 0) throw unusable(shown, "can be written by group or others");
+  return file;
+}
+
+/// Makes `directory` and what is missing above it; adds what it made to `made`.
+void makeDirectory(const path& directory, std::vector<path>& made) {
+  int result = mkdir(directory.c_str(), S_IRWXU);
+  if (result != 0 && errno == ENOENT && directory.has_relative_path()) {
+    makeDirectory(directory.parent_path(), made);
+    result = mkdir(directory.c_str(), S_IRWXU);
+  }
+  if (result != 0 && errno == EEXIST) return;
+  if (result != 0) throw failure("make", directory);
+  made.push_back(directory);
+  // The umask may have taken away what the owner needs. Where /proc is missing this is not supported; then
+  // opening says whether it was needed.
+  if (fchmodat(AT_FDCWD, directory.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) != 0 && errno != EOPNOTSUPP)
+    throw failure("set the permissions of", directory);
+}
+
+bool writeAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(file, bytes.data(), bytes.size());
+    if (count < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+}  // namespace
+
+SuiteFolder::SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor, std::vector<path> made)
+    : location_(location), descriptor_(std::move(descriptor)), made_(std::move(made)) {}
+
+std::optional<SuiteFolder> SuiteFolder::find(const SuiteLocation& location) {
+  auto descriptor = openSafely(AT_FDCWD, location.directory, location.directory, S_IFDIR);
+  if (!descriptor) return std::nullopt;
+  return SuiteFolder{location, std::move(descriptor), {}};
+}
+
+SuiteFolder SuiteFolder::findOrMake(const SuiteLocation& location) {
+  if (auto folder = find(location)) return *std::move(folder);
+  std::vector<path> made;
+  makeDirectory(location.directory, made);
+  auto descriptor = openSafely(AT_FDCWD, location.directory, location.directory, S_IFDIR);
+  if (!descriptor) throw failure("open", location.directory);
+  return {location, std::move(descriptor), std::move(made)};
+}
+
+bool SuiteFolder::isInPlace() const {
+  struct stat held {};
+  struct stat there {};
+  return fstat(descriptor_.get(), &held) == 0 && lstat(location_.directory.c_str(), &there) == 0 &&
+         held.st_dev == there.st_dev && held.st_ino == there.st_ino;
+}
+
+bool SuiteFolder::tryLock() const {
+  if (flock(descriptor_.get(), LOCK_EX | LOCK_NB) == 0) return true;
+  if (errno == EWOULDBLOCK) return false;
+  throw failure("lock", location_.directory);
+}
+
+std::optional<std::string> SuiteFolder::readFile() const {
+  const auto file = openSafely(descriptor_.get(), location_.file.filename(), location_.file, S_IFREG);
+  if (!file) return std::nullopt;
+  std::string text;
+  std::size_t length = 0;
+  ssize_t count = 0;
+  do {
+    if (length > largestFile) throw unusable(location_.file, "is larger than 64 MiB");
+    if (length == text.size()) text.resize(std::max<std::size_t>(length * 2, 4096));
+    count = read(file.get(), &text[length], text.size() - length);
+    if (count < 0) throw failure("read", location_.file);
+    length += static_cast<std::size_t>(count);
+  } while (count > 0);
+  text.resize(length);
+  return text;
+}
+
+void SuiteFolder::replaceFile(std::string_view text, const std::optional<std::string>& old,
+                              bool isDamaged) const {
+  writeTemporary(text);
+  try {
+    if (isDamaged) setAside(location_.file.filename());
+    renameTemporary();
+  } catch (...) {
+    removeTemporary();
+    throw;
+  }
+  try {
+    synchronize();
+  } catch (...) {
+    // The new file is there, but may be gone after a power cut; what is reported as failed must not be seen.
+    if (old) {
+      writeTemporary(*old);
+      renameTemporary();
+    } else {
+      unlinkat(descriptor_.get(), location_.file.filename().c_str(), 0);
+    }
+    throw;
+  }
+}
+
+void SuiteFolder::rehearse(std::string_view text) const {
+  writeTemporary(text);
+  removeTemporary();
+  synchronize();
+}
+
+void SuiteFolder::removeIfMade() const {
+  for (auto folder = made_.rbegin(); folder != made_.rend(); ++folder) rmdir(folder->c_str());
+}
+
+void SuiteFolder::writeTemporary(std::string_view text) const {
+  const path shown = location_.directory / temporaryName;
+  constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  FileDescriptor file{openat(descriptor_.get(), temporaryName, flags, ownerOnly)};
+  if (!file && errno == EEXIST) {
+    const bool isRemoved = unlinkat(descriptor_.get(), temporaryName, 0) == 0;
+    if (!isRemoved && errno == EISDIR) setAside(temporaryName);
+    file = FileDescriptor{openat(descriptor_.get(), temporaryName, flags, ownerOnly)};
+  }
+  if (!file) throw failure("make", shown);
+  if (fchmod(file.get(), ownerOnly) == 0 && writeAll(file.get(), text) && fsync(file.get()) == 0) return;
+  const auto failed = failure("write", shown);
+  removeTemporary();
+  throw failed;
+}
+
+void SuiteFolder::removeTemporary() const { unlinkat(descriptor_.get(), temporaryName, 0); }
+
+void SuiteFolder::renameTemporary() const {
+  const int folder = descriptor_.get();
+  if (renameat(folder, temporaryName, folder, location_.file.filename().c_str()) != 0)
+    throw failure("replace", location_.file);
+}
+
+void SuiteFolder::setAside(const std::string& name) const {
+  std::string stamp = ISO8601DateFormatter{withInternetDateTime}.string(now());
+  std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
+  const int folder = descriptor_.get();
+  const std::string base = name + ".damaged-" + stamp;
+  std::string aside = base;
+  for (int number = 2; renameat2(folder, name.c_str(), folder, aside.c_str(), RENAME_NOREPLACE) != 0;
+       ++number) {
+    // Some file systems (NFS) cannot promise not to replace.
+    if (errno == EINVAL && renameat(folder, name.c_str(), folder, aside.c_str()) == 0) return;
+    if (errno != EEXIST) throw failure("set aside", location_.directory / name);
+    aside = base + '-' + std::to_string(number);
+  }
+}
+
+void SuiteFolder::synchronize() const {
+  if (fsync(descriptor_.get()) != 0) throw failure("write", location_.directory);
+}
+
+}  // namespace foundation

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/file_descriptor.hpp"
+#include "foundation/suite_location.hpp"
+
+namespace foundation {
+
+/// The folder of a suite, held open. Everything in it is reached through this one descriptor, so that what
+/// was looked at is what is used, whatever happens to the path meanwhile. One thread at a time.
+///
+/// A folder or a file that belongs to another user, is a symbolic link, is not of its kind or can be written
+/// by group or others is not used. Members throw SuiteError.
+class SuiteFolder {
+ public:
+  /// Nothing when there is none.
+  static std::optional<SuiteFolder> find(const SuiteLocation& location);
+
+  /// Makes it, and what is missing above it, with mode 0700 whatever the umask.
+  static SuiteFolder findOrMake(const SuiteLocation& location);
+
+  /// Whether the path still leads to this folder.
+  bool isInPlace() const;
+
+  /// Takes the lock that orders those who save, until this object goes; false when another has it.
+  bool tryLock() const;
+
+  /// The content of the file, or nothing when there is none. Needs no lock and waits for nobody, because a
+  /// save never writes into a file that has its name.
+  std::optional<std::string> readFile() const;
+
+  /// Puts a new file with `text` in the place of the old one, which is set aside when `isDamaged`; the file
+  /// and its name are on the disk afterwards. When this throws, readers find `old` again, or no file where
+  /// there is none. Needs the lock.
+  void replaceFile(std::string_view text, const std::optional<std::string>& old, bool isDamaged) const;
+
+  /// Does what replaceFile() does up to the point where the new file takes its name, then removes it. Needs
+  /// the lock.
+  void rehearse(std::string_view text) const;
+
+  /// Removes the folders that findOrMake() made, as far as they are empty.
+  void removeIfMade() const;
+
+ private:
+  SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor,
+              std::vector<std::filesystem::path> made);
+
+  void writeTemporary(std::string_view text) const;
+  void removeTemporary() const;
+  void renameTemporary() const;
+  void setAside(const std::string& name) const;
+  void synchronize() const;
+
+  SuiteLocation location_;
+  FileDescriptor descriptor_;
+  std::vector<std::filesystem::path> made_;  ///< by findOrMake(), the innermost last
+};
+
+}  // namespace foundation

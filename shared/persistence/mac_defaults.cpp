@@ -1,0 +1,122 @@
+#include "shared/persistence/mac_defaults.hpp"
+
+#include <cstdio>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "foundation/suite_store.hpp"
+#include "shared/coding/json.hpp"
+#include "shared/freshness/status_freshness.hpp"
+
+namespace TarnoMacDefaults {
+namespace {
+
+using foundation::Date;
+using foundation::UserDefaults;
+
+std::mutex& appGroupFallbackLock() {
+  static std::mutex lock;
+  return lock;
+}
+
+/// Guarded by appGroupFallbackLock.
+bool loggedAppGroupFallback = false;
+
+void reportFallbackOnce() {
+  bool alreadyLogged = false;
+  {
+    const std::scoped_lock guard{appGroupFallbackLock()};
+    alreadyLogged = std::exchange(loggedAppGroupFallback, true);
+  }
+  if (alreadyLogged) return;
+  const std::string line = "ERROR: TarnoMacDefaults could not initialise app-group UserDefaults '" +
+                           std::string{appGroupIdentifier} +
+                           "'. Widget/app status sharing is broken — check entitlements and code signing.\n";
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fflush(stdout);
+}
+
+using Entry = std::pair<std::string_view, foundation::DefaultsValue>;
+
+/// What a report is saved as, in the order in which it is written. Throws EncodingError.
+std::vector<Entry> entriesOf(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
+                             const std::optional<std::string>& mirrorKey) {
+  std::vector<Entry> entries{{lastStatus, foundation::Data{TarnoJSON::encoder().encode(snapshot)}},
+                             {lastStatusAt, receivedAt},
+                             {lastStatusValue, std::string{snapshot.resolvedStatus().rawValue()}}};
+  if (mirrorKey) entries.emplace_back(lastStatusMirrorKey, *mirrorKey);
+  return entries;
+}
+
+std::optional<Date> storedReceiptDate(const UserDefaults& store) {
+  const auto value = store.object(lastStatusAt);
+  if (!value) return std::nullopt;
+  const Date* const date = std::get_if<Date>(&*value);
+  return date != nullptr ? std::optional{*date} : std::nullopt;
+}
+
+std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store) {
+  const auto record = store.data(lastStatus);
+  if (!record) return std::nullopt;
+  try {
+    return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record->bytes);
+  } catch (const foundation::DecodingError&) {
+    return std::nullopt;
+  }
+}
+
+/// A record with no more in it than the plain value tells. Without a receipt date nothing says how old it is.
+std::optional<TarnoMacStatusSnapshot> snapshotOfPlainValue(const UserDefaults& store,
+                                                           std::optional<Date> receivedAt) {
+  const auto value = store.string(lastStatusValue);
+  const auto status = value ? TarnoMacStatus::fromRawValue(*value) : std::nullopt;
+  if (!status) return std::nullopt;
+  return TarnoMacStatusSnapshot{.schema = "tarno.remote.v1",
+                                .app = "Tarno",
+                                .event = "last_status_value",
+                                .status = *status,
+                                .stale = !receivedAt.has_value(),
+                                .message = "Last saved Mac status."};
+}
+
+}  // namespace
+
+std::shared_ptr<foundation::UserDefaults> store() {
+  if (auto shared = foundation::UserDefaults::suite(appGroupIdentifier)) return shared;
+  reportFallbackOnce();
+  return foundation::UserDefaults::standard();
+}
+
+void persistStatus(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
+                   const std::optional<std::string>& mirrorKey, UserDefaults& store) {
+  std::vector<Entry> entries;
+  try {
+    entries = entriesOf(snapshot, receivedAt, mirrorKey);
+  } catch (const foundation::EncodingError&) {
+    return;
+  }
+  for (auto& [key, value] : entries) store.set(key, std::move(value));
+  store.synchronize();
+}
+
+void saveStatus(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
+                const std::optional<std::string>& mirrorKey) {
+  try {
+    const auto entries = entriesOf(snapshot, receivedAt, mirrorKey);
+    foundation::saveToSuite(appGroupIdentifier, {entries.begin(), entries.end()});
+  } catch (const foundation::EncodingError& error) {
+    throw foundation::SuiteError{foundation::SuiteError::Kind::value, error.what()};
+  }
+}
+
+std::optional<TarnoStoredMacStatus> loadStatus(const UserDefaults& store, Date now) {
+  const auto receivedAt = storedReceiptDate(store);
+  auto snapshot = storedRecord(store);
+  if (!snapshot) snapshot = snapshotOfPlainValue(store, receivedAt);
+  if (!snapshot) return std::nullopt;
+  return TarnoStoredMacStatus{
+      snapshot->withLocalFreshness(receivedAt, now, TarnoStatusFreshness::localStaleAfter), receivedAt};
+}
+
+}  // namespace TarnoMacDefaults
