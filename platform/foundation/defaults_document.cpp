@@ -120,8 +120,9 @@ struct Reader {
   }
 
   std::string bytes() const {
-    if (find<std::string>("value") != nullptr) return get<std::string>("value");
-    auto decoded = fromBase64(get<std::string>("base64"));
+    const auto* const encoded = find<std::string>("base64");
+    if (encoded == nullptr) return get<std::string>("value");
+    auto decoded = fromBase64(*encoded);
     return decoded ? *std::move(decoded) : throw damage("is not base64");
   }
 

@@ -158,8 +158,15 @@ void SuiteFolder::replaceFile(std::string_view text, const std::optional<std::st
 
 void SuiteFolder::rehearse(std::string_view text) const {
   writeTemporary(text);
-  removeTemporary();
+  if (!removeTemporary()) throw failure("remove", location_.directory / temporaryName);
   synchronize();
+  // The one obstacle to a renaming that the permission to make and remove files does not show.
+  struct statx found {};
+  const bool isThere =
+      statx(descriptor_.get(), location_.file.filename().c_str(), AT_SYMLINK_NOFOLLOW, 0, &found) == 0;
+  errno = EPERM;
+  if (isThere && (found.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0)
+    throw failure("replace", location_.file);
 }
 
 void SuiteFolder::removeIfMade() const {
@@ -171,8 +178,7 @@ void SuiteFolder::writeTemporary(std::string_view text) const {
   constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   FileDescriptor file{openat(descriptor_.get(), temporaryName, flags, ownerOnly)};
   if (!file && errno == EEXIST) {
-    const bool isRemoved = unlinkat(descriptor_.get(), temporaryName, 0) == 0;
-    if (!isRemoved && errno == EISDIR) setAside(temporaryName);
+    if (!removeTemporary() && errno == EISDIR) setAside(temporaryName);
     file = FileDescriptor{openat(descriptor_.get(), temporaryName, flags, ownerOnly)};
   }
   if (!file) throw failure("make", shown);
@@ -182,7 +188,7 @@ void SuiteFolder::writeTemporary(std::string_view text) const {
   throw failed;
 }
 
-void SuiteFolder::removeTemporary() const { unlinkat(descriptor_.get(), temporaryName, 0); }
+bool SuiteFolder::removeTemporary() const { return unlinkat(descriptor_.get(), temporaryName, 0) == 0; }
 
 void SuiteFolder::renameTemporary() const {
   const int folder = descriptor_.get();

@@ -51,7 +51,7 @@ class SuiteFolder {
               std::vector<std::filesystem::path> made);
 
   void writeTemporary(std::string_view text) const;
-  void removeTemporary() const;
+  bool removeTemporary() const;
   void renameTemporary() const;
   void setAside(const std::string& name) const;
   void synchronize() const;

@@ -1,13 +1,20 @@
 #include "foundation/suite_store.hpp"
 
+#include <fcntl.h>
+#include <gtest/gtest.h>
 #include <pwd.h>
 #include <signal.h>
 #include <sys/file.h>
-#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <fstream>
+#include <future>
+#include <sstream>
 
-#include "support/suite_fixture.hpp"
+#include "support/system_calls.hpp"
+#include "support/temporary_store.hpp"
 
 using namespace foundation;
 
@@ -17,134 +24,185 @@ namespace fs = std::filesystem;
 using namespace std::literals;
 using namespace std::chrono;
 
-class SuiteStoreTest : public SuiteTest {};
+constexpr const char* suite = "suite.of.test";
+constexpr Date firstDate{sys_days{1y / January / 1}}, lastDate = Date{sys_days{10000y / January / 1}} - 1us;
+using Value = std::optional<DefaultsValue>;
+
+void save(const DefaultsValues& values) { saveToSuite(suite, values); }
+void saveTwins(double number) { save({{"key", number}, {"twin", number}}); }
+
+Value load(std::string_view key) {
+  const auto store = openSuite(suite).store;
+  return store ? store->object(key) : std::nullopt;
+}
+
+/// The sentence with which `work` fails; empty when it does not.
+std::string failureOf(const std::function<void()>& work) try {
+  return work(), "";
+} catch (const SuiteError& error) {
+  return error.what();
+}
+std::string failureOfRehearsal() {
+  return failureOf([] { rehearseSavingToSuite(suite); });
+}
+
+std::string readBytes(const fs::path& at) { return (std::stringstream{} << std::ifstream{at}.rdbuf()).str(); }
+void writeBytes(const fs::path& path, std::string_view bytes) { std::ofstream{path} << bytes; }
+
+/// An exception ends the process.
+pid_t startProcess(const std::function<void()>& work) noexcept {
+  const pid_t child = fork();
+  if (child == 0) work(), _exit(0);
+  return child;
+}
+
+class SuiteStoreTest : public testing::Test {
+ protected:
+  SuiteStoreTest() { startOver(); }
+  void startOver() const { fs::remove_all(home), saveTwins(1); }
+  auto countFiles() const { return std::distance(fs::directory_iterator{directory}, {}); }
+  static void expectTwins(const Value& value) {
+    EXPECT_EQ(load("key"), value);
+    EXPECT_EQ(load("twin"), value);
+  }
+  /// Calls `test` with 0, 1, 2 … until it answers that a save makes no call of that number.
+  static void forEachCall(const std::function<bool(int number)>& test) {
+    int number = 0;
+    for (bool isMade = true; isMade && number < 100; ++number) {
+      SCOPED_TRACE(number);
+      isMade = test(number);
+    }
+    EXPECT_GT(number, 13);
+    EXPECT_LT(number, 100);
+  }
+
+  const TemporaryStore temporary{};
+  const fs::path home = temporary.folder(), directory = home / suite, file = directory / "defaults.json";
+  const fs::path leftover = directory / ".defaults.json.new", moved = home / "moved";
+  const std::vector<std::pair<std::function<void()>, Value>> beginnings{
+      {[this] { fs::remove_all(home); }, {}},
+      {[] {}, 1.0},
+      {[this] { writeBytes(file, "damaged"); }, {}},
+      {[this] { writeBytes(leftover, "half"); }, 1.0}};
+};
 
 TEST_F(SuiteStoreTest, TheFileIsReadableForPeopleAndHoldsValuesOfEveryType) {
-  const DefaultsValues values{{"bytes", Data{"\xFF\0"s}},
-                              {"date", Date{-1us}},
-                              {"first", Date{sys_days{1y / January / 1}}},
-                              {"last", Date{sys_days{10000y / January / 1}} - 1us},
-                              {"key", 0.1},
-                              {"long", Data{std::string(4 << 20, 'x')}},
-                              {"odd", "a\xFF!"s},
-                              {"record", Data{"{\"é\": \"🔒\"}"}},
-                              {"", "a\0\n"s}};
+  const DefaultsValues values{
+      {"", "a\0\n"s},     {"bytes", Data{"\xFF\0"s}}, {"data", Data{R"({"é": "🔒"})"}},
+      {"key", 0.1},       {"past", Date{-1us}},       {"long", std::string(4 << 20, 'x')},
+      {"min", firstDate}, {"odd", "a\xFF!"s},         {"twin", lastDate}};
   waitpid(startProcess([&] { save(values); }), nullptr, 0);
-  const auto store = UserDefaults::suite(name);
-  for (const auto& [key, value] : values) EXPECT_TRUE(store->object(key) == value) << key;
-  EXPECT_FALSE(store->object("missing"));
-  EXPECT_FALSE(store->data("odd"));
-  EXPECT_FALSE(store->string("record"));
-
-  save({{"long", Data{}}});
+  const auto store = UserDefaults::suite(suite);
+  for (const auto& [key, value] : values) EXPECT_EQ(store->object(key), value) << key;
+  EXPECT_FALSE(store->object("missing") || store->data("odd") || store->string("data"));
+  save({{"long", ""}});
   EXPECT_EQ(readBytes(file), R"({
   "": {"type": "string", "value": "a\u0000\n"},
   "bytes": {"type": "data", "base64": "/wA="},
-  "date": {"type": "date", "value": "1969-12-31T23:59:59.999999Z"},
-  "first": {"type": "date", "value": "0001-01-01T00:00:00.000000Z"},
+  "data": {"type": "data", "value": "{\"é\": \"🔒\"}"},
   "key": {"type": "number", "value": 0.1},
-  "last": {"type": "date", "value": "9999-12-31T23:59:59.999999Z"},
-  "long": {"type": "data", "value": ""},
+  "long": {"type": "string", "value": ""},
+  "min": {"type": "date", "value": "0001-01-01T00:00:00.000000Z"},
   "odd": {"type": "string", "base64": "Yf8h"},
-  "record": {"type": "data", "value": "{\"é\": \"🔒\"}"}
+  "past": {"type": "date", "value": "1969-12-31T23:59:59.999999Z"},
+  "twin": {"type": "date", "value": "9999-12-31T23:59:59.999999Z"}
 }
 )");
 }
 
-TEST_F(SuiteStoreTest, OtherProgramsMayWriteTheFile) {
-  const std::pair<const char*, std::optional<DefaultsValue>> rows[] = {
-      {R"({"value": 3, "type": "number"})", 3.0},
+TEST_F(SuiteStoreTest, OtherProgramsMayWriteTheFileAndAnyWrongValueIsDamage) {
+  const std::pair<const char*, Value> rows[] = {
+      {R"({"value": 3, "type": "number", "more": 1})", 3.0},
       {R"({"type": "date", "value": "1970-01-01T01:00:00.5+01:00"})", Date{500ms}},
       {R"({"type": "date", "value": "1970-01-01T00:00:01Z"})", Date{1s}},
       {R"({"type": "data", "base64": "YQ=="})", Data{"a"}},
       {R"({"type": "data", "base64": "YR=="})", {}},
-      {R"({"type": "data", "base64": "YQ"})", {}},
       {R"({"type": "data", "base64": "Y*=="})", {}},
       {R"({"type": "data", "value": 1})", {}},
-      {R"({"type": "string", "value": null})", {}},
       {R"({"type": "date", "value": 1})", {}},
       {R"({"type": "date", "value": "0000-12-31T23:59:59Z"})", {}},
       {R"({"type": "number", "value": "1"})", {}},
-      {R"({"type": "other", "value": 1})", {}},
-      {R"({"type": "number", "value": 1, "more": 1})", 1.0},
+      {R"({"type": "other", "value": "1970-01-01T00:00:01Z"})", {}},
       {R"({"value": "a"})", {}},
       {R"("text")", {}}};
   for (const auto& [value, expected] : rows) {
-    writeBytes(file, R"({"first": {"type": "number", "value": 1}, "key": )" + std::string{value} + "}");
-    EXPECT_TRUE(load("key") == expected) << value;
-    EXPECT_EQ(load("first").has_value(), expected.has_value()) << value;
+    writeBytes(file, R"({"twin": {"type": "number", "value": 1}, "key": )" + std::string{value} + "}");
+    EXPECT_EQ(load("key"), expected) << value;
+    EXPECT_EQ(load("twin"), expected ? Value{1.0} : Value{}) << value;
   }
 }
 
 TEST_F(SuiteStoreTest, AHandleAnswersFromOneStateUntilItSynchronizes) {
-  auto handle = openSuite(name).store;
-  save({{"key", 2.0}});
+  auto handle = openSuite(suite).store;
+  saveTwins(2);
   EXPECT_EQ(handle->object("key"), DefaultsValue{1.0});
   EXPECT_TRUE(handle->synchronize());
   EXPECT_EQ(handle->object("key"), DefaultsValue{2.0});
-
-  save({{"other", 1.0}});
-  handle->set("key", 3.0);
-  EXPECT_EQ(handle->object("key"), DefaultsValue{3.0});
-  EXPECT_EQ(load("key"), DefaultsValue{2.0});
-  EXPECT_TRUE(handle->synchronize());
-  EXPECT_EQ(load("key"), DefaultsValue{3.0});
-  EXPECT_EQ(handle->object("other"), DefaultsValue{1.0});
-
+  saveTwins(3);
   handle->set("key", 4.0);
-  handle.reset();
+  EXPECT_EQ(handle->object("key"), DefaultsValue{4.0});
   EXPECT_EQ(load("key"), DefaultsValue{3.0});
+  EXPECT_TRUE(handle->synchronize());
+  EXPECT_EQ(load("key"), DefaultsValue{4.0});
+  EXPECT_EQ(handle->object("twin"), DefaultsValue{3.0});
+
+  handle->set("key", 5.0);
+  fs::permissions(file, fs::perms::all);
+  EXPECT_FALSE(handle->synchronize());
+  EXPECT_EQ(handle->object("twin"), DefaultsValue{3.0});
+  fs::permissions(file, fs::perms::owner_all);
+  EXPECT_TRUE(handle->synchronize());
+  EXPECT_EQ(load("key"), DefaultsValue{5.0});
+  handle->set("key", 6.0);
+  handle.reset();
+  EXPECT_EQ(load("key"), DefaultsValue{5.0});
 }
 
-TEST_F(SuiteStoreTest, WhatCannotBeStoredIsRefusedOnceAndTheRestIsSaved) {
-  const DefaultsValues bad[] = {{{"bad", NAN}},
-                                {{"bad", INFINITY}},
-                                {{"bad", Date{sys_days{10000y / January / 1}}}},
-                                {{"bad", Date{sys_days{1y / January / 1}} - 1us}},
-                                {{"bad", std::string((4 << 20) + 1, 'x')}},
-                                {{"\xFF", 1.0}}};
-  for (const auto& values : bad) {
-    const auto handle = openSuite(name).store;
-    for (const auto& [key, value] : values) handle->set(key, value);
+TEST_F(SuiteStoreTest, WhatCannotBeStoredIsRefusedAndDroppedAndTheRestIsSaved) {
+  const std::pair<const char*, DefaultsValue> bad[] = {{"bad", NAN},
+                                                       {"bad", INFINITY},
+                                                       {"bad", lastDate + 1us},
+                                                       {"bad", firstDate - 1us},
+                                                       {"bad", Data{std::string((4 << 20) + 1, 'x')}},
+                                                       {"\xFF", 1.0}};
+  for (const auto& [key, value] : bad) {
+    EXPECT_NE(failureOf([&] { save({{key, value}, {"key", 2.0}}); }), "");
+    const auto handle = openSuite(suite).store;
+    handle->set(key, value);
     handle->set("key", 2.0);
     EXPECT_FALSE(handle->synchronize());
     EXPECT_EQ(load("key"), DefaultsValue{1.0});
     EXPECT_TRUE(handle->synchronize());
     EXPECT_EQ(load("key"), DefaultsValue{2.0});
-    EXPECT_NE(failureOf([&] { save(values); }), "");
-    startOver();
+    saveTwins(1);
   }
 }
 
 TEST_F(SuiteStoreTest, AnotherSaversLockStopsSavingForTwoSecondsAndReadingNotAtAll) {
   const int other = open(directory.c_str(), O_RDONLY | O_CLOEXEC);
   flock(other, LOCK_EX);
-  const auto handle = openSuite(name).store;
-  EXPECT_EQ(handle->object("key"), DefaultsValue{1.0});
-  handle->set("key", 2.0);
   const auto start = steady_clock::now();
-  EXPECT_FALSE(handle->synchronize());
+  EXPECT_EQ(failureOf([] { saveTwins(2); }), directory.string() + " is locked by another program");
   EXPECT_GE(steady_clock::now() - start, 1900ms);
-  EXPECT_EQ(failureOf([] { rehearseSavingToSuite(name); }),
-            directory.string() + " is locked by another program");
-  EXPECT_EQ(load("key"), DefaultsValue{1.0});
+  expectTwins(1.0);
+  const auto saver = std::async(std::launch::async, [] { saveTwins(2); });
+  EXPECT_EQ(saver.wait_for(50ms), std::future_status::timeout);
   close(other);
-  EXPECT_TRUE(handle->synchronize());
-  EXPECT_EQ(load("key"), DefaultsValue{2.0});
+  saver.wait();
+  expectTwins(2.0);
 }
 
 TEST_F(SuiteStoreTest, TheLocationFollowsTheEnvironmentAndTakesPlainNamesOnly) {
-  for (const auto& wrong : {""s, "."s, ".."s, "a/b"s, "/a"s, "a\0"s, std::string(256, 'x')}) {
-    EXPECT_FALSE(suiteLocation(wrong)) << wrong;
-    EXPECT_FALSE(openSuite(wrong).store) << wrong;
-  }
+  for (const auto& wrong : {""s, "."s, ".."s, "a/b"s, "/a"s, "a\0"s, std::string(256, 'x')})
+    EXPECT_FALSE(suiteLocation(wrong) || openSuite(wrong).store) << wrong;
   const std::string ofUser = getpwuid(geteuid())->pw_dir + "/.local/share"s;
-  const std::tuple<const char*, const char*, std::string> rows[] = {
-      {"/d", "/h", "/d"}, {"", "/h", "/h/.local/share"}, {"d", "/h", "/h/.local/share"}, {"d", "h", ofUser}};
-  for (const auto& [data, homeFolder, expected] : rows) {
+  for (const auto& [data, homeFolder, at] : {std::tuple{"/d", "/h", "/d"s},
+                                             {"", "/h", "/h/.local/share"s},
+                                             {"d", "/h", "/h/.local/share"s},
+                                             {"d", "h", ofUser}}) {
     setenv("XDG_DATA_HOME", data, 1), setenv("HOME", homeFolder, 1);
-    EXPECT_EQ(suiteLocation("s")->file, expected + "/s/defaults.json");
-    EXPECT_EQ(suiteLocation("s")->directory, expected + "/s");
+    EXPECT_EQ(suiteLocation("s")->file, at + "/s/defaults.json");
+    EXPECT_EQ(suiteLocation("s")->directory, at + "/s");
   }
 }
 
@@ -153,111 +211,174 @@ TEST_F(SuiteStoreTest, WhatIsMadeIsForTheOwnerAloneWhateverTheUmask) {
     const mode_t before = umask(mask);
     startOver();
     umask(before);
-    struct stat found {};
-    for (const auto& [path, mode] :
-         {std::pair{home, S_IFDIR | 0700}, {directory, S_IFDIR | 0700}, {file, S_IFREG | 0600}}) {
-      EXPECT_EQ(lstat(path.c_str(), &found), 0);
-      EXPECT_EQ(found.st_mode, static_cast<mode_t>(mode)) << path << mask;
-    }
+    EXPECT_EQ(fs::status(home).permissions(), fs::perms{0700}) << mask;
+    EXPECT_EQ(fs::status(directory).permissions(), fs::perms{0700}) << mask;
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms{0600}) << mask;
   }
 }
 
 TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
-  const auto toLink = [&](const auto& p) { fs::rename(p, home / "o"), fs::create_symlink(home / "o", p); };
-  const auto chownOf = [](const auto& p) { EXPECT_EQ(chown(p.c_str(), 12345, 0), 0); };
+  const auto toLink = [&](const auto& p) { fs::rename(p, moved), fs::create_symlink(moved, p); };
+  const auto giveAway = [](const auto& p) { EXPECT_EQ(chown(p.c_str(), 12345, 0), 0); };
   const std::pair<std::string, std::function<void()>> rows[] = {
       {"test can be written by group or others", [&] { chmod(directory.c_str(), 0720); }},
       {"test can be written by group or others", [&] { chmod(directory.c_str(), 0702); }},
       {"test is a symbolic link", [&] { toLink(directory); }},
       {"test is not a directory", [&] { fs::remove_all(directory), writeBytes(directory, ""); }},
-      {"test belongs to another user", [&] { chownOf(directory); }},
+      {"test belongs to another user", [&] { giveAway(directory); }},
       {"test: Not a directory", [&] { fs::remove_all(home), writeBytes(home, ""); }},
       {"json can be written by group or others", [&] { chmod(file.c_str(), 0620); }},
-      {"json can be written by group or others", [&] { chmod(file.c_str(), 0602); }},
       {"json is a symbolic link", [&] { toLink(file); }},
       {"json is not a regular file", [&] { fs::remove(file), fs::create_directory(file); }},
       {"json is not a regular file", [&] { fs::remove(file), mkfifo(file.c_str(), 0600); }},
-      {"json belongs to another user", [&] { chownOf(file); }},
+      {"json belongs to another user", [&] { giveAway(file); }},
       {"json is larger than 64 MiB", [&] { fs::resize_file(file, (64 << 20) + 1); }}};
   for (const auto& [failure, prepare] : rows) {
     if (failure.ends_with("another user") && geteuid() != 0) continue;
     startOver();
     prepare();
-    const auto reason = openSuite(name).failure;
+    const auto reason = openSuite(suite).failure;
     EXPECT_TRUE(reason.ends_with(failure)) << failure << ": " << reason;
-    EXPECT_EQ(failureOf([] { save({{"key", 2.0}}); }), reason);
-    EXPECT_EQ(failureOf([] { rehearseSavingToSuite(name); }), reason);
+    EXPECT_EQ(failureOf([] { saveTwins(2); }), reason);
+    EXPECT_EQ(failureOfRehearsal(), reason);
   }
   fs::remove_all(home);
 }
 
-TEST_F(SuiteStoreTest, ADamagedFileReadsAsNothingAndIsSetAsideByTheNextSave) {
+TEST_F(SuiteStoreTest, ADamagedFileIsSetAsideByTheNextSave) {
   const ClockOverride clock{sys_days{2026y / November / 24} + 22h + 15min};
-  const fs::path aside = file.string() + ".damaged-20261124T221500Z";
-  for (const auto& damage : {""s, "{"s, "[]"s, R"({"key": 1})"s, std::string(5000, '?')}) {
-    startOver();
+  const std::string aside = file.string() + ".damaged-20261124T221500Z";
+  for (const auto& [damage, name] : {std::pair{""s, aside}, {"[]"s, aside + "-2"}, {"{"s, aside + "-3"}}) {
     writeBytes(file, damage);
-    EXPECT_NE(openSuite(name).damage, "");
-    EXPECT_FALSE(load("key"));
-    EXPECT_EQ(failureOf([] { rehearseSavingToSuite(name); }), "");
+    expectTwins({});
+    EXPECT_NE(openSuite(suite).damage, "");
+    EXPECT_EQ(failureOfRehearsal(), "");
     EXPECT_EQ(readBytes(file), damage);
     save({{"new", 1.0}});
     EXPECT_EQ(load("new"), DefaultsValue{1.0});
-    EXPECT_EQ(openSuite(name).damage, "");
-    EXPECT_EQ(readBytes(aside), damage);
+    EXPECT_EQ(openSuite(suite).damage, "");
+    EXPECT_TRUE(fs::exists(name));
+    EXPECT_EQ(readBytes(name), damage);
   }
-  writeBytes(file, "damaged once more");
-  save({{"new", 2.0}});
-  EXPECT_EQ(readBytes(aside.string() + "-2"), "damaged once more");
-  EXPECT_EQ(readBytes(aside), std::string(5000, '?'));
 }
 
 TEST_F(SuiteStoreTest, WhatLiesUnderTheNameOfTheNewFileDoesNotStopASave) {
-  const std::function<void()> rows[] = {[&] { writeBytes(leftover, "left by a killed saver"); },
-                                        [&] { mkfifo(leftover.c_str(), 0600); },
-                                        [&] { fs::create_symlink(home / "victim", leftover); },
-                                        [&] { fs::create_directories(leftover / "full"); }};
-  for (const auto& prepare : rows) {
+  for (const auto& prepare : std::initializer_list<std::function<void()>>{
+           [&] { mkfifo(leftover.c_str(), 0600); }, [&] { fs::create_symlink(moved, leftover); },
+           [&] { fs::create_directories(leftover / "full"); }}) {
     startOver();
     prepare();
-    save({{"key", 2.0}});
-    EXPECT_EQ(load("key"), DefaultsValue{2.0});
-    EXPECT_FALSE(fs::exists(fs::symlink_status(leftover)));
-    EXPECT_FALSE(fs::exists(home / "victim"));
+    saveTwins(2);
+    expectTwins(2.0);
+    EXPECT_FALSE(fs::exists(fs::symlink_status(leftover)) || fs::exists(moved));
   }
 }
 
 TEST_F(SuiteStoreTest, ReadingAndRehearsingMakeNothing) {
-  const auto before = fs::last_write_time(file);
-  rehearseSavingToSuite(name);
-  EXPECT_EQ(fs::last_write_time(file), before);
-  EXPECT_EQ(count(""), 1);
+  EXPECT_EQ(failureOfRehearsal(), "");
+  expectTwins(1.0);
+  EXPECT_EQ(countFiles(), 1);
   fs::remove_all(home);
-  EXPECT_FALSE(load("key"));
-  rehearseSavingToSuite(name);
+  expectTwins({});
+  EXPECT_EQ(failureOfRehearsal(), "");
   EXPECT_FALSE(fs::exists(home));
 }
 
 TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {
   std::vector<pid_t> savers;
-  for (double saver = 1; saver <= 4; ++saver)
+  for (const char* saver : {"a", "b", "c", "d"})
     savers.push_back(startProcess([saver] {
-      for (double number = 0; number < 30; ++number)
-        save({{"key", saver + number}, {"same", saver + number}, {"of " + std::to_string(saver), number}});
+      for (double number = 1; number <= 30; ++number)
+        save({{"key", number}, {"twin", number}, {saver, number}});
     }));
-  save({{"same", 1.0}, {"key", 1.0}});
-  for (const pid_t saver : savers) {
-    int status = -1;
-    while (waitpid(saver, &status, WNOHANG) == 0) {
-      const auto store = openSuite(name).store;
-      ASSERT_TRUE(store);
-      ASSERT_EQ(store->object("key"), store->object("same"));
+  for (const pid_t saver : savers)
+    while (waitpid(saver, nullptr, WNOHANG) == 0) {
+      const auto store = openSuite(suite).store;
+      ASSERT_EQ(store->object("key"), store->object("twin"));
     }
-    EXPECT_EQ(status, 0);
+  for (const char* saver : {"a", "b", "c", "d"}) EXPECT_EQ(load(saver), DefaultsValue{30.0});
+  EXPECT_EQ(countFiles(), 1);
+}
+
+TEST_F(SuiteStoreTest, ASaverThatIsKilledBeforeAnyCallLeavesTheOldOrTheNewStatus) {
+  for (const auto& [prepare, old] : beginnings)
+    forEachCall([&, &prepare = prepare, &old = old](int number) {
+      startOver();
+      prepare();
+      int status = 0;
+      const auto dieSaving = [&] {
+        system_calls::intercept(number, [] { return raise(SIGKILL) != 0; });
+        saveTwins(2);
+      };
+      waitpid(startProcess(dieSaving), &status, 0);
+      const bool isNew = !WIFSIGNALED(status) || load("key") == DefaultsValue{2.0};
+      expectTwins(isNew ? 2.0 : old);
+      saveTwins(3);
+      expectTwins(3.0);
+      EXPECT_EQ(countFiles(), &prepare == &beginnings[2].first ? 2 : 1);
+      return WIFSIGNALED(status);
+    });
+}
+
+TEST_F(SuiteStoreTest, ASaveSucceedsOrLeavesTheOldStatusWhenAnyCallFails) {
+  for (const auto& [prepare, old] : beginnings)
+    forEachCall([&, &prepare = prepare, &old = old](int number) {
+      startOver();
+      prepare();
+      system_calls::intercept(number, [] { return true; });
+      const bool isSaved = failureOf([] { saveTwins(2); }).empty();
+      const bool isReached = system_calls::wasReached();
+      expectTwins(isSaved ? 2.0 : old);
+      EXPECT_TRUE(isSaved || !fs::exists(leftover) || &prepare == &beginnings[3].first);
+      saveTwins(3);
+      expectTwins(3.0);
+      EXPECT_EQ(countFiles(), &prepare == &beginnings[2].first ? 2 : 1);
+      return isReached;
+    });
+  for (int number = 0; number < 6; ++number) {
+    system_calls::intercept(number, [] { return true; });
+    const auto opening = openSuite(suite);
+    EXPECT_EQ(opening.store == nullptr, system_calls::wasReached());
+    EXPECT_EQ(opening.failure.ends_with("Input/output error"), number < 6);
+    EXPECT_EQ(opening.damage, "");
   }
-  for (double saver = 1; saver <= 4; ++saver)
-    EXPECT_EQ(load("of " + std::to_string(saver)), DefaultsValue{29.0});
-  EXPECT_EQ(count(""), 1);
+}
+
+TEST_F(SuiteStoreTest, AFolderThatIsReplacedDuringASaveGetsTheStatusToo) {
+  const auto moveAway = [&] { fs::rename(directory, moved); };
+  const std::pair<std::function<void()>, bool> rows[] = {
+      {[&] { fs::remove_all(directory); }, true},
+      {[&] { moveAway(), mkdir(directory.c_str(), 0700); }, true},
+      {[&] { moveAway(), fs::create_directory_symlink(moved, directory); }, false}};
+  for (const auto& [swap, isSaved] : rows)
+    forEachCall([&, &swap = swap, isSaved = isSaved](int number) {
+      startOver();
+      system_calls::intercept(number, [&] { return swap(), false; });
+      const auto failure = failureOf([] { saveTwins(2); });
+      const bool isReached = system_calls::wasReached();
+      EXPECT_EQ(failure.empty(), isSaved || !isReached);
+      expectTwins(failure.empty() ? Value{2.0} : Value{});
+      return isReached;
+    });
+}
+
+TEST_F(SuiteStoreTest, AFileThatIsReplacedDuringASaveIsNeitherFollowedNorWaitedFor) {
+  const std::function<void()> rows[] = {[&] { fs::create_symlink(moved, file); },
+                                        [&] { mkfifo(file.c_str(), 0600); },
+                                        [&] { fs::create_directories(file / "full"); }};
+  for (const auto& swap : rows)
+    forEachCall([&](int number) {
+      startOver();
+      system_calls::intercept(number, [&] { return fs::remove(file), swap(), false; });
+      const bool isSaved = failureOf([] { saveTwins(2); }).empty();
+      const bool isReached = system_calls::wasReached();
+      EXPECT_TRUE(isSaved || load("key") != DefaultsValue{2.0});
+      EXPECT_FALSE(fs::exists(moved));
+      fs::remove_all(file);
+      saveTwins(3);
+      expectTwins(3.0);
+      return isReached;
+    });
 }
 
 }  // namespace

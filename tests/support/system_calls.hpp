@@ -1,16 +1,53 @@
 #pragma once
 
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <functional>
+#include <utility>
 
 /// Comes between the code under test and the system, in a test program that is linked with --wrap for each of
-/// the calls: those that open, look at, read, write, lock, rename or remove a file.
+/// the calls below. Include it in one source of the program.
 namespace system_calls {
+
+inline int callsLeft = 0;
+inline std::function<bool()> pending;
 
 /// Runs `event` before call `number`, counted from 0 from now on. When it answers true the call is not made
 /// and fails with EIO.
-void intercept(int number, std::function<bool()> event);
+inline void intercept(int number, std::function<bool()> event) {
+  callsLeft = number;
+  pending = std::move(event);
+}
 
-/// Whether call `number` was reached; nothing is intercepted any more.
-bool wasReached();
+/// Whether that call was reached; nothing is intercepted any more.
+inline bool wasReached() { return std::exchange(pending, nullptr) == nullptr; }
+
+inline bool fails() {
+  if (!pending || callsLeft-- > 0 || !std::exchange(pending, nullptr)()) return false;
+  errno = EIO;
+  return true;
+}
 
 }  // namespace system_calls
+
+// NOLINTBEGIN(bugprone-reserved-identifier)
+#define WRAP(result, name, parameters, arguments) \
+  extern "C" result __real_##name parameters;     \
+  extern "C" result __wrap_##name parameters { return system_calls::fails() ? -1 : __real_##name arguments; }
+
+WRAP(int, openat, (int folder, const char* name, int flags, mode_t mode), (folder, name, flags, mode))
+WRAP(int, fstat, (int file, struct stat* found), (file, found))
+WRAP(int, lstat, (const char* path, struct stat* found), (path, found))
+WRAP(ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, count))
+WRAP(ssize_t, write, (int file, const void* bytes, size_t count), (file, bytes, count))
+WRAP(int, fsync, (int file), (file))
+WRAP(int, flock, (int file, int operation), (file, operation))
+WRAP(int, fchmod, (int file, mode_t mode), (file, mode))
+WRAP(int, fchmodat, (int folder, const char* name, mode_t mode, int flags), (folder, name, mode, flags))
+WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode))
+WRAP(int, unlinkat, (int folder, const char* name, int flags), (folder, name, flags))
+WRAP(int, renameat, (int from, const char* name, int to, const char* other), (from, name, to, other))
+WRAP(int, renameat2, (int from, const char* name, int to, const char* other, unsigned flags),
+     (from, name, to, other, flags))
+// NOLINTEND(bugprone-reserved-identifier)
