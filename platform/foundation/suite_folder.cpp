@@ -20,7 +20,7 @@ namespace {
 using std::filesystem::path;
 
 /// Room for a few values of largestDefaultsValue in JSON's longest form.
-constexpr std::size_t largestFile = std::size_t{64} << 20;
+constexpr off_t largestFile = off_t{64} << 20;
 
 /// Only who holds the lock makes it, so that one name will do: what a killed saver left is replaced.
 constexpr const char* temporaryName = ".defaults.json.new";
@@ -54,6 +54,7 @@ FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_
     throw unusable(shown, kind == S_IFDIR ? "is not a directory" : "is not a regular file");
   if (found.st_uid != geteuid()) throw unusable(shown, "belongs to another user");
   if ((found.st_mode & (S_IWGRP | S_IWOTH)) != 0) throw unusable(shown, "can be written by group or others");
+  if (found.st_size > largestFile) throw unusable(shown, "is larger than 64 MiB");
   return file;
 }
 
@@ -122,7 +123,6 @@ std::optional<std::string> SuiteFolder::readFile() const {
   std::size_t length = 0;
   ssize_t count = 0;
   do {
-    if (length > largestFile) throw unusable(location_.file, "is larger than 64 MiB");
     if (length == text.size()) text.resize(std::max<std::size_t>(length * 2, 4096));
     count = read(file.get(), &text[length], text.size() - length);
     if (count < 0) throw failure("read", location_.file);
