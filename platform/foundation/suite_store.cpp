@@ -47,7 +47,7 @@ SuiteFolder inLockedFolder(const SuiteLocation& location, Work work) {
   const auto end = steady_clock::now() + patience;
   for (; steady_clock::now() < end; std::this_thread::sleep_for(milliseconds{2})) {
     auto folder = SuiteFolder::findOrMake(location);
-    if (!folder.tryLock() || !folder.isInPlace()) continue;
+    if (!folder.tryLock()) continue;
     try {
       work(folder);
       if (folder.isInPlace()) return folder;

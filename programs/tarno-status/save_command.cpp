@@ -41,7 +41,7 @@ void reportIgnoredKeys(const std::string& record, const TarnoMacStatusSnapshot& 
   std::string names;
   for (const auto& [key, value] : given.items())
     if (!value.is_null() && !saved.contains(key)) names += (names.empty() ? "\"" : ", \"") + key + '"';
-  if (!names.empty()) program::complain("saved without what is not a key of a record: " + names);
+  if (!names.empty()) program::complain("the report was saved without its unknown keys: " + names);
 }
 
 }  // namespace

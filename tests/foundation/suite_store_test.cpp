@@ -141,6 +141,10 @@ TEST_F(SuiteStoreTest, AHandleAnswersFromOneStateUntilItSynchronizes) {
   EXPECT_EQ(load("key"), DefaultsValue{4.0});
   EXPECT_EQ(handle->object("twin"), DefaultsValue{3.0});
 
+  saveTwins(3);
+  EXPECT_TRUE(handle->synchronize());
+  EXPECT_EQ(handle->object("key"), DefaultsValue{3.0});
+
   handle->set("key", 5.0);
   fs::permissions(file, fs::perms::all);
   EXPECT_FALSE(handle->synchronize());
@@ -148,6 +152,10 @@ TEST_F(SuiteStoreTest, AHandleAnswersFromOneStateUntilItSynchronizes) {
   fs::permissions(file, fs::perms::owner_all);
   EXPECT_TRUE(handle->synchronize());
   EXPECT_EQ(load("key"), DefaultsValue{5.0});
+  fs::permissions(file, fs::perms::all);
+  EXPECT_FALSE(handle->synchronize());
+  EXPECT_FALSE(handle->object("key"));
+  fs::permissions(file, fs::perms::owner_all);
   handle->set("key", 6.0);
   handle.reset();
   EXPECT_EQ(load("key"), DefaultsValue{5.0});
@@ -323,6 +331,12 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
         EXPECT_FALSE(fs::exists(moved));
         return isReached;
       });
+}
+
+TEST_F(SuiteStoreTest, TheFileIsOnTheDiskBeforeItTakesItsNameAndTheNameBeforeTheSaveReturns) {
+  system_calls::made.clear();
+  saveTwins(2);
+  EXPECT_NE(system_calls::made.find("write fsync renameat fsync"), std::string::npos) << system_calls::made;
 }
 
 TEST_F(SuiteStoreTest, AFailedSaveLeavesNoFileAndFailedReadingSaysSo) {

@@ -4,12 +4,14 @@
 
 #include <cerrno>
 #include <functional>
+#include <string>
 #include <utility>
 
 /// Comes between the code under test and the system, in a test program that is linked with --wrap for each of
 /// the calls below. Include it in one source of the program.
 namespace system_calls {
 
+inline std::string made;  ///< the names of the calls that were made, a space after each
 inline int callsLeft = 0;
 inline std::function<bool()> pending;
 
@@ -23,7 +25,8 @@ inline void intercept(int number, std::function<bool()> event) {
 /// Whether that call was reached; nothing is intercepted any more.
 inline bool wasReached() { return std::exchange(pending, nullptr) == nullptr; }
 
-inline bool fails() {
+inline bool fails(const char* name) {
+  made += std::string{name} + ' ';
   if (!pending || callsLeft-- > 0 || !std::exchange(pending, nullptr)()) return false;
   errno = EIO;
   return true;
@@ -32,9 +35,11 @@ inline bool fails() {
 }  // namespace system_calls
 
 // NOLINTBEGIN(bugprone-reserved-identifier)
-#define WRAP(result, name, parameters, arguments) \
-  extern "C" result __real_##name parameters;     \
-  extern "C" result __wrap_##name parameters { return system_calls::fails() ? -1 : __real_##name arguments; }
+#define WRAP(result, name, parameters, arguments)                     \
+  extern "C" result __real_##name parameters;                         \
+  extern "C" result __wrap_##name parameters {                        \
+    return system_calls::fails(#name) ? -1 : __real_##name arguments; \
+  }
 
 WRAP(int, openat, (int folder, const char* name, int flags, mode_t mode), (folder, name, flags, mode))
 WRAP(int, fstat, (int file, struct stat* found), (file, found))
