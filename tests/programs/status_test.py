@@ -100,6 +100,9 @@ class Status(ProgramTest):
             else:
                 self.run_program("tarno-status", "show", code=69)
         self.assertEqual(self.doctor(0)["report's age"], "received in the future")
+        self.write(record=("data", '{"status": "locked", "reason": "a\\u001bb"}'))
+        self.assertIsNone(self.shown()["received_at"])
+        self.assertIn("\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode())
 
     def test_doctor_show_and_save_agree_on_a_store_that_cannot_be_used(self):
         self.group.parent.mkdir(parents=True)
