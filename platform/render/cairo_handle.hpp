@@ -12,7 +12,7 @@ using Context = Handle<cairo_t, cairo_destroy>;
 
 /// Each component as ui::byteOf() rounds it: Cairo itself cuts what lies between two of the 256 steps.
 inline void setColor(cairo_t* cairo, const ui::Color& color) {
-  const auto step = [](double component) { return ui::byteOf(component) / 255.0; };
+  const auto step = [](double component) { return static_cast<double>(ui::byteOf(component)) / 255; };
   cairo_set_source_rgba(cairo, step(color.red), step(color.green), step(color.blue), step(color.alpha));
 }
 

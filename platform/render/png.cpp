@@ -2,8 +2,10 @@
 
 #include <png.h>
 
+#include <array>
 #include <cmath>
 #include <csetjmp>
+#include <cstring>
 #include <exception>
 #include <new>
 #include <vector>
@@ -53,10 +55,15 @@ void flushNothing(png_structp) {}
 /// Writes `count` pixels as RGBA. Most pixels look like the one before.
 void convert(const std::uint32_t* pixels, int count, png_byte* target) {
   std::uint32_t last = 0;
-  std::uint32_t straight = 0;
-  for (const std::uint32_t* pixel = pixels; pixel != pixels + count; ++pixel) {
-    if (*pixel != last) straight = unpremultiplied(last = *pixel);
-    for (const int shift : {16, 8, 0, 24}) *target++ = static_cast<png_byte>(straight >> shift);
+  std::array<png_byte, 4> rgba{};
+  for (const std::uint32_t* pixel = pixels; pixel != pixels + count; ++pixel, target += rgba.size()) {
+    if (*pixel != last) {
+      last = *pixel;
+      const std::uint32_t straight = unpremultiplied(last);
+      rgba = {static_cast<png_byte>(straight >> 16), static_cast<png_byte>(straight >> 8),
+              static_cast<png_byte>(straight), static_cast<png_byte>(straight >> 24)};
+    }
+    std::memcpy(target, rgba.data(), rgba.size());
   }
 }
 

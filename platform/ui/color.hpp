@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 
 namespace ui {
 
@@ -25,8 +26,8 @@ struct Color {
 };
 
 /// A component as one of 256 steps, half rounded up: what is drawn, and what inspection prints.
-constexpr int byteOf(double component) {
-  return component > 0 ? static_cast<int>(std::min(component, 1.0) * 255 + 0.5) : 0;
+inline long byteOf(double component) {
+  return component > 0 ? std::lround(std::min(component, 1.0) * 255) : 0;
 }
 
 inline constexpr Color white = Color::sRGB(1, 1, 1);
