@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "render/cairo_handle.hpp"
 #include "render/display_text.hpp"
 #include "render/image.hpp"
+#include "render/painter.hpp"
 #include "support/pixels.hpp"
 
 namespace {
@@ -111,6 +113,7 @@ TEST(TextEngine, aRunOfOneScriptIsSetInOneFace) {
   // The rounded face has a pi, and no other Greek letter; it lacks the letter for a click.
   for (const std::string text : {"π", "απδ", "\u01C2"})
     EXPECT_NEAR(width(text, caption), 0.97 * width(text, ui::Font::system(12)), 0.01) << text;
+  EXPECT_GT(engine.measure("x", ui::Font::system(12), {}, 1).size.height, 13);
   EXPECT_GT(width("abc", caption), width("abc", ui::Font::system(12)));
 }
 
@@ -138,6 +141,24 @@ TEST(TextEngine, stackedMarksStayNearTheirLine) {
   const double quarter = run.box.size.height / 4;
   EXPECT_NEAR(found.top, run.box.origin.y - quarter, 1.5);
   EXPECT_NEAR(found.bottom, run.box.bottom() + quarter, 1.5);
+}
+
+TEST(TextEngine, picturesStandInVectorFilesWhereTheyStandOnPixels) {
+  render::TextEngine engine;
+  auto run = place(engine, "🚀");
+  const Ink onPixels = ink(engine, run);
+  run.color = ui::black.opacity(0.5);
+  const render::Surface vector(cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, nullptr));
+  render::paint({{300, 60}, {run}, {}}, engine, render::Context(cairo_create(vector.get())).get());
+  double x, y, width, height;
+  cairo_recording_surface_ink_extents(vector.get(), &x, &y, &width, &height);
+  EXPECT_NEAR(x, onPixels.left, 1.5);
+  EXPECT_NEAR(y, onPixels.top, 1.5);
+  EXPECT_NEAR(x + width, onPixels.right, 1.5);
+  EXPECT_NEAR(y + height, onPixels.bottom, 1.5);
+  const auto pixels =
+      Pixels::decode(render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, 1));
+  for (const auto& pixel : pixels.rows) EXPECT_LE(pixel[3], 129);
 }
 
 TEST(DisplayText, isValidAndBounded) {

@@ -247,4 +247,18 @@ TEST(Layout, FillsTheContainerToItsEdgeAndKeepsTheViewInsideTheMargin) {
   EXPECT_TRUE(drawn(laidOut(filler, {20, 20}, 30)).ends_with(" 0x0]"));
 }
 
+TEST(Layout, AnchorsSignsAtTheirCentresAlsoWhenTurned) {
+  const View dot = Circle{}.fill(black).frame({.width = 10, .height = 10});
+  const auto anchors = [](const View& view) {
+    std::vector<std::optional<Point>> found;
+    for (const auto& item : laidOut(view, {40, 40}).items) found.push_back(std::get<FillPath>(item).anchor);
+    return found;
+  };
+  const View pair =
+      HStack({.spacing = 4}, dot,
+             Capsule(RoundedCornerStyle::continuous).fill(black).frame({.width = 10, .height = 10}));
+  EXPECT_EQ(anchors(pair), (std::vector<std::optional<Point>>{Point{13, 20}, std::nullopt}));
+  EXPECT_NEAR(anchors(pair.rotationEffect(Angle::degrees(90))).at(0)->y, 13, 1e-9);
+}
+
 }  // namespace
