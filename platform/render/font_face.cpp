@@ -3,6 +3,7 @@
 #include <hb.h>
 
 #include <array>
+#include <string>
 
 namespace render {
 namespace {
@@ -40,9 +41,11 @@ FontDescription fontFace(const ui::Font& font) {
   return description;
 }
 
-FontDescription fontFaceAmongAll(const ui::Font& font, bool hasRounded) {
+FontDescription fontFaceAmongAll(const ui::Font& font) {
   FontDescription description = fontFace(font);
-  if (!hasRounded) pango_font_description_set_family_static(description.get(), "sans-serif");
+  const std::string families =
+      std::string(pango_font_description_get_family(description.get())) + ",sans-serif";
+  pango_font_description_set_family(description.get(), families.c_str());
   // From a request for bold on, fontconfig smears a face that has no bold (Japanese) into one, and at 11
   // points that closes the gaps between strokes. For semibold it hands out the same bold faces where there
   // are any.

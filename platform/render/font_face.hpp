@@ -20,9 +20,8 @@ inline constexpr const char* roundedFamily = "Quicksand";
 /// The face that `font` is set in, at the shaping size.
 FontDescription fontFace(const ui::Font& font);
 
-/// The same for a text that needs other faces too, or where the rounded face is missing (`hasRounded` is
-/// false) and a plain one stands in for it.
-FontDescription fontFaceAmongAll(const ui::Font& font, bool hasRounded);
+/// The same for a text that needs other faces too: a plain one stands in where the face is missing.
+FontDescription fontFaceAmongAll(const ui::Font& font);
 
 /// The families that a run in `script` is set in, or null where that is the font's own.
 const char* familiesOfScript(GUnicodeScript script);

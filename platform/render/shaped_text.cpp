@@ -22,16 +22,6 @@ void insert(PangoAttrList* attributes, PangoAttribute* attribute, std::size_t st
   pango_attr_list_insert(attributes, attribute);
 }
 
-/// Pango sets a blank in the face of what stands before it. Between Japanese and Latin words, that makes the
-/// blank before a word twice as wide as the one behind it; so there, blanks are set in the font's own face.
-void addOwnBlanks(PangoAttrList* attributes, std::string_view text) {
-  for (auto at = text.find(' ', 1); at < text.size() - 1; at = text.find(' ', at + 1)) {
-    const bool betweenScripts = (text[at - 1] & 0x80) != 0 && g_ascii_isalnum(text[at + 1]);
-    if (!betweenScripts) continue;
-    insert(attributes, pango_attr_fallback_new(FALSE), at, at + 1);
-  }
-}
-
 /// The rounded face is a Latin one that also has a few letters of other scripts (Greek π). A run in another
 /// script gets a face that has all of it, with the
 /// signs in it that belong to no script. Digits and ASCII signs keep the font's own face.
@@ -58,7 +48,6 @@ AttributeList attributesOf(std::string_view text) {
   AttributeList attributes(pango_attr_list_new());
   // A text is shown as it stands, also where it is broken in the middle of a word.
   pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
-  addOwnBlanks(attributes.get(), text);
   addFacesOfScripts(attributes.get(), text);
   return attributes;
 }

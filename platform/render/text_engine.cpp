@@ -97,7 +97,7 @@ class TextEngine::Impl {
       if (!shaped.lacksGlyphs()) return shaped;
     }
     PangoContext* all = contexts_->all();
-    const FontDescription face = fontFaceAmongAll(font, contexts_->hasRounded());
+    const FontDescription face = fontFaceAmongAll(font);
     return {all, face, lineExtent(font, all, face), shown, width, maxLines};
   }
 
