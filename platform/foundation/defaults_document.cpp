@@ -66,12 +66,6 @@ std::string dateText(Date date) {
   return text.replace(text.size() - 1, 1, fraction);
 }
 
-std::optional<Date> readDate(std::string_view text) {
-  if (const auto date = ISO8601DateFormatter{withInternetDateTime | withFractionalSeconds}.date(text))
-    return date;
-  return ISO8601DateFormatter{withInternetDateTime}.date(text);
-}
-
 /// Why a value has no place in a document; empty when it has.
 struct Fault {
   std::string_view operator()(const Data& data) const { return (*this)(data.bytes); }
@@ -79,8 +73,7 @@ struct Fault {
     return text.size() > largestDefaultsValue ? "is larger than 4 MiB" : "";
   }
   std::string_view operator()(Date date) const {
-    const bool isInRange = sys_days{1y / January / 1} <= date && date < sys_days{10000y / January / 1};
-    return isInRange ? "" : "lies outside the years 0001 to 9999";
+    return earliestDate <= date && date <= latestDate ? "" : "lies outside the years 0001 to 9999";
   }
   std::string_view operator()(double number) const {
     return std::isfinite(number) ? "" : "is not a finite number";
@@ -115,7 +108,7 @@ struct Reader {
     if (type == stringType) return bytes();
     if (type == numberType) return get<JSONValue::Number>("value").value;
     if (type != dateType) throw damage("is of no known type");
-    const auto date = readDate(get<std::string>("value"));
+    const auto date = dateFromRFC3339(get<std::string>("value"));
     return date ? *date : throw damage("is not a date");
   }
 

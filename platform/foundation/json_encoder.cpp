@@ -1,5 +1,6 @@
 #include "foundation/json_encoder.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
@@ -43,10 +44,8 @@ void Encoder::write(Date value) {
   switch (dates_) {
     case DateEncodingStrategy::secondsSince1970: return write(TimeInterval{value.time_since_epoch()}.count());
     case DateEncodingStrategy::iso8601:
-      if (value < earliestDate || value > latestDate)
-        throw EncodingError{EncodingError::Kind::invalidValue, path_,
-                            "a date outside the years 0001 to 9999 cannot be read back"};
-      return write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(value)});
+      const auto date = std::clamp(value, earliestDate, latestDate);
+      return write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(date)});
   }
 }
 

@@ -46,8 +46,8 @@ class Encoder {
   void write(double value);
   /// Throws EncodingError for text that is not UTF-8.
   void write(std::string_view value);
-  /// With the strategy iso8601, throws EncodingError for a date outside earliestDate to latestDate, which no
-  /// decoder would read back.
+  /// Never fails. With the strategy iso8601, a date outside earliestDate to latestDate, which has no RFC 3339
+  /// form, is written as the nearest one that has.
   void write(Date value);
   void write(bool value);
   void write(std::int64_t value);

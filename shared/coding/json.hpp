@@ -7,7 +7,7 @@
 namespace TarnoJSON {
 
 /// A new encoder at every call; the caller's own. Writes dates in UTC to the whole second, dropping the
-/// rest; a date outside the years 0001 to 9999 is an EncodingError.
+/// rest; a date outside the years 0001 to 9999 becomes the nearest one inside, so that it reads back.
 foundation::JSONEncoder encoder();
 
 /// A new decoder at every call; the caller's own. Reads dates with and without fractional seconds; a text

@@ -58,7 +58,7 @@ struct TarnoMacStatusSnapshot {
 bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b);
 
 /// One JSON object; absent fields are left out. Throws foundation::EncodingError for an `inputIdleSeconds`
-/// that is not finite, a text that is not UTF-8 and a `seenAt` outside the years 0001 to 9999.
+/// that is not finite and for a text that is not UTF-8.
 void encode(foundation::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot);
 
 /// From one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
