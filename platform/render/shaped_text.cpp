@@ -32,7 +32,10 @@ void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
     if (const char* families = familiesOfScript(runScript))
       insert(attributes, pango_attr_family_new(families), start, end);
   };
-  for (std::size_t at = 0; at < text.size(); at += g_utf8_skip[static_cast<unsigned char>(text[at])]) {
+  const auto length = [&](std::size_t at) {
+    return static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[at])]);
+  };
+  for (std::size_t at = 0; at < text.size(); at += length(at)) {
     const GUnicodeScript script = g_unichar_get_script(g_utf8_get_char(text.data() + at));
     const bool ofNoScript =
         script == G_UNICODE_SCRIPT_INHERITED || (script == G_UNICODE_SCRIPT_COMMON && (text[at] & 0x80));

@@ -99,8 +99,8 @@ TEST(Tile, LooksAsItDid) {
 TEST(Tile, SymbolsLookAsTheyDid) {
   ui::Scene sheet{.size = {350, 140}, .items = {}, .accessibility = {}};
   for (const ui::Symbol& symbol : ui::allSymbols()) {
-    const std::size_t cell = sheet.items.size();
-    const ui::Point corner{static_cast<double>(cell % 5) * 70 + 3, static_cast<double>(cell / 5) * 70 + 3};
+    const auto [row, column] = std::div(static_cast<int>(sheet.items.size()), 5);
+    const ui::Point corner{column * 70.0 + 3, row * 70.0 + 3};
     sheet.items.emplace_back(ui::FillPath{symbol.outline.placed(48, corner), ui::black});
   }
   render::TextEngine text;

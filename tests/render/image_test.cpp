@@ -81,22 +81,23 @@ TEST(Image, pixelsAreThoseOfThePng) {
   render::TextEngine text;
   const ui::Scene scene = tile();
   constexpr std::uint32_t untouched = 0xDEADBEEF;
-  constexpr int width = 20, height = 14, stride = 23;
+  constexpr int width = 20, height = 14;
+  constexpr std::size_t stride = 23;
   std::vector<std::uint32_t> pixels(stride * height, untouched);
-  for (int y = 0; y < height; ++y) std::fill_n(&pixels[static_cast<std::size_t>(y * stride)], width, 0u);
+  for (std::size_t y = 0; y < height; ++y) std::fill_n(&pixels[y * stride], width, 0u);
   render::drawPixels(scene, text, 2, pixels.data(), stride * sizeof(std::uint32_t));
   const Pixels png = draw(scene, 2);
-  for (int i = 0; i < stride * height; ++i) {
-    const std::uint32_t pixel = pixels[static_cast<std::size_t>(i)];
-    if (i % stride >= width) {
-      EXPECT_EQ(pixel, untouched);
+  for (std::size_t i = 0; i < stride * height; ++i) {
+    const int x = static_cast<int>(i % stride), y = static_cast<int>(i / stride);
+    if (x >= width) {
+      EXPECT_EQ(pixels[i], untouched);
       continue;
     }
-    const auto [r, g, b, alpha] = png.at(i % stride, i / stride);
-    EXPECT_EQ(pixel >> 24, alpha);
+    const auto [r, g, b, alpha] = png.at(x, y);
+    EXPECT_EQ(pixels[i] >> 24, alpha);
     const double premultiplied[] = {r * alpha / 255.0, g * alpha / 255.0, b * alpha / 255.0};
     for (int channel = 0; channel < 3; ++channel)
-      EXPECT_NEAR(pixel >> (16 - 8 * channel) & 0xFF, premultiplied[channel], 0.51) << i;
+      EXPECT_NEAR(pixels[i] >> (16 - 8 * channel) & 0xFF, premultiplied[channel], 0.51) << i;
   }
 }
 
