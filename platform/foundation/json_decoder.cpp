@@ -70,6 +70,15 @@ void Decoder::requireObject() const {
   if (!std::holds_alternative<JSONValue::Object>(value_.content)) throw typeMismatch("an object");
 }
 
+void Decoder::forEachElement(const std::function<void(const Decoder&)>& use) const {
+  const auto* const elements = std::get_if<JSONValue::Array>(&value_.content);
+  if (elements == nullptr) throw typeMismatch("an array");
+  for (std::size_t i = 0; i < elements->size(); ++i) {
+    const auto index = std::to_string(i);
+    use(Decoder{(*elements)[i], this, index, dates_});
+  }
+}
+
 const JSONValue* Decoder::find(std::string_view key) const {
   requireObject();
   const auto& members = std::get<JSONValue::Object>(value_.content);

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "foundation/coding_error.hpp"
 #include "foundation/date.hpp"
@@ -50,6 +51,9 @@ class Decoder {
     return Decoder{*member, this, key, dates_}.as<T>();
   }
 
+  /// Calls `use` with each element of this array; throws DecodingError (typeMismatch) when it is not one.
+  void forEachElement(const std::function<void(const Decoder&)>& use) const;
+
   /// An error at this value, for a strategy or a type that refuses it.
   DecodingError dataCorrupted(std::string debugDescription) const;
 
@@ -78,6 +82,11 @@ void decode(const Decoder& decoder, std::int64_t& result);
 void decode(const Decoder& decoder, std::string& result);
 /// By the JSONDecoder's date strategy.
 void decode(const Decoder& decoder, Date& result);
+/// An array whose elements are all a T.
+template <class T>
+void decode(const Decoder& decoder, std::vector<T>& result) {
+  decoder.forEachElement([&result](const Decoder& element) { result.push_back(element.as<T>()); });
+}
 
 /// Reads JSON (RFC 8259, UTF-8). Of a key that an object holds twice, the last counts. Nesting deeper than
 /// 512 levels and numbers beyond a double's range are refused. One caller at a time; cheap to make.
