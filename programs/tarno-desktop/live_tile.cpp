@@ -1,91 +1,99 @@
 #include "tarno-desktop/live_tile.hpp"
 
-#include <cstdint>
+#include <unistd.h>
+
+#include <algorithm>
+#include <sstream>
 
 #include "common/command_line.hpp"
-#include "render/cairo_handle.hpp"
-#include "render/painter.hpp"
-#include "render/png.hpp"
-#include "tarno-widget/tile.hpp"
+#include "common/files.hpp"
+#include "common/output.hpp"
+#include "widgetkit/reload_schedule.hpp"
 
 namespace desktop {
 namespace {
 
-/// Without a compositor alpha means nothing: the pixels that a corner covers in part show the colour that
-/// covers them.
-void makeOpaque(cairo_surface_t* image) {
-  cairo_surface_flush(image);
-  const int width = cairo_image_surface_get_width(image), height = cairo_image_surface_get_height(image);
-  for (int y = 0; y < height; ++y) {
-    void* row = cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image);
-    for (auto* pixel = static_cast<std::uint32_t*>(row); pixel != static_cast<std::uint32_t*>(row) + width;
-         ++pixel) {
-      if (*pixel != 0) *pixel = 255u << 24 | render::unpremultiplied(*pixel);
-    }
-  }
-  cairo_surface_mark_dirty(image);
-}
+using namespace std::chrono_literals;
 
-render::Surface paintImage(const ui::Scene& scene, render::TextEngine& text, int scale) {
-  render::Surface image{cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
-                                                   static_cast<int>(scene.size.width) * scale,
-                                                   static_cast<int>(scene.size.height) * scale)};
-  const render::Context cairo{cairo_create(image.get())};
-  cairo_scale(cairo.get(), scale, scale);
-  render::paint(scene, text, cairo.get());
-  return image;
-}
+/// Between pictures when one change follows another.
+constexpr auto shortestInterval = 250ms;
+
+/// A status that should be stale by now but is not, by the extension's clock, is asked for again after this.
+constexpr auto shortestStaleWait = 1s;
 
 }  // namespace
 
-LiveTile::LiveTile(widgetkit::WidgetConfiguration configuration, widgetkit::WidgetFamily family)
-    : configuration_(std::move(configuration)), family_(family) {}
-
-ui::Size LiveTile::size() const { return extension::tileSize(family_); }
-
-bool LiveTile::failed(const char* what, const std::string& reason) {
-  const auto line = std::string{what} + ": " + reason;
-  if (line != lastFailure_) program::complain(line);
-  lastFailure_ = line;
-  return false;
+LiveTile::LiveTile(FrameRequest request, std::function<void(const Frame&)> show)
+    : request_(std::move(request)),
+      show_(std::move(show)),
+      process_([this](FrameAnswer answer) { answered(std::move(answer)); }),
+      timer_([this] { ask(); }),
+      timeZone_([this] { ask(); }),
+      store_([this] { refresh(); }) {
+  LiveTile::prepare();
+  timeZone_.follow("/etc/localtime");
 }
 
-std::optional<widgetkit::TimelineReloadPolicy> LiveTile::ask() {
-  try {
-    auto timeline = configuration_.provider->timeline(extension::requestContext(family_));
-    if (!timeline.entries.empty()) entry_ = std::move(timeline.entries.front());
-    return timeline.policy;
-  } catch (const std::exception& error) {
-    failed("no timeline", error.what());
-    return std::nullopt;
-  }
+void LiveTile::addTo(EventLoop& loop) {
+  for (EventSource* const source : std::initializer_list<EventSource*>{&timer_, &timeZone_, &store_})
+    loop.add(*source);
+  loop.add(*this);
+  loop.add(process_);  // after what starts it
 }
 
-bool LiveTile::refresh() {
-  if (!entry_) return false;
-  try {
-    auto scene = extension::tileScene(*entry_, family_, text_);
-    lastFailure_.clear();
-    if (scene == scene_) return false;
-    scene_ = std::move(scene);
-    return true;
-  } catch (const std::exception& error) {
-    return failed("cannot lay out the tile", error.what());
-  }
+void LiveTile::ask() { need_ = Need::now; }
+
+void LiveTile::refresh() { need_ = std::max(need_, Need::soon); }
+
+void LiveTile::setScale(double scale) {
+  if (scale == request_.scale) return;
+  request_.scale = scale;
+  ask();
 }
 
-void LiveTile::paint(cairo_t* cairo, int scale, bool isOpaque) {
-  try {
-    const auto image = paintImage(scene_, text_, scale);
-    if (isOpaque) makeOpaque(image.get());
-    cairo_surface_set_device_scale(image.get(), scale, scale);
-    cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
-    cairo_set_source_surface(cairo, image.get(), 0, 0);
-    cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_NEAREST);
-    cairo_paint(cairo);
-  } catch (const std::exception& error) {
-    failed("cannot draw the tile", error.what());
+EventSource::Wait LiveTile::prepare() {
+  if (need_ == Need::none || process_.isRunning()) return {};
+  if (need_ == Need::soon) {
+    if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
+    notBefore_ = Clock::now() + shortestInterval;
   }
+  need_ = Need::none;
+  process_.start(request_);
+  return {};
+}
+
+void LiveTile::answered(FrameAnswer answer) {
+  passOn(answer.errors);
+  sleep(answer.frame);
+  if (!answer.frame) {
+    if (answer.failure != failure_) program::complain("no new picture: " + answer.failure);
+    failure_ = std::move(answer.failure);
+    return;
+  }
+  failure_.clear();
+  // What changed between the process' reading of the store and the first watch would go unnoticed.
+  if (const auto& file = answer.frame->storeFile; !file.empty() && store_.follow(file)) refresh();
+  const bool isOutdated = answer.frame->picture->scale != request_.scale;  // the right one is on its way
+  if (!isOutdated) show_(*answer.frame);
+}
+
+void LiveTile::passOn(const std::string& errors) {
+  if (errors == errors_) return;
+  errors_ = errors;
+  std::istringstream lines{errors};
+  for (std::string line; std::getline(lines, line);)
+    program::writeAll(STDERR_FILENO, program::printable(line) + "\n");
+}
+
+void LiveTile::sleep(const std::optional<Frame>& frame) {
+  using widgetkit::TimelineReloadPolicy;
+  const auto now = foundation::now();
+  auto next = widgetkit::nextRequest(
+      now, frame ? std::optional{TimelineReloadPolicy::after(frame->reloadDate)} : std::nullopt);
+  // A clock that stands still never gets there.
+  if (frame && frame->staleDate && !request_.at)
+    next = std::min(next, std::max(*frame->staleDate, now + shortestStaleWait));
+  timer_.sleepUntil(next);
 }
 
 }  // namespace desktop

@@ -1,44 +1,54 @@
 #pragma once
 
-#include <optional>
+#include <functional>
+#include <string>
 
-#include "render/text_engine.hpp"
-#include "ui/scene.hpp"
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno-desktop/event_loop.hpp"
+#include "tarno-desktop/frame_process.hpp"
+#include "tarno-desktop/path_watch.hpp"
+#include "tarno-desktop/wall_clock_timer.hpp"
 
 namespace desktop {
 
-/// A widget's tile that follows its timeline: the entry that was answered last, and what it looks like now. A
-/// request or a drawing that fails is said on standard error, once as long as it goes on, and leaves the tile
-/// as it was. One thread.
-class LiveTile {
+/// Keeps a picture of the tile up to date: asks the extension's process for one at the start, at the reload
+/// date, when the status turns stale, when the store's file, the clock or the time zone changes. What goes
+/// wrong is said on standard error, once for as long as it stays the same, and tried again after 30 s.
+class LiveTile final : public EventSource {
  public:
-  LiveTile(widgetkit::WidgetConfiguration configuration, widgetkit::WidgetFamily family);
+  /// Starts the first frame at once. `show` is called with each new frame.
+  LiveTile(FrameRequest request, std::function<void(const Frame&)> show);
 
-  ui::Size size() const;
+  /// Adds this and all that it waits for to `loop`, which outlives it.
+  void addTo(EventLoop& loop);
 
-  /// Asks the provider for a timeline. Nothing when that failed.
-  std::optional<widgetkit::TimelineReloadPolicy> ask();
+  /// Asks for a frame because something may have changed; at most four times a second, for the last change
+  /// too.
+  void refresh();
 
-  /// Lays the entry out anew: the view reads the clock again. Returns whether it looks different from before.
-  bool refresh();
+  /// Asks for a frame at `scale` pixels per point, unless that is the scale already.
+  void setScale(double scale);
 
-  /// As it was laid out last; empty before the first refresh().
-  const ui::Scene& scene() const { return scene_; }
-
-  /// Draws scene() at `scale` pixels a point on an image of its own and copies that over what `cairo` has,
-  /// pixel by pixel. `isOpaque` makes every pixel that is not empty opaque, in its own colour.
-  void paint(cairo_t* cairo, int scale, bool isOpaque);
+  Wait prepare() override;
+  void dispatch(short) override {}
 
  private:
-  bool failed(const char* what, const std::string& reason);
+  enum class Need { none, soon, now };
 
-  const widgetkit::WidgetConfiguration configuration_;
-  const widgetkit::WidgetFamily family_;
-  std::optional<widgetkit::AnyTimelineEntry> entry_;
-  render::TextEngine text_;
-  ui::Scene scene_;
-  std::string lastFailure_;
+  void ask();
+  void answered(FrameAnswer answer);
+  void passOn(const std::string& errors);
+  void sleep(const std::optional<Frame>& frame);
+
+  FrameRequest request_;
+  std::function<void(const Frame&)> show_;
+  FrameProcess process_;
+  WallClockTimer timer_;
+  PathWatch timeZone_;
+  PathWatch store_;
+  Need need_ = Need::now;
+  Clock::time_point notBefore_;  ///< when the next frame that is needed soon may start
+  std::string failure_;          ///< that was said last, and still holds
+  std::string errors_;           ///< that were passed on last
 };
 
 }  // namespace desktop

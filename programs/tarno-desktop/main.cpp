@@ -1,60 +1,51 @@
-#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "common/command_line.hpp"
-#include "common/dates.hpp"
 #include "common/failure.hpp"
 #include "common/output.hpp"
-#include "tarno-desktop/desktop.hpp"
-#include "tarno-desktop/diagnostics.hpp"
-#include "tarno-widget/extension.hpp"
-#include "tarno-widget/localization.hpp"
+#include "foundation/iso8601.hpp"
+#include "tarno-desktop/host.hpp"
 
 namespace {
 
-/// The tile has no widgets: modules, virtual file systems, stored settings and themes would cost a third of
-/// the start and of the memory for nothing. What the user has set for screen readers and scaling does not go
-/// through these.
-void leaveOutWhatATileDoesNotNeed() {
-  unsetenv("GTK_MODULES");
-  setenv("GIO_USE_VFS", "local", 1);
-  setenv("GSETTINGS_BACKEND", "memory", 1);
-  setenv("GTK_THEME", "TarnoBare", 1);
-  setenv("GDK_GL", "disable", 1);
+/// Where a standard descriptor is closed, the display would get its number, and with it what others write to
+/// it. Opened for reading alone, it still refuses to be written to.
+void fillStandardDescriptors() {
+  int filled = 0;
+  while (filled >= 0 && filled <= STDERR_FILENO) filled = open("/dev/null", O_RDONLY);
+  if (filled > STDERR_FILENO) close(filled);
 }
 
-GdkDisplay* openDisplay() {
-  leaveOutWhatATileDoesNotNeed();
-  desktop::tameToolkitMessages();
-  g_set_prgname("tarno-desktop");
-  gtk_disable_setlocale();  // useCatalogues() has set what this program uses
-  if (!gtk_init_check(nullptr, nullptr))
-    throw program::Failure{EX_UNAVAILABLE, "no display: neither WAYLAND_DISPLAY nor DISPLAY leads to one"};
-  GdkDisplay* display = gdk_display_get_default();
-  desktop::reportLossOf(display);
-  return display;
+/// A line for each: "HDMI-1 1920x1080+0+0 scale 1.5 primary".
+void listMonitors(const desktop::Options& options) {
+  std::string list;
+  for (const auto& [connector, area, scale, isPrimary] :
+       desktop::openSurface(options, {}).surface->monitors())
+    list += connector + " " + std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
+            std::to_string(area.x) + "+" + std::to_string(area.y) + " scale " + desktop::scaleText(scale) +
+            (isPrimary ? " primary\n" : "\n");
+  program::writeOutput(list);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  program::reserveStandardOutput();
-  extension::useCatalogues();
-
-  CLI::App app{"Shows the widget on the desktop: a live tile that keeps itself right."};
+  fillStandardDescriptors();
+  CLI::App app{"Shows the widget on the desktop: a live tile that stays up to date."};
   program::setExample(app, "tarno-desktop --family small --anchor bottom-right --margin 24");
   desktop::Options options;
   desktop::addOptions(app, options);
-  program::ClockOption clock{app};
 
   return program::run(app, argc, argv, [&] {
-    clock.apply();
-    GdkDisplay* display = openDisplay();
+    desktop::readSettings(app);
+    app.parse(argc, argv);  // once more: the command line wins over the settings
     if (options.listMonitors) {
-      program::writeOutput(desktop::monitorList(desktop::monitors(display)));
+      listMonitors(options);
       return EX_OK;
     }
-    return extension::withWidget([&](const auto& widget) {
-      return desktop::Desktop{options, widget, display}.run();
-    });
+    std::optional<foundation::ClockOverride> clock;
+    if (options.at) clock.emplace(*foundation::dateFromRFC3339(*options.at));
+    return desktop::Host{options}.run();
   });
 }

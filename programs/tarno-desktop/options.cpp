@@ -1,41 +1,61 @@
 #include "tarno-desktop/options.hpp"
 
+#include <charconv>
+#include <cstdlib>
 #include <map>
+#include <sstream>
 
 #include "common/command_line.hpp"
-#include "tarno-desktop/placement.hpp"
+#include "common/failure.hpp"
+#include "common/files.hpp"
+#include "foundation/iso8601.hpp"
 
 namespace desktop {
 namespace {
 
-using widgetkit::WidgetFamily;
-
-const std::map<std::string, WidgetFamily> families{{"small", WidgetFamily::systemSmall},
-                                                   {"medium", WidgetFamily::systemMedium},
-                                                   {"large", WidgetFamily::systemLarge}};
 const std::map<std::string, Layer> layers{
     {"desktop", Layer::desktop}, {"normal", Layer::normal}, {"above", Layer::above}};
 
-/// An option that takes one of the words of `values`.
-template <class Value>
-void addWord(CLI::App& app, const std::string& name, Value& value, const std::map<std::string, Value>& values,
-             const std::string& description) {
-  app.add_option_function<std::string>(
-         name, [&value, &values](const std::string& word) { value = values.at(word); }, description)
-      ->check(CLI::IsMember(values))
+/// An option that takes one of `words`; `use` is called with it.
+template <class Words>
+void addWord(CLI::App& app, const std::string& name, const Words& words,
+             const std::function<void(const std::string&)>& use, const std::string& description) {
+  app.add_option_function<std::string>(name, use, description)
+      ->check(CLI::IsMember(words))
       ->type_name("WORD");
+}
+
+/// CLI::Range would let NaN pass.
+std::string checkScale(const std::string& text) {
+  double scale = 0;
+  const auto end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, scale);
+  const bool isGood = read.ec == std::errc{} && read.ptr == end && 0.25 <= scale && scale <= 16;
+  return isGood ? "" : "'" + text + "' is not a number from 0.25 to 16";
+}
+
+std::string checkDate(const std::string& text) {
+  return foundation::dateFromRFC3339(text) ? "" : "'" + text + "' is not a date such as 2026-11-16T15:41:35Z";
+}
+
+/// Nothing where neither XDG_CONFIG_HOME nor HOME says where it is.
+std::filesystem::path settingsFile() {
+  const char* const config = std::getenv("XDG_CONFIG_HOME");
+  const char* const home = std::getenv("HOME");
+  // The XDG base directory specification: a path that is not absolute is to be ignored.
+  if (config && *config == '/') return std::filesystem::path{config} / "tarno/desktop.ini";
+  return home && *home ? std::filesystem::path{home} / ".config/tarno/desktop.ini" : std::filesystem::path{};
 }
 
 }  // namespace
 
 void addOptions(CLI::App& app, Options& options) {
-  addWord(app, "--family", options.family, families, "Size: small, medium (default) or large");
-  app.add_option_function<std::string>(
-         "--anchor", [&options](const std::string& name) { options.anchor = *anchorNamed(name); },
-         "Place: top-left, top, top-right (default), left, center, right, bottom-left, bottom or "
-         "bottom-right")
-      ->check(CLI::IsMember(anchorNames()))
-      ->type_name("PLACE");
+  addWord(
+      app, "--family", std::vector<std::string>{"small", "medium", "large"},
+      [&options](const auto& word) { options.family = word; }, "Size: small, medium (default) or large");
+  addWord(
+      app, "--anchor", anchorNames(), [&options](const auto& word) { options.anchor = *anchorNamed(word); },
+      "Place: top-left, top, top-right (default), left, center, right, bottom-left, bottom or bottom-right");
   app.add_option("--margin", options.margin,
                  "Points between the tile and the edges that it is anchored to (16)")
       ->check(CLI::Range(0, 10000))
@@ -43,9 +63,34 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_option("--monitor", options.monitor,
                  "Connector of the monitor to show it on (default: the primary one)")
       ->type_name("NAME");
-  addWord(app, "--layer", options.layer, layers,
-          "Below all windows (desktop, the default), normal, or above them");
+  addWord(
+      app, "--layer", layers, [&options](const auto& word) { options.layer = layers.at(word); },
+      "Below all windows (desktop, the default), normal, or above them");
+  app.add_option("--scale", options.scale, "Pixels per point (default: the monitor's scale)")
+      ->check(checkScale)
+      ->type_name("FACTOR");
+  app.add_flag("--plain-window", options.plainWindow,
+               "On Wayland, a window among others, even where something better is to be had");
+  app.add_option("--at", options.at,
+                 "Use this date instead of the current time: the tile's clock stands still")
+      ->check(checkDate)
+      ->type_name("DATE");
   app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit");
+  app.allow_config_extras(CLI::config_extras_mode::error);
+}
+
+void readSettings(CLI::App& app) {
+  const auto path = settingsFile();
+  std::error_code missing;
+  if (!std::filesystem::exists(path, missing)) return;
+  constexpr std::size_t most = 64 * 1024;
+  std::istringstream settings{program::readFile(path, most)};
+  try {
+    app.clear();
+    app.parse_from_stream(settings);
+  } catch (const CLI::Error& error) {
+    throw program::Failure{EX_CONFIG, path.string() + ": " + error.what()};
+  }
 }
 
 }  // namespace desktop

@@ -3,8 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "ui/geometry.hpp"
-#include "widgetkit/timeline.hpp"
+#include "tarno-desktop/placement.hpp"
 
 namespace CLI {
 class App;
@@ -15,17 +14,25 @@ namespace desktop {
 /// Where the tile stands in the stack of windows: below all of them, among them, or above them.
 enum class Layer { desktop, normal, above };
 
-/// What the command line says.
+/// Where and how the tile is shown. Every option can stand in the settings file; the command line wins.
 struct Options {
-  widgetkit::WidgetFamily family = widgetkit::WidgetFamily::systemMedium;
-  ui::Alignment anchor{{1}, {0}};      ///< top right
+  std::string family = "medium";       ///< "small", "medium" or "large"; passed on to the extension's process
+  Anchor anchor;                       ///< top right
   int margin = 16;                     ///< from the edges that the tile is anchored to, in points
   std::optional<std::string> monitor;  ///< by connector; the primary one when absent
   Layer layer = Layer::desktop;
+  std::optional<double> scale;  ///< pixels per point; the monitor's own when absent
+  bool plainWindow = false;     ///< on a Wayland compositor without layer-shell: a window among others
   bool listMonitors = false;
+  std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
 };
 
 /// Makes `app` read its options into `options`, which outlives the parsing.
 void addOptions(CLI::App& app, Options& options);
+
+/// Reads the settings file ${XDG_CONFIG_HOME:-~/.config}/tarno/desktop.ini, when there is one, by the options
+/// of `app`. Throws program::Failure: EX_CONFIG when something in it is wrong, EX_NOINPUT when it cannot be
+/// read.
+void readSettings(CLI::App& app);
 
 }  // namespace desktop

@@ -19,18 +19,17 @@ const std::vector<std::string>& anchorNames() {
   return names;
 }
 
-std::optional<ui::Alignment> anchorNamed(std::string_view name) {
+std::optional<Anchor> anchorNamed(std::string_view name) {
   const auto& names = anchorNames();
   const auto found = std::find(names.begin(), names.end(), name);
   if (found == names.end()) return std::nullopt;
   const auto row = (found - names.begin()) / 3, column = (found - names.begin()) % 3;
-  return ui::Alignment{{static_cast<double>(column) / 2}, {static_cast<double>(row) / 2}};
+  return Anchor{static_cast<double>(column) / 2, static_cast<double>(row) / 2};
 }
 
-Area place(ui::Size size, const Area& room, const ui::Alignment& anchor, int margin) {
-  const int width = static_cast<int>(size.width), height = static_cast<int>(size.height);
-  return {placeOnAxis(room.x, room.width, width, anchor.horizontal.fraction, margin),
-          placeOnAxis(room.y, room.height, height, anchor.vertical.fraction, margin), width, height};
+Area place(int width, int height, const Area& room, const Anchor& anchor, int margin) {
+  return {placeOnAxis(room.x, room.width, width, anchor.x, margin),
+          placeOnAxis(room.y, room.height, height, anchor.y, margin), width, height};
 }
 
 }  // namespace desktop

@@ -5,11 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "ui/geometry.hpp"
-
 namespace desktop {
 
-/// A rectangle of the desktop, in whole points, x to the right and y downwards.
+/// A rectangle of the desktop, x to the right and y downwards. Pixels on X11, logical points on Wayland.
 struct Area {
   int x = 0;
   int y = 0;
@@ -19,16 +17,25 @@ struct Area {
   friend bool operator==(const Area&, const Area&) = default;
 };
 
+/// Where a tile stands between the edges of the room that it has: 0 at the left or top edge, 1 at the right
+/// or bottom edge, 0.5 in the middle.
+struct Anchor {
+  double x = 1;
+  double y = 0;
+
+  friend bool operator==(const Anchor&, const Anchor&) = default;
+};
+
 /// The nine places that a tile can be anchored to, as a command line names them: "top-left", "top" …
 /// "bottom-right".
 const std::vector<std::string>& anchorNames();
 
 /// Nothing for any other word.
-std::optional<ui::Alignment> anchorNamed(std::string_view name);
+std::optional<Anchor> anchorNamed(std::string_view name);
 
-/// Where a tile of `size` stands in `room`: `margin` away from the edges that it is anchored to, in the
-/// middle of an axis that it is not anchored on. A tile that does not fit keeps its left and top edge in the
-/// room.
-Area place(ui::Size size, const Area& room, const ui::Alignment& anchor, int margin);
+/// Where a tile of `width` x `height` stands in `room`: `margin` away from the edges that it is anchored to,
+/// in the middle of an axis that it is not anchored on. A tile that does not fit keeps its left and top edge
+/// in the room. All in one unit.
+Area place(int width, int height, const Area& room, const Anchor& anchor, int margin);
 
 }  // namespace desktop

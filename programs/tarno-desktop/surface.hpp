@@ -1,49 +1,58 @@
 #pragma once
 
-#include <gtk/gtk.h>
-
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
-#include "tarno-desktop/monitors.hpp"
+#include "tarno-desktop/event_loop.hpp"
 #include "tarno-desktop/options.hpp"
+#include "tarno-desktop/picture.hpp"
 
 namespace desktop {
 
-/// The ways onto a screen.
-enum class Way {
-  layerShell,  ///< a surface in one of the compositor's layers
-  x11,         ///< an X11 window that tells the window manager where it belongs
-  plain        ///< an undecorated Wayland window, stacked and placed as the compositor likes
+/// A monitor, for people.
+struct MonitorInfo {
+  std::string connector;  ///< "HDMI-1"
+  Area area;              ///< in pixels
+  double scale = 1;       ///< pixels per point
+  bool isPrimary = false;
 };
 
-/// The best way that the session offers to show a tile in `layer`.
-Way chooseWay(GdkDisplay* display, Layer layer);
-
-/// For people: "as a surface of layer-shell's bottom layer on HDMI-1".
-std::string describe(Way way, Layer layer, const Monitor& monitor);
-
-/// Where a tile goes.
-struct Spot {
-  Monitor monitor;
-  ui::Size size;
-  ui::Alignment anchor;
-  int margin = 0;
-  Layer layer = Layer::desktop;
+/// What a surface tells its owner. Called from prepare() or dispatch(), never from a constructor or show().
+struct SurfaceOwner {
+  std::function<void()> scaleChanged;  ///< scale() answers something else than before
+  std::function<void()> closed;        ///< somebody closed the tile; the program ends with code 0
+  std::function<void()> moved;         ///< extents() answers something else than before
 };
 
-/// Makes `window`, which is not realised yet, a surface of the compositor at `spot`.
-void prepareLayerSurface(GtkWindow* window, const Spot& spot);
+/// The tile's place on a display: the window or layer surface that shows its pictures. It follows the
+/// monitors, the panels and the window manager by itself; without a monitor it keeps the picture and waits.
+///
+/// Its constructor connects to the display and throws program::Failure (EX_UNAVAILABLE) when it cannot. When
+/// the display goes away later, dispatch() throws the same.
+class Surface : public EventSource {
+ public:
+  /// The scale that a picture should have now, in pixels per point; nothing while there is no monitor.
+  virtual std::optional<double> scale() const = 0;
 
-/// Makes `window`, which is not realised yet, an X11 window at `spot`. For a tile on the desktop keep what
-/// this returns: while it lives, no other window of the desktop (a file manager's icons, say) covers the
-/// tile. It goes before `window`.
-std::shared_ptr<void> prepareX11Window(GtkWindow* window, const Spot& spot);
+  /// Shows `picture` in place of the one before; the first makes the window. A picture of another scale than
+  /// scale() is shown at its size in points all the same, until the next one.
+  virtual void show(std::shared_ptr<const Picture> picture) = 0;
 
-/// Makes `window`, which is not realised yet, a Wayland window without a frame that the pointer can drag.
-void preparePlainWindow(GtkWindow* window);
+  /// The title of the window, for window lists and screen readers.
+  virtual void setTitle(const std::string& title) = 0;
 
-/// Lets a press of the pointer's first button move `window`.
-void makeDraggable(GtkWindow* window);
+  /// Where the tile is on the screen, in pixels, for screen readers. At 0, 0 where the display does not tell.
+  virtual Area extents() const = 0;
+
+  /// One phrase for standard error: "as a layer-shell surface in the bottom layer on HDMI-1". Good once a
+  /// picture was shown.
+  virtual std::string description() const = 0;
+
+  /// In the display's order.
+  virtual std::vector<MonitorInfo> monitors() const = 0;
+};
 
 }  // namespace desktop

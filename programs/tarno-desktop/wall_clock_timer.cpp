@@ -1,6 +1,5 @@
 #include "tarno-desktop/wall_clock_timer.hpp"
 
-#include <glib-unix.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
@@ -16,45 +15,32 @@ using namespace std::chrono;
 
 /// Arms the timer for an absolute time of CLOCK_REALTIME. False when the clock was set since it was armed
 /// last, which the kernel then reports here and not by waking the timer; it is armed all the same.
-bool arm(int descriptor, foundation::Date moment) {
-  const auto sinceEpoch =
-      std::max(moment.time_since_epoch(), foundation::Date::duration{1});  // 0 would disarm
+bool arm(int timer, foundation::Date moment) {
+  const auto sinceEpoch = std::max(moment.time_since_epoch(), microseconds{1});  // 0 would disarm
   const auto whole = duration_cast<seconds>(sinceEpoch);
   itimerspec expiry{};
   expiry.it_value.tv_sec = whole.count();
   expiry.it_value.tv_nsec = nanoseconds{sinceEpoch - whole}.count();
-  return timerfd_settime(descriptor, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &expiry, nullptr) == 0;
+  return timerfd_settime(timer, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &expiry, nullptr) == 0;
 }
 
 }  // namespace
 
 WallClockTimer::WallClockTimer(std::function<void()> wake)
-    : wake_(std::move(wake)), descriptor_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
-  if (descriptor_ < 0) throw std::system_error{errno, std::generic_category(), "no timer"};
-  const auto onReady = [](int, GIOCondition, gpointer self) -> gboolean {
-    static_cast<WallClockTimer*>(self)->expired();
-    return G_SOURCE_CONTINUE;
-  };
-  source_ = g_unix_fd_add(descriptor_, G_IO_IN, onReady, this);
-}
-
-WallClockTimer::~WallClockTimer() {
-  g_source_remove(source_);
-  close(descriptor_);
+    : wake_(std::move(wake)), timer_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
+  if (!timer_) throw std::system_error{errno, std::generic_category(), "no timer"};
 }
 
 void WallClockTimer::sleepUntil(foundation::Date moment) {
-  // The program's clock may stand still or run elsewhere, the timer runs on the system's: what counts is the
-  // distance.
+  // The program's clock may stand still, the timer runs on the system's: what counts is the distance.
   const auto wait = moment - foundation::now();
-  if (!arm(descriptor_, time_point_cast<foundation::Date::duration>(system_clock::now()) + wait))
-    arm(descriptor_, foundation::Date{});
+  if (!arm(timer_.get(), time_point_cast<foundation::Date::duration>(system_clock::now()) + wait))
+    arm(timer_.get(), foundation::Date{});
 }
 
-void WallClockTimer::expired() {
+void WallClockTimer::dispatch(short events) {
   std::uint64_t count = 0;
-  const auto read = ::read(descriptor_, &count, sizeof count);
-  if (read < 0 && errno != ECANCELED) return;  // not due after all
+  if (events == 0 || (read(timer_.get(), &count, sizeof count) < 0 && errno != ECANCELED)) return;
   wake_();
 }
 

@@ -1,55 +1,138 @@
-"""What a screen reader finds in the tile and hears of it."""
+"""What a screen reader finds on the tile and hears of it."""
+import json
 import os
+import subprocess
+import sys
+import time
 
-from gi.repository import GLib
+from gi.repository import Gio, GLib
 
-from support import LOCKED, UNLOCKED, Clock, run_tests, wait_for
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../../script"))
+from headless import Process, Rig, wait_for
+
+PROGRAMS, DRIVER = sys.argv[1:]
 
 
-def test_screen_reader(rig):
-    rig.x11()
+def frame(status, *texts):
+    """The line that describes a frame with a dial and, below each other, texts."""
+    elements = [{"role": "image", "label": status, "x": 16, "y": 23, "width": 124, "height": 124.5}]
+    elements += [{"role": "staticText", "label": text, "x": 154.5, "y": 40 + 20 * line, "width": 63.2, "height": 13}
+                 for line, text in enumerate(texts)]
+    return json.dumps({"width": 1, "height": 1, "stride": 4, "title": "Tarno", "announcement": status,
+                       "accessibility": elements, "reload_after": "2026-11-16T15:42:05Z"})
+
+
+class Tile:
+    def __init__(self, rig):
+        self.process = Process([rig.path(os.path.basename(DRIVER))], rig.env, stdin=subprocess.PIPE)
+        rig.started.append(self.process)
+
+    def send(self, line):
+        self.process.popen.stdin.write(line + "\n")
+        self.process.popen.stdin.flush()
+
+    def end(self):
+        self.process.popen.stdin.close()
+        return self.process.wait()
+
+
+def call(bus, name, path, member, *arguments):
+    interface, method = member.rsplit(".", 1)
+    return bus.call_sync(name, path, interface, method, GLib.Variant(*arguments) if arguments else None, None, 0, 5000)
+
+
+def listen(session):
+    """Turns accessibility on; returns a connection to its bus."""
+    on = GLib.Variant("b", True)
+    call(session, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set",
+         "(ssv)", ("org.a11y.Status", "ScreenReaderEnabled", on))
+    address = call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")[0]
+    flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+    return Gio.DBusConnection.new_for_address_sync(address, flags)
+
+
+def check_tree(pyatspi, application):
+    window = application[0]
+    for element, expected in zip((window, *window), [
+            ("frame", "Tarno", 0, (100, 50, 364, 170), (0, 0, 364, 170), (100, 50, 364, 170)),
+            ("image", "Mac locked", 0, (124, 85, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)),
+            ("label", "Kivo's Mac", 1, (332, 110, 95, 20), (232, 60, 95, 20), (232, 60, 95, 20)),
+            ("label", "3s ago", 2, (332, 140, 95, 20), (232, 90, 95, 20), (232, 90, 95, 20))], strict=True):
+        place = element.queryComponent()
+        found = (element.getRoleName(), element.name, element.getIndexInParent(),
+                 *(tuple(place.getExtents(origin)) for origin in range(3)))
+        assert found == expected, found
+        assert (*place.getPosition(0), *place.getSize()) == expected[3], expected
+        assert element.parent == (application if element == window else window), expected
+        states = [pyatspi.stateToString(state) for state in element.getState().getStates()]
+        assert states == ["enabled", "sensitive", "showing", "visible"], states
+    for x, y, name in (124, 85, "Mac locked"), (123, 85, "Tarno"), (426, 129, "Kivo's Mac"), (427, 129, "Tarno"):
+        assert window.queryComponent().getAccessibleAtPoint(x, y, 0).name == name, (x, y)
+    assert not window.queryComponent().contains(464, 50, 0)
+
+
+def check_events(pyatspi, window, send):
+    heard = []
+    for kind in "property-change:accessible-name", "announcement", "children-changed":
+        pyatspi.Registry.registerEventListener(
+            lambda event: heard.append((str(event.type).removeprefix("object:"), event.source.getRoleName(), event.detail1,
+                                        getattr(event.any_data, "name", event.any_data))), "object:" + kind)
+    for line, expected in [
+            (frame("Mac locked", "Kivo's Mac", "4s ago"), [("property-change:accessible-name", "label", 0, "4s ago")]),
+            (frame("Mac unlocked", "Kivo's Mac", "4s ago"),
+             [("property-change:accessible-name", "image", 0, "Mac unlocked"),
+              ("announcement", "frame", 1, "Mac unlocked")]),
+            (frame("Mac unlocked", "Kivo's Mac"), [("children-changed:remove", "frame", 2, "")]),
+            (frame("Mac unlocked", "Kivo's Mac", "now"),
+             [("children-changed:add", "frame", 2, "now"),
+              ("property-change:accessible-name", "label", 0, "now")])]:
+        heard.clear()
+        send(line)
+        end = time.monotonic() + 0.5  # for what should not be heard, too
+        while time.monotonic() < end:
+            GLib.MainContext.default().iteration(False)
+            time.sleep(0.01)
+        assert heard == expected, heard
+    assert [element.name for element in window] == ["Mac unlocked", "Kivo's Mac", "now"]
+
+
+def test(rig):
+    alone = Tile(rig)
+    alone.send(frame("Mac locked"))
+    assert alone.end() == 0, "without a bus"
+
     rig.session_bus()
     os.environ |= rig.env
+    tile = Tile(rig)
+    tile.send("place 100 50 364 170 1.5")
+    tile.send(frame("Mac locked", "Kivo's Mac", "3s ago"))
+    session = Gio.bus_get_sync(Gio.BusType.SESSION)
+    names = lambda: call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames")[0]
+    wait_for(lambda: ":1.1" in names(), message="the tile on the session bus")
+    assert "org.a11y.Bus" not in names(), "the tile started the service"
+    listen(session)
     import pyatspi  # reads the environment
+    desktop = pyatspi.Registry.getDesktop(0)
+    found = lambda: [one for one in desktop if one and one.name == "tarno-desktop"]
+    application = wait_for(found, message="the tile in the tree")[0]
+    assert (application.getRoleName(), application.parent, len(application)) == ("application", desktop, 1)
+    check_tree(pyatspi, application)
+    check_events(pyatspi, application[0], tile.send)
 
-    clock = Clock(rig, rate=30)
-    rig.save(LOCKED, clock.now())
-    tile = rig.tile(env=clock.env)
-
-    def application():
-        found = [one for one in pyatspi.Registry.getDesktop(0) if one and one.name == "tarno-desktop"]
-        return found[0] if found and len(found[0]) == 1 and len(found[0][0]) > 0 else None
-
-    window = wait_for(application, message="the tile in the accessibility tree")[0]
-    assert (window.getRoleName(), window.name) == ("frame", "Tarno"), (window.getRoleName(), window.name)
-    age = window[4].name
-    assert [(element.getRoleName(), element.name) for element in window] == [
-        ("image", "Kivo's Mac locked"), ("label", "Kivo's Mac"), ("label", "Locked"), ("label", "Lid closed"),
-        ("label", age), ("label", "Face seen")], list(window)
-    assert age.endswith("s ago"), age
-    outer = window.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-    for index, element in enumerate(window):
-        assert element.getIndexInParent() == index and len(element) == 0
-        assert element.getState().contains(pyatspi.STATE_SHOWING)
-        assert not element.getState().contains(pyatspi.STATE_FOCUSABLE)
-        inner = element.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-        assert outer.x <= inner.x and inner.x + inner.width <= outer.x + outer.width, (outer, inner)
-        assert outer.y <= inner.y and inner.y + inner.height <= outer.y + outer.height, (outer, inner)
-        assert inner.width > 10 and inner.height > 5
-
-    heard = []
-    pyatspi.Registry.registerEventListener(lambda event: heard.append(event.any_data),
-                                           "object:property-change:accessible-name")
-    rig.save(UNLOCKED, clock.now())
-
-    def is_heard():
-        while GLib.MainContext.default().iteration(False):
-            pass
-        return {"Kivo's Mac unlocked", "Unlocked"} <= set(heard)
-
-    wait_for(is_heard, 5, "the new label")
-    assert not {"Kivo's Mac", "Lid closed", "Face seen"} & set(heard), heard
-    assert tile.end() == 0
+    # Its bus goes away, and another comes.
+    launcher = call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.GetConnectionUnixProcessID",
+                    "(s)", ("org.a11y.Bus",))[0]
+    os.kill(launcher, 15)
+    wait_for(lambda: "org.a11y.Bus" not in names(), message="the end of the bus")
+    bus = listen(session)
+    root = "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root", "org.a11y.atspi.Accessible.GetChildren"
+    tile.send(frame("Mac locked"))
+    tile.send(frame("Mac unlocked"))
+    wait_for(lambda: len(call(bus, *root)[0]) == 1, message="the tile in the new tree")
+    rig.started[1].end()
+    tile.send(frame("Mac locked"))
+    assert tile.end() == 0, "after the session bus"
 
 
-run_tests(globals())
+with Rig(PROGRAMS, DRIVER) as the_rig:
+    test(the_rig)

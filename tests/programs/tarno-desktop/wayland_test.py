@@ -1,90 +1,149 @@
-"""The tile on Wayland: as a layer surface, and as a plain window where there are no layers."""
-import glob
+"""The tile on Wayland: in the layers of sway, as a plain window, and while monitors and compositors come and go."""
+import math
 import os
+import socket
+import struct
+import sys
+import time
 
-from Xlib import display, protocol
+import cairo
 
-from support import AT, GONE, LOCKED, SAVED, picture, render, run_tests, screen_with, wait_for
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../../script"))
+import desktop_cells_wayland as cells  # noqa: E402
+from desktop_cells import AT, render  # noqa: E402
+from desktop_cells_wayland import is_covered, shows  # noqa: E402
+from headless import Rig, wait_for  # noqa: E402
 
-
-def shows(rig, output, width, height, *tiles):
-    """Waits until the output shows these tiles and nothing else."""
-    def looks_right():
-        rig.run("grim", "-o", output, rig.path("screen.png"))
-        return picture(rig.path("screen.png")) == screen_with(width, height, *tiles)
-    wait_for(looks_right, message=f"{[tile[1:] for tile in tiles]} on {output}")
-
-
-def test_layer_surface(rig):
-    compositor = rig.sway()
-    rig.save(LOCKED, SAVED)
-    places = [((), "medium", 1280 - 364 - 16, 16), (("--anchor", "left", "--margin", "0"), "small", 0, 275),
-              (("--anchor", "bottom", "--margin", "7", "--layer", "above"), "large", 458, 720 - 382 - 7)]
-    for options, family, x, y in places:
-        tile = rig.tile("--family", family, *options, *AT)
-        shows(rig, "HEADLESS-1", 1280, 720, (render(rig, "--family", family), x, y))
-        assert (tile.end(), len(tile.lines)) == (0, 1), tile.lines
-
-    layers = [("above", "small", 555, "layer-shell's top layer on HEADLESS-1"), ("normal", "medium", 458, "as a plain Wayland"),
-              ("desktop", "large", 458, "layer-shell's bottom layer on HEADLESS-1")]  # the last one started lies lowest
-    tiles = [rig.tile("--layer", layer, "--family", family, "--anchor", "center", *AT) for layer, family, _, _ in layers]
-    for tile, layer in zip(tiles, layers):
-        assert layer[3] in tile.lines[0], tile.lines
-    images = [render(rig, "--family", layer[1]) for layer in layers]
-    shows(rig, "HEADLESS-1", 1280, 720, *reversed([(image, layer[2], (720 - image.get_height()) // 2)
-                                                   for image, layer in zip(images, layers)]))
-    assert [tile.end() for tile in tiles] == [0, 0, 0]
-
-    tile = rig.tile(*AT)
-    rig.run("swaymsg", "output HEADLESS-1 scale 2")
-    shows(rig, "HEADLESS-1", 1280, 720, (render(rig, "--scale", "2"), 1280 - 2 * (364 + 16), 2 * 16))
-    compositor.end(9)
-    assert (tile.wait(), tile.lines[1:]) == (69, [GONE]), tile.lines
+MODE = "output {} mode 1280x800 position {} 0"
 
 
-def test_layer_surface_outlives_its_monitor(rig):
-    rig.x11()
-    screen = display.Display(rig.env["DISPLAY"])
-    protocols, close = screen.intern_atom("WM_PROTOCOLS"), screen.intern_atom("WM_DELETE_WINDOW")
-    rig.sway(WLR_BACKENDS="x11", WLR_X11_OUTPUTS="2")
-    rig.save(LOCKED, SAVED)
-    tile, image = rig.tile("--monitor", "X11-2", "--anchor", "left", *AT), render(rig)
-    windows = wait_for(lambda: screen.screen().root.query_tree().children)  # each is a monitor
+def says(tile, *lines):
+    wait_for(lambda: len(tile.lines) >= len(lines), message=str(lines))
+    assert tile.lines == [f"tarno-desktop: {line}\n" for line in lines], tile.lines
 
-    def unplug(monitor):
-        monitor.send_event(protocol.event.ClientMessage(window=monitor, client_type=protocols,
-                                                        data=(32, [close, 0, 0, 0, 0])))
-        screen.sync()
 
-    shows(rig, "X11-2", 1024, 768, (image, 16, 299))
-    unplug(windows[1])
-    shows(rig, "X11-1", 1024, 768, (image, 16, 299))
-    unplug(windows[0])
+def turned(image):
+    """By 90°, clockwise."""
+    result = cairo.ImageSurface(cairo.FORMAT_ARGB32, image.get_height(), image.get_width())
+    context = cairo.Context(result)
+    context.translate(image.get_height(), 0)
+    context.rotate(math.pi / 2)
+    context.set_source_surface(image)
+    context.get_source().set_filter(cairo.FILTER_NEAREST)
+    context.paint()
+    return result
+
+
+def test_cells(rig):
+    assert cells.sway(rig) == dict.fromkeys((cells.BELOW, cells.CLICKS, cells.PLACE, cells.CORNERS), True)
+
+
+def test_cells_of_plain_window(rig):
+    assert cells.weston(rig) == {cells.CORNERS: True, cells.BELOW: "plain: weston has no layer-shell"}
+
+
+def test_places(rig):
+    screen = rig.canvas(1280, 800)
+    rig.sway(MODE.format("X11-1", 0))
+    rows = [  # scale, options, options of the picture, place: both edges of a surface are put on the next pixel
+        (1, ("--anchor", "left", "--margin", "3"), (), 3, 315), (1, ("--anchor", "bottom", "--family", "large"), (), 458, 402),
+        (1.25, ("--anchor", "bottom-right", "--family", "small"), (), 1280 - 20 - 213, 800 - 20 - 213),
+        (1.25, ("--anchor", "bottom-left", "--family", "small", "--margin", "17"), (), 21, 566),
+        (1.75, ("--anchor", "right", "--family", "small", "--margin", "5"), (), 973, 251),
+        (1.25, ("--anchor", "top-left", "--scale", "2"), ("--scale", "2"), 20, 20)]
+    for scale, options, drawn, x, y in rows:
+        rig.run("swaymsg", "output X11-1 scale", str(scale))
+        family = options[options.index("--family"):][:2] if "--family" in options else ()
+        tile = rig.tile(*options, *AT)
+        shows(screen, render(rig, *(drawn or ("--scale", str(scale))), *family), x, y)
+        says(tile, "shown as a layer-shell surface in the bottom layer on X11-1")
+        assert tile.end() == 0
+
+
+def test_monitors_come_and_go(rig):
+    screen = rig.canvas(2560, 1280)
+    rig.sway(MODE.format("X11-1", 0), MODE.format("X11-2", 1280), MODE.format("X11-3", 0))
+    image = render(rig)
+    tile = rig.start(rig.path("tarno-desktop"), "--monitor", "X11-2", "--anchor", "top-left", *AT)
+    says(tile, "shown as a layer-shell surface in the bottom layer as soon as there is the monitor X11-2")
+    assert is_covered(screen, image, 16, 16)
+    rig.run("swaymsg", "create_output")
+    windows = screen.spread((0, 0), (1280, 0))
+    shows(screen, image, 1296, 16)
+
+    rig.run("swaymsg", "output X11-2 scale 1.5")
+    shows(screen, render(rig, "--scale", "1.5"), 1304, 24)
+    rig.run("swaymsg", "output X11-2 mode 800x1280 transform 90 scale 1.25")
+    image = render(rig, "--scale", "1.25")
+    shows(screen, turned(image), 1280 + 800 - 20 - 213, 20)
+    rig.run("swaymsg", "output X11-2 mode 1280x800 transform normal")
+    shows(screen, image, 1300, 20)
+
+    screen.unplug(windows[1])
+    image = render(rig)
+    shows(screen, image, 16, 16)
+    screen.unplug(windows[0])
     wait_for(lambda: b'"name": "X11-' not in rig.run("swaymsg", "-r", "-t", "get_outputs"), message="no monitor")
     rig.run("swaymsg", "create_output")
-    shows(rig, "X11-3", 1024, 768, (image, 16, 299))
+    shows(screen, image, 16, 16)
     assert (tile.end(), len(tile.lines)) == (0, 1), tile.lines
 
 
-def test_plain_window(rig):
-    compositor = rig.weston()
-    rig.save(LOCKED, SAVED)
-    tile, image = rig.tile(*AT), render(rig)
-    assert tile.lines == ["tarno-desktop: shown as a plain Wayland window (there is no layer-shell): "
-                          "the compositor places and stacks it\n"], tile.lines
-
-    def is_shown_somewhere():
-        for old in glob.glob(rig.path("wayland-screenshot-*")):
-            os.remove(old)
-        rig.run("weston-screenshooter")
-        seen, ground = picture(glob.glob(rig.path("wayland-screenshot-*"))[0]), screen_with(1024, 640)[0]
-        top = next((y for y in range(640) if seen[y] != ground), 0)
-        left = len(os.path.commonprefix([seen[top + 85], ground])) // 4
-        return seen == screen_with(1024, 640, (image, left, top))
-
-    wait_for(is_shown_somewhere, message="the tile")
+def test_compositor_that_restarts(rig):
+    screen = rig.canvas(1280, 800)
+    compositor = rig.sway(MODE.format("X11-1", 0))
+    tile, image = rig.tile("--anchor", "top-left", *AT), render(rig)
+    shows(screen, image, 16, 16)
+    time.sleep(5)  # one that ends sooner is not waited for
     compositor.end(9)
-    assert (tile.wait(), tile.lines[1:]) == (69, [GONE]), tile.lines
+    compositor = rig.sway(MODE.format("X11-1", 0))
+    shows(screen, image, 16, 16)
+    compositor.end(9)
+    shown = "shown as a layer-shell surface in the bottom layer on X11-1"
+    assert tile.wait() == 69
+    says(tile, shown, shown, "the display went away")
 
 
-run_tests(globals())
+def test_bad_displays(rig):
+    refusal = b"no\0\0"
+    error = struct.pack("=5I", 1, (20 + len(refusal)) << 16, 1, 3, 3) + refusal  # wl_display.error of wl_display: code 3
+    rows = [(error, 76, "the Wayland compositor refused a request (wl_display, error 3)"), (b"", 69, "the display went away"),
+            (None, 69, "cannot connect to the Wayland display")]
+    rig.env["WAYLAND_DISPLAY"] = "display"
+    for answer, code, line in rows:
+        with socket.socket(socket.AF_UNIX) as server:
+            server.bind(rig.path("display"))
+            if answer is not None:
+                server.listen()
+            tile = rig.start(rig.path("tarno-desktop"))
+            if answer is not None:
+                with server.accept()[0] as client:
+                    client.send(answer)
+            assert tile.wait() == code, line
+            says(tile, line)
+        os.remove(rig.path("display"))
+
+
+def test_plain_window(rig):
+    screen = rig.canvas(1280, 800)
+    rig.sway(MODE.format("X11-1", 0))
+    for options in (("--layer", "normal"), ("--plain-window",)):
+        tile, image = rig.tile(*options, *AT), render(rig)
+        shows(screen, image, 458, 315)
+        screen.point(500, 330)
+        screen.button(True)
+        time.sleep(0.3)  # sway moves it from where the pointer is when it is asked to
+        screen.point(600, 380)
+        screen.point(400, 130)
+        screen.button(False)
+        shows(screen, image, 358, 115)
+        rig.run("swaymsg", '[app_id="tarno-desktop" title="Tarno"] kill')
+        assert tile.wait() == 0
+
+
+if __name__ == "__main__":
+    for name, test in list(globals().items()):
+        if name.startswith("test_"):
+            with Rig(sys.argv[1]) as rig:
+                test(rig)
+            print(f"passed: {name}", flush=True)

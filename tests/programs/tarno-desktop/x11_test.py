@@ -1,202 +1,161 @@
-"""The tile on X11: its window's place, type, state and pixels, its monitors, its schedule, and how it ends."""
+"""The tile on X11: the cells of the desktop matrix for three window managers, and what comes, goes and changes under it."""
+import functools
+import os
+import struct
+import sys
 import time
 
-import cairo
-from Xlib import X, Xatom, error, protocol
-from Xlib.ext import shape
+from Xlib import X, Xatom
+from Xlib.ext import shape, xtest
 
-from support import AT, GONE, LOCKED, SAVED, UNLOCKED, Clock, render, rows, run_tests, wait_for
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../../script"))
+import desktop_cells_x11 as cells  # noqa: E402
+from desktop_cells import AT, render  # noqa: E402
+from desktop_cells_x11 import X11Screen, shows  # noqa: E402
+from headless import Rig, wait_for  # noqa: E402
 
-
-class Screen:
-    """What a window manager and a person can see of an X11 screen."""
-
-    def __init__(self, rig):
-        self.display = rig.openbox()
-        self.root = self.display.screen().root
-
-    def atom(self, name):
-        return self.display.intern_atom(name)
-
-    def property(self, window, name, kind=Xatom.ATOM):
-        found = window.get_full_property(self.atom(name), kind)
-        return list(found.value) if found else []
-
-    def names(self, window, name):
-        return {self.display.get_atom_name(atom) for atom in self.property(window, name)}
-
-    def stack(self):
-        """The managed windows, bottom to top."""
-        return self.property(self.root, "_NET_CLIENT_LIST_STACKING", Xatom.WINDOW)
-
-    def tiles(self):
-        windows = [self.display.create_resource_object("window", id) for id in self.stack()]
-        try:
-            return [window for window in windows if window.get_wm_class() == ("tarno-desktop", "Tarno-desktop")]
-        except error.BadWindow:  # gone between the two questions
-            return self.tiles()
-
-    def tile(self):
-        return wait_for(self.tiles, message="the tile's window")[0]
-
-    def place(self, window):
-        try:
-            geometry, root = window.get_geometry(), window.translate_coords(self.root, 0, 0)
-        except (error.BadDrawable, error.BadWindow):  # another has taken its place
-            return None, None
-        return -root.x, -root.y, geometry.width, geometry.height
-
-    def pixels(self, window):
-        geometry = window.get_geometry()
-        try:
-            image = window.get_image(0, 0, geometry.width, geometry.height, X.ZPixmap, 0xffffffff)
-        except error.BadMatch:  # not on the screen yet
-            return []
-        return rows(cairo.ImageSurface.create_for_data(bytearray(image.data), cairo.FORMAT_ARGB32, geometry.width,
-                                                       geometry.height))
-
-    def new_window(self, kind, width, height):
-        """A mapped window of a type, such as a file manager's desktop."""
-        window = self.root.create_window(0, 0, width, height, 0, X.CopyFromParent, background_pixel=0x336699)
-        window.change_property(self.atom("_NET_WM_WINDOW_TYPE"), Xatom.ATOM, 32, [self.atom(kind)])
-        window.map()
-        self.display.sync()
-        wait_for(lambda: window.id in self.stack(), message="a window")
-        return window
-
-    def tell(self, name, value):
-        event = protocol.event.ClientMessage(window=self.root, client_type=self.atom(name), data=(32, [value, 0, 0, 0, 0]))
-        self.root.send_event(event, X.SubstructureRedirectMask | X.SubstructureNotifyMask)
-        self.display.sync()
-
-    def compose(self):
-        """Takes the place of a compositor; returns the window whose end ends it."""
-        owner = self.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
-        owner.set_selection_owner(self.atom("_NET_WM_CM_S0"), X.CurrentTime)
-        self.display.sync()
-        return owner
+SAVED = "2026-11-16T15:41:35Z"
+RECORD = '{"status": "%s", "device_name": "Kivo\'s Mac", "reason": "Lid closed", "face_present": true}'
 
 
-def test_window_is_part_of_the_desktop(rig):
-    rig.x11()
-    screen = Screen(rig)
-    tile = rig.tile()
-    assert tile.lines == ["tarno-desktop: shown as an X11 window of the desktop on screen\n"], tile.lines
-    window = screen.tile()
-    assert screen.place(window) == (1280 - 364 - 16, 16, 364, 170)
-    assert screen.names(window, "_NET_WM_WINDOW_TYPE") == {"_NET_WM_WINDOW_TYPE_DESKTOP"}
-    assert screen.names(window, "_NET_WM_STATE") >= {
-        "_NET_WM_STATE_BELOW", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"}
-    assert screen.property(window, "_NET_WM_DESKTOP", Xatom.CARDINAL) == [0xffffffff]
-    assert window.get_wm_hints().input == 0
+def test_window_managers(rig):
+    for name, tried in (("openbox", (cells.below, cells.clicks, cells.panels)), ("xfwm4", (cells.below, cells.clicks)),
+                        ("i3", (cells.below, cells.clicks, cells.panels))):
+        for cell in tried:
+            cell(rig, name)
 
-    normal = screen.new_window("_NET_WM_WINDOW_TYPE_NORMAL", 300, 200)
-    assert screen.stack().index(normal.id) > screen.stack().index(window.id)
-    screen.tell("_NET_SHOWING_DESKTOP", 1)
-    wait_for(lambda: normal.get_attributes().map_state != X.IsViewable, message="showing the desktop")
-    assert window.get_attributes().map_state == X.IsViewable
 
-    files = screen.new_window("_NET_WM_WINDOW_TYPE_DESKTOP", 1280, 800)
-    for _ in range(2):  # when it appears and when it is clicked
-        wait_for(lambda: screen.stack().index(window.id) > screen.stack().index(files.id), message="the tile on top")
+def test_picture_and_compositor(rig):
+    screen = X11Screen(rig, "xfwm4", "--compositor=off")
+    ground = screen.pixels(0, 0, 1280, 800)
+    rig.save(RECORD % "locked", SAVED)
+    rig.tile(*AT, "--scale", "1.5", "--anchor", "bottom-left")
+    x, y, width, height = screen.place(screen.tile())
+    assert (x, y, width, height) == (24, 800 - 24 - 255, 546, 255)
+    show = functools.partial(shows, screen, ground)
+    show(render(rig, "--scale", "1.5"), x, y)
+    owner = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
+    shapes = lambda: len(shape.get_rectangles(screen.tiles()[0], shape.SK.Bounding).rectangles)
+    assert shapes() > 10
+    owner.set_selection_owner(screen.atom("_NET_WM_CM_S0"), X.CurrentTime)
+    screen.display.sync()
+    wait_for(lambda: shapes() == 1, message="a whole window for the compositor")
+    owner.destroy()
+    screen.display.sync()
+    show(render(rig, "--scale", "1.5"), x, y)
+    rig.save(RECORD % "unlocked", SAVED)
+    show(render(rig, "--scale", "1.5"), x, y)
+
+
+def test_stack(rig):
+    screen = X11Screen(rig, "openbox")
+    rig.tile(*AT)
+    tile = screen.tile()
+    files = screen.new_window("DESKTOP", width=1280, height=800)
+    normal = screen.new_window(x=600, width=400, height=300)
+    small = rig.tile(*AT, "--family", "small")  # a second one in the same place
+    for _ in range(3):
+        wait_for(lambda: screen.is_above(tile, files) and screen.is_above(normal, tile), message="the tile between them")
         files.configure(stack_mode=X.Above)
         screen.display.sync()
+        time.sleep(0.2)
+    above = rig.tile(*AT, "--layer", "above", "--anchor", "center")
+    upper = wait_for(lambda: [tile for tile in screen.tiles() if screen.place(tile)[:2] == (458, 315)])[0]
+    normal.configure(stack_mode=X.Above)
+    screen.display.sync()
+    wait_for(lambda: screen.is_above(upper, normal), message="the tile above others")
+    screen.tell("_NET_WM_STATE", 1, screen.atom("_NET_WM_STATE_FULLSCREEN"), window=normal)
+    wait_for(lambda: screen.is_above(normal, upper), message="what fills the screen above the tile")
+    assert [process.end() for process in (small, above)] == [0, 0]
 
-    panel = screen.new_window("_NET_WM_WINDOW_TYPE_DOCK", 1280, 30)
-    panel.change_property(screen.atom("_NET_WM_STRUT"), Xatom.CARDINAL, 32, [0, 0, 30, 0])
-    wait_for(lambda: screen.place(screen.tile())[1] == 46, message="the tile below a panel")
 
-    small = rig.tile("--family", "small")  # a second one in the same place
-    wait_for(lambda: len(screen.tiles()) == 2)
-    assert [process.end() for process in (small, tile)] == [0, 0]
-
-
-def test_each_layer_and_place(rig):
+def test_window_managers_come_and_go(rig):
     rig.x11()
-    screen = Screen(rig)
-    cases = [(("--layer", "normal", "--anchor", "bottom-left", "--margin", "0"), "among others", (0, 630), set()),
-             (("--layer", "above", "--anchor", "center"), "above others", (458, 315), {"_NET_WM_STATE_ABOVE"})]
-    for options, words, place, states in cases:
-        tile = rig.tile(*options)
-        assert words in tile.lines[0], tile.lines
-        assert screen.place(screen.tile())[:2] == place, (options, screen.place(screen.tile()))
-        assert screen.names(screen.tile(), "_NET_WM_STATE") >= states | {"_NET_WM_STATE_SKIP_TASKBAR"}
-        assert tile.end() == 0
-        wait_for(lambda: not screen.tiles())
+    tile = rig.tile(*AT)
+    screen = X11Screen(rig, None)
+    managed = lambda: not screen.tiles()[0].get_attributes().override_redirect
+    place = screen.place(screen.tile())
+
+    def follows(name, is_managed):
+        wait_for(lambda: len(screen.tiles()) == 1 and managed() == is_managed, message=f"the kind of window for {name}")
+        wait_for(lambda: screen.place(screen.tiles()[0]) == place, message=f"the tile's place with {name}")
+
+    follows("none", False)
+    check = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
+    check.change_property(screen.atom("_NET_WM_NAME"), screen.atom("UTF8_STRING"), 8, b"GNOME Shell")
+    screen.root.change_property(screen.atom("_NET_SUPPORTING_WM_CHECK"), Xatom.WINDOW, 32, [check.id])
+    screen.display.sync()
+    follows("GNOME Shell", True)
+    rig.window_manager("openbox")
+    follows("openbox", False)
+    rig.window_manager("xfwm4", "--replace")
+    follows("xfwm4", False)
+    assert tile.end() == 0
 
 
-def test_pixels_are_those_of_the_image_program(rig):
-    rig.x11()
-    screen = Screen(rig)
-    rig.save(LOCKED, SAVED)
-    for family, scale in (("small", 1), ("medium", 1), ("large", 2)):
-        tile = rig.tile("--family", family, *AT, env={"GDK_SCALE": str(scale)})
-        image = rows(render(rig, "--family", family, "--scale", str(scale)))
-        between_corners = slice(22 * scale, -22 * scale)
-        window = screen.tile()
-        wait_for(lambda: screen.pixels(window)[between_corners] == image[between_corners], message=family)
-        assert len(shape.get_rectangles(window, shape.SK.Bounding).rectangles) > 20, "nothing else hides the corners"
-        compositor = screen.compose()
-        wait_for(lambda: screen.pixels(window) == image, message="transparent corners")
-        compositor.destroy()
-        assert tile.end() == 0
-        wait_for(lambda: not screen.tiles())
+def test_monitors_and_scale(rig):
+    rig.two_monitors()
+    rig.session_bus()
+    screen = X11Screen(rig, None)
+    turn = lambda *words: rig.run("xrandr", "--output", *words)
+    beside = ("DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
+    turn("DUMMY1", "--off")
+    tile = rig.tile(*AT, "--monitor", "DUMMY1", "--anchor", "left")
+    assert tile.lines == ["tarno-desktop: shown as an X11 window of the desktop as soon as there is the monitor DUMMY1\n"]
+    for words, places in ((beside, [1040]), (("DUMMY1", "--off"), [16]), (("DUMMY0", "--off"), []),
+                          (("DUMMY0", "--mode", "1024x768"), [16]), (beside, [1040])):
+        turn(*words)
+        wait_for(lambda: [screen.place(tile)[0] for tile in screen.tiles()] == places, message=f"the tile at {places}")
+    resources = screen.atom("RESOURCE_MANAGER")
+    screen.root.change_property(resources, Xatom.STRING, 8, b"Xft.dpi: 144\n")
+    screen.display.sync()
+    size = lambda: screen.place(screen.tiles()[0])[2:]
+    wait_for(lambda: size() == (546, 255), message="the scale of the resources")
+    owner = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
+    settings = screen.atom("_XSETTINGS_SETTINGS")
+    owner.set_selection_owner(screen.atom("_XSETTINGS_S0"), X.CurrentTime)
+    for scale, expected in ((1.25, (455, 213)), (2, (728, 340))):
+        value = struct.pack("<B3xIIBxH7sxIi", 0, 1, 1, 0, 7, b"Xft/DPI", 1, int(96 * 1024 * scale))
+        owner.change_property(settings, settings, 8, value)
+        screen.display.sync()
+        wait_for(lambda: size() == expected, message=f"the scale {scale} of the settings")
 
 
-def test_follows_its_monitor(rig):
-    rig.monitors()
-    screen = Screen(rig)
-    turn = lambda *state: [rig.run("xrandr", *words) for words in (("--output", "DUMMY1", *state), ())]  # () looks anew
-    rig.run("xrandr", "--addmode", "DUMMY1", "1024x768")
-    turn("--mode", "1024x768", "--right-of", "DUMMY0")
-    rig.tile("--monitor", "DUMMY1", "--anchor", "left")
-    for x, then in ((1040, ["--off"]), (16, ["--mode", "1024x768", "--right-of", "DUMMY0"]), (1040, ["--off"])):
-        wait_for(lambda: [screen.place(tile)[0] for tile in screen.tiles()] == [x], message=f"the tile at {x}")
-        turn(*then)
+def test_dragging_and_the_end(rig):
+    screen = X11Screen(rig, "openbox")
+    tile = rig.tile(*AT, "--layer", "normal")
+    window = screen.tile()
+    assert screen.place(window)[:2] == (900, 16)
+    screen.point(1000, 100)
+    xtest.fake_input(screen.display, X.ButtonPress, 1)
+    screen.display.sync()
+    time.sleep(0.3)  # openbox moves it from where the pointer is when it is asked to
+    screen.point(800, 150)
+    screen.point(700, 200)
+    xtest.fake_input(screen.display, X.ButtonRelease, 1)
+    screen.display.sync()
+    wait_for(lambda: screen.place(window)[:2] == (600, 116), message="the dragged tile")
+    screen.new_window("DOCK", width=1280, height=40, _NET_WM_STRUT=[0, 0, 40, 0])
+    time.sleep(0.5)
+    rig.save(RECORD % "locked", SAVED)
+    time.sleep(0.5)
+    assert screen.place(window)[:2] == (600, 116)
+    screen.tell("_NET_CLOSE_WINDOW", window=window)
+    assert tile.wait() == 0
+    for end in ("destroy", "kill_client"):
+        tile = rig.tile(*AT)
+        getattr(screen.tile(), end)()
+        screen.display.sync()
+        assert tile.wait() == 0, end
+    tile = rig.tile(*AT)
+    screen.tile()
+    next(process for process in rig.started if process.popen.args[0] == "Xvfb").end(9)
+    assert (tile.wait(20), tile.lines[1:]) == (69, ["tarno-desktop: the display went away\n"])
 
 
-def test_asks_again_at_the_reload_date_and_when_the_clock_is_set(rig):
-    rig.x11()
-    screen = Screen(rig)
-    clock = Clock(rig, rate=30)
-    rig.save(LOCKED, clock.now())
-    tile = rig.tile(env=clock.env)
-    look = lambda: screen.pixels(screen.tile())
-    wait_for(lambda: any(map(any, look())), message="a first frame")
-
-    before = look()
-    rig.save(UNLOCKED, clock.now())
-    wait_for(lambda: look() != before, 3, "the saved status")
-    asked = clock.requests
-    time.sleep(3)
-    assert 2 <= clock.requests - asked <= 4, clock.requests - asked
-
-    clock.set(tile, rate=1)
-    for step in (10, -3600, 86400):
-        wait_for(lambda: clock.requests > asked)
-        time.sleep(0.3)
-        asked, before = clock.requests, look()
-        rig.save(LOCKED if step > 0 else UNLOCKED, clock.now(step))
-        time.sleep(0.5)
-        assert clock.requests == asked and look() == before, "asked without need"
-        clock.set(tile, step=step)
-        wait_for(lambda: look() != before, 3, f"a request after a step of {step} s")
-        assert clock.requests <= asked + 2
-
-
-def test_ends_cleanly_and_never_in_silence(rig):
-    for options, code, words in (((), 69, "no display"), (("--anchor", "middle"), 64, "--anchor")):
-        tile = rig.tile(*options)
-        assert (tile.wait(), len(tile.lines)) == (code, 1) and words in tile.lines[0], tile.lines
-    server = rig.x11()
-    for signal in (1, 2, 15):
-        tile = rig.tile()
-        assert (tile.end(signal), len(tile.lines)) == (0, 1), tile.lines
-    tile = rig.tile("--monitor", "NONE-1")
-    assert (tile.wait(), len(tile.lines)) == (64, 1) and "NONE-1" in tile.lines[0], tile.lines
-    tile = rig.tile()
-    server.end(9)
-    assert (tile.wait(), tile.lines[1:]) == (69, [GONE]), tile.lines
-
-
-run_tests(globals())
+if __name__ == "__main__":
+    for name, test in list(globals().items()):
+        if name.startswith("test_"):
+            with Rig(sys.argv[1]) as rig:
+                test(rig)
+            print(f"passed: {name}", flush=True)

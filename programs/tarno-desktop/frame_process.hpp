@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "foundation/file_descriptor.hpp"
+#include "tarno-desktop/event_loop.hpp"
+#include "tarno-desktop/frame.hpp"
+
+namespace desktop {
+
+/// What `tarno-widget frame` is asked for.
+struct FrameRequest {
+  std::string program = "tarno-widget";  ///< a path, or a name to be looked for in PATH
+  std::string family = "medium";
+  double scale = 1;               ///< pixels per point
+  std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
+};
+
+/// What became of a request.
+struct FrameAnswer {
+  std::optional<Frame> frame;
+  std::string failure;  ///< why there is no frame, on one line
+  std::string errors;   ///< what the process wrote to standard error, at most a pipe full
+};
+
+/// The path of the tarno-widget beside this program, or its name when there is none.
+std::string widgetProgram();
+
+/// The extension's process, one at a time. Whatever it does, at most the picture is missing: it has 10 s,
+/// then it is killed.
+class FrameProcess final : public EventSource {
+ public:
+  explicit FrameProcess(std::function<void(FrameAnswer)> completion);
+  ~FrameProcess() override;
+  FrameProcess(const FrameProcess&) = delete;
+  FrameProcess& operator=(const FrameProcess&) = delete;
+
+  /// Starts the process; none is running. The completion is called once, from here when there is no process.
+  void start(const FrameRequest& request);
+
+  bool isRunning() const { return static_cast<bool>(process_); }
+
+  Wait prepare() override;
+  void dispatch(short events) override;
+
+ private:
+  int spawn(const FrameRequest& request);
+  FrameAnswer answer(int status);
+
+  std::function<void(FrameAnswer)> completion_;
+  foundation::FileDescriptor memory_, output_, errors_;
+  foundation::FileDescriptor process_;  ///< a pidfd while a process is running
+  pid_t pid_ = -1;
+  double scale_ = 1;
+  std::optional<Clock::time_point> deadline_;  ///< none once the process was killed
+};
+
+}  // namespace desktop

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+#include "tarno-desktop/surface.hpp"
+
+namespace desktop {
+
+/// The tile as an X11 window on the display that DISPLAY names. Throws program::Failure (EX_UNAVAILABLE) when
+/// there is none. `options` and `owner` are copied.
+std::unique_ptr<Surface> openX11Surface(const Options& options, SurfaceOwner owner);
+
+}  // namespace desktop

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+
+#include "tarno-desktop/event_loop.hpp"
+
+/// A folder of its own for a test, removed in the end.
+struct TemporaryFolder {
+  ~TemporaryFolder() { std::filesystem::remove_all(path); }
+
+  /// Through a rename.
+  void write(const std::string& name, const std::string& content) const {
+    std::ofstream{path / "new"} << content;
+    std::filesystem::permissions(path / "new", std::filesystem::perms::owner_all);
+    std::filesystem::rename(path / "new", path / name);
+  }
+
+  std::string read(const std::string& name) const {
+    std::ifstream file{path / name};
+    return {std::istreambuf_iterator<char>{file}, {}};
+  }
+
+  std::string pattern = std::filesystem::temp_directory_path() / "tarno-XXXXXX";
+  std::filesystem::path path = mkdtemp(pattern.data());
+};
+
+/// A program in the place of tarno-widget, in `folder`: it notes its arguments in the file `log`, then runs
+/// `behaviour`, a few lines of Python. draw(key=value, …) there answers with a small picture.
+inline void writeFakeWidget(const TemporaryFolder& folder, const std::string& behaviour) {
+  constexpr auto preamble = R"(#!/usr/bin/python3
+import fcntl, json, os, sys, time
+folder = os.path.dirname(os.path.abspath(sys.argv[0]))
+with open(folder + "/log", "a") as log:
+    log.write(" ".join(sys.argv[1:]) + "\n")
+def date(seconds):
+    return time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(time.time() + seconds))
+def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
+    os.ftruncate(3, memory)
+    if seals:
+        fcntl.fcntl(3, fcntl.F_ADD_SEALS, seals)
+    answer = {"width": 3, "height": 4, "stride": 16, "title": "Tarno", "announcement": "locked", "accessibility": [
+        {"role": "staticText", "label": "Locked", "x": 1, "y": 2.5, "width": 3, "height": 4}],
+        "reload_after": date(30), "stale_from": None, "watch": {"folder": folder, "file": "store"}, **changes}
+    print(json.dumps({key: value for key, value in answer.items() if value != "missing"}), end=end)
+)";
+  folder.write("tarno-widget", preamble + behaviour + "\n");
+}
+
+/// Runs `loop` until `condition` holds or `limit` has passed; returns whether it holds.
+inline bool runUntil(desktop::EventLoop& loop, const std::function<bool()>& condition,
+                     std::chrono::milliseconds limit = std::chrono::seconds{15}) {
+  struct Condition final : desktop::EventSource {
+    Wait prepare() override {
+      const auto now = Clock::now();
+      if (holds() || now > end) loop->quit(0);
+      return {-1, 0, now + std::chrono::milliseconds{10}};
+    }
+    void dispatch(short) override {}
+    desktop::EventLoop* loop = nullptr;
+    std::function<bool()> holds;
+    Clock::time_point end;
+  } source;
+  source.loop = &loop;
+  source.holds = condition;
+  source.end = desktop::EventSource::Clock::now() + limit;
+  loop.add(source);
+  loop.run();
+  loop.remove(source);
+  return condition();
+}
+
+inline void runFor(desktop::EventLoop& loop, std::chrono::milliseconds time) {
+  const auto never = [] { return false; };
+  runUntil(loop, never, time);
+}

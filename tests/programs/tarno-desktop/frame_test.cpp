@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <csignal>
+
+#include "fake_widget.hpp"
+#include "tarno-desktop/frame_process.hpp"
+
+namespace {
+
+/// What a process that behaves so comes to.
+desktop::FrameAnswer answerOf(const std::string& behaviour, const desktop::FrameRequest& request = {}) {
+  const TemporaryFolder folder;
+  writeFakeWidget(folder, behaviour);
+  std::optional<desktop::FrameAnswer> result;
+  desktop::FrameProcess process{[&](desktop::FrameAnswer answer) { result = std::move(answer); }};
+  desktop::EventLoop loop;
+  loop.add(process);
+  auto ours = request;
+  if (request.program == "tarno-widget") ours.program = folder.path / "tarno-widget";
+  process.start(ours);
+  EXPECT_TRUE(runUntil(loop, [&] { return result.has_value(); })) << behaviour;
+  EXPECT_FALSE(process.isRunning()) << behaviour;
+  if (!result) return {};
+  result->errors += folder.read("log");
+  return *std::move(result);
+}
+
+TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
+  const auto answer = answerOf(
+      "os.pwrite(3, bytes(range(64)), 0); draw(stale_from='2026-11-16T15:44:02.25Z',"
+      "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])",
+      {.family = "small", .scale = 1.25, .at = "2026-11-16T15:41:35Z"});
+  ASSERT_TRUE(answer.frame) << answer.failure;
+  EXPECT_EQ(answer.errors, "frame --family small --scale 1.25 --fd 3 --at 2026-11-16T15:41:35Z\n");
+  const auto& [picture, title, announcement, elements, reload, stale, store] = *answer.frame;
+  EXPECT_EQ(title, "Tarno");
+  EXPECT_EQ(announcement, "locked");
+  EXPECT_EQ(elements, (std::vector<desktop::AccessibleElement>{{"text", "Locked", 1, 2.5, 3, 4}}));
+  EXPECT_EQ(reload.time_since_epoch(), std::chrono::seconds{1794843725});
+  EXPECT_EQ(stale->time_since_epoch(), std::chrono::milliseconds{1794843842250});
+  EXPECT_EQ(store.filename(), "store");
+  EXPECT_EQ(picture->scale, 1.25);
+  const desktop::MappedPicture mapped{*picture};
+  const auto row = mapped.row(3);
+  EXPECT_EQ((std::vector<std::uint32_t>{row.begin(), row.end()}),
+            (std::vector<std::uint32_t>{0x33323130, 0x37363534, 0x3B3A3938}));
+  EXPECT_EQ(mapped.bytes().size(), 64U);
+}
+
+TEST(FrameProcess, MissesAPictureWhateverTheProcessDoes) {
+  const struct {
+    const char *behaviour, *failure;
+  } cases[] = {
+      {"os.kill(os.getpid(), 11)", "Segmentation fault"},
+      {"draw(); os.kill(os.getpid(), 6)", "Aborted"},
+      {"draw(); sys.exit(70)", "code 70"},
+      {"print(json.dumps({'error': 'too large'})); sys.exit(64)", "code 64: too large"},
+      {"", "JSON"},
+      {"print('nonsense' * 100)", "JSON"},
+      {"print([])", "an object"},
+      {"draw(); draw()", "JSON"},
+      {"draw(memory=63)", "smaller"},
+      {"draw(height=5)", "smaller"},
+      {"draw(width=0)", "width"},
+      {"draw(width=-3)", "width"},
+      {"draw(width=1.5)", "width"},
+      {"draw(width=5)", "stride"},
+      {"draw(height=0)", "height"},
+      {"draw(height=2**40)", "height"},
+      {"draw(stride=2**62)", "stride"},
+      {"draw(stride=15)", "whole pixels"},
+      {"draw(seals=fcntl.F_SEAL_GROW)", "sealed"},
+      {"draw(seals=0)", "sealed"},
+      {"draw(title=None)", "title"},
+      {"draw(title='missing')", "title"},
+      {"draw(announcement=1)", "announcement"},
+      {"draw(accessibility={})", "an array"},
+      {"draw(accessibility=[{'role': 'image', 'label': 'x', 'x': '1'}])", "accessibility.0.x"},
+      {"draw(reload_after='tomorrow')", "tomorrow"},
+      {"draw(stale_from=5)", "stale_from"},
+      {"draw(watch={'folder': 'data', 'file': 'store'})", "absolute"},
+      {"print('x' * 2000000); draw()", "10 s"},  // stuck: nobody reads more than a pipe holds
+  };
+  for (const auto& [behaviour, failure] : cases) {
+    const auto answer = answerOf(behaviour);
+    EXPECT_FALSE(answer.frame) << behaviour;
+    EXPECT_NE(answer.failure.find(failure), std::string::npos) << behaviour << ": " << answer.failure;
+    EXPECT_EQ(answer.failure.find('\n'), std::string::npos) << behaviour;
+  }
+  EXPECT_NE(answerOf("", {.program = "/nowhere/tarno-widget"}).failure.find("No such file"),
+            std::string::npos);
+}
+
+TEST(FrameProcess, HandsOnTheEnvironmentAndNoSignalsOrDescriptors) {
+  setenv("TARNO_FRAME_TEST", "reaches it", 1);
+  sigset_t all;
+  sigfillset(&all);
+  sigprocmask(SIG_BLOCK, &all, nullptr);
+  const foundation::FileDescriptor ours{memfd_create("ours", MFD_CLOEXEC)};
+  const auto answer = answerOf(
+      "import signal\n"
+      "files = [os.path.realpath(f'/proc/self/fd/{number}') for number in range(100)]\n"
+      "print(os.environ['TARNO_FRAME_TEST'], signal.pthread_sigmask(signal.SIG_BLOCK, []),"
+      "[file for file in files if file.startswith('/memfd') or 'anon_inode' in file], file=sys.stderr)\n"
+      "draw()");
+  EXPECT_TRUE(answer.frame);
+  EXPECT_TRUE(answer.errors.starts_with("reaches it set() ['/memfd:tarno-tile (deleted)']\n"))
+      << answer.errors;
+}
+
+}  // namespace

@@ -1,0 +1,203 @@
+#include "tarno-desktop/live_tile.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+#include <list>
+
+#include "fake_widget.hpp"
+#include "tarno-desktop/signals.hpp"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// As the kernel tells that the clock was set: once, to whoever sets a timer or reads it (timerfd_create(2)).
+bool isClockSet = false;
+int timerFlags = 0;
+
+long answer(long result) {
+  if (!std::exchange(isClockSet, false)) return result;
+  errno = ECANCELED;
+  return -1;
+}
+
+/// A live tile with a program of its own, and what it showed.
+struct Fixture {
+  explicit Fixture(const std::string& behaviour, const std::optional<std::string>& at = {}) {
+    writeFakeWidget(folder, behaviour);
+    tile.emplace(desktop::FrameRequest{folder.path / "tarno-widget", "medium", 1, at},
+                 [this](const desktop::Frame& frame) {
+                   shown.push_back(frame.title + " " + desktop::scaleText(frame.picture->scale));
+                 });
+    tile->addTo(loop);
+  }
+
+  /// How often the program was started.
+  std::ptrdiff_t requests() const {
+    const auto log = folder.read("log");
+    return std::count(log.begin(), log.end(), '\n');
+  }
+  bool waitFor(const std::function<bool()>& condition) { return runUntil(loop, condition); }
+  void wait(std::chrono::milliseconds time) { runFor(loop, time); }
+
+  TemporaryFolder folder;
+  desktop::EventLoop loop;
+  std::optional<desktop::LiveTile> tile;
+  std::vector<std::string> shown;
+};
+
+/// The store's content is the title.
+constexpr auto showStore =
+    "draw(title=open(folder + '/store').read() if os.path.exists(folder + '/store') else 'none')";
+
+TEST(LiveTile, ShowsTheLastOfManySavesAndFewOfThem) {
+  Fixture fixture{showStore};
+  ASSERT_TRUE(fixture.waitFor([&] { return !fixture.shown.empty(); }));
+  EXPECT_EQ(fixture.shown.back(), "none 1");
+  fixture.wait(600ms);
+  EXPECT_LE(fixture.requests(), 2) << "one more, for what came before the first watch";
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i <= 100; ++i) {
+    fixture.folder.write("store", std::to_string(i));
+    fixture.wait(10ms);
+  }
+  EXPECT_TRUE(fixture.waitFor([&] { return fixture.shown.back() == "100 1"; }));
+  fixture.wait(600ms);
+  const auto requests = fixture.requests();
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  EXPECT_LE(static_cast<double>(requests), 3 + 4 * seconds.count()) << "four a second, and the last one";
+  EXPECT_GE(requests, 5);
+}
+
+TEST(LiveTile, AsksAgainInTime) {
+  const struct {
+    const char *what, *behaviour;
+    std::optional<std::string> at;
+    std::ptrdiff_t least, most;
+  } cases[] = {{"turns stale", "draw(stale_from=date(2))", {}, 3, 4},
+               {"is stale in vain", "draw(stale_from=date(-60))", {}, 4, 6},
+               {"stands still", "draw(stale_from=date(2))", "2026-11-16T15:41:35Z", 2, 2},
+               {"has a reload date", "draw(reload_after=date(30))", {}, 2, 2},
+               {"has a reload date that is past", "draw(reload_after=date(-30))", {}, 2, 2}};
+  desktop::EventLoop all;
+  std::list<Fixture> fixtures;
+  for (const auto& each : cases) fixtures.emplace_back(each.behaviour, each.at).tile->addTo(all);
+  runFor(all, 3500ms);
+  auto fixture = fixtures.begin();
+  for (const auto& [what, behaviour, at, least, most] : cases) {
+    const auto requests = fixture++->requests();
+    EXPECT_GE(requests, least) << what;
+    EXPECT_LE(requests, most) << what;
+  }
+}
+
+TEST(LiveTile, KeepsItsPictureAndSaysOnceWhatIsWrong) {
+  testing::internal::CaptureStderr();
+  Fixture fixture{"print('the store\\x1b is locked', file=sys.stderr)\n" + std::string{showStore}};
+  ASSERT_TRUE(fixture.waitFor([&] { return fixture.requests() == 2; }));
+  for (const char* const behaviour :
+       {"sys.exit(3)", "sys.exit(3)", "print('nonsense', end='')", showStore, "sys.exit(3)"}) {
+    const auto requests = fixture.requests();
+    writeFakeWidget(fixture.folder, behaviour);
+    fixture.wait(300ms);
+    fixture.tile->refresh();
+    EXPECT_TRUE(fixture.waitFor([&] { return fixture.requests() > requests; }));
+    fixture.wait(200ms);
+  }
+  EXPECT_EQ(fixture.shown, (std::vector<std::string>{"none 1", "none 1", "none 1"}));
+  const auto said = testing::internal::GetCapturedStderr();
+  const auto count = [&said](const std::string& words) {
+    int found = 0;
+    for (auto at = said.find(words); at != std::string::npos; at = said.find(words, at + 1)) ++found;
+    return found;
+  };
+  EXPECT_EQ(count("the store? is locked\n"), 1) << said;
+  EXPECT_EQ(count("no new picture: ended with code 3"), 2) << said;
+  EXPECT_EQ(count("\n"), 4) << said;
+}
+
+TEST(LiveTile, ShowsNothingOfAnotherScale) {
+  Fixture fixture{showStore};
+  fixture.tile->setScale(1.5);
+  ASSERT_TRUE(fixture.waitFor([&] { return !fixture.shown.empty(); }));
+  EXPECT_EQ(fixture.shown.front(), "none 1.5");
+  fixture.wait(600ms);
+  const auto requests = fixture.requests();
+  fixture.tile->setScale(1.5);
+  fixture.wait(200ms);
+  EXPECT_EQ(fixture.requests(), requests);
+}
+
+TEST(EventLoop, SleepsUntilTheFirstDeadlineAndNotOnceItIsToEnd) {
+  struct Source final : desktop::EventSource {
+    explicit Source(desktop::EventLoop& owner, bool ends) : loop(owner), endsAtOnce(ends) {}
+    Wait prepare() override {
+      if (endsAtOnce) loop.quit(7);
+      return {-1, 0, start + 3s};
+    }
+    void dispatch(short) override {
+      if (Clock::now() > start + 2s) loop.quit(1);
+    }
+    desktop::EventLoop& loop;
+    bool endsAtOnce;
+    Clock::time_point start = Clock::now();
+  };
+  desktop::EventLoop loop;
+  Source late{loop, false}, ending{loop, true};
+  loop.add(late);
+  runFor(loop, 10ms);
+  EXPECT_LT(Source::Clock::now(), late.start + 2s);
+  loop.add(ending);
+  EXPECT_EQ(loop.run(), 7);
+  EXPECT_LT(Source::Clock::now(), late.start + 2s);
+}
+
+TEST(WallClockTimer, WakesAtAMomentAndWhenTheClockIsSet) {
+  const foundation::Date now{1'800'000'000s};
+  const foundation::ClockOverride clock{now};
+  int wakes = 0;
+  desktop::EventLoop loop;
+  desktop::WallClockTimer timer{[&] { ++wakes; }};
+  loop.add(timer);
+  const auto isWoken = [&] { return wakes > 0; };
+  const auto wakesSoon = [&] { return runUntil(loop, isWoken, 5s) && std::exchange(wakes, 0) == 1; };
+  timer.sleepUntil(now + 1h);
+  timer.dispatch(POLLIN);
+  EXPECT_EQ(wakes, 0) << "not due";
+  EXPECT_EQ(timerFlags, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET);
+  timer.sleepUntil(now + 20ms);
+  EXPECT_TRUE(wakesSoon()) << "in place of the earlier sleep";
+  timer.sleepUntil(foundation::Date{});
+  EXPECT_TRUE(wakesSoon()) << "in the past";
+  isClockSet = true;
+  timer.sleepUntil(now + 1h);
+  EXPECT_TRUE(wakesSoon()) << "set before the sleep";
+  timer.sleepUntil(now + 20ms);
+  isClockSet = true;
+  EXPECT_TRUE(wakesSoon()) << "set during the sleep";
+}
+
+TEST(Signals, EndTheProgramOrAsk) {
+  std::string told;
+  desktop::EventLoop loop;
+  const auto signals = desktop::watchSignals([&] { told += "end "; }, [&] { told += "ask "; });
+  loop.add(*signals);
+  for (const int signal : {SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGPIPE}) kill(getpid(), signal);
+  EXPECT_TRUE(runUntil(loop, [&] { return told.size() >= 16; }));
+  EXPECT_EQ(std::count(told.begin(), told.end(), 'a'), 1);
+}
+
+}  // namespace
+
+extern "C" int timerfd_settime(int timer, int flags, const itimerspec* expiry, itimerspec* old) noexcept {
+  timerFlags = flags;
+  return static_cast<int>(answer(syscall(SYS_timerfd_settime, timer, flags, expiry, old)));
+}
+
+extern "C" ssize_t read(int descriptor, void* buffer, std::size_t size) {
+  const auto result = syscall(SYS_read, descriptor, buffer, size);
+  return size == sizeof(std::uint64_t) ? answer(result) : result;
+}
