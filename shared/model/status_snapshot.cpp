@@ -107,3 +107,9 @@ void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot
 std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report) {
   return report ? report->deviceName.value_or("Mac") : "Mac";
 }
+
+std::string displayedPresence(const std::optional<TarnoMacStatusSnapshot>& report) {
+  if (report && report->facePresent.value_or(false)) return "Face seen";
+  if (report && report->companionPresent.value_or(false)) return "Watch near";
+  return "Presence quiet";
+}

@@ -67,3 +67,7 @@ void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot
 
 /// The name of the Mac that `report` is about, for people; "Mac" when there is no report or it names none.
 std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report);
+
+/// The strongest sign of a person that `report` holds, for people: "Face seen", "Watch near", or "Presence
+/// quiet" when it holds neither or there is no report. Asks not how old the report is.
+std::string displayedPresence(const std::optional<TarnoMacStatusSnapshot>& report);

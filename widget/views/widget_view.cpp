@@ -64,9 +64,4 @@ std::string TarnoMacWidgetView::ageLine() const {
   return age ? TarnoStatusFreshness::ageText(*age) + " ago" : "Not synced";
 }
 
-std::string TarnoMacWidgetView::presenceLine() const {
-  const auto& status = entry.status;
-  if (status && status->facePresent.value_or(false)) return "Face seen";
-  if (status && status->companionPresent.value_or(false)) return "Watch near";
-  return "Presence quiet";
-}
+std::string TarnoMacWidgetView::presenceLine() const { return displayedPresence(entry.status); }
