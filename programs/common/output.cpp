@@ -14,7 +14,7 @@
 namespace program {
 namespace {
 
-int outputDescriptor = STDOUT_FILENO;
+int output = STDOUT_FILENO;
 
 /// The character that `text` begins with and how many bytes it takes; where they are not UTF-8 (RFC 3629,
 /// section 4), nothing and one byte.
@@ -48,14 +48,16 @@ bool steersTerminal(char32_t character) {
 void reserveStandardOutput() {
   const int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (own < 0) return;  // standard output is closed; the first write to it will say so
-  outputDescriptor = own;
+  output = own;
   dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
 void writeOutput(std::string_view bytes) {
-  if (!writeAll(outputDescriptor, bytes))
+  if (!writeAll(output, bytes))
     throw Failure{EX_IOERR, std::string{"cannot write to standard output: "} + std::strerror(errno)};
 }
+
+int outputDescriptor() { return output; }
 
 std::string printable(std::string_view text) {
   std::string safe;
