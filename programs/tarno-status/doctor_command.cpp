@@ -12,6 +12,7 @@
 #include "foundation/suite_store.hpp"
 #include "shared/persistence/mac_defaults.hpp"
 #include "shared_status.hpp"
+#include "widget_font.hpp"
 
 namespace status {
 namespace {
@@ -68,10 +69,6 @@ std::string savingFault() {
   }
 }
 
-bool isFresh(const SharedStatus& shared) {
-  return shared.status && shared.status->receivedAt && !shared.status->snapshot.isStale();
-}
-
 /// What the tile shows and, unless all is well, why.
 std::string verdict(const SharedStatus& shared) {
   if (!shared.status && shared.fault.empty())
@@ -103,8 +100,9 @@ int doctor() {
   text += line("report's age", ageText(shared.status, now));
   text += line("reading", shared.fault.empty() ? "works" : "fails: " + shared.fault);
   text += line("saving", fault.empty() ? "works" : "would fail: " + fault);
+  if (const auto font = widgetFontText()) text += line("font", *font);
 
-  const bool isWell = isFresh(shared) && fault.empty();
+  const bool isWell = isFresh(shared.status) && fault.empty();
   const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";
   text += "\n" + program::printable((isWell ? "All is well. " : "") + verdict(shared) + saving) + "\n";
   program::writeOutput(text);

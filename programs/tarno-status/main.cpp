@@ -1,45 +1,106 @@
-#include <csignal>
-
 #include "commands.hpp"
 #include "common/command_line.hpp"
 #include "common/dates.hpp"
 #include "common/output.hpp"
 
+namespace {
+
+struct Saving {
+  status::SaveOptions options;
+  bool isFollowing = false;
+};
+
+CLI::App& addSave(CLI::App& app, Saving& saving) {
+  auto& save = *app.add_subcommand("save", "Save a status record (JSON) into the shared store");
+  auto* const file =
+      save.add_option("FILE", saving.options.file, "The record; standard input when absent or -");
+  auto* const date = program::addDateOption(save, "--received-at", saving.options.receivedAt,
+                                            "When the report was received (default: now)");
+  save.add_option("--mirror-key", saving.options.mirrorKey, "A key to keep beside the report")
+      ->type_name("KEY");
+  save.add_flag(
+          "--follow", saving.isFollowing,
+          "Save each line of standard input, one record per line, as it arrives. A bad line is named on "
+          "standard error and the next one goes on. When records arrive faster than they can be saved, "
+          "the oldest are skipped")
+      ->excludes(file)
+      ->excludes(date);
+  program::setExample(save,
+                      "tarno-status save report.json --received-at 2026-11-16T15:41:35Z\n"
+                      "  mosquitto_sub -h localhost -t mac/status | tarno-status save --follow");
+  return save;
+}
+
+CLI::App& addCheck(CLI::App& app, std::optional<TarnoMacStatus>& expected) {
+  auto& check = *app.add_subcommand(
+      "check",
+      "Print nothing; exit with 0 when the last report is fresh, 1 when not, 69 when it cannot be read");
+  const auto read = [&expected](const std::string& text) {
+    expected = TarnoMacStatus::fromRawValue(text);
+    if (!expected)
+      throw CLI::ValidationError{"STATUS is locked, unlocked, locking or unknown, not '" + text + "'"};
+  };
+  check.add_option_function<std::string>("STATUS", read,
+                                         "Ask for this status, too: locked, unlocked, locking or unknown");
+  program::setExample(check, "if tarno-status check locked; then echo The Mac is locked.; fi");
+  return check;
+}
+
+CLI::App& addWatch(CLI::App& app, std::string& format) {
+  auto& watch = *app.add_subcommand(
+      "watch", "Print the status now and again whenever it changes: after a save, and when it turns stale");
+  auto* const json = watch.add_flag_callback(
+      "--json", [&format] { format = "json"; }, "Print what 'show --json' prints, on one line");
+  watch
+      .add_option(
+          "--format", format,
+          "json, waybar (for a custom module of that bar), or a text with {status}, {status_line}, "
+          "{detail_line}, {presence}, {device}, {age} (when the line is printed) or {received_at} in it; "
+          "write {{ for a brace")
+      ->capture_default_str()
+      ->excludes(json);
+  program::setExample(watch, "tarno-status watch --format '{status_line} {age}'");
+  return watch;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   program::reserveStandardOutput();
-  std::signal(SIGXFSZ, SIG_IGN);  // a file size limit makes writing fail, rather than end the program
 
   CLI::App app{"Saves, shows and diagnoses the stored status of the user's Mac."};
   program::setExample(app, "echo '{\"status\": \"locked\"}' | tarno-status save && tarno-status show");
   app.require_subcommand(1);
 
-  status::SaveOptions saving;
-  auto& save = *app.add_subcommand("save", "Save a status record (JSON) into the shared store");
-  save.add_option("FILE", saving.file, "The record; standard input when absent or -");
-  program::addDateOption(save, "--received-at", saving.receivedAt,
-                         "When the report was received (default: now)");
-  save.add_option("--mirror-key", saving.mirrorKey, "A key to keep beside the report")->type_name("KEY");
-  program::ClockOption saveClock{save};
-  program::setExample(save, "tarno-status save report.json --received-at 2026-11-16T15:41:35Z");
+  Saving saving;
+  auto& save = addSave(app, saving);
 
   bool asJSON = false;
   auto& show = *app.add_subcommand("show", "Show the last saved report as the widget would see it");
-  show.add_flag("--json", asJSON,
-                "Print {\"received_at\": …, \"snapshot\": {…}}, or null when nothing was saved yet");
-  program::ClockOption showClock{show};
+  show.add_flag(
+      "--json", asJSON,
+      "Print an object with what the tile says (status, status_line, detail_line, presence, is_stale, "
+      "age_seconds), received_at and the record (snapshot), or null when nothing was saved yet");
   program::setExample(show, "tarno-status show --json --at 2026-11-16T15:45:00Z");
+
+  std::optional<TarnoMacStatus> expected;
+  auto& check = addCheck(app, expected);
+
+  std::string format = "{status_line}: {detail_line}";
+  auto& watch = addWatch(app, format);
 
   auto& doctor =
       *app.add_subcommand("doctor", "Say where the store is, what it holds and whether saving works");
-  program::ClockOption doctorClock{doctor};
   program::setExample(doctor, "tarno-status doctor");
 
+  program::ClockOption clock{&save, &show, &check, &doctor};
   return program::run(app, argc, argv, [&] {
-    saveClock.apply();
-    showClock.apply();
-    doctorClock.apply();
-    if (save.parsed()) return status::save(saving);
+    clock.apply();
+    if (save.parsed())
+      return saving.isFollowing ? status::follow(saving.options.mirrorKey) : status::save(saving.options);
     if (show.parsed()) return status::show(asJSON);
+    if (check.parsed()) return status::check(expected);
+    if (watch.parsed()) return status::watch(format);
     return status::doctor();
   });
 }

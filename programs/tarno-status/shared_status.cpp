@@ -32,4 +32,8 @@ SharedStatus readSharedStatus(foundation::Date now) {
   return {store, TarnoMacDefaults::loadStatus(*store, now), faultOfValues(*store)};
 }
 
+bool isFresh(const std::optional<TarnoStoredMacStatus>& status) {
+  return status && status->receivedAt && !status->snapshot.isStale();
+}
+
 }  // namespace status

@@ -22,4 +22,7 @@ struct SharedStatus {
 /// The state of this moment, judged for freshness at `now`.
 SharedStatus readSharedStatus(foundation::Date now);
 
+/// Whether there is a report, its age is known and it is not stale.
+bool isFresh(const std::optional<TarnoStoredMacStatus>& status);
+
 }  // namespace status

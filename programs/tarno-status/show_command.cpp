@@ -1,25 +1,14 @@
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "commands.hpp"
 #include "common/dates.hpp"
 #include "common/failure.hpp"
 #include "common/output.hpp"
-#include "shared/coding/json.hpp"
 #include "shared_status.hpp"
+#include "tile_report.hpp"
 
 namespace status {
 namespace {
-
-std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored) {
-  nlohmann::ordered_json json;
-  if (stored) {
-    json["received_at"] = nullptr;
-    if (stored->receivedAt) json["received_at"] = program::dateText(*stored->receivedAt);
-    json["snapshot"] = nlohmann::ordered_json::parse(TarnoJSON::encoder().encode(stored->snapshot));
-  }
-  return json.dump(2) + "\n";
-}
 
 /// "face seen, watch near, input 3 s ago"
 std::string presence(const TarnoMacStatusSnapshot& snapshot) {
@@ -45,13 +34,26 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
   return text;
 }
 
+/// Throws Failure when something is stored that cannot be read.
+std::optional<TarnoStoredMacStatus> readStatus() {
+  const auto shared = readSharedStatus(foundation::now());
+  if (!shared.status && !shared.fault.empty()) throw program::Failure{EX_UNAVAILABLE, shared.fault};
+  return shared.status;
+}
+
 }  // namespace
 
 int show(bool asJSON) {
-  const auto [store, stored, fault] = readSharedStatus(foundation::now());
-  if (!stored && !fault.empty()) throw program::Failure{EX_UNAVAILABLE, fault};
-  program::writeOutput(asJSON ? jsonText(stored) : textForPeople(stored));
+  const auto stored = readStatus();
+  program::writeOutput(asJSON ? jsonText(stored, 2) + "\n" : textForPeople(stored));
   return EX_OK;
+}
+
+int check(std::optional<TarnoMacStatus> expected) {
+  constexpr int no = 1;  // as test(1) has it
+  const auto stored = readStatus();
+  if (!isFresh(stored)) return no;
+  return !expected || *expected == stored->snapshot.resolvedStatus() ? EX_OK : no;
 }
 
 }  // namespace status

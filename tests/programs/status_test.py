@@ -17,9 +17,14 @@ class Status(ProgramTest):
         self.assertIsNone(self.shown())
         self.save()
         self.assertEqual(self.shown("2026-11-16T15:44:05Z"),
-                         {"received_at": MOMENT, "snapshot": {**RECORD, "age_seconds": 150}})
-        self.assertEqual(self.shown("2026-11-16T15:44:06Z")["snapshot"],
-                         {**RECORD, "stale": True, "age_seconds": 151})
+                         {"status": "locked", "status_line": "Locked", "detail_line": "Mac locked.",
+                          "presence": "Face seen", "is_stale": False, "age_seconds": 150, "received_at": MOMENT,
+                          "snapshot": {**RECORD, "age_seconds": 150}})
+        self.assertEqual(self.shown("2026-11-16T15:44:06Z"),
+                         {"status": "unknown", "status_line": "Status stale",
+                          "detail_line": "Mac status is 2m old. Refresh Tarno before trusting it.",
+                          "presence": "Face seen", "is_stale": True, "age_seconds": 151, "received_at": MOMENT,
+                          "snapshot": {**RECORD, "stale": True, "age_seconds": 151}})
         people = self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode()
         for words in ("Locked\nMac locked.\n", "0 s", "face seen, no watch", "Kivo's Mac"):
             self.assertIn(words, people)
@@ -44,6 +49,25 @@ class Status(ProgramTest):
         self.assertEqual(done.stderr.decode(), "tarno-status: the report was saved without its unknown keys: "
                          '"stauts", "x?"\n')
         self.assertEqual(self.shown()["snapshot"], {"status": "locked", "age_seconds": 0})
+
+    def test_check_answers_with_its_exit_code(self):
+        def checked(*arguments, at=MOMENT):
+            done = subprocess.run([BIN / "tarno-status", "check", *arguments, "--at", at], capture_output=True,
+                                  env=self.environment, check=False)
+            self.assertEqual(done.stdout, b"")
+            self.assertEqual(bool(done.stderr), done.returncode > 1)
+            return done.returncode
+
+        self.assertEqual(checked(), 1)
+        self.save()
+        for code, *arguments in ((0,), (0, "locked"), (1, "unlocked"), (1, "unknown"), (64, "Locked")):
+            self.assertEqual(checked(*arguments), code, arguments)
+        for arguments in ((), ("locked",), ("unknown",)):
+            self.assertEqual(checked(*arguments, at="2026-11-16T15:44:06Z"), 1, arguments)
+        self.write(record=("data", '{"status": "locked"}'))  # how old, nobody knows
+        self.assertEqual(checked("locked"), 1)
+        self.write(record=("data", 5))
+        self.assertEqual(checked(), 69)
 
     def test_save_stores_what_it_was_given(self):
         self.run_program("tarno-status", "save", "--at", MOMENT, "--mirror-key", "mirror", stdin="{}")
@@ -80,6 +104,7 @@ class Status(ProgramTest):
         self.assertEqual(report["tarno.lastStatusValue"], "string, 6 bytes")
         self.assertEqual(report["tarno.lastStatusMirrorKey"], "nothing stored")
         self.assertEqual(report["report's age"], "0 s")
+        self.assertEqual(report["font"], self.run_program("tarno-widget", "fonts").stdout.decode().split("\n")[0])
         at, record, plain = ("date", MOMENT), ("data", '{"status": "locked"}'), ("string", "locked")
         for code, status, words, values in (
                 (69, "Locked", "age is unknown", {"record": record}),
@@ -158,7 +183,7 @@ class Status(ProgramTest):
             self.run_program("tarno-status", *arguments, code=64)
 
     def test_help_has_an_example(self):
-        for command in ([], ["save"], ["show"], ["doctor"]):
+        for command in ([], ["save"], ["show"], ["check"], ["watch"], ["doctor"]):
             self.assertIn(b"Example", self.run_program("tarno-status", *command, "--help").stdout)
 
     def test_standard_output_that_cannot_be_written(self):

@@ -1,0 +1,141 @@
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <deque>
+
+#include "commands.hpp"
+#include "common/failure.hpp"
+#include "saving.hpp"
+
+namespace status {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// More than any burst of real events; few enough that the newest is saved soon.
+constexpr std::size_t mostWaiting = 16;
+/// What is read between two saves: an endless stream must not keep the newest record from being saved.
+constexpr std::size_t mostChunks = 16;
+constexpr std::size_t chunkSize = 1 << 16;
+constexpr std::chrono::minutes quietAboutSkipping{1};
+
+struct Record {
+  std::size_t line;  ///< counted from 1
+  std::string text;
+  TarnoMacStatusSnapshot report;
+  foundation::Date receivedAt;
+};
+
+class Follower {
+ public:
+  explicit Follower(const std::optional<std::string>& mirrorKey) : mirrorKey_(mirrorKey) {}
+
+  int run() {
+    while (!hasEnded_ || !waiting_.empty()) {
+      if (!hasEnded_) readAvailable();
+      saveOldest();
+      if (Clock::now() - lastToldOfSkipping_ >= quietAboutSkipping) tellOfSkipping();
+    }
+    if (!line_.empty())
+      fail(lines_ + 1, {EX_DATAERR, "the input ended before the line did; nothing was saved"});
+    tellOfSkipping();
+    return exitCode_;
+  }
+
+ private:
+  /// Reads what is there, up to a limit. Sleeps only when there is nothing else to do.
+  void readAvailable() {
+    for (std::size_t chunks = 0; chunks < mostChunks && !hasEnded_; ++chunks) {
+      pollfd input{STDIN_FILENO, POLLIN, 0};
+      const bool maySleep = waiting_.empty() && chunks == 0;
+      if (poll(&input, 1, maySleep ? -1 : 0) <= 0) return;
+      const ssize_t count = read(STDIN_FILENO, chunk_.data(), chunk_.size());
+      if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
+      if (count < 0)
+        fail(lines_ + 1, {EX_NOINPUT, std::string{"cannot read standard input: "} + std::strerror(errno)});
+      hasEnded_ = count <= 0;
+      if (count > 0) take({chunk_.data(), static_cast<std::size_t>(count)});
+    }
+  }
+
+  void take(std::string_view bytes) {
+    for (auto end = bytes.find('\n'); end != bytes.npos; end = bytes.find('\n')) {
+      addToLine(bytes.substr(0, end));
+      bytes.remove_prefix(end + 1);
+      takeLine();
+      line_.clear();
+    }
+    addToLine(bytes);
+  }
+
+  /// One byte beyond the limit says that the line is too long; the rest of it is not kept.
+  void addToLine(std::string_view bytes) { line_ += bytes.substr(0, largestRecord + 1 - line_.size()); }
+
+  void takeLine() {
+    ++lines_;
+    if (line_.find_first_not_of(" \t\r") == line_.npos) return;
+    try {
+      if (line_.size() > largestRecord)
+        throw program::Failure{EX_DATAERR, "is longer than " + std::to_string(largestRecord) + " bytes"};
+      waiting_.push_back({lines_, line_, decodeRecord(line_), foundation::now()});
+    } catch (const program::Failure& failure) {
+      fail(lines_, failure);
+    }
+    if (waiting_.size() <= mostWaiting) return;
+    waiting_.pop_front();
+    ++skipped_;
+  }
+
+  void saveOldest() {
+    if (waiting_.empty()) return;
+    const auto record = std::move(waiting_.front());
+    waiting_.pop_front();
+    try {
+      saveReport(record.report, record.receivedAt, mirrorKey_);
+    } catch (const program::Failure& failure) {
+      return fail(record.line, failure);
+    }
+    const auto text = unknownKeysText(record.text);
+    if (!text.empty() && text != unknownKeys_) program::complain(lineText(record.line) + text);
+    unknownKeys_ = text;
+  }
+
+  void tellOfSkipping() {
+    if (skipped_ == 0) return;
+    program::complain("reports skipped in favour of newer ones: " + std::to_string(skipped_));
+    skipped_ = 0;
+    lastToldOfSkipping_ = Clock::now();
+  }
+
+  void fail(std::size_t line, const program::Failure& failure) {
+    program::complain(lineText(line) + failure.what());
+    if (exitCode_ == EX_OK) exitCode_ = failure.exitCode();
+  }
+
+  static std::string lineText(std::size_t line) { return "line " + std::to_string(line) + ": "; }
+
+  const std::optional<std::string>& mirrorKey_;
+  std::string chunk_ = std::string(chunkSize, '\0');
+  std::string line_;  ///< the one being read
+  std::size_t lines_ = 0;
+  std::deque<Record> waiting_;
+  std::size_t skipped_ = 0;
+  Clock::time_point lastToldOfSkipping_ = Clock::now();
+  std::string
+      unknownKeys_;  ///< what was said of the last record; a companion that sends the same is told once
+  bool hasEnded_ = false;
+  int exitCode_ = EX_OK;
+};
+
+}  // namespace
+
+int follow(const std::optional<std::string>& mirrorKey) {
+  std::signal(SIGPIPE, SIG_IGN);  // the reader of standard error may go; reports still arrive
+  return Follower{mirrorKey}.run();
+}
+
+}  // namespace status

@@ -1,0 +1,118 @@
+#include "line_format.hpp"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "common/dates.hpp"
+#include "common/failure.hpp"
+#include "common/output.hpp"
+#include "shared/freshness/status_freshness.hpp"
+#include "tile_report.hpp"
+
+namespace status {
+namespace {
+
+using Value = std::string (*)(const TileReport&);
+
+struct Placeholder {
+  std::string_view name;
+  Value value;
+};
+
+constexpr Placeholder placeholders[] = {
+    {"status", [](const TileReport& report) { return report.status; }},
+    {"status_line", [](const TileReport& report) { return report.statusLine; }},
+    {"detail_line", [](const TileReport& report) { return report.detailLine; }},
+    {"presence", [](const TileReport& report) { return report.presence; }},
+    {"device", [](const TileReport& report) { return report.device; }},
+    {"age",
+     [](const TileReport& report) {
+       return report.ageSeconds ? TarnoStatusFreshness::ageText(*report.ageSeconds) : "";
+     }},
+    {"received_at",
+     [](const TileReport& report) { return report.receivedAt ? program::dateText(*report.receivedAt) : ""; }},
+};
+
+/// A text, then a value, unless it is the end.
+struct Piece {
+  std::string text;
+  Value value = nullptr;
+};
+
+[[noreturn]] void refuse(const std::string& reason) {
+  throw program::Failure{EX_USAGE, "--format takes json, waybar or a text with placeholders: " + reason};
+}
+
+Value placeholder(std::string_view name) {
+  const auto* const found =
+      std::find_if(std::begin(placeholders), std::end(placeholders),
+                   [&](const Placeholder& candidate) { return candidate.name == name; });
+  if (found == std::end(placeholders)) refuse("there is no {" + std::string{name} + "} (see --help)");
+  return found->value;
+}
+
+std::vector<Piece> piecesOf(std::string_view text) {
+  std::vector<Piece> pieces{{}};
+  while (!text.empty()) {
+    const char first = text.front();
+    const bool isBrace = first == '{' || first == '}';
+    if (isBrace && text.substr(0, 2) == std::string(2, first))
+      text.remove_prefix(1);
+    else if (isBrace) {
+      const auto end = text.find('}');
+      if (first == '}' || end == text.npos) refuse("a brace that stands for itself is written twice");
+      pieces.back().value = placeholder(text.substr(1, end - 1));
+      pieces.emplace_back();
+      text.remove_prefix(end + 1);
+      continue;
+    }
+    pieces.back().text += first;
+    text.remove_prefix(1);
+  }
+  if (pieces.size() == 1) refuse("there is none in '" + pieces[0].text + "'");
+  return pieces;
+}
+
+/// Pango's markup, in which waybar takes its texts.
+std::string escaped(std::string_view text) {
+  std::string markup;
+  for (const char c : text) {
+    if (c == '&')
+      markup += "&amp;";
+    else if (c == '<')
+      markup += "&lt;";
+    else if (c == '>')
+      markup += "&gt;";
+    else
+      markup += c;
+  }
+  return markup;
+}
+
+std::string waybarLine(const std::optional<TarnoStoredMacStatus>& stored) {
+  const auto report = tileReport(stored);
+  const auto word = !stored ? "none" : report.isStale ? "stale" : report.status;
+  const auto tooltip = report.device + "\n" + report.detailLine + "\n" + report.presence;
+  nlohmann::ordered_json json{
+      {"text", escaped(report.statusLine)}, {"alt", word}, {"class", word}, {"tooltip", escaped(tooltip)}};
+  const auto confidence = stored && !report.isStale ? stored->snapshot.confidence.value_or(-1) : -1;
+  if (0 <= confidence && confidence <= 100) json["percentage"] = confidence;
+  return json.dump();
+}
+
+}  // namespace
+
+LineFormat lineFormat(const std::string& text) {
+  if (text == "json")
+    return [](const std::optional<TarnoStoredMacStatus>& stored) { return jsonText(stored, -1); };
+  if (text == "waybar") return waybarLine;
+  return [pieces = piecesOf(text)](const std::optional<TarnoStoredMacStatus>& stored) {
+    const auto report = tileReport(stored);
+    std::string line;
+    for (const auto& [words, value] : pieces) line += words + (value != nullptr ? value(report) : "");
+    return program::printable(line);
+  };
+}
+
+}  // namespace status

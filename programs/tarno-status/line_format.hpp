@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "shared/freshness/stored_status.hpp"
+
+namespace status {
+
+/// Writes what the tile says on one line, without a line feed.
+using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacStatus>&)>;
+
+/// The format that `text` stands for:
+///
+/// - "json": as jsonText();
+/// - "waybar": what waybar's custom modules read with "return-type": "json", see waybar-custom(5). `alt` and
+///   `class` are the same word: locked, unlocked, locking or unknown, "stale", or "none" where nothing is
+///   stored. `percentage` is the confidence of a report that is not stale, where it lies from 0 to 100;
+/// - any other text with at least one of these in braces: status, status_line, detail_line, presence, device,
+///   age ("2m", empty when it is unknown) and received_at. Two braces stand for one.
+///
+/// Throws program::Failure, EX_USAGE, for what is none of these.
+LineFormat lineFormat(const std::string& text);
+
+}  // namespace status

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "foundation/date.hpp"
+#include "shared/model/status_snapshot.hpp"
+
+/// What the two ways to save a record share.
+namespace status {
+
+/// Far more than any record; keeps a wrong file from being swallowed whole.
+inline constexpr std::size_t largestRecord = 1 << 20;
+
+/// The report in a record. Throws program::Failure, EX_DATAERR, which names the place.
+TarnoMacStatusSnapshot decodeRecord(std::string_view record);
+
+/// Saves a report into the shared store. Throws program::Failure with the code that save() has for it.
+void saveReport(const TarnoMacStatusSnapshot& report, foundation::Date receivedAt,
+                const std::optional<std::string>& mirrorKey);
+
+/// One sentence that names the keys of `record`, which decodes, that hold something and that no record has;
+/// empty when there are none.
+std::string unknownKeysText(const std::string& record);
+
+}  // namespace status

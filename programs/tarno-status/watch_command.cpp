@@ -1,0 +1,109 @@
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <utility>
+
+#include "commands.hpp"
+#include "common/event_loop.hpp"
+#include "common/failure.hpp"
+#include "common/files.hpp"
+#include "common/output.hpp"
+#include "common/path_watch.hpp"
+#include "common/wall_clock_timer.hpp"
+#include "foundation/suite_location.hpp"
+#include "line_format.hpp"
+#include "shared/freshness/status_freshness.hpp"
+#include "shared/persistence/mac_defaults.hpp"
+#include "shared_status.hpp"
+
+namespace status {
+namespace {
+
+/// What a line is printed for when it changes. The age, which time alone changes, is not part of it.
+struct State {
+  std::optional<TarnoStoredMacStatus> status;
+  std::string fault;
+
+  friend bool operator==(const State&, const State&) = default;
+};
+
+State stateOf(const SharedStatus& shared) {
+  State state{shared.status, shared.fault};
+  if (state.status && state.status->receivedAt) state.status->snapshot.ageSeconds.reset();
+  return state;
+}
+
+/// When to look again if no save comes first. Far ahead where nothing can turn stale: a clock that is set
+/// still ends the sleep.
+foundation::Date nextLook(const std::optional<TarnoStoredMacStatus>& status) {
+  if (!status || !status->receivedAt || status->snapshot.isStale()) return foundation::latestDate;
+  return TarnoStatusFreshness::staleFrom(*status->receivedAt);
+}
+
+/// Ends the loop when nobody reads standard output any more.
+class ReaderWatch final : public program::EventSource {
+ public:
+  explicit ReaderWatch(program::EventLoop& loop) : loop_(loop) {}
+
+  Wait prepare() override { return {program::outputDescriptor(), 0}; }
+  void dispatch(short events) override {
+    if ((events & (POLLERR | POLLHUP)) != 0) loop_.quit(EX_OK);
+  }
+
+ private:
+  program::EventLoop& loop_;
+};
+
+class Watcher {
+ public:
+  explicit Watcher(LineFormat format) : format_(std::move(format)) {}
+
+  int run(const std::filesystem::path& file) {
+    store_.follow(file);
+    look();
+    loop_.add(store_);
+    loop_.add(timer_);
+    loop_.add(reader_);
+    return loop_.run();
+  }
+
+ private:
+  void look() {
+    if (!store_.isWatching())
+      throw program::Failure{EX_OSERR, "cannot watch the store: the system has no inotify watch left"};
+    const auto shared = readSharedStatus(foundation::now());
+    timer_.sleepUntil(nextLook(shared.status));
+    if (auto state = stateOf(shared); state != last_) {
+      if (!state.fault.empty() && (!last_ || last_->fault != state.fault)) program::complain(state.fault);
+      last_ = std::move(state);
+      print(format_(shared.status));
+    }
+  }
+
+  void print(const std::string& line) {
+    if (program::writeAll(program::outputDescriptor(), line + "\n")) return;
+    if (errno != EPIPE)
+      throw program::Failure{EX_IOERR,
+                             std::string{"cannot write to standard output: "} + std::strerror(errno)};
+    loop_.quit(EX_OK);
+  }
+
+  LineFormat format_;
+  std::optional<State> last_;
+  program::EventLoop loop_;
+  program::PathWatch store_{[this] { look(); }};
+  program::WallClockTimer timer_{[this] { look(); }};
+  ReaderWatch reader_{loop_};
+};
+
+}  // namespace
+
+int watch(const std::string& format) {
+  Watcher watcher{lineFormat(format)};
+  const auto location = foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
+  if (!location) throw program::Failure{EX_UNAVAILABLE, readSharedStatus(foundation::now()).fault};
+  std::signal(SIGPIPE, SIG_IGN);  // a reader that goes ends the loop
+  return watcher.run(location->file);
+}
+
+}  // namespace status
