@@ -1,0 +1,116 @@
+#!/usr/bin/env python3
+"""Every command of docs/companion.md, run as it stands there."""
+
+import json
+import os
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+from document import PAGE, block, blocks  # noqa: E402
+from program_test_case import BIN, ProgramTest  # noqa: E402
+
+STUBS = {
+    "ssh": '[ "$1" = desk ] && shift && exec "$@"',
+    "mac-status": "echo unlocked",
+    # The desk is this machine.
+    "mosquitto_pub": 'for word; do shift; [ "$word" = desk ] && word=localhost; set -- "$@" "$word"; done\n'
+                     "exec /usr/bin/mosquitto_pub \"$@\"",
+}
+
+
+class Companion(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        stubs = self.folder / "stubs"
+        stubs.mkdir()
+        for name, text in STUBS.items():
+            (stubs / name).write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
+            (stubs / name).chmod(0o755)
+        self.environment |= {"PATH": f"{stubs}:{BIN}:{os.environ['PATH']}", "XDG_CONFIG_HOME": str(self.folder)}
+
+    def start(self, *command, stderr=None):
+        """Ends, with all that it started, when the test does."""
+        process = subprocess.Popen(command, env=self.environment, cwd=self.folder, stdout=subprocess.DEVNULL,
+                                   stderr=stderr, start_new_session=True)
+        self.addCleanup(process.wait)
+        self.addCleanup(lambda: os.killpg(process.pid, signal.SIGKILL))  # nobody else has the id: not waited for yet
+
+    def run_block(self, code):
+        done = subprocess.run(["sh", "-e", "-c", code], env=self.environment, cwd=self.folder, capture_output=True,
+                              timeout=30, check=False)
+        return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def status(self):
+        shown = json.loads(self.run_program("tarno-status", "show", "--json").stdout)
+        return shown and (shown["status"], shown["detail_line"])
+
+    def wait_for(self, condition):
+        end = time.monotonic() + 20
+        while not condition():
+            self.assertLess(time.monotonic(), end)
+            time.sleep(0.05)
+
+    def test_the_example_is_a_record_and_the_table_lists_its_keys(self):
+        example = block("json", "The record")
+        self.assertEqual(self.run_program("tarno-status", "save", stdin=example).stderr, b"")
+        keys = re.findall(r"^\| `(\w+)` \|", PAGE.read_text(encoding="utf-8"), re.M)
+        self.assertEqual(keys, list(json.loads(example)))
+        self.assertEqual(len(keys), 16)
+
+    def test_a_report_over_ssh_and_what_a_script_is_told(self):
+        code = block("sh", "A shell over ssh")
+        self.assertEqual(self.run_block(code), (0, "", ""))
+        self.assertEqual(self.status(), ("locked", "Lid closed"))
+        check, show, watch = [code for heading, code in blocks("sh") if heading == "Ask from a script"]
+        self.assertEqual(self.run_block(check), (0, "The Mac is locked.\n", ""))
+        self.assertEqual(json.loads(self.run_block(show)[1])["status_line"], "Locked")
+        self.start("sh", "-e", "-c", watch)
+        log = self.folder / "mac.log"
+        self.wait_for(lambda: log.exists() and log.read_text().startswith("locked since 2"))
+        code, said, _ = self.run_block(block("sh", "When the tile does not follow"))
+        self.assertIn("All is well.", said)
+        self.assertEqual(code, 0)
+
+    def test_one_ssh_connection(self):
+        self.start("sh", "-e", "-c", block("sh", "One ssh connection"))
+        self.wait_for(lambda: self.status() == ("unlocked", "Waiting for Tarno status."))
+
+    def test_mqtt(self):
+        broker = shutil.which("mosquitto", path=os.environ["PATH"] + ":/usr/sbin")
+        if not broker or not shutil.which("mosquitto_sub"):
+            self.skipTest("mosquitto is not installed")
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            port = free.getsockname()[1]
+        for name in ("mosquitto_sub", "mosquitto_pub"):
+            (self.folder / name).write_text(f"-p {port}\n", encoding="utf-8")
+        self.start(broker, "-p", str(port), stderr=subprocess.DEVNULL)
+
+        def listens():
+            with socket.socket() as client:
+                return client.connect_ex(("127.0.0.1", port)) == 0
+
+        self.wait_for(listens)
+        subscribe, publish = [code for heading, code in blocks("sh") if heading == "MQTT"]
+        self.start("sh", "-e", "-c", subscribe)
+
+        def arrives():  # publishing again until the subscriber is there
+            self.assertEqual(self.run_block(publish), (0, "", ""))
+            return self.status() == ("unlocked", "Touch ID")
+
+        self.wait_for(arrives)
+
+    def test_no_command_is_left_out(self):
+        run = ["A shell over ssh", "One ssh connection", "MQTT", "MQTT", *["Ask from a script"] * 3,
+               "When the tile does not follow"]
+        self.assertEqual([heading for heading, _ in blocks("sh")], run)
+
+
+if __name__ == "__main__":
+    unittest.main()
