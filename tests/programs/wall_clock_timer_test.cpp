@@ -1,0 +1,96 @@
+#include "common/wall_clock_timer.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+// The clock of the machine is nobody's to set. In this program, which is linked with --wrap for both calls,
+// the kernel tells of it all the same: as it does, only to a timer that asked, by a read or a setting that
+// fails.
+namespace {
+
+bool wantsToKnow = false, tellsReader = false, tellsSetter = false;
+
+bool tells(bool& pending) {
+  if (!std::exchange(pending, false)) return false;
+  errno = ECANCELED;
+  return true;
+}
+
+}  // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" int __real_timerfd_settime(int timer, int flags, const itimerspec* expiry, itimerspec* old);
+extern "C" int __wrap_timerfd_settime(int timer, int flags, const itimerspec* expiry, itimerspec* old) {
+  wantsToKnow = (flags & TFD_TIMER_CANCEL_ON_SET) != 0;
+  const int result = __real_timerfd_settime(timer, flags, expiry, old);
+  return tells(tellsSetter) ? -1 : result;
+}
+
+extern "C" ssize_t __real_read(int file, void* bytes, size_t count);
+extern "C" ssize_t __wrap_read(int file, void* bytes, size_t count) {
+  return tells(tellsReader) ? -1 : __real_read(file, bytes, count);
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace {
+
+using namespace std::chrono_literals;
+
+struct WallClockTimer : testing::Test {
+  int wakes = 0;
+  program::WallClockTimer timer{[this] { ++wakes; }};
+
+  /// Whether the timer wakes within `limit`.
+  bool wakesIn(std::chrono::milliseconds limit) {
+    wakes = 0;
+    pollfd polled{timer.prepare().descriptor, POLLIN, 0};
+    poll(&polled, 1, static_cast<int>(limit.count()));
+    timer.dispatch(polled.revents);
+    return wakes == 1;
+  }
+};
+
+TEST_F(WallClockTimer, WakesOnceWhenTheLastMomentItWasGivenHasCome) {
+  EXPECT_FALSE(wakesIn(0ms));
+  const auto moment = foundation::now() + 30ms;
+  timer.sleepUntil(foundation::now());
+  timer.sleepUntil(moment);
+  EXPECT_FALSE(wakesIn(0ms));
+  EXPECT_TRUE(wakesIn(5s));
+  EXPECT_GE(foundation::now(), moment);
+  EXPECT_FALSE(wakesIn(20ms));
+  for (const auto past : {foundation::now(), foundation::earliestDate}) {
+    timer.sleepUntil(past);
+    EXPECT_TRUE(wakesIn(5s));
+  }
+  timer.sleepUntil(foundation::latestDate);
+  EXPECT_FALSE(wakesIn(20ms));
+  timer.dispatch(POLLIN);  // for no reason
+  EXPECT_EQ(wakes, 0);
+}
+
+TEST_F(WallClockTimer, GoesByTheClockOfTheProgram) {
+  const auto then = foundation::Date{24h};
+  const foundation::ClockOverride clock{then};
+  timer.sleepUntil(then + 1h);
+  EXPECT_FALSE(wakesIn(20ms));
+  timer.sleepUntil(then + 10ms);
+  EXPECT_TRUE(wakesIn(5s));
+}
+
+TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
+  timer.sleepUntil(foundation::latestDate);
+  EXPECT_TRUE(wantsToKnow);
+  const itimerspec soon{{}, {0, 1}};
+  __real_timerfd_settime(timer.prepare().descriptor, 0, &soon, nullptr);
+  tellsReader = true;
+  EXPECT_TRUE(wakesIn(5s));
+  tellsSetter = true;  // that it was set while the timer was not read
+  timer.sleepUntil(foundation::latestDate);
+  EXPECT_TRUE(wakesIn(5s));
+}
+
+}  // namespace
