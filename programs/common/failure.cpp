@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <new>
+#include <system_error>
 
 #include "common/output.hpp"
 
@@ -35,6 +36,8 @@ Failure currentFailure() {
     return failure;
   } catch (const std::bad_alloc&) {
     return {EX_OSERR, "out of memory"};
+  } catch (const std::system_error& error) {
+    return {EX_OSERR, error.what()};
   } catch (const std::exception& error) {
     return {EX_SOFTWARE, error.what()};
   }

@@ -23,8 +23,8 @@ class Failure : public std::runtime_error {
   int exitCode_;
 };
 
-/// The exception being handled, as a Failure: a Failure as it is, out of memory as EX_OSERR, any other as
-/// EX_SOFTWARE. Call it in a catch block.
+/// The exception being handled, as a Failure: a Failure as it is, out of memory and what the system refused
+/// (std::system_error) as EX_OSERR, any other as EX_SOFTWARE. Call it in a catch block.
 Failure currentFailure();
 
 /// One line on standard error: the program's name, then errorLine(line).

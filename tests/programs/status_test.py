@@ -45,7 +45,7 @@ class Status(ProgramTest):
 
     def test_keys_that_no_record_has_are_named_and_left_out(self):
         done = self.run_program("tarno-status", "save", "--received-at", MOMENT,
-                                stdin='{"status": "locked", "stauts": 1, "x\\u001b": {}, "reason": null}')
+                                stdin='{"status": "locked", "stauts": 1, "x\\u001b": {}, "reason": null, "y": null}')
         self.assertEqual(done.stderr.decode(), "tarno-status: the report was saved without its unknown keys: "
                          '"stauts", "x?"\n')
         self.assertEqual(self.shown()["snapshot"], {"status": "locked", "age_seconds": 0})

@@ -116,6 +116,9 @@ class Watch(ProgramTest):
             done = subprocess.run([BIN / "tarno-status", "watch"], stdout=full, stderr=subprocess.PIPE,
                                   env=self.environment, check=False)
         self.assertEqual(done.returncode, 74, done.stderr)
+        done = subprocess.run(["sh", "-c", 'ulimit -n 5; exec "$0" watch', BIN / "tarno-status"], capture_output=True,
+                              env=self.environment, check=False)
+        self.assertEqual((done.returncode, done.stdout), (71, b""), done.stderr)
 
 
 if __name__ == "__main__":
