@@ -51,8 +51,8 @@ class Watch(ProgramTest):
         (self.group / "new").rename(self.group / "defaults.json")
         self.assertRegex(watch.stderr.readline(), r"\Atarno-status: [^\n]* is damaged[^\n]*\n\Z")
         self.assertEqual(line(), "unknown |Waiting for Tarno status.\n")
-        self.save(at=ago(0))
-        self.assertEqual(line(), "locked 0s|Mac locked.\n")
+        self.save(at=ago(0))  # sets the damaged file aside, and for a moment there is none
+        self.assertIn("locked 0s|Mac locked.\n", (said := line(), said if said.startswith("locked") else line()))
         watch.send_signal(signal.SIGTERM)
         self.assertEqual((watch.wait(20), watch.stdout.read(), watch.stderr.read()), (-signal.SIGTERM, "", ""))
 
@@ -116,6 +116,8 @@ class Watch(ProgramTest):
             done = subprocess.run([BIN / "tarno-status", "watch"], stdout=full, stderr=subprocess.PIPE,
                                   env=self.environment, check=False)
         self.assertEqual(done.returncode, 74, done.stderr)
+        if "LSAN_OPTIONS" in os.environ:
+            return  # a sanitizer needs descriptors of its own
         done = subprocess.run(["sh", "-c", 'ulimit -n 5; exec "$0" watch', BIN / "tarno-status"], capture_output=True,
                               env=self.environment, check=False)
         self.assertEqual((done.returncode, done.stdout), (71, b""), done.stderr)
