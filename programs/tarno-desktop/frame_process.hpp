@@ -6,11 +6,13 @@
 #include <optional>
 #include <string>
 
+#include "common/event_loop.hpp"
 #include "foundation/file_descriptor.hpp"
-#include "tarno-desktop/event_loop.hpp"
 #include "tarno-desktop/frame.hpp"
 
 namespace desktop {
+
+using program::EventSource;
 
 /// What `tarno-widget frame` is asked for.
 struct FrameRequest {

@@ -3,12 +3,17 @@
 #include <functional>
 #include <string>
 
-#include "tarno-desktop/event_loop.hpp"
+#include "common/event_loop.hpp"
+#include "common/path_watch.hpp"
+#include "common/wall_clock_timer.hpp"
 #include "tarno-desktop/frame_process.hpp"
-#include "tarno-desktop/path_watch.hpp"
-#include "tarno-desktop/wall_clock_timer.hpp"
 
 namespace desktop {
+
+using program::EventLoop;
+using program::EventSource;
+using program::PathWatch;
+using program::WallClockTimer;
 
 /// Keeps a picture of the tile up to date: asks the extension's process for one at the start, at the reload
 /// date, when the status turns stale, when the store's file, the clock or the time zone changes. What goes

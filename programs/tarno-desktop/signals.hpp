@@ -3,9 +3,11 @@
 #include <functional>
 #include <memory>
 
-#include "tarno-desktop/event_loop.hpp"
+#include "common/event_loop.hpp"
 
 namespace desktop {
+
+using program::EventSource;
 
 /// Calls `end` on SIGTERM, SIGINT and SIGHUP, and `ask` on SIGUSR1. From now on the process neither dies of
 /// these nor of SIGPIPE: a reader of standard error or a display may go away. Call before any thread starts.

@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "tarno-desktop/event_loop.hpp"
+#include "common/event_loop.hpp"
 #include "tarno-desktop/options.hpp"
 #include "tarno-desktop/picture.hpp"
 
 namespace desktop {
+
+using program::EventSource;
 
 /// A monitor, for people.
 struct MonitorInfo {

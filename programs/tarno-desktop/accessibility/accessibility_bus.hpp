@@ -6,9 +6,11 @@
 #include <string>
 
 #include "accessibility/object_answers.hpp"
-#include "tarno-desktop/event_loop.hpp"
+#include "common/event_loop.hpp"
 
 namespace desktop {
+
+using program::EventSource;
 
 /// The way onto the accessibility bus, one connection at a time: the session bus tells when somebody listens
 /// and where the other bus is, which then takes its place. Waits for no answer; all failures are absorbed.

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "accessibility/accessibility_bus.hpp"
-#include "tarno-desktop/event_loop.hpp"
+#include "common/event_loop.hpp"
 #include "tarno-desktop/frame.hpp"
 #include "tarno-desktop/placement.hpp"
 
 namespace desktop {
+
+using program::EventSource;
 
 /// The tile for screen readers: an application with one window, an image and labels in it, on the AT-SPI bus.
 /// Joins the bus when there is one and a screen reader listens, now or later; without it nothing else

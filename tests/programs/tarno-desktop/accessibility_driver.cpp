@@ -9,7 +9,7 @@
 
 /// A tile without a display: shows the frames that its standard input describes, one a line, at the place
 /// that a line "place X Y WIDTH HEIGHT SCALE" tells.
-class Input final : public desktop::EventSource {
+class Input final : public program::EventSource {
  public:
   Input() {
     loop_.add(*this);
@@ -33,7 +33,7 @@ class Input final : public desktop::EventSource {
     tile_.update(desktop::readFrame(line, std::move(memory), 1));
   }
 
-  desktop::EventLoop loop_;
+  program::EventLoop loop_;
   desktop::AccessibleTile tile_;
 };
 

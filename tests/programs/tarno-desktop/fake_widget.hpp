@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string>
 
-#include "tarno-desktop/event_loop.hpp"
+#include "common/event_loop.hpp"
 
 /// A folder of its own for a test, removed in the end.
 struct TemporaryFolder {
@@ -53,29 +53,29 @@ def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
 }
 
 /// Runs `loop` until `condition` holds or `limit` has passed; returns whether it holds.
-inline bool runUntil(desktop::EventLoop& loop, const std::function<bool()>& condition,
+inline bool runUntil(program::EventLoop& loop, const std::function<bool()>& condition,
                      std::chrono::milliseconds limit = std::chrono::seconds{15}) {
-  struct Condition final : desktop::EventSource {
+  struct Condition final : program::EventSource {
     Wait prepare() override {
       const auto now = Clock::now();
       if (holds() || now > end) loop->quit(0);
       return {-1, 0, now + std::chrono::milliseconds{10}};
     }
     void dispatch(short) override {}
-    desktop::EventLoop* loop = nullptr;
+    program::EventLoop* loop = nullptr;
     std::function<bool()> holds;
     Clock::time_point end;
   } source;
   source.loop = &loop;
   source.holds = condition;
-  source.end = desktop::EventSource::Clock::now() + limit;
+  source.end = program::EventSource::Clock::now() + limit;
   loop.add(source);
   loop.run();
   loop.remove(source);
   return condition();
 }
 
-inline void runFor(desktop::EventLoop& loop, std::chrono::milliseconds time) {
+inline void runFor(program::EventLoop& loop, std::chrono::milliseconds time) {
   const auto never = [] { return false; };
   runUntil(loop, never, time);
 }

@@ -14,7 +14,7 @@ desktop::FrameAnswer answerOf(const std::string& behaviour, const desktop::Frame
   writeFakeWidget(folder, behaviour);
   std::optional<desktop::FrameAnswer> result;
   desktop::FrameProcess process{[&](desktop::FrameAnswer answer) { result = std::move(answer); }};
-  desktop::EventLoop loop;
+  program::EventLoop loop;
   loop.add(process);
   auto ours = request;
   if (request.program == "tarno-widget") ours.program = folder.path / "tarno-widget";

@@ -44,7 +44,7 @@ struct Fixture {
   void wait(std::chrono::milliseconds time) { runFor(loop, time); }
 
   TemporaryFolder folder;
-  desktop::EventLoop loop;
+  program::EventLoop loop;
   std::optional<desktop::LiveTile> tile;
   std::vector<std::string> shown;
 };
@@ -82,7 +82,7 @@ TEST(LiveTile, AsksAgainInTime) {
                {"stands still", "draw(stale_from=date(2))", "2026-11-16T15:41:35Z", 2, 2},
                {"has a reload date", "draw(reload_after=date(30))", {}, 2, 2},
                {"has a reload date that is past", "draw(reload_after=date(-30))", {}, 2, 2}};
-  desktop::EventLoop all;
+  program::EventLoop all;
   std::list<Fixture> fixtures;
   for (const auto& each : cases) fixtures.emplace_back(each.behaviour, each.at).tile->addTo(all);
   runFor(all, 3500ms);
@@ -132,8 +132,8 @@ TEST(LiveTile, ShowsNothingOfAnotherScale) {
 }
 
 TEST(EventLoop, SleepsUntilTheFirstDeadlineAndNotOnceItIsToEnd) {
-  struct Source final : desktop::EventSource {
-    explicit Source(desktop::EventLoop& owner, bool ends) : loop(owner), endsAtOnce(ends) {}
+  struct Source final : program::EventSource {
+    explicit Source(program::EventLoop& owner, bool ends) : loop(owner), endsAtOnce(ends) {}
     Wait prepare() override {
       if (endsAtOnce) loop.quit(7);
       return {-1, 0, start + 3s};
@@ -141,11 +141,11 @@ TEST(EventLoop, SleepsUntilTheFirstDeadlineAndNotOnceItIsToEnd) {
     void dispatch(short) override {
       if (Clock::now() > start + 2s) loop.quit(1);
     }
-    desktop::EventLoop& loop;
+    program::EventLoop& loop;
     bool endsAtOnce;
     Clock::time_point start = Clock::now();
   };
-  desktop::EventLoop loop;
+  program::EventLoop loop;
   Source late{loop, false}, ending{loop, true};
   loop.add(late);
   runFor(loop, 10ms);
@@ -159,8 +159,8 @@ TEST(WallClockTimer, WakesAtAMomentAndWhenTheClockIsSet) {
   const foundation::Date now{1'800'000'000s};
   const foundation::ClockOverride clock{now};
   int wakes = 0;
-  desktop::EventLoop loop;
-  desktop::WallClockTimer timer{[&] { ++wakes; }};
+  program::EventLoop loop;
+  program::WallClockTimer timer{[&] { ++wakes; }};
   loop.add(timer);
   const auto isWoken = [&] { return wakes > 0; };
   const auto wakesSoon = [&] { return runUntil(loop, isWoken, 5s) && std::exchange(wakes, 0) == 1; };
@@ -182,7 +182,7 @@ TEST(WallClockTimer, WakesAtAMomentAndWhenTheClockIsSet) {
 
 TEST(Signals, EndTheProgramOrAsk) {
   std::string told;
-  desktop::EventLoop loop;
+  program::EventLoop loop;
   const auto signals = desktop::watchSignals([&] { told += "end "; }, [&] { told += "ask "; });
   loop.add(*signals);
   for (const int signal : {SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGPIPE}) kill(getpid(), signal);
