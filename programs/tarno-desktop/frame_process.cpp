@@ -44,23 +44,29 @@ std::string readAll(const FileDescriptor& pipe) {
   return bytes;
 }
 
+/// Looked for each time: it may be missing while it is replaced by a newer one.
+std::string programFor(const FrameRequest& request) {
+  if (!request.program.empty()) return request.program;
+  std::error_code unknown;
+  const auto own = std::filesystem::read_symlink("/proc/self/exe", unknown);
+  const auto beside = own.parent_path() / "tarno-widget";
+  return access(beside.c_str(), X_OK) == 0 ? beside.string() : beside.filename().string();
+}
+
 std::vector<std::string> commandLine(const FrameRequest& request) {
-  std::vector<std::string> words{request.program, "frame",
-                                 "--family",      request.family,
-                                 "--scale",       scaleText(request.scale),
-                                 "--fd",          std::to_string(memoryNumber)};
+  std::vector<std::string> words{programFor(request),
+                                 "frame",
+                                 "--family",
+                                 request.family,
+                                 "--scale",
+                                 scaleText(request.scale),
+                                 "--fd",
+                                 std::to_string(memoryNumber)};
   if (request.at) words.insert(words.end(), {"--at", *request.at});
   return words;
 }
 
 }  // namespace
-
-std::string widgetProgram() {
-  std::error_code unknown;
-  const auto own = std::filesystem::read_symlink("/proc/self/exe", unknown);
-  const auto beside = own.parent_path() / FrameRequest{}.program;
-  return access(beside.c_str(), X_OK) == 0 ? beside.string() : FrameRequest{}.program;
-}
 
 FrameProcess::FrameProcess(std::function<void(FrameAnswer)> completion)
     : completion_(std::move(completion)) {}
@@ -72,20 +78,20 @@ FrameProcess::~FrameProcess() {
 void FrameProcess::start(const FrameRequest& request) {
   scale_ = request.scale;
   deadline_ = Clock::now() + timeLimit;
-  if (const int error = spawn(request))
-    completion_({{}, "cannot start " + request.program + ": " + std::strerror(error), {}});
+  auto command = commandLine(request);
+  if (const int error = spawn(command))
+    completion_({{}, "cannot start " + command.front() + ": " + std::strerror(error), {}});
 }
 
 /// 0, or the number of the error.
-int FrameProcess::spawn(const FrameRequest& request) {
+int FrameProcess::spawn(std::vector<std::string>& command) {
   memory_ = FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC | MFD_ALLOW_SEALING)};
   auto [output, outputEnd] = makePipe();
   auto [errors, errorsEnd] = makePipe();
   if (!memory_ || !output || !errors) return errno;
 
-  auto words = commandLine(request);
-  std::vector<char*> arguments(words.size() + 1, nullptr);
-  std::transform(words.begin(), words.end(), arguments.begin(),
+  std::vector<char*> arguments(command.size() + 1, nullptr);
+  std::transform(command.begin(), command.end(), arguments.begin(),
                  [](std::string& word) { return word.data(); });
 
   posix_spawn_file_actions_t descriptors;
@@ -103,7 +109,7 @@ int FrameProcess::spawn(const FrameRequest& request) {
   sigaddset(&signals, SIGPIPE);
   posix_spawnattr_setsigdefault(&attributes, &signals);
   const int error =
-      posix_spawnp(&pid_, request.program.c_str(), &descriptors, &attributes, arguments.data(), environ);
+      posix_spawnp(&pid_, arguments.front(), &descriptors, &attributes, arguments.data(), environ);
   posix_spawnattr_destroy(&attributes);
   posix_spawn_file_actions_destroy(&descriptors);
   if (error != 0) return error;

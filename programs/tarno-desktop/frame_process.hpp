@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/event_loop.hpp"
 #include "foundation/file_descriptor.hpp"
@@ -16,7 +17,7 @@ using program::EventSource;
 
 /// What `tarno-widget frame` is asked for.
 struct FrameRequest {
-  std::string program = "tarno-widget";  ///< a path, or a name to be looked for in PATH
+  std::string program;  ///< a path; when empty, the tarno-widget beside this program, else the one in PATH
   std::string family = "medium";
   double scale = 1;               ///< pixels per point
   std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
@@ -28,9 +29,6 @@ struct FrameAnswer {
   std::string failure;  ///< why there is no frame, on one line
   std::string errors;   ///< what the process wrote to standard error, at most a pipe full
 };
-
-/// The path of the tarno-widget beside this program, or its name when there is none.
-std::string widgetProgram();
 
 /// The extension's process, one at a time. Whatever it does, at most the picture is missing: it has 10 s,
 /// then it is killed.
@@ -50,7 +48,7 @@ class FrameProcess final : public EventSource {
   void dispatch(short events) override;
 
  private:
-  int spawn(const FrameRequest& request);
+  int spawn(std::vector<std::string>& command);
   FrameAnswer answer(int status);
 
   std::function<void(FrameAnswer)> completion_;

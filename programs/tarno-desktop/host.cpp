@@ -73,11 +73,10 @@ OpenedSurface openSurface(const Options& options, const SurfaceOwner& owner) {
 Host::Host(const Options& options)
     : options_(options),
       signals_(watchSignals([this] { loop_.quit(EX_OK); }, [this] { tile_.refresh(); })),
-      tile_({widgetProgram(), options.family, options.scale.value_or(1), options.at},
-            [this](const Frame& frame) {
-              frame_ = frame;
-              show();
-            }) {
+      tile_({"", options.family, options.scale.value_or(1), options.at}, [this](const Frame& frame) {
+        frame_ = frame;
+        show();
+      }) {
   open();
   loop_.add(*this);  // first: what a surface tells its owner reaches the others before they sleep
   loop_.add(*signals_);

@@ -47,15 +47,23 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
       {"a file is made in the new folder", [&] { write("data/group/store/file"); }, true},
       {"a folder above is moved away", [] { fs::rename("data/group", "data/moved"); }, true},
       {"another takes its place", [] { fs::rename("data/moved", "data/group"); }, true},
-      {"all of it is removed", [] { fs::remove_all("data"); }, true},
-      {"all of it is made anew",
+      {"another link takes the place of the one on the way",
        [] {
          fs::create_directories("other/group/store");
-         fs::remove("link");
-         fs::create_symlink("other", "link");
+         fs::create_symlink("other", "new");
+         fs::rename("new", "link");
        },
        true},
-      {"a file is made there", [&] { write("other/group/store/file"); }, true},
+      {"a file is made in the old folder again", [&] { write("data/group/store/file"); }, false},
+      {"a file is made where the link leads", [&] { write("other/group/store/file"); }, true},
+      {"all of it is removed", [] { fs::remove_all("data"), fs::remove_all("other"); }, true},
+      {"all of it is made anew",
+       [] {
+         fs::create_directories("data/group/store");
+         fs::remove("link");
+         fs::create_symlink("data", "link");
+       },
+       true},
   };
   for (const auto& [what, happens, isTold] : steps) {
     changes = 0;

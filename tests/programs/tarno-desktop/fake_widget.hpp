@@ -47,7 +47,7 @@ def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
     answer = {"width": 3, "height": 4, "stride": 16, "title": "Tarno", "announcement": "locked", "accessibility": [
         {"role": "staticText", "label": "Locked", "x": 1, "y": 2.5, "width": 3, "height": 4}],
         "reload_after": date(30), "stale_from": None, "watch": {"folder": folder, "file": "store"}, **changes}
-    print(json.dumps({key: value for key, value in answer.items() if value != "missing"}), end=end)
+    print(json.dumps({key: value for key, value in answer.items() if value != "missing"}), end=end, flush=True)
 )";
   folder.write("tarno-widget", preamble + behaviour + "\n");
 }

@@ -17,7 +17,7 @@ desktop::FrameAnswer answerOf(const std::string& behaviour, const desktop::Frame
   program::EventLoop loop;
   loop.add(process);
   auto ours = request;
-  if (request.program == "tarno-widget") ours.program = folder.path / "tarno-widget";
+  if (request.program.empty()) ours.program = folder.path / "tarno-widget";
   process.start(ours);
   EXPECT_TRUE(runUntil(loop, [&] { return result.has_value(); })) << behaviour;
   EXPECT_FALSE(process.isRunning()) << behaviour;
@@ -27,11 +27,15 @@ desktop::FrameAnswer answerOf(const std::string& behaviour, const desktop::Frame
 }
 
 TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
+  const auto start = desktop::EventSource::Clock::now();
   const auto answer = answerOf(
       "os.pwrite(3, bytes(range(64)), 0); draw(stale_from='2026-11-16T15:44:02.25Z',"
-      "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])",
+      "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])\n"
+      "os.fork() or time.sleep(20)",
       {.family = "small", .scale = 1.25, .at = "2026-11-16T15:41:35Z"});
   ASSERT_TRUE(answer.frame) << answer.failure;
+  EXPECT_LT(desktop::EventSource::Clock::now() - start, std::chrono::seconds{10})
+      << "waits for a child of it";
   EXPECT_EQ(answer.errors, "frame --family small --scale 1.25 --fd 3 --at 2026-11-16T15:41:35Z\n");
   const auto& [picture, title, announcement, elements, reload, stale, store] = *answer.frame;
   EXPECT_EQ(title, "Tarno");
