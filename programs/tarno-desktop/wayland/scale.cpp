@@ -31,7 +31,7 @@ std::optional<Side> wholeSide(int pixels, double scale) {
 }  // namespace
 
 double outputScale(Extent pixels, Extent points) {
-  const double ratio = static_cast<double>(pixels.width) / points.width;
+  const double ratio = static_cast<double>(pixels.width + pixels.height) / (points.width + points.height);
   for (int parts = 1; parts <= finestParts; ++parts) {
     if (finestParts % parts != 0 && 100 % parts != 0) continue;  // as the protocol counts, and as people do
     const double scale = std::round(ratio * parts) / parts;

@@ -92,7 +92,10 @@ def test_monitors_come_and_go(rig):
 def test_compositor_that_restarts(rig):
     screen = rig.canvas(1280, 800)
     compositor = rig.sway(MODE.format("X11-1", 0))
-    tile, image = rig.tile("--anchor", "top-left", *AT), render(rig)
+    tile = rig.tile("--anchor", "top-left", *AT)
+    shows(screen, render(rig), 16, 16)
+    rig.save('{"status": "locked", "device_name": "Mac", "reason": "Lid closed"}', "2026-11-16T15:41:35Z")
+    image = render(rig)
     shows(screen, image, 16, 16)
     time.sleep(5)  # one that ends sooner is not waited for
     compositor.end(9)
