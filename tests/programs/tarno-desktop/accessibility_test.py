@@ -16,7 +16,7 @@ PROGRAMS, DRIVER = sys.argv[1:]
 def frame(status, *texts):
     """The line that describes a frame with a dial and, below each other, texts."""
     elements = [{"role": "image", "label": status, "x": 16, "y": 23, "width": 124, "height": 124.5}]
-    elements += [{"role": "staticText", "label": text, "x": 154.5, "y": 40 + 20 * line, "width": 63.2, "height": 13}
+    elements += [{"role": "staticText", "label": text, "x": 154.5, "y": 40 + 20 * line, "width": 63, "height": 13}
                  for line, text in enumerate(texts)]
     return json.dumps({"width": 1, "height": 1, "stride": 4, "title": "Tarno", "announcement": status,
                        "accessibility": elements, "reload_after": "2026-11-16T15:42:05Z"})
@@ -45,7 +45,7 @@ def listen(session):
     """Turns accessibility on; returns a connection to its bus."""
     on = GLib.Variant("b", True)
     call(session, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set",
-         "(ssv)", ("org.a11y.Status", "ScreenReaderEnabled", on))
+         "(ssv)", ("org.a11y.Status", "IsEnabled", on))
     address = call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")[0]
     flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
     return Gio.DBusConnection.new_for_address_sync(address, flags)
@@ -56,18 +56,20 @@ def check_tree(pyatspi, application):
     for element, expected in zip((window, *window), [
             ("frame", "Tarno", 0, (100, 50, 364, 170), (0, 0, 364, 170), (100, 50, 364, 170)),
             ("image", "Mac locked", 0, (124, 85, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)),
-            ("label", "Kivo's Mac", 1, (332, 110, 95, 20), (232, 60, 95, 20), (232, 60, 95, 20)),
-            ("label", "3s ago", 2, (332, 140, 95, 20), (232, 90, 95, 20), (232, 90, 95, 20))], strict=True):
+            ("label", "Kivo's Mac", 1, (332, 110, 94, 20), (232, 60, 94, 20), (232, 60, 94, 20)),
+            ("label", "3s ago", 2, (332, 140, 94, 20), (232, 90, 94, 20), (232, 90, 94, 20))], strict=True):
         place = element.queryComponent()
         found = (element.getRoleName(), element.name, element.getIndexInParent(),
                  *(tuple(place.getExtents(origin)) for origin in range(3)))
         assert found == expected, found
         assert (*place.getPosition(0), *place.getSize()) == expected[3], expected
+        assert int(place.getLayer()) == (7 if element == window else 3), expected
         assert element.parent == (application if element == window else window), expected
         states = [pyatspi.stateToString(state) for state in element.getState().getStates()]
         assert states == ["enabled", "sensitive", "showing", "visible"], states
-    for x, y, name in (124, 85, "Mac locked"), (123, 85, "Tarno"), (426, 129, "Kivo's Mac"), (427, 129, "Tarno"):
-        assert window.queryComponent().getAccessibleAtPoint(x, y, 0).name == name, (x, y)
+    for x, y, origin, name in [(124, 85, 0, "Mac locked"), (123, 85, 0, "Tarno"), (425, 129, 0, "Kivo's Mac"),
+                               (426, 129, 0, "Tarno"), (24, 35, 1, "Mac locked"), (24, 34, 1, "Tarno")]:
+        assert window.queryComponent().getAccessibleAtPoint(x, y, origin).name == name, (x, y)
     assert not window.queryComponent().contains(464, 50, 0)
 
 
@@ -110,6 +112,8 @@ def test(rig):
     names = lambda: call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames")[0]
     wait_for(lambda: ":1.1" in names(), message="the tile on the session bus")
     assert "org.a11y.Bus" not in names(), "the tile started the service"
+    call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")  # starts it, and nobody listens yet
+    time.sleep(0.2)
     listen(session)
     import pyatspi  # reads the environment
     desktop = pyatspi.Registry.getDesktop(0)
@@ -128,7 +132,11 @@ def test(rig):
     root = "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root", "org.a11y.atspi.Accessible.GetChildren"
     tile.send(frame("Mac locked"))
     tile.send(frame("Mac unlocked"))
-    wait_for(lambda: len(call(bus, *root)[0]) == 1, message="the tile in the new tree")
+    name, path = wait_for(lambda: call(bus, *root)[0], message="the tile in the new tree")[0]
+    for index, child in (0, "image2"), (1, None), (-1, None):
+        found = call(bus, name, path.replace("root", "window"), "org.a11y.atspi.Accessible.GetChildAtIndex",
+                     "(i)", (index,))[0][1]
+        assert found == (path.replace("root", child) if child else "/org/a11y/atspi/null"), found
     rig.started[1].end()
     tile.send(frame("Mac locked"))
     assert tile.end() == 0, "after the session bus"
