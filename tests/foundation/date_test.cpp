@@ -7,107 +7,86 @@ namespace foundation {
 namespace {
 
 using namespace std::chrono;
+using namespace std::string_view_literals;
 
 constexpr ISO8601DateFormatter wholeSeconds{withInternetDateTime};
 constexpr ISO8601DateFormatter fractions{withInternetDateTime | withFractionalSeconds};
 constexpr Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
 
-TEST(ISO8601, ReadersHaveTheMasksOfTheirForms) {
-  EXPECT_EQ(wholeSeconds.formatOptions(), 1907u);
-  EXPECT_EQ(fractions.formatOptions(), 3955u);
-}
-
 TEST(ISO8601, ReadsOneFormOnly) {
-  const struct {
-    const char* text;
-    std::optional<Date> whole;
-    std::optional<Date> fractional;
-  } cases[] = {
+  const std::tuple<const char*, std::optional<Date>, std::optional<Date>> rows[] = {
       {"2026-11-16T15:41:35Z", moment, {}},
       {"2026-11-16T17:41:35+02:00", moment, {}},
       {"2026-11-15T16:11:35-23:30", moment, {}},
-      {"2026-11-16T15:41:35-00:00", moment, {}},
+      {"2026-11-16T16:40:35+00:59", moment, {}},
       {"2026-11-16T15:41:35.250Z", {}, moment + 250ms},
-      {"2026-11-16T15:41:35.5+00:00", {}, moment + 500ms},
+      {"2026-11-16T15:41:35.5-00:00", {}, moment + 500ms},
       {"2026-11-16T15:41:35.1234569Z", {}, moment + 123456us},
       {"1969-12-31T23:59:59.9999999Z", {}, Date{-1us}},
       {"2024-02-29T00:00:00Z", Date{sys_days{2024y / February / 29}}, {}},
-      {"0001-01-01T00:00:00Z", earliestDate, {}},
       {"0000-12-31T23:59:00-00:01", earliestDate, {}},
-      {"9999-12-31T23:59:59.999999Z", {}, latestDate},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(wholeSeconds.date(c.text), c.whole) << c.text;
-    EXPECT_EQ(fractions.date(c.text), c.fractional) << c.text;
-    EXPECT_EQ(dateFromRFC3339(c.text), c.whole ? c.whole : c.fractional) << c.text;
+      {"9999-12-31T23:59:59.999999Z", {}, latestDate}};
+  for (const auto& [text, whole, fractional] : rows) {
+    EXPECT_EQ(wholeSeconds.date(text), whole) << text;
+    EXPECT_EQ(fractions.date(text), fractional) << text;
+    EXPECT_EQ(dateFromRFC3339(text), whole ? whole : fractional) << text;
   }
 }
 
 TEST(ISO8601, RefusesEverythingElse) {
-  for (const char* const text : {"",
-                                 "2026-11-16",
-                                 "2026-11-16T15:41:35",
-                                 "2026-11-16T15:41:35.Z",
-                                 " 2026-11-16T15:41:35Z",
-                                 "2026-11-16T15:41:35Z ",
-                                 "2026-11-16t15:41:35z",
-                                 "2026-11-16 15:41:35Z",
-                                 "2026-11-16T15:41:35+0200",
-                                 "2026-11-16T15:41:35+24:00",
-                                 "2026-11-16T15:41:35+02:60",
-                                 "2026-11-16T24:00:00Z",
-                                 "2026-11-16T15:60:00Z",
-                                 "2026-02-29T00:00:00Z",
-                                 "2026-13-01T00:00:00Z",
-                                 "2026-00-10T00:00:00Z",
-                                 "2026-11-31T00:00:00Z",
-                                 "2026-1116T15:41:35Z",
-                                 "202611-16T15:41:35Z",
-                                 "2026-11-16T1541:35Z",
-                                 "2026-11-16T15:4135Z",
-                                 "2026-11-16T15:41:60Z",
-                                 "26-11-16T15:41:35Z",
-                                 "+02026-11-16T15:41:35Z",
-                                 "2026-11-16T15:41:35,5Z",
-                                 "0000-12-31T23:59:59Z",
-                                 "0001-01-01T00:00:00+00:01",
-                                 "9999-12-31T23:59:59-00:01",
-                                 "2026-11-16T1 :41:35Z",
-                                 "2026-W47-1T15:41:35Z"}) {
+  for (const auto text : {""sv,
+                          "2026-11-16"sv,
+                          "2026-11-16T15:41:35"sv,
+                          "2026-11-16T15:41:35.Z"sv,
+                          "2026-11-16T15:41:35,5Z"sv,
+                          " 2026-11-16T15:41:35Z"sv,
+                          "2026-11-16T15:41:35Z "sv,
+                          "2026-11-16t15:41:35Z"sv,
+                          "2026-11-16T15:41:35z"sv,
+                          "2026-11-16 15:41:35Z"sv,
+                          "2026-11-16T15:41:35+0200"sv,
+                          "2026-11-16T15:41:35+24:00"sv,
+                          "2026-11-16T15:41:35+02:60"sv,
+                          "2026-11-16T24:00:00Z"sv,
+                          "2026-11-16T15:60:00Z"sv,
+                          "2026-11-16T15:41:60Z"sv,
+                          "2026-02-29T00:00:00Z"sv,
+                          "2026-13-01T00:00:00Z"sv,
+                          "2026-1116T15:41:35Z"sv,
+                          "202611-16T15:41:35Z"sv,
+                          "2026-11-16T1541:35Z"sv,
+                          "2026-11-16T15:4135Z"sv,
+                          "26-11-16T15:41:35Z"sv,
+                          "2026-11-16T1 :41:35Z"sv,
+                          "2026-11-16T1::41:35Z"sv,
+                          "0000-12-31T23:59:59Z"sv,
+                          "0001-01-01T00:00:00+00:01"sv,
+                          "9999-12-31T23:59:59-00:01"sv})
     EXPECT_EQ(dateFromRFC3339(text), std::nullopt) << text;
-  }
 }
 
 TEST(ISO8601, WritesInUTCAndCutsTowardsThePast) {
+  EXPECT_EQ(wholeSeconds.formatOptions(), 1907u);
+  EXPECT_EQ(fractions.formatOptions(), 3955u);
   EXPECT_EQ(wholeSeconds.string(moment + 250ms), "2026-11-16T15:41:35Z");
-  EXPECT_EQ(wholeSeconds.string(Date{-1us}), "1969-12-31T23:59:59Z");
+  EXPECT_EQ(wholeSeconds.string(earliestDate), "0001-01-01T00:00:00Z");
   EXPECT_EQ(fractions.string(Date{-1us}), "1969-12-31T23:59:59.999Z");
   EXPECT_EQ(wholeSeconds.string(earliestDate - 1us), "+00000-12-31T23:59:59Z");
   EXPECT_EQ(wholeSeconds.string(latestDate + 1us), "+10000-01-01T00:00:00Z");
-}
-
-TEST(ISO8601, EveryYearSurvives) {
-  for (int year = 1; year <= 9999; ++year) {
-    const Date date =
-        sys_days{std::chrono::year{year} / (year % 12 + 1) / (year % 28 + 1)} + seconds{year * 7 % 86400};
-    ASSERT_EQ(wholeSeconds.date(wholeSeconds.string(date)), date) << year;
-  }
 }
 
 TEST(Date, ArithmeticIsExactAndNeverOverflows) {
   EXPECT_EQ(secondsBetween(moment, moment + 90500ms).count(), 90.5);
   EXPECT_EQ(wholeSecondsBetween(moment, moment - 1900ms), -1);
   EXPECT_EQ(addingTimeInterval(moment, TimeInterval{-1.5}), moment - 1500ms);
-  EXPECT_EQ(secondsBetween(latestDate, earliestDate), -secondsBetween(earliestDate, latestDate));
   EXPECT_GT(secondsBetween(Date::min(), Date::max()).count(), 1e13);
 }
 
 TEST(Date, TheLatestOverrideOfTheClockWins) {
   const ClockOverride outer{moment};
-  {
-    const ClockOverride inner{moment + 1h};
-    EXPECT_EQ(now(), moment + 1h);
-  }
+  std::optional<ClockOverride> inner{moment + 1h};
+  EXPECT_EQ(now(), moment + 1h);
+  inner.reset();
   EXPECT_EQ(now(), moment);
 }
 

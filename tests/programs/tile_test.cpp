@@ -27,73 +27,61 @@ widgetkit::AnyTimelineEntry entryOf(const std::optional<TarnoMacStatusSnapshot>&
   return widgetkit::AnyTimelineEntry::of(entry, TarnoMacWidgetView{entry});
 }
 
-bool overlap(const ui::Rect& a, const ui::Rect& b) {
-  return a.origin.x < b.right() && b.origin.x < a.right() && a.origin.y < b.bottom() &&
-         b.origin.y < a.bottom();
-}
-
 TEST(Tile, TextsKeepToTheirMarginsAndApart) {
   const foundation::ClockOverride clock{now};
   FakeMeasurer measurer;
-  for (const auto& text : {std::string{}, std::string{"M"}, std::string(60, 'w'),
-                           std::string(5000, 'x') + " y", std::string{"a\nb\nc"}, std::string(200, ' ')}) {
-    for (const bool stale : {false, true}) {
-      for (const auto family :
-           {WidgetFamily::systemSmall, WidgetFamily::systemMedium, WidgetFamily::systemLarge}) {
-        const auto entry =
-            entryOf(TarnoMacStatusSnapshot{.deviceName = text, .reason = text, .stale = stale}, 100000h);
-        const auto scene = extension::tileScene(entry, family, measurer);
-        const auto room = ui::Rect{{}, scene.size}.inset(extension::contentMargin - 0.01);
-        std::vector<ui::Rect> boxes;
-        for (const auto& item : scene.items)
-          if (const auto* const run = std::get_if<ui::TextRun>(&item)) boxes.push_back(run->box);
-        ASSERT_GE(boxes.size(), family == WidgetFamily::systemSmall ? 1u : 5u);
-        for (std::size_t i = 0; i < boxes.size(); ++i) {
-          EXPECT_TRUE(boxes[i].origin.x >= room.origin.x && boxes[i].right() <= room.right() &&
-                      boxes[i].origin.y >= room.origin.y && boxes[i].bottom() <= room.bottom())
-              << text.substr(0, 9) << " " << i;
-          for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(overlap(boxes[i], boxes[j])) << text.substr(0, 9);
-        }
+  for (const auto& text : {std::string{}, std::string(60, 'w'), std::string(5000, 'x') + " y",
+                           std::string{"a\nb\nc"}, std::string(200, ' ')})
+    for (const auto family :
+         {WidgetFamily::systemSmall, WidgetFamily::systemMedium, WidgetFamily::systemLarge}) {
+      SCOPED_TRACE(text.substr(0, 9));
+      const auto scene =
+          extension::tileScene(entryOf({{.deviceName = text, .reason = text}}, 100000h), family, measurer);
+      std::vector<ui::Rect> boxes;
+      for (const auto& item : scene.items)
+        if (const auto* const run = std::get_if<ui::TextRun>(&item)) boxes.push_back(run->box);
+      ASSERT_GE(boxes.size(), family == WidgetFamily::systemSmall ? 1u : 5u);
+      const auto room = ui::Rect{{}, scene.size}.inset(16 - 0.01);
+      for (auto a = boxes.begin(); a != boxes.end(); ++a) {
+        EXPECT_TRUE(a->origin.x >= room.origin.x && a->right() <= room.right());
+        EXPECT_TRUE(a->origin.y >= room.origin.y && a->bottom() <= room.bottom());
+        for (auto b = boxes.begin(); b != a; ++b)
+          EXPECT_FALSE(a->origin.x < b->right() && b->origin.x < a->right() && a->origin.y < b->bottom() &&
+                       b->origin.y < a->bottom());
       }
     }
-  }
+}
+
+testing::AssertionResult looksAsItDid(const char* name, const std::optional<TarnoMacStatusSnapshot>& status,
+                                      foundation::Date::duration age, WidgetFamily family, double scale) {
+  const foundation::ClockOverride clock{now};
+  render::TextEngine text;
+  const auto scene = extension::tileScene(entryOf(status, age), family, text);
+  return matchesReference(encodeImage(scene, text, render::ImageFormat::png, scale), name);
 }
 
 TEST(Tile, LooksAsItDid) {
-  const foundation::ClockOverride clock{now};
-  const struct {
-    const char* name;
-    WidgetFamily family;
-    std::optional<TarnoMacStatusSnapshot> status;
-    foundation::Date::duration age;
-    double scale;
-  } cases[] = {
-      {"locked-medium", WidgetFamily::systemMedium,
-       TarnoMacStatusSnapshot{.deviceName = "Kivo's Mac",
-                              .status = TarnoMacStatus::locked,
-                              .reason = "Mac locked.",
-                              .facePresent = true,
-                              .companionPresent = true,
-                              .inputIdleSeconds = 3.0},
-       4s, 2},
-      {"stale-small", WidgetFamily::systemSmall,
-       TarnoMacStatusSnapshot{.status = TarnoMacStatus::locked, .facePresent = true, .stale = true}, 3h, 1},
-      {"locking-large", WidgetFamily::systemLarge,
-       TarnoMacStatusSnapshot{
-           .deviceName = "書斎のマック 🖥️ حاسوب المكتب",
-           .status = TarnoMacStatus::locking,
-           .reason = "Nobody in front of the Mac; locking it in a few seconds unless a face, the "
-                     "watch or some input is noticed before then."},
-       61s, 1},
-      {"none-medium", WidgetFamily::systemMedium, {}, 0s, 1},
-      {"unlocked-small", WidgetFamily::systemSmall,
-       TarnoMacStatusSnapshot{.status = TarnoMacStatus::unlocked}, 0s, 3},
-  };
-  for (const auto& c : cases) {
-    render::TextEngine text;
-    const auto scene = extension::tileScene(entryOf(c.status, c.age), c.family, text);
-    EXPECT_TRUE(matchesReference(encodeImage(scene, text, render::ImageFormat::png, c.scale), c.name));
-  }
+  EXPECT_TRUE(looksAsItDid("locked-medium",
+                           {{.deviceName = "Kivo's Mac",
+                             .status = TarnoMacStatus::locked,
+                             .reason = "Mac locked.",
+                             .facePresent = true,
+                             .companionPresent = true,
+                             .inputIdleSeconds = 3.0}},
+                           4s, WidgetFamily::systemMedium, 2));
+  EXPECT_TRUE(looksAsItDid("stale-small",
+                           {{.status = TarnoMacStatus::locked, .facePresent = true, .stale = true}}, 3h,
+                           WidgetFamily::systemSmall, 1));
+  EXPECT_TRUE(
+      looksAsItDid("locking-large",
+                   {{.deviceName = "書斎のマック 🖥️ حاسوب المكتب",
+                     .status = TarnoMacStatus::locking,
+                     .reason = "Nobody in front of the Mac; locking it in a few seconds unless a face, the "
+                               "watch or some input is noticed before then."}},
+                   61s, WidgetFamily::systemLarge, 1));
+  EXPECT_TRUE(looksAsItDid("none-medium", {}, 0s, WidgetFamily::systemMedium, 1));
+  EXPECT_TRUE(looksAsItDid("unlocked-small", {{.status = TarnoMacStatus::unlocked}}, 0s,
+                           WidgetFamily::systemSmall, 3));
 }
 
 TEST(Tile, SymbolsLookAsTheyDid) {
@@ -107,33 +95,26 @@ TEST(Tile, SymbolsLookAsTheyDid) {
   EXPECT_TRUE(matchesReference(encodeImage(sheet, text, render::ImageFormat::png, 1), "symbols"));
 }
 
-/// Draws a tile in a process whose fontconfig does not know the rounded face; 0 when it looks as it did.
-int drawWithoutRoundedFace() {
+/// For a new process, whose fontconfig has read nothing yet: ends it with 0 when the tile looks as it did.
+[[noreturn]] void drawWithoutRoundedFace() {
   const auto configuration = testing::TempDir() + "without_rounded_face.conf";
   std::ofstream(configuration)
       << R"(<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>
       <glob>*/quicksand/*</glob></rejectfont></selectfont></fontconfig>)";
   setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
-  if (render::hasRoundedFace()) return 1;
-  const foundation::ClockOverride clock{now};
-  render::TextEngine text;
-  const auto scene =
-      extension::tileScene(entryOf(TarnoMacStatusSnapshot{.deviceName = "Kivo's حاسوب",
-                                                          .status = TarnoMacStatus::locking,
-                                                          .reason = "A text of more than one line, and π.",
-                                                          .facePresent = true},
-                                   4s),
-                           WidgetFamily::systemMedium, text);
-  const auto same =
-      matchesReference(encodeImage(scene, text, render::ImageFormat::png, 1), "plain-face-medium");
-  return same ? 0 : 2;
+  std::exit(looksAsItDid("plain-face-medium",
+                         {{.deviceName = "Kivo's حاسوب",
+                           .status = TarnoMacStatus::locking,
+                           .reason = "A text of more than one line, and π.",
+                           .facePresent = true}},
+                         4s, WidgetFamily::systemMedium, 1)
+                ? 0
+                : 1);
 }
 
 TEST(Tile, KeepsItsLayoutWithoutTheRoundedFace) {
-  EXPECT_TRUE(render::hasRoundedFace());
-  testing::FLAGS_gtest_death_test_style =
-      "threadsafe";  // a new process, whose fontconfig has read nothing yet
-  EXPECT_EXIT(std::exit(drawWithoutRoundedFace()), testing::ExitedWithCode(0), "");
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(drawWithoutRoundedFace(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Inspection, ShowsEverythingForOneReadingOfTheClock) {
@@ -151,24 +132,13 @@ TEST(Inspection, ShowsEverythingForOneReadingOfTheClock) {
 }
 
 TEST(Drawing, FailuresNameTheirCause) {
-  const auto code = [](const auto& exception) {
-    try {
-      extension::drawn([&] { throw exception; });
-    } catch (const program::Failure& failure) {
-      return failure.exitCode();
-    }
-    return 0;
-  };
-  EXPECT_EQ(code(render::ImageError{"too large"}), EX_USAGE);
-  EXPECT_EQ(code(std::runtime_error{"no such font"}), EX_DATAERR);
-  EXPECT_THROW(code(std::bad_alloc{}), std::bad_alloc);
-}
-
-TEST(Extension, HostGetsTheWidgetAndItsAnswer) {
-  EXPECT_EQ(
-      extension::withWidget([](const auto& widget) { return static_cast<int>(widget.families.size()); }), 3);
-  EXPECT_THROW(extension::withWidget([](const auto&) -> int { throw std::runtime_error{"host"}; }),
-               std::runtime_error);
+  const auto drawing = [](const auto& exception) { return extension::drawn([&] { throw exception; }); };
+  try {
+    drawing(std::runtime_error{"no such font"});
+  } catch (const program::Failure& failure) {
+    EXPECT_EQ(failure.exitCode(), EX_DATAERR);
+  }
+  EXPECT_THROW(drawing(std::bad_alloc{}), std::bad_alloc);
 }
 
 }  // namespace

@@ -17,184 +17,133 @@ std::string encoded(const Snapshot& snapshot) { return TarnoJSON::encoder().enco
 
 constexpr foundation::Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
 
-/// Every field, in order.
-const std::string fullJSON =
-    R"({"schema":"tarno.remote.v1","app":"Tarno","event":"locked","device_id":"m1",)"
-    R"("device_name":"Kivo's Mac","seen_at":"2026-11-16T15:41:35Z","status":"locking","reason":"r",)"
-    R"("source":"s","confidence":-7,"face_present":false,"companion_present":true,)"
-    R"("input_idle_seconds":0.25,"stale":true,"age_seconds":4611686018427387904,"message":"m"})";
-
 TEST(MacStatus, EveryCaseIsItsRawValue) {
-  const std::tuple<TarnoMacStatus, std::string, const char*> cases[] = {
-      {TarnoMacStatus::locked, "locked", "Locked"},
-      {TarnoMacStatus::unlocked, "unlocked", "Unlocked"},
-      {TarnoMacStatus::locking, "locking", "Locking"},
-      {TarnoMacStatus::unknown, "unknown", "Unknown"}};
-  for (std::size_t i = 0; i < TarnoMacStatus::allCases.size(); ++i) {
-    const auto& [status, raw, name] = cases[i];
-    EXPECT_EQ(TarnoMacStatus::allCases[i], status);
+  using enum TarnoMacStatus::Case;
+  const std::tuple<TarnoMacStatus, std::string, const char*> rows[] = {{locked, "locked", "Locked"},
+                                                                       {unlocked, "unlocked", "Unlocked"},
+                                                                       {locking, "locking", "Locking"},
+                                                                       {unknown, "unknown", "Unknown"}};
+  std::size_t index = 0;
+  for (const auto& [status, raw, name] : rows) {
+    EXPECT_EQ(TarnoMacStatus::allCases.at(index++), status);
     EXPECT_EQ(status.rawValue(), raw);
     EXPECT_EQ(status.displayName(), name);
     EXPECT_EQ(TarnoMacStatus::fromRawValue(raw), status);
-    EXPECT_EQ(TarnoJSON::encoder().encode(status), '"' + raw + '"');
-    EXPECT_EQ(TarnoJSON::decoder().decode<TarnoMacStatus>('"' + raw + '"'), status);
     EXPECT_EQ(std::hash<TarnoMacStatus>{}(status), std::hash<std::string>{}(raw));
   }
-  for (const char* const text : {"Locked", "LOCKED", " locked", "locked ", "lock", ""})
+  for (const char* const text : {"Locked", " locked", "locked ", "lock", ""})
     EXPECT_EQ(TarnoMacStatus::fromRawValue(text), std::nullopt) << text;
 }
 
-TEST(Snapshot, EveryFieldSurvives) {
-  const Snapshot full{.schema = "tarno.remote.v1",
-                      .app = "Tarno",
-                      .event = "locked",
-                      .deviceID = "m1",
-                      .deviceName = "Kivo's Mac",
-                      .seenAt = moment,
-                      .status = TarnoMacStatus::locking,
-                      .reason = "r",
-                      .source = "s",
-                      .confidence = -7,
-                      .facePresent = false,
-                      .companionPresent = true,
-                      .inputIdleSeconds = 0.25,
-                      .stale = true,
-                      .ageSeconds = std::int64_t{1} << 62,
-                      .message = "m"};
-  EXPECT_EQ(encoded(full), fullJSON);
-  EXPECT_EQ(decoded(fullJSON), full);
-  std::string keys;
-  for (const auto key : Snapshot::CodingKeys::all) keys += std::string{key} + ' ';
-  EXPECT_EQ(keys,
-            "schema app event device_id device_name seen_at status reason source confidence face_present "
-            "companion_present input_idle_seconds stale age_seconds message ");
-  EXPECT_EQ(encoded({}), "{}");
-  EXPECT_EQ(encoded({.status = TarnoMacStatus::unknown}), R"({"status":"unknown"})");
-}
-
-TEST(Snapshot, AbsentAndNullAndUnknownKeysAreAlike) {
-  EXPECT_EQ(decoded("{}"), Snapshot{});
-  EXPECT_EQ(
-      decoded(R"({"schema":null,"app":null,"event":null,"device_id":null,"device_name":null,"seen_at":null,
-      "status":null,"reason":null,"source":null,"confidence":null,"face_present":null,"companion_present":null,
-      "input_idle_seconds":null,"stale":null,"age_seconds":null,"message":null})"),
-      Snapshot{});
-  EXPECT_EQ(decoded(R"({"deviceName":1,"seenAt":"x","extra":{"a":[1]},"status":"unknown"})"),
-            Snapshot{.status = TarnoMacStatus::unknown});
-  EXPECT_EQ(decoded(R"({"schema":"other","confidence":3.0,"age_seconds":3e0,"input_idle_seconds":7})"),
-            (Snapshot{.schema = "other", .confidence = 3, .inputIdleSeconds = 7.0, .ageSeconds = 3}));
+TEST(Snapshot, EveryFieldSurvivesAndCounts) {
+  const std::string json =
+      R"({"schema":"tarno.remote.v1","app":"Tarno","event":"locked","device_id":"m1",)"
+      R"("device_name":"Kivo's Mac","seen_at":"2026-11-16T15:41:35Z","status":"locking","reason":"r",)"
+      R"("source":"s","confidence":-7,"face_present":false,"companion_present":true,)"
+      R"("input_idle_seconds":0.25,"stale":true,"age_seconds":4611686018427387904,"message":"m\"\n\u0000é"})";
+  const Snapshot full{"tarno.remote.v1",
+                      "Tarno",
+                      "locked",
+                      "m1",
+                      "Kivo's Mac",
+                      moment,
+                      TarnoMacStatus::locking,
+                      "r",
+                      "s",
+                      -7,
+                      false,
+                      true,
+                      0.25,
+                      true,
+                      std::int64_t{1} << 62,
+                      std::string{"m\"\n\0é", 6}};
+  EXPECT_EQ(encoded(full), json);
+  EXPECT_EQ(decoded(json), full);
+  std::string empty;
+  for (const auto key : Snapshot::CodingKeys::all) {
+    const auto null = "\"" + std::string{key} + "\":null";
+    empty += null + ",";
+    EXPECT_NE(decoded(json.substr(0, json.size() - 1) + "," + null + "}"), full) << key;  // the last counts
+  }
+  EXPECT_EQ(encoded(decoded("{" + empty + R"("deviceName":1,"extra":{"a":[1]}})")), "{}");
+  EXPECT_EQ(encoded(decoded(R"({"confidence":3.0,"age_seconds":3e0,"input_idle_seconds":7})")),
+            R"({"confidence":3,"input_idle_seconds":7.0,"age_seconds":3})");
 }
 
 TEST(Snapshot, OneBadFieldRefusesTheRecord) {
-  const std::tuple<const char*, Kind, foundation::CodingPath> cases[] = {
-      {"[]", Kind::typeMismatch, {}},
-      {"null", Kind::typeMismatch, {}},
-      {"{", Kind::dataCorrupted, {}},
-      {R"({"app":1})", Kind::typeMismatch, {"app"}},
-      {R"({"status":"Locked"})", Kind::dataCorrupted, {"status"}},
-      {R"({"status":0})", Kind::typeMismatch, {"status"}},
-      {R"({"confidence":2.5})", Kind::dataCorrupted, {"confidence"}},
-      {R"({"confidence":"3"})", Kind::typeMismatch, {"confidence"}},
-      {R"({"confidence":true})", Kind::typeMismatch, {"confidence"}},
-      {R"({"age_seconds":9223372036854775808})", Kind::dataCorrupted, {"age_seconds"}},
-      {R"({"face_present":1})", Kind::typeMismatch, {"face_present"}},
-      {R"({"stale":"true"})", Kind::typeMismatch, {"stale"}},
-      {R"({"input_idle_seconds":"1"})", Kind::typeMismatch, {"input_idle_seconds"}},
-      {R"({"seen_at":1763307695})", Kind::typeMismatch, {"seen_at"}},
-      {R"({"seen_at":"2026-11-16"})", Kind::dataCorrupted, {"seen_at"}}};
-  for (const auto& [json, kind, path] : cases) {
-    try {
+  const std::tuple<const char*, Kind, const char*> rows[] = {
+      {"null", Kind::typeMismatch, "expected an object, found null"},
+      {R"({"app":1})", Kind::typeMismatch, "app: expected a string, found a number"},
+      {R"({"status":"Locked"})", Kind::dataCorrupted, "status: \"Locked\" is not a status"},
+      {R"({"status":0})", Kind::typeMismatch, "status: expected a string, found a number"},
+      {R"({"confidence":"3"})", Kind::typeMismatch, "confidence: expected a whole number, found a string"},
+      {R"({"stale":"true"})", Kind::typeMismatch, "stale: expected true or false, found a string"},
+      {R"({"input_idle_seconds":[]})", Kind::typeMismatch,
+       "input_idle_seconds: expected a number, found an array"},
+      {R"({"seen_at":1763307695})", Kind::typeMismatch, "seen_at: expected a string, found a number"},
+      {R"({"seen_at":"2026-11-16"})", Kind::dataCorrupted, "seen_at: Invalid ISO8601 date"}};
+  for (const auto& [json, kind, what] : rows) try {
       decoded(json);
       ADD_FAILURE() << json;
     } catch (const DecodingError& error) {
       EXPECT_EQ(error.kind, kind) << json;
-      EXPECT_EQ(error.codingPath, path) << json;
-      if (std::string_view{json}.ends_with("11-16\"}"))
-        EXPECT_EQ(error.debugDescription, "Invalid ISO8601 date");
+      EXPECT_STREQ(error.what(), what);
     }
-  }
-}
-
-TEST(Snapshot, DatesLoseTheirFractionWhenWritten) {
-  const auto read = decoded(R"({"seen_at":"2026-11-16T17:41:35.500+02:00"})");
-  EXPECT_EQ(read.seenAt, moment + 500ms);
-  EXPECT_EQ(decoded(encoded(read)).seenAt, moment);
-  EXPECT_NE(decoded(encoded(read)), read);
 }
 
 TEST(Snapshot, RefusesToEncodeWhatJSONCannotHold) {
-  const double infinity = HUGE_VAL;
-  const std::pair<Snapshot, const char*> cases[] = {
-      {{.inputIdleSeconds = std::nan("")}, "input_idle_seconds"},
-      {{.inputIdleSeconds = infinity}, "input_idle_seconds"},
-      {{.inputIdleSeconds = -infinity}, "input_idle_seconds"},
-      {{.message = "\xff"}, "message"}};
-  for (auto [snapshot, key] : cases) {
-    snapshot.app = "a";
-    try {
+  const std::pair<Snapshot, const char*> rows[] = {
+      {{.app = "a", .inputIdleSeconds = std::nan("")},
+       "input_idle_seconds: a number that is not finite has no JSON form"},
+      {{.inputIdleSeconds = -HUGE_VAL}, "input_idle_seconds: a number that is not finite has no JSON form"},
+      {{.message = "\xff"}, "message: text that is not UTF-8 has no JSON form"}};
+  for (const auto& [snapshot, what] : rows) try {
       encoded(snapshot);
-      ADD_FAILURE() << key;
+      ADD_FAILURE() << what;
     } catch (const foundation::EncodingError& error) {
-      EXPECT_EQ(error.codingPath, foundation::CodingPath{key});
+      EXPECT_STREQ(error.what(), what);
     }
-  }
 }
 
-TEST(Snapshot, DatesThatHaveNoWrittenFormBecomeTheNearestThatHas) {
-  const foundation::Date first = sys_days{1y / January / 1}, last = sys_days{10000y / January / 1} - 1s;
-  for (const auto& [date, written] : {std::pair{first, first},
-                                      {first - 1us, first},
-                                      {last, last},
-                                      {last + 1s, last},
-                                      {foundation::Date::max(), last}})
-    EXPECT_EQ(decoded(encoded({.seenAt = date})).seenAt, written) << date.time_since_epoch().count();
+TEST(Snapshot, DatesAreWrittenInWholeSecondsOfTheYearsThatReadBack) {
+  EXPECT_EQ(decoded(R"({"seen_at":"2026-11-16T17:41:35.500+02:00"})").seenAt, moment + 500ms);
+  for (const auto& [date, written] : {std::pair{moment + 500ms, "2026-11-16T15:41:35Z"},
+                                      {foundation::earliestDate - 1us, "0001-01-01T00:00:00Z"},
+                                      {foundation::latestDate + 1us, "9999-12-31T23:59:59Z"},
+                                      {foundation::Date::max(), "9999-12-31T23:59:59Z"}})
+    EXPECT_EQ(encoded({.seenAt = date}), "{\"seen_at\":\"" + std::string{written} + "\"}");
 }
 
-TEST(Snapshot, EqualsByMeaning) {
-  const auto named = [](const char* name) { return Snapshot{.deviceName = name}; };
-  EXPECT_EQ(named("Caf\u00e9"), named("Cafe\u0301"));
-  EXPECT_EQ(named("\uac00"), named("\u1100\u1161"));
-  EXPECT_EQ(named("q\u0307\u0323"), named("q\u0323\u0307"));
-  EXPECT_NE(named("Cafe"), named("Caf\u00e9"));
-  EXPECT_NE(named("\ufb01"), named("fi"));  // a compatibility form, not a canonical one
-  EXPECT_NE(named("a\xff"), named("e\u0301\xff"));
-  EXPECT_NE(named("e\u0301\u0300"), named("e\u0300\u0301"));  // marks of one class keep their order
-  EXPECT_EQ(named("\u1f82\u0323"), named("\u03b1\u0323\u0313\u0300\u0345"));
-  EXPECT_NE(Snapshot{.inputIdleSeconds = std::nan("")}, Snapshot{.inputIdleSeconds = std::nan("")});
-  EXPECT_NE(Snapshot{.message = "a"}, Snapshot{.message = "b"});
-  EXPECT_NE(Snapshot{.confidence = 1}, Snapshot{.confidence = 2});
-  EXPECT_NE(Snapshot{.seenAt = moment}, Snapshot{.seenAt = moment + 1us});
+TEST(Snapshot, TextsAreEqualByMeaning) {
+  const std::tuple<const char*, const char*, bool> rows[] = {
+      {"Caf\u00e9", "Cafe\u0301", true},
+      {"\uac00", "\u1100\u1161", true},
+      {"q\u0307\u0323", "q\u0323\u0307", true},
+      {"\u1f82\u0323", "\u03b1\u0323\u0313\u0300\u0345", true},
+      {"", "a", false},
+      {"Cafe", "Caf\u00e9", false},
+      {"\ufb01", "fi", false},  // a compatibility form, not a canonical one
+      {"a\xff", "e\u0301\xff", false},
+      {"e\u0301\u0300", "e\u0300\u0301", false}};  // marks of one class keep their order
+  for (const auto& [a, b, areEqual] : rows)
+    EXPECT_EQ(Snapshot{.deviceName = a} == Snapshot{.deviceName = b}, areEqual) << a << " " << b;
   EXPECT_NE(Snapshot{.deviceName = ""}, Snapshot{});
-  for (const auto key : Snapshot::CodingKeys::all) {
-    auto without = fullJSON;  // of a key that stands twice, the last counts
-    without.insert(without.size() - 1, ",\"" + std::string{key} + "\":null");
-    EXPECT_NE(decoded(without), decoded(fullJSON)) << key;
-  }
-}
-
-TEST(Snapshot, ComparesLongRunsOfMarks) {
-  std::string mixed;
-  std::string sorted;
-  for (int i = 0; i < 200'000; ++i) mixed += "\u0301\u0323";
-  for (int i = 0; i < 200'000; ++i) sorted += "\u0323";
-  for (int i = 0; i < 200'000; ++i) sorted += "\u0301";
-  EXPECT_EQ(Snapshot{.message = mixed}, Snapshot{.message = sorted});  // takes minutes in quadratic time
+  EXPECT_NE(Snapshot{.seenAt = moment}, Snapshot{.seenAt = moment + 1us});
+  std::string mixed, below, above;  // equal; takes minutes in quadratic time
+  for (int i = 0; i < 200'000; ++i) mixed += "\u0301\u0323", below += "\u0323", above += "\u0301";
+  EXPECT_EQ(Snapshot{.message = mixed}, Snapshot{.message = below + above});
 }
 
 TEST(Snapshot, DisplayLines) {
   const auto locked = TarnoMacStatus::locked;
-  const std::pair<Snapshot, const char*> cases[] = {
+  const std::pair<Snapshot, const char*> rows[] = {
       {{}, "unknown, Unknown, Waiting for Tarno status."},
-      {{.status = TarnoMacStatus::unknown}, "unknown, Unknown, Waiting for Tarno status."},
       {{.status = locked, .reason = "r", .message = "m"}, "locked, Locked, r"},
       {{.status = locked, .reason = "", .stale = false, .message = "m"}, "locked, Locked, m"},
       {{.status = locked, .reason = "", .message = ""}, "locked, Locked, Waiting for Tarno status."},
-      {{.reason = " ", .message = "m"}, "unknown, Unknown,  "},
-      {{.status = locked, .reason = "r", .stale = true, .message = "m"},
-       "unknown, Status stale, Mac status is stale. Refresh Tarno before trusting it."},
-      {{.stale = true, .ageSeconds = 3599},
+      {{.status = locked, .reason = "r", .stale = true, .ageSeconds = 3599, .message = "m"},
        "unknown, Status stale, Mac status is 59m old. Refresh Tarno before trusting it."}};
-  for (const auto& [snapshot, lines] : cases) {
+  for (const auto& [snapshot, lines] : rows) {
     const std::string resolved{snapshot.resolvedStatus().rawValue()};
     EXPECT_EQ(resolved + ", " + snapshot.statusLine() + ", " + snapshot.detailLine(), lines);
   }
