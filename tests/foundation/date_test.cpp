@@ -16,7 +16,6 @@ constexpr Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
 TEST(ISO8601, ReadsOneFormOnly) {
   const std::tuple<const char*, std::optional<Date>, std::optional<Date>> rows[] = {
       {"2026-11-16T15:41:35Z", moment, {}},
-      {"2026-11-16T17:41:35+02:00", moment, {}},
       {"2026-11-15T16:11:35-23:30", moment, {}},
       {"2026-11-16T16:40:35+00:59", moment, {}},
       {"2026-11-16T15:41:35.250Z", {}, moment + 250ms},
@@ -69,7 +68,6 @@ TEST(ISO8601, WritesInUTCAndCutsTowardsThePast) {
   EXPECT_EQ(wholeSeconds.formatOptions(), 1907u);
   EXPECT_EQ(fractions.formatOptions(), 3955u);
   EXPECT_EQ(wholeSeconds.string(moment + 250ms), "2026-11-16T15:41:35Z");
-  EXPECT_EQ(wholeSeconds.string(earliestDate), "0001-01-01T00:00:00Z");
   EXPECT_EQ(fractions.string(Date{-1us}), "1969-12-31T23:59:59.999Z");
   EXPECT_EQ(wholeSeconds.string(earliestDate - 1us), "+00000-12-31T23:59:59Z");
   EXPECT_EQ(wholeSeconds.string(latestDate + 1us), "+10000-01-01T00:00:00Z");

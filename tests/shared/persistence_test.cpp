@@ -87,36 +87,28 @@ TEST(LoadStatus, TakesTheFirstSourceThatWorks) {
   }
 }
 
-TEST(MacDefaults, WhatIsSavedIsLoaded) {
-  const TemporaryStore temporary;
-  const Snapshot saved{.deviceName = "Kivo's Mac", .status = TarnoMacStatus::locked, .stale = false};
-  const TarnoStoredMacStatus loaded{saved.withLocalFreshness(now, now, 150s), now};
-  persistStatus(saved, now, std::nullopt, *store());
-  EXPECT_EQ(loadStatus(*store(), now), loaded);
-  saveStatus({.status = TarnoMacStatus::unlocked}, now - 1h, "mirror");
-  EXPECT_EQ(loadStatus(*store(), now)->receivedAt, now - 1h);
-  saveStatus(saved, now);
-  EXPECT_EQ(loadStatus(*store(), now), loaded);
-  EXPECT_EQ(store()->string(lastStatusMirrorKey), "mirror");
-}
-
-TEST(MacDefaults, SavingSaysWhatWentWrongAndLeavesTheStoreAsItIs) {
+TEST(MacDefaults, WhatIsSavedIsLoadedAndFailuresSayWhatWentWrong) {
   using Kind = foundation::SuiteError::Kind;
   const TemporaryStore temporary;
-  saveStatus({.status = TarnoMacStatus::locked}, now);
-  const auto failsWith = [](const Snapshot& snapshot, Date receivedAt) {
+  const auto save = [](const Snapshot& snapshot, Date receivedAt) {
     try {
-      saveStatus(snapshot, receivedAt);
+      return saveStatus(snapshot, receivedAt), std::optional<Kind>{};
     } catch (const foundation::SuiteError& error) {
       return std::optional{error.kind()};
     }
-    return std::optional<Kind>{};
   };
-  EXPECT_EQ(failsWith({.inputIdleSeconds = std::nan("")}, now), Kind::value);
-  EXPECT_EQ(failsWith({}, Date::max()), Kind::value);
-  EXPECT_EQ(loadStatus(*store(), now)->snapshot.status, TarnoMacStatus::locked);
+  saveStatus({.status = TarnoMacStatus::unlocked}, now - 1h, "mirror");
+  persistStatus({.status = TarnoMacStatus::locked}, now - 2s, std::nullopt, *store());
+  const TarnoStoredMacStatus loaded{{.status = TarnoMacStatus::locked, .ageSeconds = 2}, now - 2s};
+  EXPECT_EQ(loadStatus(*store(), now), loaded);
+  EXPECT_EQ(save({.inputIdleSeconds = std::nan("")}, now), Kind::value);
+  EXPECT_EQ(save({}, Date::max()), Kind::value);
+  EXPECT_EQ(loadStatus(*store(), now), loaded);
+  EXPECT_EQ(save(loaded.snapshot, now - 1s), std::nullopt);
+  EXPECT_EQ(loadStatus(*store(), now)->receivedAt, now - 1s);
+  EXPECT_EQ(store()->string(lastStatusMirrorKey), "mirror");
   std::filesystem::permissions(temporary.folder() / appGroupIdentifier, std::filesystem::perms::all);
-  EXPECT_EQ(failsWith({}, now), Kind::unusable);
+  EXPECT_EQ(save({}, now), Kind::unusable);
 }
 
 TEST(MacDefaults, FallsBackAndSaysSoOnce) {
@@ -124,11 +116,8 @@ TEST(MacDefaults, FallsBackAndSaysSoOnce) {
   const auto shared = temporary.folder() / std::string{appGroupIdentifier};
   std::filesystem::create_symlink("/", shared);
   testing::internal::CaptureStdout();
-  std::vector<std::thread> threads(8);
-  for (auto& thread : threads)
-    thread = std::thread{[] { EXPECT_EQ(store(), foundation::UserDefaults::standard()); }};
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(store(), foundation::UserDefaults::standard());
+  for (std::vector<std::jthread> threads(8); auto& thread : threads)
+    thread = std::jthread{[] { EXPECT_EQ(store(), foundation::UserDefaults::standard()); }};
   EXPECT_EQ(
       testing::internal::GetCapturedStdout(),
       "ERROR: TarnoMacDefaults could not initialise app-group UserDefaults 'K7T2M9Q4XW.dev.tarno.group'. "

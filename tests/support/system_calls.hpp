@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
-/// Comes between the code under test and the system, in a test program that is linked with --wrap for each of
-/// the calls below. Include it in one source of the program.
+/// Comes between code and the system in a test program that is linked with --wrap for each of the calls
+/// below. Include it in one source.
 namespace system_calls {
 
 inline std::string made;  ///< the names of the calls that were made, a space after each
