@@ -77,6 +77,7 @@ TEST(JSONDecoder, ErrorsSayWhere) {
                "inner.number: expected a whole number, found a boolean");
   EXPECT_STREQ(errorOf<Pair>(R"({"text": 1})")->what(), "text: expected a string, found a number");
   EXPECT_STREQ(errorOf<Pair>(R"({"number": 1e400})")->what(), "number: a number is too large");
+  EXPECT_STREQ(errorOf<Pair>("{")->what(), "not valid JSON near byte 2");
   EXPECT_STREQ(errorOf<Pair>("{}\0 x"sv)->what(), "not valid JSON near byte 3");
   EXPECT_EQ(errorOf<Pair>(R"({"x": {"y": [1, }})")->codingPath, (CodingPath{"x", "y", "1"}));
   EXPECT_STREQ(errorOf<Pair>("[]")->what(), "expected an object, found an array");

@@ -15,8 +15,6 @@ import zlib
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
 from program_test_case import BIN, MOMENT, ProgramTest  # noqa: E402
 
-SHRINK_SEAL = 0x2  # F_SEAL_SHRINK, <linux/fcntl.h>
-
 
 def png_pixels(png):
     """The RGBA rows of a PNG whose rows are not filtered."""
@@ -36,12 +34,12 @@ class Widget(ProgramTest):
         """What tarno-widget prints."""
         return self.run_program("tarno-widget", command, *arguments, **options).stdout
 
-    def frame(self, *arguments, code=0, flags=os.MFD_ALLOW_SEALING, said=rb"\A\Z", program="tarno-widget",
-              **environment):
+    def frame(self, *arguments, code=0, seals=0, said=rb"\A\Z", program="tarno-widget", **environment):
         """The answer of a frame and the memory that it is in, as a host gets them."""
-        memory = os.memfd_create("frame", flags)
+        memory = os.memfd_create("frame", os.MFD_ALLOW_SEALING)
         self.addCleanup(os.close, memory)
         os.write(memory, bytes([255]) * 5000)
+        fcntl.fcntl(memory, fcntl.F_ADD_SEALS, seals)
         done = subprocess.run([BIN / program, "frame", "--fd", str(memory), *map(str, arguments)], timeout=60,
                               pass_fds=[memory], capture_output=True, env={**self.environment, **environment})
         self.assertEqual(done.returncode, code, done.stderr)
@@ -59,18 +57,20 @@ class Widget(ProgramTest):
             self.assertEqual((self.folder / "tile.png").read_bytes(), png)
             answer, memory = self.frame(*arguments)
             self.assertEqual((answer["width"], answer["height"]), (width, height))
-            self.assertEqual(fcntl.fcntl(memory, fcntl.F_GET_SEALS), SHRINK_SEAL)
+            self.assertEqual(fcntl.fcntl(memory, fcntl.F_GET_SEALS), fcntl.F_SEAL_SHRINK)
             self.assertEqual(os.fstat(memory).st_size, answer["stride"] * height)
             for y, row in enumerate(png_pixels(png)):
                 drawn = os.pread(memory, 4 * width, y * answer["stride"])  # BGRA, premultiplied
                 opaque = [x for x in range(0, 4 * width, 4) if drawn[x + 3] == 255]
                 self.assertEqual([drawn[x:x + 3][::-1] for x in opaque], [row[x:x + 3] for x in opaque], (family, y))
-        for name, start in (("a.svg", b"<?xml"), ("a.pdf", b"%PDF")):
+        for name, title in (("a.svg", b"<title>Tarno</title>"), ("a.pdf", b"/Title (Tarno)")):
             self.widget("render", "--output", name)
-            self.assertTrue((self.folder / name).read_bytes().startswith(start))
+            self.assertTrue(title in (self.folder / name).read_bytes(), name)
         self.assertEqual(sorted(os.listdir(self.folder)), ["a.pdf", "a.svg", "data", "tile.png"])
 
     def test_a_frame_says_what_a_host_needs(self):
+        answer, _ = self.frame(XDG_DATA_HOME="/\udcff")  # a name need not be UTF-8
+        self.assertEqual(answer["watch"]["folder"], f"/\ufffd/{self.group.name}")
         answer, _ = self.frame("--at", "9999-12-31T23:59:59.9999Z")
         self.assertEqual((answer["announcement"], answer["stale_from"]), ("Mac status unknown", None))
         self.assertEqual(answer["reload_after"], "9999-12-31T23:59:59.999Z")
@@ -93,14 +93,16 @@ class Widget(ProgramTest):
         self.assertEqual(answer["announcement"], "Mac status unknown")
 
     def test_a_frame_that_cannot_be_drawn_says_why(self):
-        for arguments, flags in ((("--scale", 1e6), os.MFD_ALLOW_SEALING), ((), 0)):
-            answer, _ = self.frame(*arguments, flags=flags, code=64)
+        for arguments, seals in ((("--scale", 1e6), 0), ((), fcntl.F_SEAL_SEAL), ((), fcntl.F_SEAL_SHRINK)):
+            answer, _ = self.frame(*arguments, seals=seals, code=64)
             self.assertEqual(list(answer), ["error"])
         self.widget("frame", code=64)
 
     def test_what_the_provider_answers(self):
-        self.save({"status": "locking"})
-        entry = {"date": MOMENT, "status": {"status": "locking", "age_seconds": 0}, "last_refresh": MOMENT}
+        self.assertEqual(self.inspected("--at", MOMENT)["entry"], {"date": MOMENT, "status": None, "last_refresh": None})
+        received = "2026-11-16T15:41:30.250Z"
+        self.save({"status": "locking"}, at=received)
+        entry = {"date": MOMENT, "status": {"status": "locking", "age_seconds": 4}, "last_refresh": received}
         self.assertEqual(json.loads(self.widget("timeline", "--at", MOMENT)),
                          {"entries": [entry], "reload_after": "2026-11-16T15:42:05Z"})
         self.assertEqual(self.inspected("--at", MOMENT)["entry"], entry)
@@ -173,6 +175,7 @@ class Widget(ProgramTest):
                       "--output a.png --scale nan", "--output a.png --scale inf", "--output a.png --scale 100000",
                       "--output a.png --at yesterday", "--output a.png --preview --placeholder"):
             self.widget("render", *words.split(), code=64)
+        self.run_program("tarno-widget", code=64)
         self.assertEqual(os.listdir(self.folder), [])
 
     def test_what_cannot_be_written_leaves_what_was_there(self):
@@ -180,6 +183,7 @@ class Widget(ProgramTest):
         (self.folder / "old.png").write_text("old")
         for output in ("no/such/folder/a.png", "folder.png"):
             self.widget("render", "--output", output, code=73)
+        self.widget("gallery", "--output", "old.png/previews", code=73)
         for output, limit in (("/dev/full", -1), ("old.png", 100)):
             with open(self.folder / output, "rb+") as file:
                 done = subprocess.run([BIN / "tarno-widget", "render", "--output", "-" if limit < 0 else output],

@@ -3,10 +3,12 @@
 #include <cmath>
 
 #include "shared/coding/json.hpp"
+#include "shared/freshness/status_freshness.hpp"
 #include "shared/model/status_snapshot.hpp"
 
 namespace {
 
+using foundation::Date;
 using foundation::DecodingError;
 using Snapshot = TarnoMacStatusSnapshot;
 using Kind = DecodingError::Kind;
@@ -15,7 +17,7 @@ using namespace std::chrono;
 Snapshot decoded(std::string_view json) { return TarnoJSON::decoder().decode<Snapshot>(json); }
 std::string encoded(const Snapshot& snapshot) { return TarnoJSON::encoder().encode(snapshot); }
 
-constexpr foundation::Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
+constexpr Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
 
 TEST(MacStatus, EveryCaseIsItsRawValue) {
   using enum TarnoMacStatus::Case;
@@ -94,7 +96,7 @@ TEST(Snapshot, DatesAreWrittenInWholeSecondsOfTheYearsThatReadBack) {
   for (const auto& [date, written] : {std::pair{moment + 500ms, "2026-11-16T15:41:35Z"},
                                       {foundation::earliestDate - 1us, "0001-01-01T00:00:00Z"},
                                       {foundation::latestDate + 1us, "9999-12-31T23:59:59Z"},
-                                      {foundation::Date::max(), "9999-12-31T23:59:59Z"}})
+                                      {Date::max(), "9999-12-31T23:59:59Z"}})
     EXPECT_EQ(encoded({.seenAt = date}), "{\"seen_at\":\"" + std::string{written} + "\"}");
 }
 
@@ -131,6 +133,29 @@ TEST(Snapshot, DisplayLines) {
     const std::string resolved{snapshot.resolvedStatus().rawValue()};
     EXPECT_EQ(resolved + ", " + snapshot.statusLine() + ", " + snapshot.detailLine(), lines);
   }
+}
+
+TEST(Freshness, OldMakesStaleButNothingMakesFresh) {
+  const std::tuple<Snapshot, std::optional<Date>, Snapshot> rows[] = {
+      {{.ageSeconds = 999}, {}, {.ageSeconds = 999}},
+      {{.ageSeconds = 999}, moment - 150999ms, {.ageSeconds = 150}},
+      {{.stale = false}, moment - 151s, {.stale = true, .ageSeconds = 151}},
+      {{.stale = true}, moment - 5s, {.stale = true, .ageSeconds = 5}},
+      {{.status = TarnoMacStatus::locked}, moment + 1h, {.status = TarnoMacStatus::locked, .ageSeconds = 0}},
+      {{}, Date::max(), {.ageSeconds = 0}}};
+  for (const auto& [before, receivedAt, after] : rows)
+    EXPECT_EQ(before.withLocalFreshness(receivedAt, moment, TarnoStatusFreshness::localStaleAfter), after);
+  EXPECT_GT(TarnoStatusFreshness::ageSeconds(Date::min(), Date::max()), 0);
+  EXPECT_EQ(TarnoStatusFreshness::staleFrom(moment), moment + 151s);
+}
+
+TEST(Freshness, StaleDetailNamesTheAge) {
+  const std::pair<std::optional<std::int64_t>, const char*> rows[] = {
+      {{}, "stale"},     {59, "59s old"},  {60, "1m old"},     {119, "1m old"},
+      {3599, "59m old"}, {3600, "1h old"}, {86399, "23h old"}, {-5, "-5s old"}};
+  for (const auto& [age, words] : rows)
+    EXPECT_EQ(TarnoStatusFreshness::staleDetail(age),
+              "Mac status is " + std::string{words} + ". Refresh Tarno before trusting it.");
 }
 
 }  // namespace
