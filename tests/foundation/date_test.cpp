@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "foundation/date.hpp"
 #include "foundation/iso8601.hpp"
 
@@ -7,7 +9,6 @@ namespace foundation {
 namespace {
 
 using namespace std::chrono;
-using namespace std::string_view_literals;
 
 constexpr ISO8601DateFormatter wholeSeconds{withInternetDateTime};
 constexpr ISO8601DateFormatter fractions{withInternetDateTime | withFractionalSeconds};
@@ -33,34 +34,16 @@ TEST(ISO8601, ReadsOneFormOnly) {
 }
 
 TEST(ISO8601, RefusesEverythingElse) {
-  for (const auto text : {""sv,
-                          "2026-11-16"sv,
-                          "2026-11-16T15:41:35"sv,
-                          "2026-11-16T15:41:35.Z"sv,
-                          "2026-11-16T15:41:35,5Z"sv,
-                          " 2026-11-16T15:41:35Z"sv,
-                          "2026-11-16T15:41:35Z "sv,
-                          "2026-11-16t15:41:35Z"sv,
-                          "2026-11-16T15:41:35z"sv,
-                          "2026-11-16 15:41:35Z"sv,
-                          "2026-11-16T15:41:35+0200"sv,
-                          "2026-11-16T15:41:35+24:00"sv,
-                          "2026-11-16T15:41:35+02:60"sv,
-                          "2026-11-16T24:00:00Z"sv,
-                          "2026-11-16T15:60:00Z"sv,
-                          "2026-11-16T15:41:60Z"sv,
-                          "2026-02-29T00:00:00Z"sv,
-                          "2026-13-01T00:00:00Z"sv,
-                          "2026-1116T15:41:35Z"sv,
-                          "202611-16T15:41:35Z"sv,
-                          "2026-11-16T1541:35Z"sv,
-                          "2026-11-16T15:4135Z"sv,
-                          "26-11-16T15:41:35Z"sv,
-                          "2026-11-16T1 :41:35Z"sv,
-                          "2026-11-16T1::41:35Z"sv,
-                          "0000-12-31T23:59:59Z"sv,
-                          "0001-01-01T00:00:00+00:01"sv,
-                          "9999-12-31T23:59:59-00:01"sv})
+  std::istringstream texts{
+      "|2026-11-16|2026-11-16T15:41:35|2026-11-16T15:41:35.Z|2026-11-16T15:41:35,5Z|"
+      " 2026-11-16T15:41:35Z|2026-11-16T15:41:35Z |2026-11-16t15:41:35Z|2026-11-16T15:41:35z|"
+      "2026-11-16 15:41:35Z|2026-11-16T15:41:35+0200|2026-11-16T15:41:35+24:00|"
+      "2026-11-16T15:41:35+02:60|2026-11-16T24:00:00Z|2026-11-16T15:60:00Z|"
+      "2026-11-16T15:41:60Z|2026-02-29T00:00:00Z|2026-13-01T00:00:00Z|2026-1116T15:41:35Z|"
+      "202611-16T15:41:35Z|2026-11-16T1541:35Z|2026-11-16T15:4135Z|26-11-16T15:41:35Z|"
+      "2026-11-16T1 :41:35Z|2026-11-16T1::41:35Z|0000-12-31T23:59:59Z|"
+      "0001-01-01T00:00:00+00:01|9999-12-31T23:59:59-00:01"};
+  for (std::string text; std::getline(texts, text, '|');)
     EXPECT_EQ(dateFromRFC3339(text), std::nullopt) << text;
 }
 

@@ -32,7 +32,6 @@ std::optional<DecodingError> errorOf(std::string_view json) {
 TEST(JSONDecoder, TellsWholeNumbersExactly) {
   using Whole = std::numeric_limits<std::int64_t>;
   const std::pair<const char*, std::int64_t> whole[] = {{"-3.50e1", -35},
-
                                                         {"1e+2", 100},
                                                         {"0e99999999999", 0},
                                                         {"-0.0", 0},

@@ -34,11 +34,12 @@ TEST(Tile, TextsKeepToTheirMarginsAndApart) {
   const foundation::ClockOverride clock{now};
   FakeMeasurer measurer;
   for (const auto& text :
-       {""s, std::string(60, 'w'), std::string(5000, 'x') + " y", "a\\nb\\nc"s, std::string(200, ' ')})
+       {""s, std::string(60, 'w'), std::string(5000, 'x') + " y", "a\nb\nc"s, std::string(200, ' ')})
     for (const auto family :
          {WidgetFamily::systemSmall, WidgetFamily::systemMedium, WidgetFamily::systemLarge}) {
       SCOPED_TRACE(text.substr(0, 9));
-      const auto entry = entryOf(R"({"device_name":")" + text + R"(","reason":")" + text + "\"}", 100000h);
+      const TarnoMacStatusSnapshot status{.deviceName = text, .reason = text};
+      const auto entry = entryOf(TarnoJSON::encoder().encode(status), 100000h);
       const auto scene = extension::tileScene(entry, family, measurer);
       std::vector<ui::Rect> boxes;
       for (const auto& item : scene.items)

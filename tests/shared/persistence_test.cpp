@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <map>
 #include <thread>
 
 #include "shared/coding/json.hpp"
@@ -23,8 +22,7 @@ constexpr Date now = sys_days{2026y / November / 16} + 15h + 41min + 35s + 250ms
 class RecordingStore : public foundation::UserDefaults {
  public:
   std::optional<DefaultsValue> object(std::string_view key) const override {
-    const auto found = values.find(key);
-    return found != values.end() ? std::optional{found->second} : std::nullopt;
+    return values.contains(key) ? std::optional{values.find(key)->second} : std::nullopt;
   }
   void set(std::string_view key, DefaultsValue value) override {
     calls += "set " + std::string{key} + "; ";
@@ -36,7 +34,7 @@ class RecordingStore : public foundation::UserDefaults {
   }
 
   std::string calls;
-  std::map<std::string, DefaultsValue, std::less<>> values;
+  foundation::DefaultsValues values;
 };
 
 TEST(PersistStatus, WritesInOrderAndSynchronizesOnce) {
