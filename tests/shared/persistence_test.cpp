@@ -107,6 +107,8 @@ TEST(MacDefaults, WhatIsSavedIsLoadedAndFailuresSayWhatWentWrong) {
   EXPECT_EQ(store()->string(lastStatusMirrorKey), "mirror");
   std::filesystem::permissions(temporary.folder() / appGroupIdentifier, std::filesystem::perms::all);
   EXPECT_EQ(save({}, now), Kind::unusable);
+  setenv("XDG_DATA_HOME", "/dev/null", 1);
+  EXPECT_EQ(save({}, now), Kind::unusable);
 }
 
 TEST(MacDefaults, FallsBackAndSaysSoOnce) {
