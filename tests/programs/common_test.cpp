@@ -32,7 +32,7 @@ TEST(Program, TextForATerminalCannotSteerIt) {
       {"\x80 \xc2 \xc3\xc3\xa9 \xe2\x82", "? ? ?é ??"},                     // a character that is cut short
       {"\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "?? ??? ????"},            // longer than it need be
       {"\xed\xa0\x80 \xf4\x90\x80\x80 \xf9\x90\x80\x80", "??? ???? ????"},  // no character
-      {"\xed\x9f\xbf\xee\x80\x80\xf4\x8f\xbf\xbf", "\xed\x9f\xbf\xee\x80\x80\xf4\x8f\xbf\xbf"}};
+      {"\u0800\U00010000\ud7ff\ue000\U0010ffff", "\u0800\U00010000\ud7ff\ue000\U0010ffff"}};
   for (const auto& [text, safe] : cases) EXPECT_EQ(program::printable(text), safe);
   EXPECT_EQ(program::printableLines("a\tb\n\n\xffz\n"), "a?b\n\n?z\n");
 }
