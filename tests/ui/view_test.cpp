@@ -60,42 +60,39 @@ TEST(View, TrimsPartsOfAPart) {
 
 TEST(View, KeepsItsNumbersWithinTheirBounds) {
   const View text = Text("text");
-  const auto padded = [&](double length) { return text.padding(EdgeSet::horizontal, length); };
+  const Capsule capsule{RoundedCornerStyle::circular};
   const auto framed = [&](FrameOptions options) { return text.frame(options); };
-  const auto row = [&](double spacing) { return HStack({.spacing = spacing}, text); };
-  const auto column = [&](double spacing) { return VStack({.spacing = spacing}, text); };
   const auto stroke = [](double width) { return Circle{}.stroke(black, {.lineWidth = width}); };
+  const auto apart = [&](double length) {
+    return HStack({.spacing = length}, VStack({.spacing = length}, text.padding(EdgeSet::vertical, length)));
+  };
+  const auto aligned = [&](Alignment at) {
+    const View column = VStack({.alignment = at.horizontal}, text);
+    return HStack({.alignment = at.vertical}, column, ZStack({.alignment = at}), framed({.alignment = at}));
+  };
+  const auto colored = [&](Color color) {
+    const View circles = HStack({}, Circle{}.fill(color), Circle{}.stroke(color, {}));
+    return circles.background(capsule.fill(color)).foregroundStyle(color).containerBackground(color);
+  };
   const std::pair<View, View> pairs[] = {
       {text.font(Font::system(-3).rounded()), text.font(Font::system(0).rounded())},
       {text.font(Font::system(0.99)), text.font(Font::system(0))},
       {text.font(Font::system(infinity)), text.font(Font::system(1000))},
-      {text.foregroundStyle({.red = -1, .green = 2, .blue = NAN, .alpha = 9}),
-       text.foregroundStyle(Color::sRGB(0, 1, 0))},
-      {text.containerBackground({.red = -1, .green = 2, .blue = NAN}),
-       text.containerBackground(Color::sRGB(0, 1, 0))},
-      {Circle{}.fill(white.opacity(7)), Circle{}.fill(white)},
-      {Capsule{RoundedCornerStyle::circular}.fill(white.opacity(7)),
-       Capsule{RoundedCornerStyle::circular}.fill(white)},
+      {colored({.red = -1, .green = 2, .blue = NAN, .alpha = 9}), colored(Color::sRGB(0, 1, 0))},
       {text.lineLimit(0), text.lineLimit(1)},
       {text.lineLimit(1'000'000), text.lineLimit(unlimitedLines)},
       {text.minimumScaleFactor(-1), text.minimumScaleFactor(0.01)},
       {text.minimumScaleFactor(NAN), text.minimumScaleFactor(0.01)},
       {text.minimumScaleFactor(1.5), text.minimumScaleFactor(1)},
-      {padded(NAN), padded(0)},
-      {padded(-infinity), padded(-10'000)},
-      {padded(infinity), padded(10'000)},
-      {row(-infinity), row(-10'000)},
-      {row(infinity), row(10'000)},
-      {column(-infinity), column(-10'000)},
-      {column(infinity), column(10'000)},
+      {apart(NAN), apart(0)},
+      {apart(-infinity), apart(-10'000)},
+      {apart(infinity), apart(10'000)},
       {framed({.width = -1, .height = NAN, .maxWidth = -1, .maxHeight = NAN}), framed({})},
       {framed({.width = infinity, .height = infinity}), framed({})},
       {framed({.width = 1e9, .height = 1e9}), framed({.width = 10'000, .height = 10'000})},
       {framed({.maxWidth = 1e9, .maxHeight = 1e9}), framed({.maxWidth = 10'000, .maxHeight = 10'000})},
-      {framed({.alignment = {{-1}, {2}}}), framed({.alignment = {{0}, {1}}})},
-      {HStack({.alignment = {2}}, text), HStack({.alignment = bottom}, text)},
-      {VStack({.alignment = {-1}}, text), VStack({.alignment = leading}, text)},
-      {ZStack({.alignment = {{-1}, {2}}}, text), ZStack({.alignment = {{0}, {1}}}, text)},
+      {aligned({{-1}, {2}}), aligned({{0}, {1}})},
+      {aligned({{2}, {-1}}), aligned({{1}, {0}})},
       {text.rotationEffect({NAN}), text.rotationEffect({})},
       {text.rotationEffect({-infinity}), text.rotationEffect({})},
       {text.rotationEffect({4 * std::numbers::pi}), text.rotationEffect({})},
@@ -149,17 +146,18 @@ accessibility
 
 TEST(Description, NamesWhatIsNotUsual) {
   const View image = Image("clock").rotationEffect(Angle::degrees(90));
-  const View stack =
-      ZStack({.alignment = {{0}, {1}}}, VStack({.alignment = trailing, .spacing = 1.0 / 3}), image);
+  const View stack = ZStack({.alignment = {{0}, {1}}}, VStack({.alignment = trailing, .spacing = 1.0 / 3}),
+                            image, Circle{}.trim(0, 0.5).fill(black));
   const View framed =
-      stack.padding(EdgeSet::vertical, 5).frame({.width = 9, .maxHeight = 1e-9, .alignment = bottom});
+      stack.padding(EdgeSet::vertical, -1e-9).frame({.width = 9, .maxHeight = 1e-9, .alignment = bottom});
   EXPECT_EQ(outline(describe(framed.accessibilityHidden())), R"(accessibilityHidden
   frame width=9 maxHeight=0 alignment=bottom
-    padding edges=vertical length=5
+    padding edges=vertical length=0
       ZStack alignment="leading bottom"
         VStack alignment=trailing spacing=0.333
         rotationEffect degrees=90
           Image systemName="clock"
+        Circle from=0 to=0.5 fill=#000000
 )");
   FakeMeasurer measurer;
   const View text = Text("a \\ \x1B b").font(Font::system(10).weight(FontWeight::medium)).lineLimit(1);
@@ -167,11 +165,6 @@ TEST(Description, NamesWhatIsNotUsual) {
   EXPECT_EQ(outline(describe(scene).children.at(0)),
             "text text=\"a \\\\ \\u001b b\" font=\"10 medium\" color=#000000 x=4 y=16 width=20 height=12 "
             "baseline=9 maxLines=1 truncated=true rotation=-90\n");
-}
-
-TEST(Rect, IsNeverInsetBelowNothing) {
-  EXPECT_EQ((Rect{{1, 2}, {20, 30}}.inset(4)), (Rect{{5, 6}, {12, 22}}));
-  EXPECT_EQ((Rect{{1, 2}, {20, 30}}.inset(16)), (Rect{{17, 18}, {0, 0}}));
 }
 
 TEST(Path, RoundsCornersByAtMostHalfOfTheShorterSide) {
@@ -189,7 +182,14 @@ TEST(Path, ClosesWholeCirclesOnly) {
   const Rect rect{{0, 0}, {20, 10}};
   const Path::Arc most{{10, 5}, 5, {}, Angle::degrees(342)};
   EXPECT_EQ(Path::circle(rect, 0, 0.95), (Path{{Path::Move{{15, 5}}, most}}));
+  EXPECT_EQ(Path::circle(rect, 0.05, 1).elements.size(), 2U);
   EXPECT_EQ(Path::circle(rect).elements.back(), Path::Element{Path::Close{}});
+}
+
+TEST(Path, IsPlacedWithAllItsPoints) {
+  const Path path{{Path::Move{{1, 2}}, Path::Curve{{3, 4}, {5, 6}, {7, 8}}, Path::Line{{9, 0}}}};
+  EXPECT_EQ(path.placed(2, {1, 0}),
+            (Path{{Path::Move{{3, 4}}, Path::Curve{{7, 8}, {11, 12}, {15, 16}}, Path::Line{{19, 0}}}}));
 }
 
 TEST(Path, BoundsAreThoseOfTheCurveItself) {
