@@ -2,7 +2,8 @@
 
 #include "shared/persistence/mac_defaults.hpp"
 #include "support/temporary_store.hpp"
-#include "widget/timeline/widget_provider.hpp"
+#include "widget/extension/status_widget.hpp"
+#include "widget/timeline/widget_entry.hpp"
 
 namespace {
 
@@ -21,19 +22,16 @@ class TickingClock {
   foundation::ClockOverride override_{[this] { return start + seconds{readings++}; }};
 };
 
-Entry snapshotEntry(bool isPreview) {
-  std::vector<Entry> entries;
-  TarnoMacWidgetProvider{}.getSnapshot({.isPreview = isPreview},
-                                       [&](const Entry& entry) { entries.push_back(entry); });
-  EXPECT_EQ(entries.size(), 1u);
-  return entries.front();
+/// The provider as a host sees it.
+const auto provider = TarnoMacStatusWidget{}.body().provider;
+
+Entry own(const widgetkit::AnyTimelineEntry& entry) {
+  const auto result = std::any_cast<Entry>(entry.value);
+  EXPECT_EQ(entry.date, result.date);
+  return result;
 }
 
-widgetkit::Timeline<Entry> timeline() {
-  std::optional<widgetkit::Timeline<Entry>> result;
-  TarnoMacWidgetProvider{}.getTimeline({}, [&](auto answer) { result = std::move(answer); });
-  return *result;
-}
+Entry timelineEntry() { return own(provider->timeline({}).entries.at(0)); }
 
 TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
   TickingClock clock;
@@ -59,22 +57,23 @@ TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
 TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
   const TemporaryStore temporary;
   TickingClock clock;
-  const auto empty = timeline();
+  const auto empty = provider->timeline({});
   EXPECT_EQ(clock.readings, 2);
   ASSERT_EQ(empty.entries.size(), 1u);
-  EXPECT_EQ(empty.entries[0], (Entry{.date = start}));
+  EXPECT_EQ(own(empty.entries[0]), (Entry{.date = start}));
   EXPECT_EQ(empty.policy.date(), start + 1s + 30s);  // counted from the second reading
 
   const TarnoMacStatusSnapshot saved{.status = TarnoMacStatus::unlocked};
   TarnoMacDefaults::persistStatus(saved, start - 200s, std::nullopt, *TarnoMacDefaults::store());
-  EXPECT_EQ(timeline().entries[0],
+  const auto stale = timelineEntry();
+  EXPECT_EQ(stale,
             (Entry{start + 2s, saved.withLocalFreshness(start - 200s, start + 2s, 150s), start - 200s}));
-  EXPECT_TRUE(timeline().entries[0].status->isStale());
+  EXPECT_TRUE(stale.status->isStale());
 
   const auto store = TarnoMacDefaults::store();
   store->set(TarnoMacDefaults::lastStatusAt, "not a date");
   store->synchronize();
-  EXPECT_EQ(timeline().entries[0], (Entry{start + 6s, saved, {}}));
+  EXPECT_EQ(timelineEntry(), (Entry{start + 4s, saved, {}}));
 }
 
 TEST(Provider, OnlyPreviewsAndPlaceholdersLeaveTheStoreAlone) {
@@ -82,10 +81,10 @@ TEST(Provider, OnlyPreviewsAndPlaceholdersLeaveTheStoreAlone) {
   const foundation::ClockOverride clock{start};
   TarnoMacDefaults::persistStatus({.status = TarnoMacStatus::locking}, start, std::nullopt,
                                   *TarnoMacDefaults::store());
-  EXPECT_EQ(snapshotEntry(true), Entry::placeholder());
-  EXPECT_EQ(TarnoMacWidgetProvider{}.placeholder({}), Entry::placeholder());
-  EXPECT_EQ(snapshotEntry(false), timeline().entries[0]);
-  EXPECT_EQ(snapshotEntry(false).status->status, TarnoMacStatus::locking);
+  EXPECT_EQ(own(provider->snapshot({.isPreview = true})), Entry::placeholder());
+  EXPECT_EQ(own(provider->placeholder({})), Entry::placeholder());
+  EXPECT_EQ(own(provider->snapshot({})), timelineEntry());
+  EXPECT_EQ(timelineEntry().status->status, TarnoMacStatus::locking);
 }
 
 }  // namespace
