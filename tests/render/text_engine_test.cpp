@@ -22,10 +22,14 @@ struct Ink {
   bool colored;
 };
 
-/// Where `run` leaves marks on a tile of 300 x 60 points.
+/// A PNG of `run` on a tile of 300 x 60 points.
+std::string png(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
+  return render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, scale);
+}
+
+/// Where `run` leaves marks on it.
 Ink ink(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
-  const auto pixels =
-      Pixels::decode(render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, scale));
+  const auto pixels = Pixels::decode(png(engine, run, scale));
   Ink found{pixels.width, pixels.height, 0, 0, false};
   for (int i = 0; i < pixels.width * pixels.height; ++i) {
     const int x = i % pixels.width, y = i / pixels.width;
@@ -86,6 +90,8 @@ TEST(TextEngine, cutsWhereMoreWouldFollow) {
     EXPECT_TRUE(m.lines == row.lines && m.truncated == row.truncated) << row.text;
   }
   EXPECT_TRUE(engine.measure(std::string(100'000, 'x'), caption, {}, 1).truncated);
+  EXPECT_GT(engine.measure("a\nb\nc", caption, {}, 2).size.width,
+            engine.measure("a\nb", caption, {}, 2).size.width);
 }
 
 TEST(TextEngine, everyWeightHasItsFaceAndDigitsNeverFallBack) {
@@ -98,7 +104,9 @@ TEST(TextEngine, everyWeightHasItsFaceAndDigitsNeverFallBack) {
   EXPECT_LT(regular, weighted(FontWeight::medium));
   EXPECT_LT(weighted(FontWeight::medium), weighted(FontWeight::bold));
   EXPECT_EQ(weighted(FontWeight::semibold), weighted(FontWeight::bold));
-  EXPECT_NE(width("Kivo's Mac", ui::Font::system(12)), regular);
+  const ui::Font plain = ui::Font::system(12);
+  EXPECT_NE(width("Kivo's Mac", plain), regular);
+  EXPECT_LT(width("Kivo's Mac", plain), width("Kivo's Mac", plain.weight(FontWeight::bold)));
   EXPECT_NEAR(width("Kivo's Mac", caption.scaled(10)), regular * 10, regular / 100);
   for (const std::string before : {"書", "🔒", "דה"})
     EXPECT_NEAR(width(before + " Mac 12") - width(before), width(" Mac 12"), 0.01) << before;
@@ -121,10 +129,7 @@ TEST(TextEngine, aRunOfOneScriptIsSetInOneFace) {
 TEST(TextEngine, breaksWordsWithoutHyphens) {
   render::TextEngine engine;
   const std::string word = "Donaudampfschifffahrtsgesellschaftskapitänsmütze";
-  const auto picture = [&](const std::string& text) {
-    const auto run = place(engine, text, 194, 2);
-    return render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, 1);
-  };
+  const auto picture = [&](const std::string& text) { return png(engine, place(engine, text, 194, 2)); };
   const std::string broken = picture(word);
   int same = 0;
   for (std::size_t at = 20; at < 40; ++at)
@@ -157,8 +162,7 @@ TEST(TextEngine, picturesStandInVectorFilesWhereTheyStandOnPixels) {
   EXPECT_NEAR(y, onPixels.top, 1.5);
   EXPECT_NEAR(x + width, onPixels.right, 1.5);
   EXPECT_NEAR(y + height, onPixels.bottom, 1.5);
-  const auto pixels =
-      Pixels::decode(render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, 1));
+  const auto pixels = Pixels::decode(png(engine, run));
   for (const auto& pixel : pixels.rows) EXPECT_LE(pixel[3], 129);
 }
 
@@ -169,8 +173,10 @@ TEST(DisplayText, isValidAndBounded) {
   EXPECT_TRUE(displayText(filler + "é", true).cut);
   EXPECT_EQ(displayText(filler + "y", true).text, filler + "y");
   EXPECT_FALSE(displayText(filler + "y", true).cut);
+  EXPECT_EQ(displayText("\xFF" + filler + "é", true).text, "\uFFFD" + filler + "…");
+  EXPECT_EQ(displayText("\uFDCF\uFDD0\uFDEF\uFDF0\uFFFE", true).text, "\uFDCF\uFFFD\uFFFD\uFDF0\uFFFD");
   EXPECT_EQ(displayText("\xE3\x81", true).text, "\uFFFD\uFFFD");
-  EXPECT_EQ(displayText("a\tb\x7F\u0085\r\nc\v", false).text, "a b \u2028\u2028c\u2028");
+  EXPECT_EQ(displayText("a\tb\x7F\u009F\u0085\r\nc\v", false).text, "a b  \u2028\u2028c\u2028");
 }
 
 TEST(TextEngine, drawsInsideTheBoxAtEveryScaleAndTurnsAboutItsCorner) {
@@ -182,17 +188,32 @@ TEST(TextEngine, drawsInsideTheBoxAtEveryScaleAndTurnsAboutItsCorner) {
     EXPECT_NEAR(found.left, run.box.origin.x * scale, 1.2 * scale);
     EXPECT_NEAR(found.right, run.box.right() * scale, 1.5 * scale);
   }
+  for (const double aside : {0.25, 0.5}) {
+    run.box.origin.x = 50 + aside;
+    render::TextEngine other;
+    EXPECT_TRUE(png(engine, run) == png(other, run)) << aside;
+  }
+  run.box.origin.x = 50;
   run.rotation = ui::Angle::degrees(90);
   const auto turned = ink(engine, run);
   EXPECT_NEAR(turned.left, 50 - run.baseline, 0.5);
   EXPECT_NEAR(turned.top, 10, 2);
   EXPECT_LE(turned.right, 50);
+
+  const ui::Font huge = ui::Font::system(1000);
+  const std::string letters(10, 'H');
+  const auto m = engine.measure(letters, huge, {}, 1);
+  EXPECT_GT(ink(engine, {letters, huge, ui::black, {{0, -m.baseline + 50}, m.size}, m.baseline}).right, 0);
 }
 
 TEST(TextEngine, keepsLineBreaksAndSidesOfOtherScripts) {
   render::TextEngine engine;
   const auto arabic = place(engine, "جهاز ماك الخاص بمحمد علي\nماك", 150, 2);
   EXPECT_GT(ink(engine, arabic).right, arabic.box.right() - 3);
+  std::string blank;
+  for (int i = 0; i < 30; ++i) blank += "\u00A0";
+  const auto above = place(engine, "ماك\n" + blank, 1e9, 2);
+  EXPECT_GT(ink(engine, above).left, above.box.right() - 40);
   auto shorter = place(engine, "ماك");
   shorter.box.size.width = 200;
   EXPECT_GT(ink(engine, shorter).left, 200);
