@@ -1,6 +1,6 @@
 """Bars with the configuration of docs/companion.md, on desktops without a screen: each shows what was saved.
 
-    bars_test.py {waybar|swaybar|i3bar|polybar} FOLDER OF THE PROGRAMS
+    bars_test.py {waybar|i3bar|polybar} FOLDER OF THE PROGRAMS
 """
 
 import datetime
@@ -80,14 +80,6 @@ def waybar(rig):
     wait_for(lambda: shown() == [""], message="waybar's colour for a report that turns stale")
 
 
-def swaybar(rig):
-    rig.sway()
-    with open(rig.path("sway.conf"), "a", encoding="utf-8") as file:
-        file.write(block("conf", "sway and i3"))
-    rig.run("swaymsg", "reload")
-    shows_each_status(rig, lambda: rig.run("grim", "-t", "ppm", "-"))
-
-
 def i3bar(rig):
     rig.x11()
     screen = display.Display(rig.env["DISPLAY"])
@@ -111,4 +103,4 @@ if __name__ == "__main__":
     bar, folder = sys.argv[1:]
     with Rig(folder) as rig:
         rig.env["PATH"] = rig.home + ":" + rig.env["PATH"]
-        {"waybar": waybar, "swaybar": swaybar, "i3bar": i3bar, "polybar": polybar}[bar](rig)
+        {"waybar": waybar, "i3bar": i3bar, "polybar": polybar}[bar](rig)

@@ -1,8 +1,6 @@
 #include "tarno-desktop/live_tile.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/syscall.h>
-#include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <list>
@@ -13,16 +11,6 @@
 namespace {
 
 using namespace std::chrono_literals;
-
-/// As the kernel tells that the clock was set: once, to whoever sets a timer or reads it (timerfd_create(2)).
-bool isClockSet = false;
-int timerFlags = 0;
-
-long answer(long result) {
-  if (!std::exchange(isClockSet, false)) return result;
-  errno = ECANCELED;
-  return -1;
-}
 
 /// A live tile with a program of its own, and what it showed.
 struct Fixture {
@@ -155,31 +143,6 @@ TEST(EventLoop, SleepsUntilTheFirstDeadlineAndNotOnceItIsToEnd) {
   EXPECT_LT(Source::Clock::now(), late.start + 2s);
 }
 
-TEST(WallClockTimer, WakesAtAMomentAndWhenTheClockIsSet) {
-  const foundation::Date now{1'800'000'000s};
-  const foundation::ClockOverride clock{now};
-  int wakes = 0;
-  program::EventLoop loop;
-  program::WallClockTimer timer{[&] { ++wakes; }};
-  loop.add(timer);
-  const auto isWoken = [&] { return wakes > 0; };
-  const auto wakesSoon = [&] { return runUntil(loop, isWoken, 5s) && std::exchange(wakes, 0) == 1; };
-  timer.sleepUntil(now + 1h);
-  timer.dispatch(POLLIN);
-  EXPECT_EQ(wakes, 0) << "not due";
-  EXPECT_EQ(timerFlags, TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET);
-  timer.sleepUntil(now + 20ms);
-  EXPECT_TRUE(wakesSoon()) << "in place of the earlier sleep";
-  timer.sleepUntil(foundation::Date{});
-  EXPECT_TRUE(wakesSoon()) << "in the past";
-  isClockSet = true;
-  timer.sleepUntil(now + 1h);
-  EXPECT_TRUE(wakesSoon()) << "set before the sleep";
-  timer.sleepUntil(now + 20ms);
-  isClockSet = true;
-  EXPECT_TRUE(wakesSoon()) << "set during the sleep";
-}
-
 TEST(Signals, EndTheProgramOrAsk) {
   std::string told;
   program::EventLoop loop;
@@ -191,13 +154,3 @@ TEST(Signals, EndTheProgramOrAsk) {
 }
 
 }  // namespace
-
-extern "C" int timerfd_settime(int timer, int flags, const itimerspec* expiry, itimerspec* old) noexcept {
-  timerFlags = flags;
-  return static_cast<int>(answer(syscall(SYS_timerfd_settime, timer, flags, expiry, old)));
-}
-
-extern "C" ssize_t read(int descriptor, void* buffer, std::size_t size) {
-  const auto result = syscall(SYS_read, descriptor, buffer, size);
-  return size == sizeof(std::uint64_t) ? answer(result) : result;
-}

@@ -14,11 +14,17 @@ using namespace std::string_literals;
 
 TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
   const Area screen{0, 0, 2048, 768}, first{0, 0, 1024, 768}, second{1024, 0, 1024, 600};
-  const auto strut = [](std::vector<std::uint32_t> values) { return PanelWindow{{}, std::move(values)}; };
-  const auto atTop = [&](std::uint32_t depth, std::uint32_t start, std::uint32_t end) {
-    return strut({0, 0, depth, 0, 0, 0, 0, 0, start, end, 0, 0});
+  using Strut = std::vector<std::uint32_t>;
+  const auto atTop = [](std::uint32_t depth, std::uint32_t start, std::uint32_t end) {
+    return PanelWindow{{}, {0, 0, depth, 0, 0, 0, 0, 0, start, end, 0, 0}};
   };
-  const PanelWindow bar{{0, 740, 1024, 28}, {}};
+  const PanelWindow left{{}, Strut{1064, 0, 0, 0, 0, 599, 0, 0, 0, 0, 0, 0}};
+  const PanelWindow right{{}, Strut{0, 1064, 0, 0, 0, 0, 0, 767, 0, 0, 0, 0}};
+  const PanelWindow bottom{{}, Strut{0, 0, 0, 198, 0, 0, 0, 0, 0, 0, 1024, 2047}},
+      edge{{}, Strut{0, 0, 0, 30}};
+  const PanelWindow placed{{1024, 0, 1024, 24}, {0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0}};
+  const PanelWindow bar{{0, 740, 1024, 28}, {}}, highBar{{0, 730, 1024, 38}, {}},
+      noPanel{{0, 750, 99, 10}, {}};
   struct Case {
     const char* name;
     std::vector<PanelWindow> windows;
@@ -30,46 +36,22 @@ TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
       {"top of the first", {atTop(40, 0, 1023)}, {}, {0, 40, 1024, 728}, second},
       {"top of the second", {atTop(40, 1024, 2047)}, {}, first, {1024, 40, 1024, 560}},
       {"the deeper of two", {atTop(40, 0, 1023), atTop(25, 0, 99)}, {}, {0, 40, 1024, 728}, second},
-      {"left of the second",
-       {strut({1064, 0, 0, 0, 0, 599, 0, 0, 0, 0, 0, 0})},
-       {},
-       first,
-       {1064, 0, 984, 600}},
-      {"right of the first",
-       {strut({0, 1064, 0, 0, 0, 0, 0, 767, 0, 0, 0, 0})},
-       {},
-       {0, 0, 984, 768},
-       second},
-      {"bottom of the second, which is less high",
-       {strut({0, 0, 0, 198, 0, 0, 0, 0, 0, 0, 1024, 2047})},
-       {},
-       first,
-       {1024, 0, 1024, 570}},
-      {"a whole edge", {strut({0, 0, 0, 30})}, {}, {0, 0, 1024, 738}, second},
-      {"no range, but a place",
-       {{{1024, 0, 1024, 24}, {0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0}}},
-       {},
-       first,
-       {1024, 24, 1024, 576}},
+      {"left of the second", {left}, {}, first, {1064, 0, 984, 600}},
+      {"right of the first", {right}, {}, {0, 0, 984, 768}, second},
+      {"bottom of the second, which is less high", {bottom}, {}, first, {1024, 0, 1024, 570}},
+      {"a whole edge", {edge}, {}, {0, 0, 1024, 738}, second},
+      {"no range, but a place", {placed}, {}, first, {1024, 24, 1024, 576}},
       {"a work area alone", {}, Area{0, 24, 2048, 744}, {0, 24, 1024, 744}, {1024, 24, 1024, 576}},
       {"a work area at the sides", {}, Area{10, 0, 2018, 768}, {10, 0, 1014, 768}, {1024, 0, 1004, 600}},
       {"a work area for a bar", {bar}, Area{0, 0, 2048, 740}, {0, 0, 1024, 740}, second},
-      {"a work area that a bar does not fit",
-       {{{0, 730, 1024, 38}, {}}},
-       Area{0, 0, 2048, 100},
-       {0, 0, 1024, 100},
-       {1024, 0, 1024, 600}},
+      {"a bar that does not fit", {highBar}, Area{0, 0, 2048, 100}, {0, 0, 1024, 100}, {1024, 0, 1024, 600}},
       {"a work area for a strut", {atTop(40, 0, 1023)}, Area{0, 40, 2048, 728}, {0, 40, 1024, 728}, second},
-      {"a work area that a strut explains in part",
+      {"a strut in part",
        {atTop(40, 0, 1023)},
        Area{0, 50, 2048, 718},
        {0, 50, 1024, 718},
        {1024, 50, 1024, 550}},
-      {"a work area, and a window that is no panel",
-       {{{0, 750, 99, 10}, {}}},
-       Area{0, 0, 2048, 740},
-       {0, 0, 1024, 740},
-       second},
+      {"a window that is no panel", {noPanel}, Area{0, 0, 2048, 740}, {0, 0, 1024, 740}, second},
   };
   for (const auto& [name, windows, workArea, ofFirst, ofSecond] : cases) {
     EXPECT_EQ(freeArea(first, screen, windows, workArea), ofFirst) << name;
