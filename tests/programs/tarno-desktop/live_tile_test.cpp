@@ -119,30 +119,6 @@ TEST(LiveTile, ShowsNothingOfAnotherScale) {
   EXPECT_EQ(fixture.requests(), requests);
 }
 
-TEST(EventLoop, SleepsUntilTheFirstDeadlineAndNotOnceItIsToEnd) {
-  struct Source final : program::EventSource {
-    explicit Source(program::EventLoop& owner, bool ends) : loop(owner), endsAtOnce(ends) {}
-    Wait prepare() override {
-      if (endsAtOnce) loop.quit(7);
-      return {-1, 0, start + 3s};
-    }
-    void dispatch(short) override {
-      if (Clock::now() > start + 2s) loop.quit(1);
-    }
-    program::EventLoop& loop;
-    bool endsAtOnce;
-    Clock::time_point start = Clock::now();
-  };
-  program::EventLoop loop;
-  Source late{loop, false}, ending{loop, true};
-  loop.add(late);
-  runFor(loop, 10ms);
-  EXPECT_LT(Source::Clock::now(), late.start + 2s);
-  loop.add(ending);
-  EXPECT_EQ(loop.run(), 7);
-  EXPECT_LT(Source::Clock::now(), late.start + 2s);
-}
-
 TEST(Signals, EndTheProgramOrAsk) {
   std::string told;
   program::EventLoop loop;
