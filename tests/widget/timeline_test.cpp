@@ -26,7 +26,7 @@ class TickingClock {
 const auto provider = TarnoMacStatusWidget{}.body().provider;
 
 Entry own(const widgetkit::AnyTimelineEntry& entry) {
-  const auto result = std::any_cast<Entry>(entry.value);
+  auto result = std::any_cast<Entry>(entry.value);
   EXPECT_EQ(entry.date, result.date);
   return result;
 }
