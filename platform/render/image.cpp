@@ -127,6 +127,8 @@ std::string svg(const ui::Scene& scene, TextEngine& text, double scale, const Wo
 
 std::string pdf(const ui::Scene& scene, TextEngine& text, double scale, const Words& words) {
   return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [&](cairo_surface_t* surface) {
+    // Later versions pack objects into streams, where simple tools do not find the title.
+    cairo_pdf_surface_restrict_to_version(surface, CAIRO_PDF_VERSION_1_4);
     // Otherwise the time of drawing.
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, words.title.c_str());

@@ -333,10 +333,10 @@ TEST_F(SuiteStoreTest, WhatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
       {[&] { fs::remove_all(directory); }, true},
       {[&] { moveAway(), mkdir(directory.c_str(), 0700); }, true},
       {[&] { moveAway(), fs::create_directory_symlink(moved, directory); }, false}};
-  for (const auto& [swap, canSave] : folders)
-    forEachCall([&, &swap = swap, canSave = canSave](int number) {
-      const auto [failure, isReached] = saveDuring(number, [&] { return swap(), false; });
-      EXPECT_EQ(failure.empty(), canSave || !isReached);
+  for (const auto& folder : folders)
+    forEachCall([&](int number) {
+      const auto [failure, isReached] = saveDuring(number, [&] { return folder.first(), false; });
+      EXPECT_EQ(failure.empty(), folder.second || !isReached);
       expectTwins(failure.empty() ? Value{2.0} : Value{});
       return isReached;
     });

@@ -57,6 +57,7 @@ def x11_picture(screen):
 
 
 def waybar(rig):
+    rig.session_bus()  # newer ones do not start without
     rig.sway()
     css = block("css", "waybar")
     colours = dict(re.findall(r"#custom-tarno\.?(\w*) \{.*background: #(\w+);", css))

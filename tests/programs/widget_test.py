@@ -146,17 +146,20 @@ class Widget(ProgramTest):
                 'msgid "Tarno"\nmsgstr "Tarno-Kachel"\n'
                 'msgid "Mac lock status and presence signals."\nmsgstr "Sperre für den Mac"\n')
         subprocess.run(["msgfmt", "-o", catalogues / "tarno.mo", "-"], input=text.encode(), check=True)
-        for locale in ({"LC_ALL": "C.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "C.UTF-8"}):
-            done = self.run_program(programs / "tarno-widget", "gallery", "--json", LANGUAGE="de", **locale)
+        # A locale of its own: the system need not have any, and in C.UTF-8 newer C libraries translate nothing.
+        subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8", self.folder / "de_DE.UTF-8"], check=True)
+        self.environment |= {"LOCPATH": str(self.folder)}
+        for locale in ({"LC_ALL": "de_DE.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "de_DE.UTF-8"}):
+            done = self.run_program(programs / "tarno-widget", "gallery", "--json", **locale)
             shown = json.loads(done.stdout)
             self.assertEqual((shown["display_name"], shown["description"]), ("Tarno-Kachel", "Sperre für den Mac"), locale)
-        answer, _ = self.frame(program=programs / "tarno-widget", LANGUAGE="de")
+        answer, _ = self.frame(program=programs / "tarno-widget", LC_ALL="de_DE.UTF-8")
         self.assertEqual(answer["title"], "Tarno-Kachel")
 
     def test_fonts_tell_when_the_rounded_face_is_missing(self):
         self.assertEqual(self.widget("fonts"), b"Quicksand\n")
         (self.folder / "fonts.conf").write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont>"
-                                                "<rejectfont><glob>*quicksand*</glob></rejectfont></selectfont></fontconfig>")
+                                                "<rejectfont><glob>/*quicksand*</glob></rejectfont></selectfont></fontconfig>")
         environment = {"FONTCONFIG_FILE": str(self.folder / "fonts.conf")}
         done = subprocess.run([BIN / "tarno-widget", "fonts"], capture_output=True, env={**self.environment, **environment})
         self.assertEqual((done.returncode, done.stderr), (69, b""))

@@ -131,7 +131,7 @@ TEST(Image, vectorFilesSayWhatTheyShow) {
   const ui::Scene scene{{9, 9}, {}, {{.label = "a < b"}, {.label = "Mac\x01 surface7\uFFFE"}}};
   const std::string svg = encodeImage(scene, text, ImageFormat::svg, 1, "T &\t\"t\"");
   EXPECT_TRUE(has(svg,
-                  "version=\"1.1\" role=\"img\">\n<title>T &amp; &quot;t&quot;</title>\n"
+                  " role=\"img\">\n<title>T &amp; &quot;t&quot;</title>\n"
                   "<desc>a &lt; b, Mac  surface7\uFFFD</desc>\n<"));
   EXPECT_FALSE(has(encode({{9, 9}, {}, {}}, ImageFormat::svg), "<title>"));
   const std::string pdf = encodeImage({{9, 9}, {}, {{.label = "ab"}}}, text, ImageFormat::pdf, 1, "Title");

@@ -74,7 +74,7 @@ TEST(Snapshot, OneBadFieldRefusesTheRecord) {
       {R"({"input_idle_seconds":[]})", "input_idle_seconds: expected a number, found an array"},
       {R"({"seen_at":1763307695})", "seen_at: expected a string, found a number"},
       {R"({"seen_at":"2026-11-16"})", "seen_at: Invalid ISO8601 date"}};
-  for (const auto& [json, error] : rows) EXPECT_EQ(errorOf([json = json] { decoded(json); }), error);
+  for (const auto& row : rows) EXPECT_EQ(errorOf([&] { decoded(row.first); }), row.second);
   EXPECT_EQ(errorOf([] { encoded({.app = "a", .inputIdleSeconds = std::nan("")}); }),
             "input_idle_seconds: a number that is not finite has no JSON form");
   EXPECT_EQ(errorOf([] { encoded({.message = "\xff"}); }),
