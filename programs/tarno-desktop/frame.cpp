@@ -3,92 +3,60 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "foundation/iso8601.hpp"
-#include "foundation/json_decoder.hpp"
 
 namespace desktop {
 
-using foundation::Decoder;
+using nlohmann::json;
 
-template <class T>
-static T required(const Decoder& decoder, std::string_view key) {
-  auto value = decoder.decodeIfPresent<T>(key);
-  if (!value) throw decoder.dataCorrupted("there is no '" + std::string{key} + "'");
-  return *std::move(value);
-}
-
-static int requiredInt(const Decoder& decoder, std::string_view key, int least) {
-  constexpr int most = 1 << 20;
-  const auto value = required<std::int64_t>(decoder, key);
-  if (value < least || value > most) throw decoder.dataCorrupted("the " + std::string{key} + " cannot be");
-  return static_cast<int>(value);
-}
-
-static void decode(const Decoder& decoder, AccessibleElement& element) {
-  element = {required<std::string>(decoder, "role") == "image" ? "image" : "text",
-             required<std::string>(decoder, "label"),
-             required<double>(decoder, "x"),
-             required<double>(decoder, "y"),
-             required<double>(decoder, "width"),
-             required<double>(decoder, "height")};
-}
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AccessibleElement, role, label, x, y, width, height)
 
 namespace {
 
-struct WatchedFile {
-  std::filesystem::path path;
-};
-
-void decode(const Decoder& decoder, WatchedFile& watched) {
-  watched.path = required<std::string>(decoder, "folder");
-  if (!watched.path.is_absolute()) throw decoder.dataCorrupted("the folder's path is not absolute");
-  watched.path /= required<std::string>(decoder, "file");
-}
-
-/// The whole of an answer; the memory is missing.
-struct Answer {
-  Frame frame;
-  Picture picture;
-};
-
-void decode(const Decoder& decoder, Answer& answer) {
-  if (const auto error = decoder.decodeIfPresent<std::string>("error")) throw std::runtime_error{*error};
-  auto& picture = answer.picture;
-  picture.width = requiredInt(decoder, "width", 1);
-  picture.height = requiredInt(decoder, "height", 1);
-  picture.stride = requiredInt(decoder, "stride", 4 * picture.width);
-  if (picture.stride % 4 != 0) throw decoder.dataCorrupted("rows do not begin at whole pixels");
-  auto& frame = answer.frame;
-  frame.title = required<std::string>(decoder, "title");
-  frame.announcement = required<std::string>(decoder, "announcement");
-  frame.elements = required<std::vector<AccessibleElement>>(decoder, "accessibility");
-  frame.reloadDate = required<foundation::Date>(decoder, "reload_after");
-  frame.staleDate = decoder.decodeIfPresent<foundation::Date>("stale_from");
-  frame.storeFile = decoder.decodeIfPresent<WatchedFile>("watch").value_or(WatchedFile{}).path;
-}
-
-foundation::Date readDate(const Decoder& decoder) {
-  const auto text = decoder.as<std::string>();
-  const auto date = foundation::dateFromRFC3339(text);
-  if (!date) throw decoder.dataCorrupted("'" + text + "' is not a date");
+foundation::Date readDate(const json& text) {
+  const auto date = foundation::dateFromRFC3339(text.get<std::string>());
+  if (!date) throw std::runtime_error{text.dump() + " is not a date"};
   return *date;
+}
+
+std::filesystem::path readWatch(const json& watch) {
+  const std::filesystem::path folder = watch.at("folder").get<std::string>();
+  if (!folder.is_absolute()) throw std::runtime_error{"the watched folder's path is not absolute"};
+  return folder / watch.at("file").get<std::string>();
+}
+
+/// Whether all of the picture can be mapped, and nobody can take its memory away.
+bool isSafe(const Picture& picture) {
+  struct stat file {};
+  const int seals = fcntl(picture.memory.get(), F_GET_SEALS);
+  return picture.width > 0 && picture.height > 0 && picture.stride % 4 == 0 &&
+         picture.stride / 4 >= picture.width && fstat(picture.memory.get(), &file) == 0 &&
+         picture.size() <= static_cast<std::size_t>(file.st_size) && seals >= 0 &&
+         (seals & F_SEAL_SHRINK) != 0;
 }
 
 }  // namespace
 
 Frame readFrame(std::string_view text, foundation::FileDescriptor memory, double scale) {
-  auto [frame, picture] = foundation::JSONDecoder{readDate}.decode<Answer>(text);
-  struct stat status {};
-  if (fstat(memory.get(), &status) != 0 || static_cast<std::size_t>(status.st_size) < picture.size())
-    throw std::runtime_error{"the picture is smaller than its answer says"};
-  const int seals = fcntl(memory.get(), F_GET_SEALS);
-  if (seals < 0 || (seals & F_SEAL_SHRINK) == 0) throw std::runtime_error{"the picture is not sealed"};
-  picture.memory = std::move(memory);
-  picture.scale = scale;
-  frame.picture = std::make_shared<Picture>(std::move(picture));
-  return std::move(frame);
+  const auto answer = json::parse(text, nullptr, false);
+  if (!answer.is_object()) throw std::runtime_error{"the answer is no JSON object"};
+  if (answer.contains("error")) throw std::runtime_error{answer["error"].get<std::string>()};
+  Picture picture{std::move(memory), answer.at("width"), answer.at("height"), answer.at("stride"), scale};
+  if (!isSafe(picture))
+    throw std::runtime_error{"the picture is not as large as its answer says, or not sealed"};
+  Frame frame{std::make_shared<Picture>(std::move(picture)),
+              answer.at("title"),
+              answer.at("announcement"),
+              answer.at("accessibility"),
+              readDate(answer.at("reload_after")),
+              {},
+              {}};
+  if (const auto& date = answer.at("stale_from"); !date.is_null()) frame.staleDate = readDate(date);
+  if (const auto& watch = answer.at("watch"); !watch.is_null()) frame.storeFile = readWatch(watch);
+  return frame;
 }
 
 }  // namespace desktop

@@ -12,14 +12,11 @@
 
 namespace desktop {
 
-/// What a screen reader finds on the tile.
+/// What a screen reader finds on the tile; a place in points from the tile's upper left corner.
 struct AccessibleElement {
-  std::string role;   ///< "image" or "text"
+  std::string role;   ///< "image" or "staticText"
   std::string label;  ///< what is read
-  double x = 0;       ///< in points from the tile's left edge
-  double y = 0;       ///< in points from the tile's top edge
-  double width = 0;   ///< in points
-  double height = 0;  ///< in points
+  double x = 0, y = 0, width = 0, height = 0;
 
   friend bool operator==(const AccessibleElement&, const AccessibleElement&) = default;
 };
@@ -36,8 +33,8 @@ struct Frame {
 };
 
 /// Reads what `tarno-widget frame` printed (docs/frame.md) about the picture that it drew into `memory` at
-/// `scale` pixels per point. Trusts nothing in it. Throws std::runtime_error, whose text is one line, when
-/// there is no picture or the answer is wrong.
+/// `scale` pixels per point. Trusts nothing in it. Throws std::exception when there is no picture or the
+/// answer is wrong.
 Frame readFrame(std::string_view answer, foundation::FileDescriptor memory, double scale);
 
 }  // namespace desktop

@@ -1,18 +1,17 @@
 #include "tarno-desktop/frame_process.hpp"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace desktop {
@@ -20,120 +19,110 @@ namespace {
 
 using foundation::FileDescriptor;
 
-constexpr std::chrono::seconds timeLimit{10};
-constexpr int memoryNumber = 3;  ///< the descriptor's number in the process
+constexpr unsigned timeLimit = 10;    ///< in seconds
+constexpr int pipeSize = 1 << 20;     ///< in bytes; of an answer, too: a longer one is never finished
+constexpr int cannotBeStarted = 127;  ///< the code that a shell uses for this
 
-constexpr int pipeSize = 1 << 20;  ///< of an answer, too: a longer one is never finished
+FileDescriptor opened(int descriptor) {
+  if (descriptor < 0) throw std::system_error{errno, std::generic_category()};
+  return FileDescriptor{descriptor};
+}
 
-/// A pipe's end to read from without waiting, and the one to write to.
-std::pair<FileDescriptor, FileDescriptor> makePipe() {
-  int ends[2] = {-1, -1};
-  if (pipe2(ends, O_CLOEXEC) == 0) {
-    fcntl(ends[0], F_SETFL, O_NONBLOCK);
-    fcntl(ends[0], F_SETPIPE_SZ, pipeSize);  // or less, where the user has many pipes
-  }
+struct Pipe {
+  FileDescriptor reader, writer;  ///< the reader does not wait
+};
+
+Pipe makePipe() {
+  std::array ends{-1, -1};
+  opened(pipe2(ends.data(), O_CLOEXEC)).release();
+  fcntl(ends[0], F_SETFL, O_NONBLOCK);
+  fcntl(ends[0], F_SETPIPE_SZ, pipeSize);  // or less, where the user has many pipes
   return {FileDescriptor{ends[0]}, FileDescriptor{ends[1]}};
 }
 
 /// What a process that has ended left in a pipe. A child of it may write for ever.
 std::string readAll(const FileDescriptor& pipe) {
   std::string bytes;
-  char buffer[4096];
-  for (ssize_t size; bytes.size() < pipeSize && (size = read(pipe.get(), buffer, sizeof buffer)) > 0;)
-    bytes.append(buffer, static_cast<std::size_t>(size));
+  std::array<char, 4096> buffer;
+  for (ssize_t size; bytes.size() < pipeSize && (size = read(pipe.get(), buffer.data(), buffer.size())) > 0;)
+    bytes.append(buffer.data(), static_cast<std::size_t>(size));
   return bytes;
 }
 
-/// Looked for each time: it may be missing while it is replaced by a newer one.
-std::string programFor(const FrameRequest& request) {
-  if (!request.program.empty()) return request.program;
-  std::error_code unknown;
-  const auto own = std::filesystem::read_symlink("/proc/self/exe", unknown);
-  const auto beside = own.parent_path() / "tarno-widget";
-  return access(beside.c_str(), X_OK) == 0 ? beside.string() : beside.filename().string();
-}
-
-std::vector<std::string> commandLine(const FrameRequest& request) {
-  std::vector<std::string> words{programFor(request),
-                                 "frame",
-                                 "--family",
-                                 request.family,
-                                 "--scale",
-                                 scaleText(request.scale),
-                                 "--fd",
-                                 std::to_string(memoryNumber)};
+std::vector<std::string> commandLine(const FrameRequest& request, int memory) {
+  std::vector<std::string> words{
+      request.program,       "frame", "--family", request.family, "--scale", scaleText(request.scale), "--fd",
+      std::to_string(memory)};
   if (request.at) words.insert(words.end(), {"--at", *request.at});
   return words;
 }
 
+/// In the child: becomes the extension's process, or answers as that does when it fails. Of what this program
+/// does with signals nothing is handed on, and the alarm outlasts the change of the program.
+[[noreturn]] void become(std::vector<std::string> command, int output, int errors, int memory) noexcept {
+  dup2(output, STDOUT_FILENO);
+  dup2(errors, STDERR_FILENO);
+  fcntl(memory, F_SETFD, 0);  // stays open
+  for (const int signal : {SIGALRM, SIGPIPE}) std::signal(signal, SIG_DFL);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+  alarm(timeLimit);
+  std::vector<char*> words;
+  for (auto& word : command) words.push_back(word.data());
+  words.push_back(nullptr);
+  execvp(words[0], words.data());
+  const auto name = std::filesystem::path{command[0]}.filename();
+  execvp(name.c_str(), words.data());
+  dprintf(STDOUT_FILENO, R"({"error": "%s"})", std::strerror(errno));
+  _exit(cannotBeStarted);
+}
+
+std::string reasonOf(int signal) {
+  return signal == SIGALRM ? "no answer within " + std::to_string(timeLimit) + " s"
+                           : std::string{"ended by a signal: "} + strsignal(signal);
+}
+
 }  // namespace
 
-FrameProcess::FrameProcess(std::function<void(FrameAnswer)> completion)
-    : completion_(std::move(completion)) {}
-
 FrameProcess::~FrameProcess() {
-  if (process_) kill(pid_, SIGKILL);
+  if (process_) stop();
 }
 
 void FrameProcess::start(const FrameRequest& request) {
-  scale_ = request.scale;
-  deadline_ = Clock::now() + timeLimit;
-  auto command = commandLine(request);
-  if (const int error = spawn(command))
-    completion_({{}, "cannot start " + command.front() + ": " + std::strerror(error), {}});
+  try {
+    spawn(request);
+  } catch (const std::system_error& error) {
+    completion_({{}, std::string{"cannot start a process: "} + error.what(), {}});
+  }
 }
 
-/// 0, or the number of the error.
-int FrameProcess::spawn(std::vector<std::string>& command) {
-  memory_ = FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC | MFD_ALLOW_SEALING)};
-  auto [output, outputEnd] = makePipe();
-  auto [errors, errorsEnd] = makePipe();
-  if (!memory_ || !output || !errors) return errno;
-
-  std::vector<char*> arguments(command.size() + 1, nullptr);
-  std::transform(command.begin(), command.end(), arguments.begin(),
-                 [](std::string& word) { return word.data(); });
-
-  posix_spawn_file_actions_t descriptors;
-  posix_spawn_file_actions_init(&descriptors);
-  posix_spawn_file_actions_adddup2(&descriptors, outputEnd.get(), STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&descriptors, errorsEnd.get(), STDERR_FILENO);
-  posix_spawn_file_actions_adddup2(&descriptors, memory_.get(), memoryNumber);
-  // Of what this program does with signals, nothing is handed on.
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  sigset_t signals;
-  sigemptyset(&signals);
-  posix_spawnattr_setsigmask(&attributes, &signals);
-  sigaddset(&signals, SIGPIPE);
-  posix_spawnattr_setsigdefault(&attributes, &signals);
-  const int error =
-      posix_spawnp(&pid_, arguments.front(), &descriptors, &attributes, arguments.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&descriptors);
-  if (error != 0) return error;
-  output_ = std::move(output);
-  errors_ = std::move(errors);
+/// By fork(), after which this program goes on at once: with posix_spawn() it would sleep until the child has
+/// become the other program, and wake up once more for each frame.
+void FrameProcess::spawn(const FrameRequest& request) {
+  scale_ = request.scale;
+  memory_ = opened(memfd_create("tarno-tile", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+  auto output = makePipe(), errors = makePipe();
+  const auto command = commandLine(request, memory_.get());
+  pid_ = fork();
+  if (pid_ == 0) become(command, output.writer.get(), errors.writer.get(), memory_.get());
+  if (pid_ < 0) throw std::system_error{errno, std::generic_category()};
+  output_ = std::move(output.reader);
+  errors_ = std::move(errors.reader);
   // Not through <sys/pidfd.h>, whose functions glibc 2.36 declares as C++.
   process_ = FileDescriptor{static_cast<int>(syscall(SYS_pidfd_open, pid_, 0))};
-  if (process_) return 0;
-  const int withoutDescriptor = errno;
-  kill(pid_, SIGKILL);
-  waitpid(pid_, nullptr, 0);
-  return withoutDescriptor;
+  if (process_) return;
+  const std::system_error failure{errno, std::generic_category()};
+  stop();
+  throw failure;
 }
 
-EventSource::Wait FrameProcess::prepare() {
-  return process_ ? Wait{process_.get(), POLLIN, deadline_} : Wait{};
+void FrameProcess::stop() const {
+  kill(pid_, SIGKILL);
+  waitpid(pid_, nullptr, 0);
 }
 
 void FrameProcess::dispatch(short events) {
-  if (!process_) return;
-  if (deadline_ && Clock::now() >= *deadline_) {
-    kill(pid_, SIGKILL);
-    deadline_.reset();
-  }
   if (events == 0) return;
   int status = 0;
   waitpid(pid_, &status, 0);
@@ -143,21 +132,16 @@ void FrameProcess::dispatch(short events) {
 
 FrameAnswer FrameProcess::answer(int status) {
   FrameAnswer answer{{}, {}, readAll(errors_)};
-  if (!deadline_) {
-    answer.failure = "no answer within " + std::to_string(timeLimit.count()) + " s";
-  } else if (WIFSIGNALED(status)) {
-    answer.failure = std::string{"ended by a signal: "} + strsignal(WTERMSIG(status));
-  } else {
-    try {
-      auto frame = readFrame(readAll(output_), std::move(memory_), scale_);
-      if (WEXITSTATUS(status) == 0) answer.frame = std::move(frame);
-    } catch (const std::runtime_error& error) {
-      answer.failure = error.what();
-    }
-    if (const int code = WEXITSTATUS(status); code != 0)
-      answer.failure =
-          "ended with code " + std::to_string(code) + (answer.failure.empty() ? "" : ": ") + answer.failure;
+  if (!answer.errors.empty() && !answer.errors.ends_with('\n')) answer.errors += '\n';
+  try {
+    if (WIFSIGNALED(status)) throw std::runtime_error{reasonOf(WTERMSIG(status))};
+    auto frame = readFrame(readAll(output_), std::move(memory_), scale_);
+    if (WEXITSTATUS(status) == 0) answer.frame = std::move(frame);
+  } catch (const std::exception& error) {
+    answer.failure = error.what();
   }
+  if (const int code = WEXITSTATUS(status); WIFEXITED(status) && code != 0)
+    answer.failure = "ended with code " + std::to_string(code) + ": " + answer.failure;
   return answer;
 }
 

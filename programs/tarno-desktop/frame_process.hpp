@@ -2,10 +2,10 @@
 
 #include <sys/types.h>
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "common/event_loop.hpp"
 #include "foundation/file_descriptor.hpp"
@@ -17,7 +17,7 @@ using program::EventSource;
 
 /// What `tarno-widget frame` is asked for.
 struct FrameRequest {
-  std::string program;  ///< a path; when empty, the tarno-widget beside this program, else the one in PATH
+  std::filesystem::path program;  ///< where it cannot be run, the one of its name in PATH takes its place
   std::string family = "medium";
   double scale = 1;               ///< pixels per point
   std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
@@ -26,15 +26,15 @@ struct FrameRequest {
 /// What became of a request.
 struct FrameAnswer {
   std::optional<Frame> frame;
-  std::string failure;  ///< why there is no frame, on one line
-  std::string errors;   ///< what the process wrote to standard error, at most a pipe full
+  std::string failure;  ///< why there is no frame
+  std::string errors;   ///< whole lines that the process wrote to standard error, at most a pipe full
 };
 
-/// The extension's process, one at a time. Whatever it does, at most the picture is missing: it has 10 s,
-/// then it is killed.
+/// The extension's process, one at a time. Whatever it does, at most the picture is missing: after 10 s it is
+/// ended.
 class FrameProcess final : public EventSource {
  public:
-  explicit FrameProcess(std::function<void(FrameAnswer)> completion);
+  explicit FrameProcess(std::function<void(FrameAnswer)> completion) : completion_(std::move(completion)) {}
   ~FrameProcess() override;
   FrameProcess(const FrameProcess&) = delete;
   FrameProcess& operator=(const FrameProcess&) = delete;
@@ -44,11 +44,12 @@ class FrameProcess final : public EventSource {
 
   bool isRunning() const { return static_cast<bool>(process_); }
 
-  Wait prepare() override;
+  Wait prepare() override { return {process_.get()}; }
   void dispatch(short events) override;
 
  private:
-  int spawn(std::vector<std::string>& command);
+  void spawn(const FrameRequest& request);
+  void stop() const;
   FrameAnswer answer(int status);
 
   std::function<void(FrameAnswer)> completion_;
@@ -56,7 +57,6 @@ class FrameProcess final : public EventSource {
   foundation::FileDescriptor process_;  ///< a pidfd while a process is running
   pid_t pid_ = -1;
   double scale_ = 1;
-  std::optional<Clock::time_point> deadline_;  ///< none once the process was killed
 };
 
 }  // namespace desktop

@@ -9,7 +9,10 @@
 #include <cstdlib>
 #include <utility>
 
-#include "common/command_line.hpp"
+#include "accessibility/accessible_tile.hpp"
+#include "common/failure.hpp"
+#include "tarno-desktop/live_tile.hpp"
+#include "tarno-desktop/signals.hpp"
 #include "wayland/wayland_surface.hpp"
 #include "x11/x11_surface.hpp"
 
@@ -18,34 +21,84 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A display that lasted this long is waited for as long when it goes away: compositors restart.
-constexpr auto patience = 5s;
-constexpr auto retryInterval = 250ms;
-
 bool isSet(const char* name) {
   const char* const value = std::getenv(name);
   return value && *value;
 }
 
-/// Gives back what is free in the heap, and the pages of the program and its libraries that are only read:
-/// those that it reads options with, connects and takes answers, which it does not need while it sleeps. What
-/// is needed again comes from the page cache.
-void releaseMemory() {
-  malloc_trim(0);
-  const auto releaseObject = [](dl_phdr_info* object, std::size_t, void*) {
-    static const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    for (int i = 0; i < object->dlpi_phnum; ++i) {
-      const auto& segment = object->dlpi_phdr[i];
-      if (segment.p_type != PT_LOAD || (segment.p_flags & PF_W) != 0) continue;
-      const auto begin = object->dlpi_addr + segment.p_vaddr;
-      const auto page = begin / pageSize * pageSize;
-      // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how an object's place is told
-      madvise(reinterpret_cast<void*>(page), begin + segment.p_memsz - page, MADV_DONTNEED);
-    }
-    return 0;
-  };
-  dl_iterate_phdr(releaseObject, nullptr);
+/// Gives back the pages of `object`, the program or a library, that are only read. Its headers, which this
+/// reads, are in the first of its segments.
+int releaseObject(dl_phdr_info* object, std::size_t, void*) {
+  static const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  for (int i = object->dlpi_phnum; i-- > 0;) {
+    const auto& segment = object->dlpi_phdr[i];
+    if (segment.p_type != PT_LOAD || (segment.p_flags & PF_W) != 0) continue;
+    const auto begin = object->dlpi_addr + segment.p_vaddr;
+    const auto page = begin / pageSize * pageSize;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how an object's place is told
+    madvise(reinterpret_cast<void*>(page), begin + segment.p_memsz - page, MADV_DONTNEED);
+  }
+  return 0;
 }
+
+/// Before a sleep, which takes half a minute, gives back what is free in the heap, and the code. What is
+/// needed again comes from the page cache, in about 0.1 ms.
+struct MemoryRelease final : EventSource {
+  Wait prepare() override {
+    malloc_trim(0);
+    dl_iterate_phdr(releaseObject, nullptr);
+    return {};
+  }
+  void dispatch(short) override {}
+};
+
+/// The tile on one connection to a display.
+class Host {
+ public:
+  /// Starts the first frame, then connects to the display.
+  explicit Host(const Options& options)
+      : signals_([this] { loop_.quit(EX_OK); }, [this] { tile_.refresh(); }),
+        tile_({std::filesystem::read_symlink("/proc/self/exe").replace_filename("tarno-widget"),
+               options.family, options.scale.value_or(1), options.at},
+              [this](const Frame& frame) { show(frame); }),
+        opened_(openSurface(options,
+                            {[this] { follow(); }, [this] { loop_.quit(EX_OK); }, [this] { follow(); }})) {
+    loop_.add(*opened_.surface);  // first: what it tells reaches the others before they sleep
+    loop_.add(signals_);
+    tile_.addTo(loop_);
+    loop_.add(accessible_);
+    loop_.add(memory_);  // last: the others have done what they had to do
+    follow();
+  }
+
+  int run() { return loop_.run(); }
+
+ private:
+  /// Where the tile is, and at which scale.
+  void follow() {
+    const auto scale = opened_.surface->scale();
+    if (!scale) return;
+    tile_.setScale(*scale);
+    accessible_.place(opened_.surface->extents(), *scale);
+  }
+
+  void show(const Frame& frame) {
+    opened_.surface->setTitle(frame.title);
+    opened_.surface->show(frame.picture);
+    accessible_.update(frame);
+    if (std::exchange(isShown_, true)) return;
+    program::complain("shown " + opened_.surface->description() +
+                      (opened_.reason.empty() ? "" : ", because " + opened_.reason));
+  }
+
+  program::EventLoop loop_;
+  Signals signals_;
+  LiveTile tile_;
+  OpenedSurface opened_;
+  AccessibleTile accessible_;
+  MemoryRelease memory_;
+  bool isShown_ = false;
+};
 
 }  // namespace
 
@@ -70,78 +123,26 @@ OpenedSurface openSurface(const Options& options, const SurfaceOwner& owner) {
   return {openWaylandSurface(plain, owner), "the compositor has neither layer-shell nor Xwayland"};
 }
 
-Host::Host(const Options& options)
-    : options_(options),
-      signals_(watchSignals([this] { loop_.quit(EX_OK); }, [this] { tile_.refresh(); })),
-      tile_({"", options.family, options.scale.value_or(1), options.at}, [this](const Frame& frame) {
-        frame_ = frame;
-        show();
-      }) {
-  open();
-  loop_.add(*this);  // first: what a surface tells its owner reaches the others before they sleep
-  loop_.add(*signals_);
-  tile_.addTo(loop_);
-}
-
-void Host::open() {
-  auto [surface, reason] = openSurface(
-      options_, {[this] { followScale(); }, [this] { loop_.quit(EX_OK); }, [this] { followPlace(); }});
-  surface_ = std::move(surface);
-  reason_ = std::move(reason);
-  isAnnounced_ = false;
-  openedAt_ = Clock::now();
-  followScale();
-  show();
-}
-
-void Host::followScale() {
-  if (const auto scale = surface_->scale()) tile_.setScale(*scale);
-}
-
-void Host::followPlace() {
-  if (const auto scale = surface_->scale(); scale && accessible_)
-    accessible_->place(surface_->extents(), *scale);
-}
-
-void Host::show() {
-  if (!surface_ || !frame_) return;
-  surface_->setTitle(frame_->title);
-  surface_->show(frame_->picture);
-  isBusy_ = true;
-  if (accessible_) accessible_->update(*frame_);
-  if (isAnnounced_) return;
-  program::complain("shown " + surface_->description() + (reason_.empty() ? "" : ", because " + reason_));
-  isAnnounced_ = true;
-}
-
-EventSource::Wait Host::prepare() {
-  if (!surface_) return {-1, 0, retryAt_};
-  const auto wait = surface_->prepare();
-  if (frame_ && !accessible_) {  // after the first picture is on its way
-    loop_.add(accessible_.emplace());
-    accessible_->update(*frame_);
-    followPlace();
-  }
-  if (std::exchange(isBusy_, false)) releaseMemory();
-  return wait;
-}
-
-void Host::dispatch(short events) {
-  try {
-    if (surface_) return surface_->dispatch(events);
-    if (Clock::now() >= retryAt_) open();
-  } catch (const program::Failure& failure) {
-    const auto now = Clock::now();
-    if (surface_) {
-      if (now - openedAt_ < patience) throw;
-      surface_.reset();
-      loss_ = failure;
-      giveUpAt_ = now + patience;
-    } else if (now >= giveUpAt_) {
-      throw program::Failure{*loss_};
+int showTile(const Options& options) {
+  // Compositors restart: a display that lasted this long is waited for as long when it goes away.
+  constexpr auto patience = 5s;
+  std::optional<program::Failure> loss;  // of a display that lasted
+  EventSource::Clock::time_point giveUpAt;
+  do {
+    const auto openedAt = EventSource::Clock::now();
+    try {
+      return Host{options}.run();
+    } catch (const program::Failure& failure) {
+      const auto now = EventSource::Clock::now();
+      if (now - openedAt >= patience) {
+        loss = failure;
+        giveUpAt = now + patience;
+      } else if (now >= giveUpAt) {
+        throw program::Failure{loss.value_or(failure)};
+      }
     }
-    retryAt_ = now + retryInterval;
-  }
+  } while (!Signals::isEndedWithin(250ms));
+  return EX_OK;
 }
 
 }  // namespace desktop

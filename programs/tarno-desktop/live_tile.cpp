@@ -3,9 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <sstream>
+#include <utility>
 
-#include "common/command_line.hpp"
+#include "common/failure.hpp"
 #include "common/files.hpp"
 #include "common/output.hpp"
 #include "widgetkit/reload_schedule.hpp"
@@ -27,62 +27,52 @@ LiveTile::LiveTile(FrameRequest request, std::function<void(const Frame&)> show)
     : request_(std::move(request)),
       show_(std::move(show)),
       process_([this](FrameAnswer answer) { answered(std::move(answer)); }),
-      timer_([this] { ask(); }),
-      timeZone_([this] { ask(); }),
+      timer_([this] { refresh(); }),
+      timeZone_([this] { refresh(); }),
       store_([this] { refresh(); }) {
   LiveTile::prepare();
   timeZone_.follow("/etc/localtime");
 }
 
-void LiveTile::addTo(EventLoop& loop) {
-  for (EventSource* const source : std::initializer_list<EventSource*>{&timer_, &timeZone_, &store_})
-    loop.add(*source);
+void LiveTile::addTo(program::EventLoop& loop) {
+  loop.add(timer_);
+  loop.add(timeZone_);
+  loop.add(store_);
   loop.add(*this);
   loop.add(process_);  // after what starts it
 }
 
-void LiveTile::ask() { need_ = Need::now; }
-
-void LiveTile::refresh() { need_ = std::max(need_, Need::soon); }
-
 void LiveTile::setScale(double scale) {
-  if (scale == request_.scale) return;
-  request_.scale = scale;
-  ask();
+  if (std::exchange(request_.scale, scale) != scale) refresh();
 }
 
 EventSource::Wait LiveTile::prepare() {
-  if (need_ == Need::none || process_.isRunning()) return {};
-  if (need_ == Need::soon) {
-    if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
-    notBefore_ = Clock::now() + shortestInterval;
-  }
-  need_ = Need::none;
+  if (!isNeeded_ || process_.isRunning()) return {};
+  if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
+  isNeeded_ = false;
+  notBefore_ = Clock::now() + shortestInterval;
   process_.start(request_);
   return {};
 }
 
 void LiveTile::answered(FrameAnswer answer) {
-  passOn(answer.errors);
+  sayOnce(answer);
   sleep(answer.frame);
-  if (!answer.frame) {
-    if (answer.failure != failure_) program::complain("no new picture: " + answer.failure);
-    failure_ = std::move(answer.failure);
-    return;
-  }
-  failure_.clear();
+  if (!answer.frame) return;
   // What changed between the process' reading of the store and the first watch would go unnoticed.
   if (const auto& file = answer.frame->storeFile; !file.empty() && store_.follow(file)) refresh();
-  const bool isOutdated = answer.frame->picture->scale != request_.scale;  // the right one is on its way
-  if (!isOutdated) show_(*answer.frame);
+  const bool isOutdated = answer.frame->picture->scale != request_.scale;
+  if (isOutdated)
+    notBefore_ = {};  // the right one comes at once
+  else
+    show_(*answer.frame);
 }
 
-void LiveTile::passOn(const std::string& errors) {
-  if (errors == errors_) return;
-  errors_ = errors;
-  std::istringstream lines{errors};
-  for (std::string line; std::getline(lines, line);)
-    program::writeAll(STDERR_FILENO, program::printable(line) + "\n");
+void LiveTile::sayOnce(const FrameAnswer& answer) {
+  if (std::exchange(errors_, answer.errors) != answer.errors)
+    program::writeAll(STDERR_FILENO, program::printableLines(errors_));
+  if (std::exchange(failure_, answer.failure) != answer.failure && !failure_.empty())
+    program::complain("no new picture: " + failure_);
 }
 
 void LiveTile::sleep(const std::optional<Frame>& frame) {

@@ -46,6 +46,6 @@ int main(int argc, char** argv) {
     }
     std::optional<foundation::ClockOverride> clock;
     if (options.at) clock.emplace(*foundation::dateFromRFC3339(*options.at));
-    return desktop::Host{options}.run();
+    return desktop::showTile(options);
   });
 }

@@ -6,41 +6,40 @@
 #include <cerrno>
 #include <csignal>
 #include <system_error>
-
-#include "foundation/file_descriptor.hpp"
+#include <utility>
 
 namespace desktop {
 namespace {
 
-struct SignalSource final : EventSource {
-  Wait prepare() override { return {descriptor.get()}; }
-
-  void dispatch(short events) override {
-    signalfd_siginfo info{};
-    while (events != 0 && read(descriptor.get(), &info, sizeof info) == sizeof info)
-      info.ssi_signo == SIGUSR1 ? ask() : end();
-  }
-
-  std::function<void()> end, ask;
-  foundation::FileDescriptor descriptor;
-};
+sigset_t setOf(std::initializer_list<int> signals) {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : signals) sigaddset(&set, signal);
+  return set;
+}
 
 }  // namespace
 
-std::unique_ptr<EventSource> watchSignals(std::function<void()> end, std::function<void()> ask) {
-  sigset_t watched;
-  sigemptyset(&watched);
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGUSR1}) sigaddset(&watched, signal);
+Signals::Signals(std::function<void()> end, std::function<void()> ask)
+    : end_(std::move(end)), ask_(std::move(ask)) {
+  const auto watched = setOf({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
   sigprocmask(SIG_BLOCK, &watched, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
-  auto source = std::make_unique<SignalSource>();
-  source->end = std::move(end);
-  source->ask = std::move(ask);
-  source->descriptor = foundation::FileDescriptor{signalfd(-1, &watched, SFD_NONBLOCK | SFD_CLOEXEC)};
-  if (!source->descriptor)
-    throw std::system_error{errno, std::generic_category(), "no descriptor for signals"};
-  return source;
+  descriptor_ = foundation::FileDescriptor{signalfd(-1, &watched, SFD_NONBLOCK | SFD_CLOEXEC)};
+  if (!descriptor_) throw std::system_error{errno, std::generic_category(), "no descriptor for signals"};
+}
+
+bool Signals::isEndedWithin(std::chrono::milliseconds time) {
+  const auto ending = setOf({SIGTERM, SIGINT, SIGHUP});
+  const timespec limit{0, std::chrono::nanoseconds{time}.count()};
+  return sigtimedwait(&ending, nullptr, &limit) > 0;
+}
+
+void Signals::dispatch(short events) {
+  signalfd_siginfo info{};
+  while (events != 0 && read(descriptor_.get(), &info, sizeof info) == sizeof info)
+    info.ssi_signo == SIGUSR1 ? ask_() : end_();
 }
 
 }  // namespace desktop

@@ -1,38 +1,158 @@
 #include "accessibility/accessible_tile.hpp"
 
+#include <cerrno>
+#include <cstdint>
 #include <utility>
 
 namespace desktop {
+namespace {
+
+constexpr char service[] = "org.a11y.Bus", servicePath[] = "/org/a11y/bus";
+constexpr char properties[] = "org.freedesktop.DBus.Properties";
+constexpr char registry[] = "org.a11y.atspi.Registry";
+
+}  // namespace
+
+void AccessibleTile::update(const Frame& frame) {
+  isDue_ = true;
+  const auto said = std::exchange(frame_, frame).announcement;
+  frame_.picture.reset();
+  const auto before = std::exchange(objects_.tree, makeTree(frame_, extents_, scale_));
+  if (stage_ != Stage::joined) return;
+  tellChanges(before);
+  if (frame_.announcement != said)
+    sd_bus_call_method_async(bus_.get(), nullptr, registry, "/org/a11y/atspi/registry", registry,
+                             "GetRegisteredEvents", answered<&AccessibleTile::announce>, this, "");
+}
+
+void AccessibleTile::place(const Area& extents, double scale) {
+  extents_ = extents;
+  scale_ = scale;
+  objects_.tree = makeTree(frame_, extents_, scale_);
+}
+
+program::EventSource::Wait AccessibleTile::prepare() {
+  if (std::exchange(isDue_, false) && !bus_) openSession();
+  if (!bus_) return {};
+  std::uint64_t until = UINT64_MAX;  // in microseconds of CLOCK_MONOTONIC
+  sd_bus_get_timeout(bus_.get(), &until);
+  Wait wait{sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), {}};
+  if (until != UINT64_MAX)
+    wait.until = Clock::time_point{std::chrono::microseconds{static_cast<std::int64_t>(until)}};
+  return wait;
+}
+
+void AccessibleTile::dispatch(short) {
+  if (!bus_ || process() >= 0) return;
+  bus_.reset();
+  stage_ = Stage::asking;
+}
+
+/// A negative errno when the connection has gone away.
+int AccessibleTile::process() {
+  int result = 0;
+  do result = sd_bus_process(bus_.get(), nullptr);
+  while (result > 0);
+  if (result < 0 || stage_ == Stage::failed) return -ECONNRESET;
+  if (!address_.empty()) return enter();
+  return stage_ == Stage::entering && sd_bus_is_ready(bus_.get()) > 0 ? embed() : 0;
+}
+
+template <auto read>
+int AccessibleTile::answered(sd_bus_message* answer, void* self, sd_bus_error*) {
+  (static_cast<AccessibleTile*>(self)->*read)(answer);
+  return 0;
+}
+
+void AccessibleTile::openSession() {
+  sd_bus* session = nullptr;
+  if (sd_bus_open_user(&session) < 0) return;
+  bus_.reset(session);
+  constexpr auto* changed = answered<&AccessibleTile::askStatus>;
+  sd_bus_match_signal_async(session, nullptr, service, servicePath, properties, "PropertiesChanged", changed,
+                            nullptr, this);
+  sd_bus_add_match_async(session, nullptr,
+                         "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
+                         "arg0='org.a11y.Bus'",
+                         changed, nullptr, this);
+  askStatus();
+}
+
+/// A service that does not run is not started for this: then nobody listens.
+void AccessibleTile::askStatus(sd_bus_message*) {
+  sd_bus_message* call = nullptr;
+  if (sd_bus_message_new_method_call(bus_.get(), &call, service, servicePath, properties, "GetAll") < 0)
+    return;
+  sd_bus_message_append(call, "s", "org.a11y.Status");
+  sd_bus_message_set_auto_start(call, 0);
+  sd_bus_call_async(bus_.get(), nullptr, call, answered<&AccessibleTile::readStatus>, this, 0);
+  sd_bus_message_unref(call);
+}
+
+void AccessibleTile::readStatus(sd_bus_message* status) {
+  const char* name = nullptr;
+  int isEnabled = 0;  // for a screen reader, or for whoever listens
+  sd_bus_message_enter_container(status, 'a', "{sv}");
+  while (isEnabled == 0 && sd_bus_message_read(status, "{sv}", &name, "b", &isEnabled) > 0) {
+  }
+  if (isEnabled != 0)
+    sd_bus_call_method_async(bus_.get(), nullptr, service, servicePath, service, "GetAddress",
+                             answered<&AccessibleTile::readAddress>, this, "");
+}
+
+void AccessibleTile::readAddress(sd_bus_message* address) {
+  const char* text = nullptr;
+  if (sd_bus_message_read(address, "s", &text) > 0) address_ = text;
+}
+
+/// Leaves the session bus for the accessibility bus.
+int AccessibleTile::enter() {
+  sd_bus* bus = nullptr;
+  int error = sd_bus_new(&bus);
+  bus_.reset(bus);
+  stage_ = Stage::entering;
+  if (error >= 0) error = sd_bus_set_address(bus, std::exchange(address_, {}).c_str());
+  if (error >= 0) error = sd_bus_set_bus_client(bus, 1);
+  if (error >= 0) error = answerFor(objects_, bus);
+  return error >= 0 ? sd_bus_start(bus) : error;
+}
+
+int AccessibleTile::embed() {
+  const char* name = "";
+  sd_bus_get_unique_name(bus_.get(), &name);
+  objects_.busName = name;
+  stage_ = Stage::embedding;
+  return sd_bus_call_method_async(bus_.get(), nullptr, registry, "/org/a11y/atspi/accessible/root",
+                                  "org.a11y.atspi.Socket", "Embed", answered<&AccessibleTile::readDesktop>,
+                                  this, "(so)", name, objects_.tree.front().path.c_str());
+}
+
+void AccessibleTile::readDesktop(sd_bus_message* desktop) {
+  const char *name = nullptr, *path = nullptr;
+  stage_ = sd_bus_message_read(desktop, "(so)", &name, &path) > 0 ? Stage::joined : Stage::failed;
+  if (stage_ == Stage::failed) return;
+  objects_.parentName = name;
+  objects_.parentPath = path;
+}
 
 /// Tells an event of `object` to whoever listens for it.
 template <class... Values>
 void AccessibleTile::tell(const AccessibleObject& object, const char* event, const char* kind, int detail,
                           const char* type, Values... values) const {
-  sd_bus_emit_signal(bus_.joined(), object.path.c_str(), "org.a11y.atspi.Event.Object", event, "siiva{sv}",
-                     kind, detail, 0, type, values..., 0);
+  sd_bus_emit_signal(bus_.get(), object.path.c_str(), "org.a11y.atspi.Event.Object", event, "siiva{sv}", kind,
+                     detail, 0, type, values..., 0);
 }
 
-void AccessibleTile::update(const Frame& frame) {
-  bus_.join();
-  const auto said = std::exchange(frame_, frame).announcement;
-  frame_.picture.reset();
-  const auto before = std::exchange(objects_.tree, makeTree(frame_, extents_, scale_));
-  if (!bus_.joined()) return;
-  tellChanges(before);
-  constexpr int polite = 1;  // AtspiLive
-  if (frame_.announcement != said)
-    tell(objects_.tree[1], "Announcement", "", polite, "s", frame_.announcement.c_str());
-}
-
-void AccessibleTile::tellChanges(const ObjectTree& before) const {
+void AccessibleTile::tellChanges(const std::vector<AccessibleObject>& before) const {
+  constexpr std::size_t first = AccessibleObjects::firstElement;
   const auto& now = objects_.tree;
   const auto tellChild = [&](const char* kind, const AccessibleObject& child, std::size_t number) {
-    tell(now[1], "ChildrenChanged", kind, static_cast<int>(number) - 2, "(so)", objects_.busName.c_str(),
-         child.path.c_str());
+    tell(now[AccessibleObjects::window], "ChildrenChanged", kind, static_cast<int>(number - first), "(so)",
+         objects_.busName.c_str(), child.path.c_str());
   };
-  for (auto i = before.size(); i-- > 0;)
+  for (auto i = before.size(); i-- > first;)
     if (i >= now.size() || now[i].path != before[i].path) tellChild("remove", before[i], i);
-  for (std::size_t i = 0; i < now.size(); ++i) {
+  for (auto i = first; i < now.size(); ++i) {
     const bool isNew = i >= before.size() || now[i].path != before[i].path;
     if (isNew) tellChild("add", now[i], i);
     if (isNew || now[i].name != before[i].name)
@@ -40,10 +160,18 @@ void AccessibleTile::tellChanges(const ObjectTree& before) const {
   }
 }
 
-void AccessibleTile::place(const Area& extents, double scale) {
-  extents_ = extents;
-  scale_ = scale;
-  objects_.tree = makeTree(frame_, extents_, scale_);
+/// As an announcement to readers that know of these, else as a notification that shows up.
+void AccessibleTile::announce(sd_bus_message* listeners) {
+  std::string events;
+  const char *client = nullptr, *event = nullptr;
+  sd_bus_message_enter_container(listeners, 'a', "(ss)");
+  while (sd_bus_message_read(listeners, "(ss)", &client, &event) > 0) events += event;
+  const auto& said = objects_.tree[AccessibleObjects::notification];
+  constexpr int polite = 1;  // AtspiLive
+  if (events.find("Object:Announcement") != events.npos)
+    tell(objects_.tree[AccessibleObjects::window], "Announcement", "", polite, "s", said.name.c_str());
+  else if (events.find("Object:StateChanged") != events.npos)
+    tell(said, "StateChanged", "showing", 1, "i", 0);
 }
 
 }  // namespace desktop

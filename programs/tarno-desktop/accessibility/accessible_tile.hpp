@@ -1,18 +1,20 @@
 #pragma once
 
-#include "accessibility/accessibility_bus.hpp"
+#include <systemd/sd-bus.h>
+
+#include <memory>
+#include <string>
+
+#include "accessibility/accessible_objects.hpp"
 #include "common/event_loop.hpp"
-#include "tarno-desktop/frame.hpp"
-#include "tarno-desktop/placement.hpp"
 
 namespace desktop {
 
-using program::EventSource;
-
 /// The tile for screen readers: an application with one window, an image and labels in it, on the AT-SPI bus.
-/// Joins the bus when there is one and a screen reader listens, now or later; without it nothing else
-/// changes. All failures of the bus are absorbed: a tile without a bus is a tile.
-class AccessibleTile final : public EventSource {
+/// Joins that when there is one and a screen reader listens, now or later: the session bus tells so, and
+/// where the other bus is, which then takes its place. Without it nothing else changes: it waits for no
+/// answer, and all failures of the buses are absorbed.
+class AccessibleTile final : public program::EventSource {
  public:
   AccessibleTile() = default;
   AccessibleTile(const AccessibleTile&) = delete;
@@ -25,20 +27,39 @@ class AccessibleTile final : public EventSource {
   /// Where the tile is on the screen and how many pixels a point has there.
   void place(const Area& extents, double scale);
 
-  Wait prepare() override { return bus_.wait(); }
-  void dispatch(short) override { bus_.process(); }
+  Wait prepare() override;
+  void dispatch(short events) override;
 
  private:
+  enum class Stage { asking, entering, embedding, joined, failed };
+  struct Close {
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+  };
+
+  template <auto read>
+  static int answered(sd_bus_message* answer, void* self, sd_bus_error*);
+  void openSession();
+  void askStatus(sd_bus_message* = nullptr);
+  void readStatus(sd_bus_message* status);
+  void readAddress(sd_bus_message* address);
+  int enter();
+  int embed();
+  void readDesktop(sd_bus_message* desktop);
+  void announce(sd_bus_message* listeners);
+  int process();
   template <class... Values>
   void tell(const AccessibleObject& object, const char* event, const char* kind, int detail, const char* type,
             Values... values) const;
-  void tellChanges(const ObjectTree& before) const;
+  void tellChanges(const std::vector<AccessibleObject>& before) const;
 
   Frame frame_;  ///< without its picture
   Area extents_;
   double scale_ = 1;
-  ObjectsOnBus objects_;
-  AccessibilityBus bus_{objects_};
+  AccessibleObjects objects_;
+  std::unique_ptr<sd_bus, Close> bus_;
+  Stage stage_ = Stage::asking;
+  bool isDue_ = false;   ///< the way to the bus, unless it is on it
+  std::string address_;  ///< of the accessibility bus, once the session bus has told it
 };
 
 }  // namespace desktop

@@ -36,14 +36,15 @@ inline void writeFakeWidget(const TemporaryFolder& folder, const std::string& be
   constexpr auto preamble = R"(#!/usr/bin/python3
 import fcntl, json, os, sys, time
 folder = os.path.dirname(os.path.abspath(sys.argv[0]))
+fd = int(sys.argv[sys.argv.index("--fd") + 1])
 with open(folder + "/log", "a") as log:
-    log.write(" ".join(sys.argv[1:]) + "\n")
+    log.write(" ".join(sys.argv[1:]).replace(f"--fd {fd}", "--fd N") + "\n")
 def date(seconds):
     return time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(time.time() + seconds))
 def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
-    os.ftruncate(3, memory)
+    os.ftruncate(fd, memory)
     if seals:
-        fcntl.fcntl(3, fcntl.F_ADD_SEALS, seals)
+        fcntl.fcntl(fd, fcntl.F_ADD_SEALS, seals)
     answer = {"width": 3, "height": 4, "stride": 16, "title": "Tarno", "announcement": "locked", "accessibility": [
         {"role": "staticText", "label": "Locked", "x": 1, "y": 2.5, "width": 3, "height": 4}],
         "reload_after": date(30), "stale_from": None, "watch": {"folder": folder, "file": "store"}, **changes}

@@ -122,8 +122,8 @@ TEST(LiveTile, ShowsNothingOfAnotherScale) {
 TEST(Signals, EndTheProgramOrAsk) {
   std::string told;
   program::EventLoop loop;
-  const auto signals = desktop::watchSignals([&] { told += "end "; }, [&] { told += "ask "; });
-  loop.add(*signals);
+  desktop::Signals signals{[&] { told += "end "; }, [&] { told += "ask "; }};
+  loop.add(signals);
   for (const int signal : {SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGPIPE}) kill(getpid(), signal);
   EXPECT_TRUE(runUntil(loop, [&] { return told.size() >= 16; }));
   EXPECT_EQ(std::count(told.begin(), told.end(), 'a'), 1);

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tarno-desktop/frame.hpp"
+#include "tarno-desktop/placement.hpp"
+
+namespace desktop {
+
+/// Something that a screen reader finds.
+struct AccessibleObject {
+  std::uint32_t role;  ///< AT-SPI's number, AtspiRole
+  const char* roleName;
+  std::string path;  ///< on the bus; of another role, of another path: clients remember what is at one
+  std::string name;
+  Area bounds;  ///< in pixels on the screen
+};
+
+/// What AT-SPI's clients may ask about; may change from one answer to the next.
+struct AccessibleObjects {
+  /// Where objects are in the tree. The window is the application's only child, and from the first element on
+  /// all are the window's. So is the notification, which is not among its children: it is only told of.
+  enum Index { application, window, notification, firstElement };
+
+  std::vector<AccessibleObject> tree;
+  std::string busName;     ///< of the connection that the objects are on
+  int applicationId = 0;   ///< given by the registry
+  std::string parentName;  ///< of the application's parent, the desktop
+  std::string parentPath = "/org/a11y/atspi/null";
+};
+
+/// What `frame` shows in a window at `extents`, in pixels, with `scale` pixels per point.
+std::vector<AccessibleObject> makeTree(const Frame& frame, const Area& extents, double scale);
+
+/// Answers on `bus` what is asked about `objects`, which outlive it. Returns a negative errno on failure.
+int answerFor(AccessibleObjects& objects, sd_bus* bus);
+
+}  // namespace desktop
