@@ -1,10 +1,11 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "foundation/date.hpp"
@@ -32,9 +33,38 @@ struct Frame {
   std::filesystem::path storeFile;  ///< absolute, need not exist; empty when nobody knows where it is
 };
 
-/// Reads what `tarno-widget frame` printed (docs/frame.md) about the picture that it drew into `memory` at
-/// `scale` pixels per point. Trusts nothing in it. Throws std::exception when there is no picture or the
-/// answer is wrong.
-Frame readFrame(std::string_view answer, foundation::FileDescriptor memory, double scale);
+/// What `tarno-widget frame` is asked for.
+struct FrameRequest {
+  std::filesystem::path program;  ///< where it cannot be run, the one of its name in PATH takes its place
+  std::string family = "medium";
+  double scale = 1;               ///< pixels per point
+  std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
+};
+
+/// The extension's process (docs/frame.md) while it draws one frame. Whatever it does, at most the picture is
+/// missing: nothing that it answers is trusted, and after 10 s it ends.
+class FrameProcess {
+ public:
+  /// Starts it. Throws std::system_error when the system has no process, memory or descriptor left.
+  explicit FrameProcess(const FrameRequest& request);
+  ~FrameProcess();  ///< ends it
+  FrameProcess(const FrameProcess&) = delete;
+  FrameProcess& operator=(const FrameProcess&) = delete;
+
+  /// Readable once it has ended: then call finish().
+  int descriptor() const { return process_.get(); }
+
+  /// Once. Throws std::exception, whose text says why there is no picture.
+  Frame finish();
+
+  /// What it has written to standard error.
+  std::string errors() const;
+
+ private:
+  double scale_;
+  foundation::FileDescriptor memory_, output_, errors_;
+  pid_t pid_ = -1;
+  foundation::FileDescriptor process_;  ///< a pidfd
+};
 
 }  // namespace desktop

@@ -26,7 +26,6 @@ constexpr auto shortestStaleWait = 1s;
 LiveTile::LiveTile(FrameRequest request, std::function<void(const Frame&)> show)
     : request_(std::move(request)),
       show_(std::move(show)),
-      process_([this](FrameAnswer answer) { answered(std::move(answer)); }),
       timer_([this] { refresh(); }),
       timeZone_([this] { refresh(); }),
       store_([this] { refresh(); }) {
@@ -35,44 +34,65 @@ LiveTile::LiveTile(FrameRequest request, std::function<void(const Frame&)> show)
 }
 
 void LiveTile::addTo(program::EventLoop& loop) {
-  loop.add(timer_);
-  loop.add(timeZone_);
-  loop.add(store_);
-  loop.add(*this);
-  loop.add(process_);  // after what starts it
+  for (EventSource* const source : std::initializer_list<EventSource*>{&timer_, &timeZone_, &store_, this})
+    loop.add(*source);
 }
 
 void LiveTile::setScale(double scale) {
   if (std::exchange(request_.scale, scale) != scale) refresh();
 }
 
-EventSource::Wait LiveTile::prepare() {
-  if (!isNeeded_ || process_.isRunning()) return {};
-  if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
-  isNeeded_ = false;
-  notBefore_ = Clock::now() + shortestInterval;
-  process_.start(request_);
-  return {};
+program::EventSource::Wait LiveTile::prepare() {
+  if (isNeeded_ && !process_) {
+    if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
+    start();
+  }
+  return {process_ ? process_->descriptor() : -1};
 }
 
-void LiveTile::answered(FrameAnswer answer) {
-  sayOnce(answer);
-  sleep(answer.frame);
-  if (!answer.frame) return;
+void LiveTile::start() {
+  isNeeded_ = false;
+  notBefore_ = Clock::now() + shortestInterval;
+  try {
+    process_.emplace(request_);
+  } catch (const std::system_error& error) {
+    sayOnce(errors_, error.what());
+    sleep({});
+  }
+}
+
+void LiveTile::dispatch(short events) {
+  if (!process_ || events == 0) return;
+  const auto frame = finish();
+  sleep(frame);
+  if (!frame) return;
   // What changed between the process' reading of the store and the first watch would go unnoticed.
-  if (const auto& file = answer.frame->storeFile; !file.empty() && store_.follow(file)) refresh();
-  const bool isOutdated = answer.frame->picture->scale != request_.scale;
+  if (!frame->storeFile.empty() && store_.follow(frame->storeFile)) refresh();
+  const bool isOutdated = frame->picture->scale != request_.scale;
   if (isOutdated)
     notBefore_ = {};  // the right one comes at once
   else
-    show_(*answer.frame);
+    show_(*frame);
 }
 
-void LiveTile::sayOnce(const FrameAnswer& answer) {
-  if (std::exchange(errors_, answer.errors) != answer.errors)
-    program::writeAll(STDERR_FILENO, program::printableLines(errors_));
-  if (std::exchange(failure_, answer.failure) != answer.failure && !failure_.empty())
-    program::complain("no new picture: " + failure_);
+std::optional<Frame> LiveTile::finish() {
+  std::optional<Frame> frame;
+  std::string failure;
+  try {
+    frame = process_->finish();
+  } catch (const std::exception& error) {
+    failure = error.what();
+  }
+  sayOnce(process_->errors(), failure);
+  process_.reset();
+  return frame;
+}
+
+void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
+  if (std::exchange(errors_, errors) != errors && !errors.empty())
+    program::writeAll(STDERR_FILENO, program::printableLines(errors) + (errors.ends_with('\n') ? "" : "\n"));
+  if (std::exchange(failure_, failure) != failure && !failure.empty())
+    program::complain("no new picture: " + failure);
 }
 
 void LiveTile::sleep(const std::optional<Frame>& frame) {

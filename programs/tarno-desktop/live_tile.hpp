@@ -5,14 +5,14 @@
 
 #include "common/path_watch.hpp"
 #include "common/wall_clock_timer.hpp"
-#include "tarno-desktop/frame_process.hpp"
+#include "tarno-desktop/frame.hpp"
 
 namespace desktop {
 
 /// Keeps a picture of the tile up to date: asks the extension's process for one at the start, at the reload
 /// date, when the status turns stale, when the store's file, the clock or the time zone changes. What goes
 /// wrong is said on standard error, once for as long as it stays the same, and tried again after 30 s.
-class LiveTile final : public EventSource {
+class LiveTile final : public program::EventSource {
  public:
   /// Starts the first frame at once. `show` is called with each new frame.
   LiveTile(FrameRequest request, std::function<void(const Frame&)> show);
@@ -27,21 +27,22 @@ class LiveTile final : public EventSource {
   void setScale(double scale);
 
   Wait prepare() override;
-  void dispatch(short) override {}
+  void dispatch(short events) override;
 
  private:
-  void answered(FrameAnswer answer);
-  void sayOnce(const FrameAnswer& answer);
+  void start();
+  std::optional<Frame> finish();
+  void sayOnce(const std::string& errors, const std::string& failure);
   void sleep(const std::optional<Frame>& frame);
 
   FrameRequest request_;
   std::function<void(const Frame&)> show_;
-  FrameProcess process_;
   program::WallClockTimer timer_;
   program::PathWatch timeZone_, store_;
+  std::optional<FrameProcess> process_;
   bool isNeeded_ = true;          ///< a frame
   Clock::time_point notBefore_;   ///< when the next frame may start
-  std::string failure_, errors_;  ///< that were said last, and still hold
+  std::string errors_, failure_;  ///< that were said last, and still hold
 };
 
 }  // namespace desktop
