@@ -2,7 +2,6 @@
 
 #include <systemd/sd-bus.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,8 +12,7 @@ namespace desktop {
 
 /// Something that a screen reader finds.
 struct AccessibleObject {
-  std::uint32_t role;  ///< AT-SPI's number, AtspiRole
-  const char* roleName;
+  int role;          ///< AtspiRole
   std::string path;  ///< on the bus; of another role, of another path: clients remember what is at one
   std::string name;
   Area bounds;  ///< in pixels on the screen
@@ -22,15 +20,14 @@ struct AccessibleObject {
 
 /// What AT-SPI's clients may ask about; may change from one answer to the next.
 struct AccessibleObjects {
-  /// Where objects are in the tree. The window is the application's only child, and from the first element on
-  /// all are the window's. So is the notification, which is not among its children: it is only told of.
+  /// Where they are in the tree. The window is the application's only child; all from the first element on
+  /// are the window's. So is the notification, but it is not among its children: it is only told of.
   enum Index { application, window, notification, firstElement };
 
   std::vector<AccessibleObject> tree;
-  std::string busName;     ///< of the connection that the objects are on
-  int applicationId = 0;   ///< given by the registry
-  std::string parentName;  ///< of the application's parent, the desktop
-  std::string parentPath = "/org/a11y/atspi/null";
+  std::string busName;      ///< of the connection that they are on
+  std::string desktopName;  ///< of the connection that the application's parent is on
+  std::string desktopPath = "/org/a11y/atspi/null";  ///< of the application's parent
 };
 
 /// What `frame` shows in a window at `extents`, in pixels, with `scale` pixels per point.

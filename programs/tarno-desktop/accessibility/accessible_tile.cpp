@@ -18,7 +18,7 @@ void AccessibleTile::update(const Frame& frame) {
   const auto said = std::exchange(frame_, frame).announcement;
   frame_.picture.reset();
   const auto before = std::exchange(objects_.tree, makeTree(frame_, extents_, scale_));
-  if (stage_ != Stage::joined) return;
+  if (!isJoined_) return;
   tellChanges(before);
   if (frame_.announcement != said)
     sd_bus_call_method_async(bus_.get(), nullptr, registry, "/org/a11y/atspi/registry", registry,
@@ -43,24 +43,16 @@ program::EventSource::Wait AccessibleTile::prepare() {
 }
 
 void AccessibleTile::dispatch(short) {
-  if (!bus_ || process() >= 0) return;
+  int result = 1;
+  while (bus_ && result > 0) result = sd_bus_process(bus_.get(), nullptr);
+  if (result >= 0) return;
   bus_.reset();
-  stage_ = Stage::asking;
+  isJoined_ = false;
 }
 
-/// A negative errno when the connection has gone away.
-int AccessibleTile::process() {
-  int result = 0;
-  do result = sd_bus_process(bus_.get(), nullptr);
-  while (result > 0);
-  if (result < 0 || stage_ == Stage::failed) return -ECONNRESET;
-  if (!address_.empty()) return enter();
-  return stage_ == Stage::entering && sd_bus_is_ready(bus_.get()) > 0 ? embed() : 0;
-}
-
-template <auto read>
+template <auto use>
 int AccessibleTile::answered(sd_bus_message* answer, void* self, sd_bus_error*) {
-  (static_cast<AccessibleTile*>(self)->*read)(answer);
+  (static_cast<AccessibleTile*>(self)->*use)(answer);
   return 0;
 }
 
@@ -75,64 +67,56 @@ void AccessibleTile::openSession() {
                          "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
                          "arg0='org.a11y.Bus'",
                          changed, nullptr, this);
-  askStatus();
+  askStatus(nullptr);
 }
 
 /// A service that does not run is not started for this: then nobody listens.
 void AccessibleTile::askStatus(sd_bus_message*) {
   sd_bus_message* call = nullptr;
-  if (sd_bus_message_new_method_call(bus_.get(), &call, service, servicePath, properties, "GetAll") < 0)
-    return;
-  sd_bus_message_append(call, "s", "org.a11y.Status");
+  if (sd_bus_message_new_method_call(bus_.get(), &call, service, servicePath, properties, "Get") < 0) return;
+  sd_bus_message_append(call, "ss", "org.a11y.Status", "IsEnabled");
   sd_bus_message_set_auto_start(call, 0);
-  sd_bus_call_async(bus_.get(), nullptr, call, answered<&AccessibleTile::readStatus>, this, 0);
+  sd_bus_call_async(bus_.get(), nullptr, call, answered<&AccessibleTile::askAddress>, this, 0);
   sd_bus_message_unref(call);
 }
 
-void AccessibleTile::readStatus(sd_bus_message* status) {
-  const char* name = nullptr;
-  int isEnabled = 0;  // for a screen reader, or for whoever listens
-  sd_bus_message_enter_container(status, 'a', "{sv}");
-  while (isEnabled == 0 && sd_bus_message_read(status, "{sv}", &name, "b", &isEnabled) > 0) {
-  }
-  if (isEnabled != 0)
+void AccessibleTile::askAddress(sd_bus_message* status) {
+  int isEnabled = 0;
+  if (sd_bus_message_read(status, "v", "b", &isEnabled) > 0 && isEnabled != 0)
     sd_bus_call_method_async(bus_.get(), nullptr, service, servicePath, service, "GetAddress",
-                             answered<&AccessibleTile::readAddress>, this, "");
-}
-
-void AccessibleTile::readAddress(sd_bus_message* address) {
-  const char* text = nullptr;
-  if (sd_bus_message_read(address, "s", &text) > 0) address_ = text;
+                             answered<&AccessibleTile::enter>, this, "");
 }
 
 /// Leaves the session bus for the accessibility bus.
-int AccessibleTile::enter() {
+void AccessibleTile::enter(sd_bus_message* address) {
+  const char* text = nullptr;
   sd_bus* bus = nullptr;
-  int error = sd_bus_new(&bus);
-  bus_.reset(bus);
-  stage_ = Stage::entering;
-  if (error >= 0) error = sd_bus_set_address(bus, std::exchange(address_, {}).c_str());
-  if (error >= 0) error = sd_bus_set_bus_client(bus, 1);
-  if (error >= 0) error = answerFor(objects_, bus);
-  return error >= 0 ? sd_bus_start(bus) : error;
+  if (sd_bus_message_read(address, "s", &text) <= 0 || sd_bus_new(&bus) < 0) return;
+  const std::unique_ptr<sd_bus, Close> session = std::exchange(bus_, std::unique_ptr<sd_bus, Close>{bus});
+  const bool isEntered = sd_bus_set_address(bus, text) >= 0 && sd_bus_set_bus_client(bus, 1) >= 0 &&
+                         answerFor(objects_, bus) >= 0 && sd_bus_set_connected_signal(bus, 1) >= 0 &&
+                         sd_bus_match_signal_async(bus, nullptr, "org.freedesktop.DBus.Local", nullptr,
+                                                   "org.freedesktop.DBus.Local", "Connected",
+                                                   answered<&AccessibleTile::embed>, nullptr, this) >= 0 &&
+                         sd_bus_start(bus) >= 0;
+  if (!isEntered) bus_.reset();
 }
 
-int AccessibleTile::embed() {
+void AccessibleTile::embed(sd_bus_message*) {
   const char* name = "";
   sd_bus_get_unique_name(bus_.get(), &name);
   objects_.busName = name;
-  stage_ = Stage::embedding;
-  return sd_bus_call_method_async(bus_.get(), nullptr, registry, "/org/a11y/atspi/accessible/root",
-                                  "org.a11y.atspi.Socket", "Embed", answered<&AccessibleTile::readDesktop>,
-                                  this, "(so)", name, objects_.tree.front().path.c_str());
+  sd_bus_call_method_async(bus_.get(), nullptr, registry, "/org/a11y/atspi/accessible/root",
+                           "org.a11y.atspi.Socket", "Embed", answered<&AccessibleTile::join>, this, "(so)",
+                           name, objects_.tree.front().path.c_str());
 }
 
-void AccessibleTile::readDesktop(sd_bus_message* desktop) {
+void AccessibleTile::join(sd_bus_message* desktop) {
   const char *name = nullptr, *path = nullptr;
-  stage_ = sd_bus_message_read(desktop, "(so)", &name, &path) > 0 ? Stage::joined : Stage::failed;
-  if (stage_ == Stage::failed) return;
-  objects_.parentName = name;
-  objects_.parentPath = path;
+  if (sd_bus_message_read(desktop, "(so)", &name, &path) <= 0) return bus_.reset();
+  objects_.desktopName = name;
+  objects_.desktopPath = path;
+  isJoined_ = true;
 }
 
 /// Tells an event of `object` to whoever listens for it.

@@ -3,7 +3,6 @@
 #include <systemd/sd-bus.h>
 
 #include <memory>
-#include <string>
 
 #include "accessibility/accessible_objects.hpp"
 #include "common/event_loop.hpp"
@@ -31,35 +30,33 @@ class AccessibleTile final : public program::EventSource {
   void dispatch(short events) override;
 
  private:
-  enum class Stage { asking, entering, embedding, joined, failed };
   struct Close {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
   };
 
-  template <auto read>
-  static int answered(sd_bus_message* answer, void* self, sd_bus_error*);
+  // In this order, each called with the answer to the one before.
   void openSession();
-  void askStatus(sd_bus_message* = nullptr);
-  void readStatus(sd_bus_message* status);
-  void readAddress(sd_bus_message* address);
-  int enter();
-  int embed();
-  void readDesktop(sd_bus_message* desktop);
-  void announce(sd_bus_message* listeners);
-  int process();
+  void askStatus(sd_bus_message*);
+  void askAddress(sd_bus_message* status);
+  void enter(sd_bus_message* address);
+  void embed(sd_bus_message* connected);
+  void join(sd_bus_message* desktop);
+
+  template <auto use>
+  static int answered(sd_bus_message* answer, void* self, sd_bus_error*);
   template <class... Values>
   void tell(const AccessibleObject& object, const char* event, const char* kind, int detail, const char* type,
             Values... values) const;
   void tellChanges(const std::vector<AccessibleObject>& before) const;
+  void announce(sd_bus_message* listeners);
 
   Frame frame_;  ///< without its picture
   Area extents_;
   double scale_ = 1;
   AccessibleObjects objects_;
   std::unique_ptr<sd_bus, Close> bus_;
-  Stage stage_ = Stage::asking;
-  bool isDue_ = false;   ///< the way to the bus, unless it is on it
-  std::string address_;  ///< of the accessibility bus, once the session bus has told it
+  bool isDue_ = false;     ///< the way to the bus, unless it is on it
+  bool isJoined_ = false;  ///< in the accessibility bus
 };
 
 }  // namespace desktop
