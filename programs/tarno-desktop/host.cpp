@@ -3,16 +3,19 @@
 #include <link.h>
 #include <malloc.h>
 #include <sys/mman.h>
+#include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <system_error>
 #include <utility>
 
 #include "accessibility/accessible_tile.hpp"
 #include "common/failure.hpp"
 #include "tarno-desktop/live_tile.hpp"
-#include "tarno-desktop/signals.hpp"
 #include "wayland/wayland_surface.hpp"
 #include "x11/x11_surface.hpp"
 
@@ -25,6 +28,42 @@ bool isSet(const char* name) {
   const char* const value = std::getenv(name);
   return value && *value;
 }
+
+sigset_t signalSet(std::initializer_list<int> signals) {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : signals) sigaddset(&set, signal);
+  return set;
+}
+
+/// Those that end the program.
+const auto endSignals = signalSet({SIGTERM, SIGINT, SIGHUP});
+
+/// From now on the process dies neither of the signals that it takes nor of SIGPIPE: a reader of standard
+/// error or a display may go away.
+class Signals final : public EventSource {
+ public:
+  explicit Signals(std::function<void(int)> taken) : taken_(std::move(taken)) {
+    const auto watched = signalSet({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
+    sigprocmask(SIG_BLOCK, &watched, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
+    descriptor_ = foundation::FileDescriptor{signalfd(-1, &watched, SFD_NONBLOCK | SFD_CLOEXEC)};
+    if (!descriptor_) throw std::system_error{errno, std::generic_category(), "no descriptor for signals"};
+  }
+
+  Wait prepare() override { return {descriptor_.get()}; }
+
+  void dispatch(short events) override {
+    signalfd_siginfo info{};
+    while (events != 0 && read(descriptor_.get(), &info, sizeof info) == sizeof info)
+      taken_(static_cast<int>(info.ssi_signo));
+  }
+
+ private:
+  std::function<void(int)> taken_;
+  foundation::FileDescriptor descriptor_;
+};
 
 /// Gives back the pages of `object`, the program or a library, that are only read. Its headers, which this
 /// reads, are in the first of its segments.
@@ -57,7 +96,7 @@ class Host {
  public:
   /// Starts the first frame, then connects to the display.
   explicit Host(const Options& options)
-      : signals_([this] { loop_.quit(EX_OK); }, [this] { tile_.refresh(); }),
+      : signals_([this](int signal) { signal == SIGUSR1 ? tile_.refresh() : loop_.quit(EX_OK); }),
         tile_({std::filesystem::read_symlink("/proc/self/exe").replace_filename("tarno-widget"),
                options.family, options.scale.value_or(1), options.at},
               [this](const Frame& frame) { show(frame); }),
@@ -126,6 +165,7 @@ OpenedSurface openSurface(const Options& options, const SurfaceOwner& owner) {
 int showTile(const Options& options) {
   // Compositors restart: a display that lasted this long is waited for as long when it goes away.
   constexpr auto patience = 5s;
+  constexpr timespec retryInterval{0, 250'000'000};
   std::optional<program::Failure> loss;  // of a display that lasted
   EventSource::Clock::time_point giveUpAt;
   do {
@@ -141,7 +181,7 @@ int showTile(const Options& options) {
         throw program::Failure{loss.value_or(failure)};
       }
     }
-  } while (!Signals::isEndedWithin(250ms));
+  } while (sigtimedwait(&endSignals, nullptr, &retryInterval) < 0);
   return EX_OK;
 }
 

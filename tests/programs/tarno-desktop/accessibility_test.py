@@ -157,7 +157,7 @@ def test(rig):
     bus_of_session.end()
     tile.send(frame("Mac unlocked"))
     time.sleep(0.5)
-    assert (tile.process.end(), len(tile.process.lines)) == (0, 1), "after the session bus"
+    assert (tile.process.end(1), len(tile.process.lines)) == (0, 1), "after the session bus"
 
 
 with Rig(sys.argv[1]) as the_rig:

@@ -1,12 +1,10 @@
 #include "tarno-desktop/live_tile.hpp"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <list>
 
 #include "fake_widget.hpp"
-#include "tarno-desktop/signals.hpp"
 
 namespace {
 
@@ -117,16 +115,6 @@ TEST(LiveTile, ShowsNothingOfAnotherScale) {
   fixture.tile->setScale(1.5);
   fixture.wait(200ms);
   EXPECT_EQ(fixture.requests(), requests);
-}
-
-TEST(Signals, EndTheProgramOrAsk) {
-  std::string told;
-  program::EventLoop loop;
-  desktop::Signals signals{[&] { told += "end "; }, [&] { told += "ask "; }};
-  loop.add(signals);
-  for (const int signal : {SIGUSR1, SIGTERM, SIGINT, SIGHUP, SIGPIPE}) kill(getpid(), signal);
-  EXPECT_TRUE(runUntil(loop, [&] { return told.size() >= 16; }));
-  EXPECT_EQ(std::count(told.begin(), told.end(), 'a'), 1);
 }
 
 }  // namespace
