@@ -16,10 +16,16 @@ namespace {
 const std::map<std::string, Layer> layers{
     {"desktop", Layer::desktop}, {"normal", Layer::normal}, {"above", Layer::above}};
 
-/// An option that takes one of `words`; `use` is called with it.
-template <class Words>
-void addWord(CLI::App& app, const std::string& name, const Words& words,
-             const std::function<void(const std::string&)>& use, const std::string& description) {
+const std::map<std::string, Anchor> anchors{
+    {"top-left", {0, 0}},    {"top", {0.5, 0}},      {"top-right", {1, 0}},
+    {"left", {0, 0.5}},      {"center", {0.5, 0.5}}, {"right", {1, 0.5}},
+    {"bottom-left", {0, 1}}, {"bottom", {0.5, 1}},   {"bottom-right", {1, 1}}};
+
+/// An option that takes one of `words` into `value`.
+template <class T>
+void addWord(CLI::App& app, const std::string& name, T& value, const std::map<std::string, T>& words,
+             const std::string& description) {
+  const auto use = [&value, &words](const std::string& word) { value = words.at(word); };
   app.add_option_function<std::string>(name, use, description)
       ->check(CLI::IsMember(words))
       ->type_name("WORD");
@@ -50,11 +56,11 @@ std::filesystem::path settingsFile() {
 }  // namespace
 
 void addOptions(CLI::App& app, Options& options) {
+  app.add_option("--family", options.family, "Size: small, medium (default) or large")
+      ->check(CLI::IsMember({"small", "medium", "large"}))
+      ->type_name("WORD");
   addWord(
-      app, "--family", std::vector<std::string>{"small", "medium", "large"},
-      [&options](const auto& word) { options.family = word; }, "Size: small, medium (default) or large");
-  addWord(
-      app, "--anchor", anchorNames(), [&options](const auto& word) { options.anchor = *anchorNamed(word); },
+      app, "--anchor", options.anchor, anchors,
       "Place: top-left, top, top-right (default), left, center, right, bottom-left, bottom or bottom-right");
   app.add_option("--margin", options.margin,
                  "Points between the tile and the edges that it is anchored to (16)")
@@ -63,9 +69,8 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_option("--monitor", options.monitor,
                  "Connector of the monitor to show it on (default: the primary one)")
       ->type_name("NAME");
-  addWord(
-      app, "--layer", layers, [&options](const auto& word) { options.layer = layers.at(word); },
-      "Below all windows (desktop, the default), normal, or above them");
+  addWord(app, "--layer", options.layer, layers,
+          "Below all windows (desktop, the default), normal, or above them");
   app.add_option("--scale", options.scale, "Pixels per point (default: the monitor's scale)")
       ->check(checkScale)
       ->type_name("FACTOR");

@@ -14,8 +14,7 @@ namespace desktop {
 /// once it is shared with a surface.
 struct Picture {
   foundation::FileDescriptor memory;  ///< a memfd of at least `stride` * `height` bytes
-  int width = 0;                      ///< in pixels
-  int height = 0;                     ///< in pixels
+  int width = 0, height = 0;          ///< in pixels
   int stride = 0;                     ///< in bytes, at least 4 * `width`
   double scale = 1;                   ///< pixels per point
 

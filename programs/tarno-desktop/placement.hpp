@@ -1,18 +1,10 @@
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 namespace desktop {
 
 /// A rectangle of the desktop, x to the right and y downwards. Pixels on X11, logical points on Wayland.
 struct Area {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
+  int x = 0, y = 0, width = 0, height = 0;
 
   friend bool operator==(const Area&, const Area&) = default;
 };
@@ -20,18 +12,10 @@ struct Area {
 /// Where a tile stands between the edges of the room that it has: 0 at the left or top edge, 1 at the right
 /// or bottom edge, 0.5 in the middle.
 struct Anchor {
-  double x = 1;
-  double y = 0;
+  double x = 1, y = 0;
 
   friend bool operator==(const Anchor&, const Anchor&) = default;
 };
-
-/// The nine places that a tile can be anchored to, as a command line names them: "top-left", "top" …
-/// "bottom-right".
-const std::vector<std::string>& anchorNames();
-
-/// Nothing for any other word.
-std::optional<Anchor> anchorNamed(std::string_view name);
 
 /// Where a tile of `width` x `height` stands in `room`: `margin` away from the edges that it is anchored to,
 /// in the middle of an axis that it is not anchored on. A tile that does not fit keeps its left and top edge

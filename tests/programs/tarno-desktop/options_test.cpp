@@ -11,20 +11,6 @@ namespace {
 using desktop::Layer;
 using desktop::Options;
 
-TEST(Placement, PutsATileAtEachOfTheNinePlaces) {
-  const int x[] = {110, 418, 726}, y[] = {60, 265, 470};
-  const auto& names = desktop::anchorNames();
-  for (std::size_t i = 0; i < 9; ++i)
-    EXPECT_EQ(desktop::place(364, 170, {100, 50, 1000, 600}, *desktop::anchorNamed(names[i]), 10),
-              (desktop::Area{x[i % 3], y[i / 3], 364, 170}))
-        << names[i];
-  EXPECT_EQ(names[2], "top-right");
-  EXPECT_EQ(names[7], "bottom");
-  EXPECT_EQ(desktop::place(364, 170, {100, 50, 200, 100}, {1, 1}, 10), (desktop::Area{100, 50, 364, 170}))
-      << "a tile that does not fit";
-  EXPECT_FALSE(desktop::anchorNamed("middle"));
-}
-
 /// What a settings file and a command line come to; the words of a failure, its code first.
 std::string read(const char* settings, const std::string& line, Options& options) {
   const TemporaryFolder folder;
@@ -64,6 +50,21 @@ TEST(Options, ComeFromTheSettingsFileUnlessTheCommandLineSaysOtherwise) {
   EXPECT_EQ(options.scale, 1.5);
   EXPECT_TRUE(options.plainWindow);
   EXPECT_EQ(options.at, "2026-11-16T15:41:35.25Z");
+}
+
+TEST(Options, PutATileAtEachOfTheNinePlaces) {
+  const char* const names[] = {"top-left", "top",         "top-right", "left",        "center",
+                               "right",    "bottom-left", "bottom",    "bottom-right"};
+  const int x[] = {110, 418, 726}, y[] = {60, 265, 470};
+  for (std::size_t i = 0; i < 9; ++i) {
+    Options options;
+    EXPECT_EQ(read(nullptr, std::string{"--anchor "} + names[i], options), "");
+    EXPECT_EQ(desktop::place(364, 170, {100, 50, 1000, 600}, options.anchor, 10),
+              (desktop::Area{x[i % 3], y[i / 3], 364, 170}))
+        << names[i];
+  }
+  EXPECT_EQ(desktop::place(364, 170, {100, 50, 200, 100}, {1, 1}, 10), (desktop::Area{100, 50, 364, 170}))
+      << "a tile that does not fit";
 }
 
 TEST(Options, RefuseWhatTheyDoNotKnow) {
