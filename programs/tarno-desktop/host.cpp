@@ -80,19 +80,15 @@ int releaseObject(dl_phdr_info* object, std::size_t, void*) {
   return 0;
 }
 
-/// Before a sleep, which takes half a minute, gives back what is free in the heap, and the code. What is
-/// needed again comes from the page cache, in about 0.1 ms.
-struct MemoryRelease final : EventSource {
-  Wait prepare() override {
-    malloc_trim(0);
-    dl_iterate_phdr(releaseObject, nullptr);
-    return {};
-  }
-  void dispatch(short) override {}
-};
+/// Gives back what is free in the heap, and the code. What is needed again comes from the page cache, in
+/// about 0.1 ms.
+void releaseMemory() {
+  malloc_trim(0);
+  dl_iterate_phdr(releaseObject, nullptr);
+}
 
 /// The tile on one connection to a display.
-class Host {
+class Host final : EventSource {
  public:
   /// Starts the first frame, then connects to the display.
   explicit Host(const Options& options)
@@ -106,13 +102,19 @@ class Host {
     loop_.add(signals_);
     tile_.addTo(loop_);
     loop_.add(accessible_);
-    loop_.add(memory_);  // last: the others have done what they had to do
+    loop_.add(*this);  // last: the others have done what they had to do
     follow();
   }
 
   int run() { return loop_.run(); }
 
  private:
+  Wait prepare() override {
+    if (tile_.isAtRest()) releaseMemory();
+    return {};
+  }
+  void dispatch(short) override {}
+
   /// Where the tile is, and at which scale.
   void follow() {
     const auto scale = opened_.surface->scale();
@@ -135,7 +137,6 @@ class Host {
   LiveTile tile_;
   OpenedSurface opened_;
   AccessibleTile accessible_;
-  MemoryRelease memory_;
   bool isShown_ = false;
 };
 

@@ -26,6 +26,9 @@ class LiveTile final : public program::EventSource {
   /// Asks for a frame at `scale` pixels per point, unless that is the scale already.
   void setScale(double scale);
 
+  /// Whether no frame is drawn or needed.
+  bool isAtRest() const { return !isNeeded_ && !process_; }
+
   Wait prepare() override;
   void dispatch(short events) override;
 
