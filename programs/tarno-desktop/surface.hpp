@@ -31,9 +31,8 @@ struct SurfaceOwner {
 
 /// The tile's place on a display: the window or layer surface that shows its pictures. It follows the
 /// monitors, the panels and the window manager by itself; without a monitor it keeps the picture and waits.
-///
-/// Its constructor connects to the display and throws program::Failure (EX_UNAVAILABLE) when it cannot. When
-/// the display goes away later, dispatch() throws the same.
+/// Its constructor throws program::Failure (EX_UNAVAILABLE) when it cannot connect to the display, and
+/// dispatch() when that goes away.
 class Surface : public EventSource {
  public:
   /// The scale that a picture should have now, in pixels per point; nothing while there is no monitor.
@@ -49,8 +48,7 @@ class Surface : public EventSource {
   /// Where the tile is on the screen, in pixels, for screen readers. At 0, 0 where the display does not tell.
   virtual Area extents() const = 0;
 
-  /// One phrase for standard error: "as a layer-shell surface in the bottom layer on HDMI-1". Good once a
-  /// picture was shown.
+  /// For standard error, once a picture was shown: "as a layer-shell surface in the bottom layer on HDMI-1".
   virtual std::string description() const = 0;
 
   /// In the display's order.

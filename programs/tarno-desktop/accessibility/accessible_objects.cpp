@@ -9,13 +9,9 @@ namespace {
 
 using Objects = AccessibleObjects;
 
-enum AtspiRole {
-  roleFrame = 23,
-  roleImage = 27,
-  roleLabel = 29,
-  roleApplication = 75,
-  roleNotification = 101
-};
+namespace atspi_role {
+constexpr int frame = 23, image = 27, label = 29, application = 75, notification = 101;
+}
 
 /// A question about an object, and what takes the answer.
 struct Question {
@@ -33,21 +29,11 @@ struct Question {
     return object == Objects::window ? static_cast<int>(objects.tree.size()) - firstChild() : 0;
   }
 
-  /// The next argument, an `i` or a `u`.
-  int argument() const {
-    int value = 0;
-    char type = 0;
-    sd_bus_message_peek_type(call, &type, nullptr);
-    sd_bus_message_read_basic(call, type, &value);
-    return value;
-  }
-
-  /// From where the next argument, an AtspiCoordType, counts: 0 the screen, 1 the window, 2 the parent.
-  Area bounds() const {
-    const int type = argument();
-    const Area origin = type == 1 ? at(Objects::window).bounds : type == 2 ? at(parent()).bounds : Area{};
+  /// From where `origin`, an AtspiCoordType, counts: 0 the screen, 1 the window, 2 the parent.
+  Area bounds(unsigned origin) const {
+    const Area from = origin == 1 ? at(Objects::window).bounds : origin == 2 ? at(parent()).bounds : Area{};
     const auto& [x, y, width, height] = it().bounds;
-    return {x - origin.x, y - origin.y, width, height};
+    return {x - from.x, y - from.y, width, height};
   }
 
   template <class... Values>
@@ -61,21 +47,27 @@ struct Question {
     if (object != Objects::application) return addReference(parent());
     add("(so)", objects.desktopName.c_str(), objects.desktopPath.c_str());
   }
-  void addChild(int index) const {
+  void addChild() const {
+    int index = -1;
+    sd_bus_message_read(call, "i", &index);
     addReference(index >= 0 && index < childCount() ? firstChild() + index : -1);
   }
   void addChildren() const {
     sd_bus_message_open_container(answer, 'a', "(so)");
-    for (int i = 0; i < childCount(); ++i) addChild(i);
+    for (int i = 0; i < childCount(); ++i) addReference(firstChild() + i);
     sd_bus_message_close_container(answer);
   }
   void addContains() const {
-    const int x = argument(), y = argument();
-    const Area area = bounds();
+    int x = 0, y = 0;
+    unsigned origin = 0;
+    sd_bus_message_read(call, "iiu", &x, &y, &origin);
+    const Area area = bounds(origin);
     add("b", x >= area.x && y >= area.y && x < area.x + area.width && y < area.y + area.height);
   }
   void addExtents() const {
-    const Area area = bounds();
+    unsigned origin = 0;
+    sd_bus_message_read(call, "u", &origin);
+    const Area area = bounds(origin);
     add("(iiii)", area.x, area.y, area.width, area.height);
   }
 };
@@ -95,7 +87,7 @@ constexpr Answer answers[] = {
     {"Description", "s", [](Q q) { q.add("s", ""); }},
     {"Parent", "(so)", [](Q q) { q.addParent(); }},
     {"ChildCount", "i", [](Q q) { q.add("i", q.childCount()); }},
-    {"GetChildAtIndex", "", [](Q q) { q.addChild(q.argument()); }},
+    {"GetChildAtIndex", "", [](Q q) { q.addChild(); }},
     {"GetChildren", "", [](Q q) { q.addChildren(); }},
     {"GetIndexInParent", "", [](Q q) { q.add("i", std::max(0, q.object - Objects::firstElement)); }},
     {"GetRelationSet", "", [](Q q) { q.add("a(ua(so))", 0); }},
@@ -110,9 +102,6 @@ constexpr Answer answers[] = {
              q.object == Objects::application ? "org.a11y.atspi.Application" : "org.a11y.atspi.Component");
      }},
     {"ToolkitName", "s", [](Q q) { q.add("s", "tarno"); }},
-    {"Version", "s", [](Q q) { q.add("s", ""); }},
-    {"AtspiVersion", "s", [](Q q) { q.add("s", "2.1"); }},
-    {"Id", "i", [](Q q) { q.add("i", 0); }},
     {"Contains", "", [](Q q) { q.addContains(); }},
     {"GetExtents", "", [](Q q) { q.addExtents(); }}};
 
@@ -144,14 +133,14 @@ std::vector<AccessibleObject> makeTree(const Frame& frame, const Area& extents, 
   const std::string folder = "/org/a11y/atspi/accessible/";
   const auto pixels = [scale](double points) { return static_cast<int>(std::lround(points * scale)); };
   std::vector<AccessibleObject> tree{
-      {roleApplication, folder + "root", "tarno-desktop", {}},
-      {roleFrame, folder + "window", frame.title, extents},
-      {roleNotification, folder + "notification", frame.announcement, extents}};
+      {atspi_role::application, folder + "root", "tarno-desktop", {}},
+      {atspi_role::frame, folder + "window", frame.title, extents},
+      {atspi_role::notification, folder + "notification", frame.announcement, extents}};
   for (const auto& [role, label, x, y, width, height] : frame.elements) {
     const int left = pixels(x), top = pixels(y);
     const Area bounds{extents.x + left, extents.y + top, pixels(x + width) - left, pixels(y + height) - top};
-    tree.push_back({role == "image" ? roleImage : roleLabel, folder + role + std::to_string(tree.size()),
-                    label, bounds});
+    tree.push_back({role == "image" ? atspi_role::image : atspi_role::label,
+                    folder + role + std::to_string(tree.size()), label, bounds});
   }
   return tree;
 }
