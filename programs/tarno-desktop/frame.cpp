@@ -27,8 +27,8 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AccessibleElement, role, label, x, y, width, 
 
 namespace {
 
-constexpr unsigned timeLimit = 10;  ///< in seconds
-constexpr int pipeSize = 1 << 20;   ///< of an answer, too: a longer one is never finished
+constexpr std::chrono::seconds timeLimit{10};
+constexpr int pipeSize = 1 << 20;  ///< of an answer, too: a longer one is never finished
 
 /// What a system call returned, unless it failed.
 int checked(long result) {
@@ -54,16 +54,15 @@ std::string readAll(const FileDescriptor& pipe) {
 }
 
 /// In the child: becomes the extension's process, or answers as that does when it fails. Of what this program
-/// does with signals nothing is handed on, and the alarm outlasts the change of the program.
+/// does with signals nothing is handed on.
 [[noreturn]] void become(const FrameRequest& request, int output, int errors, int memory) noexcept {
   dup2(output, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);
   fcntl(memory, F_SETFD, 0);  // stays open
-  for (const int signal : {SIGALRM, SIGPIPE}) std::signal(signal, SIG_DFL);
+  std::signal(SIGPIPE, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  alarm(timeLimit);
   const std::string scale = scaleText(request.scale), descriptor = std::to_string(memory);
   const auto run = [&](const std::filesystem::path& program) {
     execlp(program.c_str(), program.c_str(), "frame", "--family", request.family.c_str(), "--scale",
@@ -129,21 +128,22 @@ FrameProcess::FrameProcess(const FrameRequest& request)
   process_ = FileDescriptor{checked(syscall(SYS_pidfd_open, pid_, 0))};
   output_ = std::move(output);
   errors_ = std::move(errors);
+  deadline_ = Clock::now() + timeLimit;
 }
 
-FrameProcess::~FrameProcess() {
-  if (!process_) return;
-  kill(pid_, SIGKILL);
-  waitpid(pid_, nullptr, 0);
+void FrameProcess::end() {
+  if (process_) kill(pid_, SIGKILL);
+  deadline_.reset();
 }
 
 Frame FrameProcess::finish() {
   int status = 0;
   waitpid(pid_, &status, 0);
   process_ = {};
-  const int code = WEXITSTATUS(status), signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-  if (signal == SIGALRM) throw std::runtime_error{"no answer within " + std::to_string(timeLimit) + " s"};
-  if (signal != 0) throw std::runtime_error{std::string{"ended by a signal: "} + strsignal(signal)};
+  if (!deadline_) throw std::runtime_error{"no answer within " + std::to_string(timeLimit.count()) + " s"};
+  if (WIFSIGNALED(status))
+    throw std::runtime_error{std::string{"ended by a signal: "} + strsignal(WTERMSIG(status))};
+  const int code = WEXITSTATUS(status);
   std::string reason;
   try {
     auto frame = readFrame(readAll(output_), std::move(memory_), scale_);

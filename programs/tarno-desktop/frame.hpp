@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -42,17 +43,23 @@ struct FrameRequest {
 };
 
 /// The extension's process (docs/frame.md) while it draws one frame. Whatever it does, at most the picture is
-/// missing: nothing that it answers is trusted, and after 10 s it ends.
+/// missing: nothing that it answers is trusted, and it has 10 s.
 class FrameProcess {
  public:
+  using Clock = std::chrono::steady_clock;
+
   /// Starts it. Throws std::system_error when the system has no process, memory or descriptor left.
   explicit FrameProcess(const FrameRequest& request);
-  ~FrameProcess();  ///< ends it
+  ~FrameProcess() { end(); }
   FrameProcess(const FrameProcess&) = delete;
   FrameProcess& operator=(const FrameProcess&) = delete;
 
   /// Readable once it has ended: then call finish().
   int descriptor() const { return process_.get(); }
+
+  /// When its time is over: then call end(), which kills it. Nothing after that.
+  std::optional<Clock::time_point> deadline() const { return deadline_; }
+  void end();
 
   /// Once. Throws std::exception, whose text says why there is no picture.
   Frame finish();
@@ -65,6 +72,7 @@ class FrameProcess {
   foundation::FileDescriptor memory_, output_, errors_;
   pid_t pid_ = -1;
   foundation::FileDescriptor process_;  ///< a pidfd
+  std::optional<Clock::time_point> deadline_;
 };
 
 }  // namespace desktop

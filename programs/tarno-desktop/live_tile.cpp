@@ -47,7 +47,7 @@ program::EventSource::Wait LiveTile::prepare() {
     if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
     start();
   }
-  return {process_ ? process_->descriptor() : -1};
+  return process_ ? Wait{process_->descriptor(), POLLIN, process_->deadline()} : Wait{};
 }
 
 void LiveTile::start() {
@@ -62,7 +62,9 @@ void LiveTile::start() {
 }
 
 void LiveTile::dispatch(short events) {
-  if (!process_ || events == 0) return;
+  if (!process_) return;
+  if (const auto deadline = process_->deadline(); deadline && Clock::now() >= *deadline) process_->end();
+  if (events == 0) return;
   const auto frame = finish();
   sleep(frame);
   if (!frame) return;

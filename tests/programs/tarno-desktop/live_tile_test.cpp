@@ -105,6 +105,17 @@ TEST(LiveTile, KeepsItsPictureAndSaysOnceWhatIsWrong) {
   EXPECT_EQ(count("\n"), 4) << said;
 }
 
+TEST(LiveTile, EndsWhatHangs) {
+  testing::internal::CaptureStderr();
+  const auto fill = "print('x' * 2000000)";  // more than a pipe holds
+  Fixture stopped{"os.kill(os.getpid(), 19)"}, full{fill};
+  full.tile->addTo(stopped.loop);
+  EXPECT_TRUE(stopped.waitFor([&] { return stopped.tile->isAtRest() && full.tile->isAtRest(); }));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "desktop_test: no new picture: no answer within 10 s\ndesktop_test: no new picture: no answer "
+            "within 10 s\n");
+}
+
 TEST(LiveTile, ShowsNothingOfAnotherScale) {
   Fixture fixture{showStore};
   fixture.tile->setScale(1.5);
