@@ -1,6 +1,7 @@
 """What a screen reader finds on the tile and hears of it."""
 import json
 import os
+import signal
 import sys
 import time
 
@@ -45,7 +46,7 @@ class Tile:
         with open(self.rig.path("new"), "w") as file:
             file.write(line)
         os.rename(self.rig.path("new"), self.rig.path("frame"))
-        self.process.popen.send_signal(10)
+        self.process.popen.send_signal(signal.SIGUSR1)
 
 
 def call(bus, name, path, member, *arguments):
@@ -126,9 +127,11 @@ def test(rig):
     session = Gio.bus_get_sync(Gio.BusType.SESSION)
     names = lambda: call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames")[0]
     wait_for(lambda: ":1.1" in names(), message="the tile on the session bus")
+    time.sleep(0.3)
     assert "org.a11y.Bus" not in names(), "the tile started the service"
     call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")  # starts it, and nobody listens yet
-    time.sleep(0.2)
+    time.sleep(0.3)
+    assert ":1.1" in names(), "the tile left the session bus though nobody listens"
     listen(session)
     import pyatspi  # reads the environment
     desktop = pyatspi.Registry.getDesktop(0)
@@ -156,8 +159,9 @@ def test(rig):
         assert found == (path.replace("root", child) if child else "/org/a11y/atspi/null"), found
     bus_of_session.end()
     tile.send(frame("Mac unlocked"))
+    tile.process.popen.send_signal(signal.SIGPIPE)
     time.sleep(0.5)
-    assert (tile.process.end(1), len(tile.process.lines)) == (0, 1), "after the session bus"
+    assert (tile.process.end(signal.SIGHUP), len(tile.process.lines)) == (0, 1), "after the session bus"
 
 
 with Rig(sys.argv[1]) as the_rig:

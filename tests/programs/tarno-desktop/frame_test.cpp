@@ -96,7 +96,18 @@ TEST(FrameProcess, MissesAPictureWhateverTheProcessDoes) {
     EXPECT_NE(answer.failure.find(failure), std::string::npos) << behaviour << ": " << answer.failure;
     EXPECT_EQ(answer.failure.find('\n'), std::string::npos) << behaviour;
   }
-  EXPECT_NE(answerOf("", {.program = "/nowhere/no-widget"}).failure.find("No such file"), std::string::npos);
+  EXPECT_TRUE(answerOf("draw(width=4)").frame) << "without room between rows";
+  EXPECT_NE(answerOf("", {.program = "/nowhere/no-widget"}).failure.find("127: No such file"),
+            std::string::npos);
+}
+
+TEST(FrameProcess, RunsTheProgramInPathWhereItsOwnIsMissing) {
+  const TemporaryFolder folder;
+  writeFakeWidget(folder, "draw()");
+  const std::string path = getenv("PATH");
+  setenv("PATH", (folder.path.string() + ":" + path).c_str(), 1);
+  EXPECT_TRUE(answerOf("", {.program = "/nowhere/tarno-widget"}).frame);
+  setenv("PATH", path.c_str(), 1);
 }
 
 TEST(FrameProcess, HandsOnTheEnvironmentAndNoSignalsOrDescriptors) {
