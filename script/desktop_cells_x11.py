@@ -351,6 +351,8 @@ def panels(rig, name):
                 if panel:
                     panel.destroy()
                     screen.display.sync()
+                    wait_for(lambda: places() == wanted(), 4, message="the tiles' places without a panel")
+                    time.sleep(0.3)  # openbox puts the next panel elsewhere while it forgets this one
             for tile in tiles:
                 tile.end()
             wait_for(lambda: not screen.tiles())
