@@ -39,7 +39,7 @@ class Surface : public EventSource {
   virtual std::optional<double> scale() const = 0;
 
   /// Shows `picture` in place of the one before; the first makes the window. A picture of another scale than
-  /// scale() is shown at its size in points all the same, until the next one.
+  /// scale() is shown all the same, until the next one.
   virtual void show(std::shared_ptr<const Picture> picture) = 0;
 
   /// The title of the window, for window lists and screen readers.

@@ -1,59 +1,55 @@
 #pragma once
 
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "tarno-desktop/options.hpp"
 #include "tarno-desktop/picture.hpp"
-#include "tarno-desktop/placement.hpp"
 #include "x11/connection.hpp"
 
 namespace desktop::x11 {
 
-/// What the tile's window is to the window manager.
-enum class WindowKind {
-  unmanaged,  ///< passed over by it (override-redirect): no frame, no focus, no taskbar, no place in the
-              ///< stack
-  desktop,    ///< managed, of the type that is part of the desktop
-  utility,    ///< managed, a small window beside others
-};
-
-/// The window that shows the tile. Clicks pass through it, except in the layer "normal".
+/// The window that shows the tile: in no taskbar, without the focus. Clicks pass through it, except in the
+/// layer "normal", where they drag it.
 class TileWindow {
  public:
-  /// Not on the screen yet. `connection` outlives it.
-  TileWindow(const Connection& connection, WindowKind kind, Layer layer);
-  ~TileWindow();
+  /// Not on the screen yet. Window managers pass over one that is not managed. `connection` outlives it.
+  TileWindow(const Connection& connection, Layer layer, bool isManaged);
+  ~TileWindow() { xcb_destroy_window(connection_, id_); }
   TileWindow(const TileWindow&) = delete;
   TileWindow& operator=(const TileWindow&) = delete;
 
   xcb_window_t id() const { return id_; }
-  WindowKind kind() const { return kind_; }
-  Layer layer() const { return layer_; }
+  bool isManaged() const { return isManaged_; }
 
-  /// Where it was asked to be, in pixels of the screen.
-  const Area& area() const { return area_; }
+  /// Fills the window. Where nothing composes windows, it is cut to the picture's outline.
+  void show(std::shared_ptr<const Picture> picture, const std::string& title, bool isComposited);
 
-  void setTitle(const std::string& title);
+  /// Puts the window to `area` of the screen, in pixels. One that was dragged only follows in size.
+  void place(const Area& area);
 
-  /// Draws `picture` over the whole window, and puts the window to `area` and onto the screen. Where nothing
-  /// composes windows, the window is cut to the picture's outline.
-  void show(const Picture& picture, const Area& area, bool isComposited);
+  /// Puts the window directly above another on the root window; for none, to its layer's end of the stack.
+  void stack(xcb_window_t below) const;
 
   /// Lets the pointer, which pressed a button here, drag the window.
   void drag(const xcb_button_press_event_t& press);
 
  private:
-  void describe();
-  void draw(const class Pixels& pixels, const Area& area);
-  void place(const Area& area);
+  template <class Items = std::initializer_list<std::uint32_t>>
+  void set(const std::string& property, xcb_atom_t type, const Items& items) const {
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, id_, connection_.atom(property), type,
+                        8 * sizeof *std::data(items), static_cast<std::uint32_t>(std::size(items)),
+                        std::data(items));
+  }
+  void tell(const std::string& message, std::initializer_list<std::uint32_t> data) const;
 
   const Connection& connection_;
-  const WindowKind kind_;
   const Layer layer_;
+  const bool isManaged_;
   const xcb_window_t id_;
-  const xcb_colormap_t colormap_;  // kept: window managers make frames with it
+  std::shared_ptr<const Picture> picture_;
   Area area_;
+  bool isComposited_ = false, isDragged_ = false;
 };
 
 }  // namespace desktop::x11

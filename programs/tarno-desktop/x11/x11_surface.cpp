@@ -1,6 +1,5 @@
 #include "x11/x11_surface.hpp"
 
-#include <poll.h>
 #include <xcb/randr.h>
 #include <xcb/xfixes.h>
 
@@ -8,28 +7,30 @@
 #include <cmath>
 #include <utility>
 
-#include "common/failure.hpp"
-#include "x11/monitors.hpp"
+#include "x11/screen.hpp"
 #include "x11/tile_window.hpp"
-#include "x11/window_manager.hpp"
-#include "x11/work_area.hpp"
 
 namespace desktop {
 namespace {
 
-using namespace std::chrono_literals;
 using namespace x11;
 
-/// Monitors, panels and window managers come and go in several steps; the tile follows after the last.
-constexpr auto settlingTime = 100ms;
+/// Monitors, panels and window managers come and go in several steps, some of which nobody tells.
+constexpr std::chrono::milliseconds settlingTime{100};
 
-/// Between two looks at the stack, for when somebody else wants the same place in it.
-constexpr auto restackInterval = 50ms;
+/// These window managers keep an unmanaged window above all others, or leave it behind what they raise to
+/// show the desktop; and they let the pointer through a managed one. The others put managed windows into
+/// frames, which catch it.
+bool isManaged(Layer layer, std::string_view windowManager) {
+  constexpr std::array<std::string_view, 4> frameless{"GNOME Shell", "KWin", "Metacity", "Mutter"};
+  const auto isPartOfIt = [&](auto name) { return windowManager.find(name) != std::string_view::npos; };
+  return layer == Layer::normal || std::ranges::any_of(frameless, isPartOfIt);
+}
 
-constexpr std::uint32_t rootEvents = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-
-bool overlap(const Area& a, const Area& b) {
-  return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+/// The window on the root window, such as a frame, that has `window` in it.
+xcb_window_t topLevel(const Connection& connection, xcb_window_t window) {
+  const auto tree = connection.ask<xcb_query_tree, xcb_query_tree_reply>(window);
+  return !tree || tree->parent == tree->root ? window : topLevel(connection, tree->parent);
 }
 
 class X11Surface final : public Surface {
@@ -41,243 +42,130 @@ class X11Surface final : public Surface {
   std::optional<double> scale() const override {
     return monitor_ ? std::optional{monitor_->scale} : std::nullopt;
   }
-  void show(std::shared_ptr<const Picture> picture) override;
-  void setTitle(const std::string& title) override;
+  void show(std::shared_ptr<const Picture> picture) override {
+    picture_ = std::move(picture);
+    looks_ = std::max(looks_, 1);
+    nextLook_ = {};
+  }
+  void setTitle(const std::string& title) override { title_ = title; }
   Area extents() const override { return extents_; }
   std::string description() const override;
-  std::vector<MonitorInfo> monitors() const override { return monitors_; }
+  std::vector<MonitorInfo> monitors() const override { return screen_.monitors; }
 
  private:
-  using Moment = std::optional<Clock::time_point>;
-
-  /// What is on the screen.
-  struct Shown {
-    std::shared_ptr<const Picture> picture;
-    Area area;
-    WindowKind kind = WindowKind::unmanaged;
-    bool isComposited = false;
-
-    friend bool operator==(const Shown&, const Shown&) = default;
-  };
-
-  void watch();
-  void readMonitors();
-  void look();
-  void survey();
-  void draw();
-  void work(xcb_generic_event_t* (*next)(xcb_connection_t*));
   void handle(const xcb_generic_event_t& event);
-  void handleProperty(xcb_atom_t property);
-  void handleMessage(const xcb_client_message_event_t& event);
-  void surveySoon() { surveyAt_ = Clock::now() + settlingTime; }
-  void restackSoon() { restackAt_ = restackAt_.value_or(std::max(Clock::now(), restackNotBefore_)); }
-  void moved();
+  void follow();
+  void restack();
 
   const Options options_;
   const SurfaceOwner owner_;
   const Connection connection_;
-  std::vector<MonitorInfo> monitors_;
+  Screen screen_;
   std::optional<MonitorInfo> monitor_;  // that the tile belongs to
   bool wasThere_ = false;               // the monitor that the options name
-  Area room_;                           // what panels leave of it
-  WindowKind kind_ = WindowKind::unmanaged;
-  bool isComposited_ = false;
-  bool isKnown_ = false;             // what is above
-  std::optional<double> toldScale_;  // that the owner knows of
   std::shared_ptr<const Picture> picture_;
   std::string title_;
   std::optional<TileWindow> window_;
-  Shown shown_;  // in it
   Area extents_;
-  bool isPressed_ = false, isDragged_ = false;  // by the pointer, in the layer "normal"
-  Moment surveyAt_, restackAt_;
-  Clock::time_point restackNotBefore_;
+  int looks_ = 1;  // that are still to be taken
+  Clock::time_point nextLook_;
 };
 
 X11Surface::X11Surface(const Options& options, SurfaceOwner owner)
     : options_(options), owner_(std::move(owner)) {
-  watch();
-  readMonitors();
-  toldScale_ = scale();
-  surveyAt_ = Clock::now();  // what else there is to know, while the first picture is drawn
-}
-
-void X11Surface::watch() {
-  connection_.select(connection_.root(), rootEvents);
-  xcb_randr_select_input(connection_, connection_.root(),
-                         XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                             XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
-  for (const auto selection : {connection_.atom("_NET_WM_CM_S0"), connection_.atom("_XSETTINGS_S0")})
-    xcb_xfixes_select_selection_input(connection_, connection_.root(), selection,
+  xcb_randr_select_input(connection_, connection_.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
+  for (const auto* const selection : {"_NET_WM_CM_S", "_XSETTINGS_S"})
+    xcb_xfixes_select_selection_input(connection_, connection_.root(), connection_.selection(selection),
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-}
-
-/// A monitor that is named but absent is waited for. While one that was there is away, the primary stands in.
-void X11Surface::readMonitors() {
-  monitors_ = x11::readMonitors(connection_, options_.scale ? *options_.scale : sessionScale(connection_));
-  auto found = std::ranges::find(monitors_, options_.monitor.value_or(""), &MonitorInfo::connector);
-  wasThere_ = wasThere_ || found != monitors_.end() || !options_.monitor;
-  if (found == monitors_.end() && wasThere_)
-    found = std::ranges::find(monitors_, true, &MonitorInfo::isPrimary);
-  monitor_ = found == monitors_.end() ? std::nullopt : std::optional{*found};
-}
-
-void X11Surface::look() {
-  isKnown_ = true;
-  readMonitors();
-  if (monitor_) room_ = readFreeArea(connection_, monitor_->area);
-  const auto isOn = [this](const MonitorInfo& monitor) { return overlap(monitor.area, extents_); };
-  if (std::ranges::none_of(monitors_, isOn)) isPressed_ = isDragged_ = false;
-  const auto windowManager = windowManagerName(connection_);
-  kind_ = windowKind(options_.layer, windowManager);
-  // This one does not list its panels, so that nothing else tells when one appears.
-  if (windowManager == "i3")
-    connection_.select(connection_.root(), rootEvents | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-  isComposited_ = connection_.depth() == 32 && connection_.ownerOf("_NET_WM_CM_S0") != XCB_NONE;
-}
-
-void X11Surface::survey() {
-  look();
-  draw();
-  restackSoon();
-  const auto told = std::exchange(toldScale_, scale());
-  if (told != toldScale_ && owner_.scaleChanged) owner_.scaleChanged();
-}
-
-void X11Surface::show(std::shared_ptr<const Picture> picture) {
-  picture_ = std::move(picture);
-  if (!isKnown_) look();
-  draw();
-  xcb_flush(connection_);
-}
-
-void X11Surface::draw() {
-  if (!monitor_ || !picture_) return window_.reset();
-  const auto scaled = [](int length, double by) { return static_cast<int>(std::lround(length * by)); };
-  const double enlargement = monitor_->scale / picture_->scale;
-  Shown wanted{picture_,
-               place(scaled(picture_->width, enlargement), scaled(picture_->height, enlargement), room_,
-                     options_.anchor, scaled(options_.margin, monitor_->scale)),
-               kind_, isComposited_};
-  if (isDragged_) wanted.area = {extents_.x, extents_.y, wanted.area.width, wanted.area.height};
-  if (window_ && wanted == shown_) return;
-  if (!window_ || window_->kind() != kind_) {
-    window_.emplace(connection_, kind_, options_.layer);
-    window_->setTitle(title_);
-  }
-  window_->show(*picture_, wanted.area, isComposited_);
-  shown_ = std::move(wanted);
-}
-
-void X11Surface::setTitle(const std::string& title) {
-  if (title == title_) return;
-  title_ = title;
-  if (window_) window_->setTitle(title);
+  follow();
 }
 
 std::string X11Surface::description() const {
-  const auto layer = std::string{"as an X11 window "} + (options_.layer == Layer::desktop  ? "of the desktop"
-                                                         : options_.layer == Layer::normal ? "among others"
-                                                                                           : "above others");
+  constexpr std::array<const char*, 3> places{"of the desktop", "among others", "above others"};
+  const auto layer = std::string{"as an X11 window "} + places[static_cast<std::size_t>(options_.layer)];
   if (monitor_) return layer + " on " + monitor_->connector;
   return layer + " as soon as there is " +
          (options_.monitor ? "the monitor " + *options_.monitor : "a monitor");
 }
 
 EventSource::Wait X11Surface::prepare() {
-  work(xcb_poll_for_queued_event);
+  const auto scaleBefore = scale();
+  for (bool isDue = true; isDue;) {  // events arrive beside the answers to what a look asks
+    while (const std::shared_ptr<xcb_generic_event_t> event{xcb_poll_for_event(connection_), std::free})
+      handle(*event);
+    isDue = looks_ > 0 && nextLook_ <= Clock::now();
+    if (isDue) follow();
+  }
+  if (scale() != scaleBefore) owner_.scaleChanged();
   xcb_flush(connection_);
-  auto until = surveyAt_;
-  if (restackAt_ && (!until || *restackAt_ < *until)) until = restackAt_;
-  return {xcb_get_file_descriptor(connection_), POLLIN, until};
+  if (xcb_connection_has_error(connection_) != 0) return {-1, 0, Clock::now()};  // for dispatch() to tell
+  return {xcb_get_file_descriptor(connection_), POLLIN, looks_ > 0 ? std::optional{nextLook_} : std::nullopt};
 }
 
 void X11Surface::dispatch(short) {
-  work(xcb_poll_for_event);
   if (xcb_connection_has_error(connection_) == 0) return;
-  try {
-    const Connection
-        another;  // so it was somebody who ended the tile's connection, as for a window that hangs
-    if (owner_.closed) owner_.closed();
-  } catch (const program::Failure&) {
-    throw program::Failure{EX_UNAVAILABLE, "the display went away"};
-  }
-}
-
-/// Events arrive beside the answers to what is asked meanwhile, so they are looked for until nothing is left.
-void X11Surface::work(xcb_generic_event_t* (*next)(xcb_connection_t*)) {
-  const auto isDue = [](Moment& moment) {
-    return moment && *moment <= Clock::now() && std::exchange(moment, std::nullopt);
-  };
-  for (bool isBusy = true; isBusy;) {
-    while (const Reply<xcb_generic_event_t> event{next(connection_)}) handle(*event);
-    isBusy = isDue(surveyAt_);
-    if (isBusy) survey();
-    if (!isDue(restackAt_)) continue;
-    isBusy = true;
-    restackNotBefore_ = Clock::now() + restackInterval;
-    if (window_) restack(connection_, *window_);
-  }
+  const Connection another;  // throws where the whole display went away
+  owner_.closed();           // somebody ended the tile's connection: that is how its window is closed
 }
 
 void X11Surface::handle(const xcb_generic_event_t& event) {
   const void* const data = &event;
-  const auto own = window_ ? window_->id() : XCB_NONE;
-  switch (const int type = event.response_type & 0x7f; type) {
-    case XCB_PROPERTY_NOTIFY:
-      return handleProperty(static_cast<const xcb_property_notify_event_t*>(data)->atom);
-    case XCB_CLIENT_MESSAGE: return handleMessage(*static_cast<const xcb_client_message_event_t*>(data));
-    case XCB_CONFIGURE_NOTIFY: {
-      const auto& configured = *static_cast<const xcb_configure_notify_event_t*>(data);
-      if (configured.window == own) return moved();
-      if (configured.window == connection_.root()) return surveySoon();
-      return restackSoon();
-    }
-    case XCB_MAP_NOTIFY:
-    case XCB_UNMAP_NOTIFY:
-      if (static_cast<const xcb_map_notify_event_t*>(data)->event == connection_.root()) surveySoon();
-      return;
-    case XCB_DESTROY_NOTIFY:
-      if (static_cast<const xcb_destroy_notify_event_t*>(data)->window == own && owner_.closed)
-        owner_.closed();
-      return;
-    case XCB_BUTTON_PRESS:
-      isPressed_ = true;
-      if (window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
-      return;
-    default:
-      // What is left was asked for: monitors and selections. Errors are about windows that are gone.
-      if (type > XCB_MAPPING_NOTIFY) surveySoon();
+  const auto* const configure = static_cast<const xcb_configure_notify_event_t*>(data);
+  const int type = event.response_type & 0x7f;
+  if (type == 0) return;  // an error, about a window that is gone
+  if (type == XCB_CONFIGURE_NOTIFY && configure->event != configure->window) return;  // any on the screen
+  if (type == XCB_BUTTON_PRESS && window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
+  looks_ = 2;  // one at once, one when all has settled
+}
+
+/// Looks at the screen, and makes the tile fit: on its monitor, in the window that the window manager needs.
+void X11Surface::follow() {
+  --looks_;
+  nextLook_ = Clock::now() + settlingTime;
+  screen_ = readScreen(connection_, options_.scale);
+  // A monitor that is named but absent is waited for; while one that was there is away, the primary serves.
+  const auto& monitors = screen_.monitors;
+  auto found = std::ranges::find(monitors, options_.monitor.value_or(""), &MonitorInfo::connector);
+  wasThere_ = wasThere_ || found != monitors.end() || !options_.monitor;
+  if (found == monitors.end() && wasThere_)
+    found = std::ranges::find(monitors, true, &MonitorInfo::isPrimary);
+  monitor_ = found == monitors.end() ? std::nullopt : std::optional{*found};
+  if (!monitor_ || !picture_) return window_.reset();
+
+  const bool managed = isManaged(options_.layer, screen_.windowManager);
+  if (!window_ || window_->isManaged() != managed) window_.emplace(connection_, options_.layer, managed);
+  window_->show(picture_, title_, screen_.isComposited);
+  const auto margin = static_cast<int>(std::lround(options_.margin * monitor_->scale));
+  window_->place(
+      place(picture_->width, picture_->height, freeArea(monitor_->area, screen_), options_.anchor, margin));
+  restack();
+  const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
+      window_->id(), connection_.root(), std::int16_t{}, std::int16_t{});
+  if (!at && xcb_connection_has_error(connection_) == 0) owner_.closed();  // somebody destroyed it
+  const auto now = at ? Area{at->dst_x, at->dst_y, picture_->width, picture_->height} : extents_;
+  if (std::exchange(extents_, now) != now) owner_.moved();
+}
+
+/// Puts the tile back to its place in the stack: below all other windows, but directly above the desktop of
+/// a file manager, which is a window too; or, in the layer above, over all that do not fill the screen.
+void X11Surface::restack() {
+  if (window_->isManaged() && options_.layer != Layer::desktop) return;  // that is up to the window manager
+  xcb_window_t highest = XCB_NONE;
+  bool isAbove = true;
+  for (const auto& window : screen_.windows) {
+    if (window.id == window_->id()) isAbove = true;
+    // A smaller one is another tile; the two must not restack each other for ever.
+    const bool isLarger = window.area.width > picture_->width && window.area.height > picture_->height;
+    if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
+                                         : window.isDesktop || window.isOverlay || window.isFullScreen)
+      continue;
+    highest = topLevel(connection_, window.id);
+    if (window.isDesktop) connection_.select(highest, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    isAbove = false;
   }
-}
-
-void X11Surface::handleProperty(xcb_atom_t property) {
-  const auto isIt = [&](AtomName name) { return connection_.atom(name) == property; };
-  if (isIt("_NET_CLIENT_LIST_STACKING")) restackSoon();
-  constexpr std::array<AtomName, 7> aboutPlace{
-      "_GTK_WORKAREAS_D0",     "_NET_CLIENT_LIST", "_NET_SUPPORTING_WM_CHECK", "_NET_WM_STRUT",
-      "_NET_WM_STRUT_PARTIAL", "_NET_WORKAREA",    "_XSETTINGS_SETTINGS"};
-  if (property == XCB_ATOM_RESOURCE_MANAGER || std::ranges::any_of(aboutPlace, isIt)) surveySoon();
-}
-
-void X11Surface::handleMessage(const xcb_client_message_event_t& event) {
-  if (event.type != connection_.atom("WM_PROTOCOLS")) return;
-  const auto& data = event.data.data32;
-  if (data[0] == connection_.atom("WM_DELETE_WINDOW") && owner_.closed) owner_.closed();
-  if (data[0] == connection_.atom("_NET_WM_PING"))  // goes back as it came
-    connection_.tell(connection_.root(), "WM_PROTOCOLS", {data[0], data[1], data[2], data[3], data[4]});
-}
-
-/// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.
-void X11Surface::moved() {
-  const auto at = answer<xcb_translate_coordinates_reply>(
-      connection_, xcb_translate_coordinates(connection_, window_->id(), connection_.root(), 0, 0));
-  if (!at) return;
-  const Area now{at->dst_x, at->dst_y, window_->area().width, window_->area().height};
-  isDragged_ = isDragged_ || (isPressed_ && now != window_->area());
-  if (std::exchange(extents_, now) != now && owner_.moved) owner_.moved();
+  if (!window_->isManaged() || !isAbove) window_->stack(highest);
 }
 
 }  // namespace

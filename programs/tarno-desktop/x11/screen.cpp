@@ -1,0 +1,159 @@
+#include "x11/screen.hpp"
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+#include <cstring>
+#include <sstream>
+
+namespace desktop::x11 {
+namespace {
+
+std::vector<Area> areas(const Connection& connection, const std::string& property) {
+  const auto words = connection.property<std::vector<int>>(connection.root(), property);
+  std::vector<Area> areas;
+  for (std::size_t i = 0; i + 4 <= words.size(); i += 4)
+    areas.push_back({words[i], words[i + 1], words[i + 2], words[i + 3]});
+  return areas;
+}
+
+xcb_window_t ownerOf(const Connection& connection, const std::string& selection) {
+  const auto reply =
+      connection.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(connection.selection(selection));
+  return reply ? reply->owner : XCB_NONE;
+}
+
+/// In pixels per point, which is one at 96 dots per inch, by the session's settings or else its resources.
+double sessionScale(const Connection& connection) {
+  const auto owner = ownerOf(connection, "_XSETTINGS_S");
+  if (owner != XCB_NONE) connection.select(owner, XCB_EVENT_MASK_PROPERTY_CHANGE);
+  const auto settings = connection.property<std::string>(owner, "_XSETTINGS_SETTINGS");
+  const auto resources = "\n" + connection.property<std::string>(connection.root(), "RESOURCE_MANAGER");
+  // XSETTINGS have an integer, in little-endian order, as: its type 0 and a byte of no use, the length of the
+  // name in 2 bytes, the name and what fills it to 4 bytes, 4 bytes that count the changes, the value.
+  const auto setting = settings.find("\0\0\7\0Xft/DPI\0", 0, 12), resource = resources.find("\nXft.dpi:");
+  std::uint32_t value = 0;
+  if (setting != std::string::npos && setting + 20 <= settings.size())
+    std::memcpy(&value, &settings[setting + 16], sizeof value);
+  double dpi = value / 1024.0;
+  if (dpi == 0 && resource != std::string::npos)
+    std::istringstream{resources.substr(resources.find(':', resource) + 1)} >> dpi;
+  return std::clamp(dpi / 96, 1.0, 16.0);
+}
+
+std::vector<MonitorInfo> readMonitors(const Connection& connection, double scale) {
+  std::vector<MonitorInfo> monitors;
+  const auto reply = connection.ask<xcb_randr_get_monitors, xcb_randr_get_monitors_reply>(connection.root(),
+                                                                                          std::uint8_t{true});
+  if (!reply) return monitors;
+  for (auto at = xcb_randr_get_monitors_monitors_iterator(reply.get()); at.rem != 0;
+       xcb_randr_monitor_info_next(&at)) {
+    const auto& info = *at.data;
+    monitors.push_back({"", {info.x, info.y, info.width, info.height}, scale, info.primary != 0});
+    if (const auto name = connection.ask<xcb_get_atom_name, xcb_get_atom_name_reply>(info.name))
+      monitors.back().connector.assign(xcb_get_atom_name_name(name.get()), name->name_len);
+  }
+  if (!monitors.empty() && std::ranges::none_of(monitors, &MonitorInfo::isPrimary))
+    monitors.front().isPrimary = true;
+  return monitors;
+}
+
+/// Adds a window that is seen, and what is alone in it: i3 does not list the panels that it frames.
+void addWindow(const Connection& connection, xcb_window_t id, std::vector<Window>& windows) {
+  const auto state = connection.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(id);
+  if (!state || state->map_state != XCB_MAP_STATE_VIEWABLE || state->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
+    return;
+  const auto area = connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(id);
+  const auto tree = connection.ask<xcb_query_tree, xcb_query_tree_reply>(id);
+  if (!area || !tree) return;
+  const auto is = [&](const std::string& list, const std::string& atom) {
+    return std::ranges::count(connection.property(id, list), connection.atom(atom)) != 0;
+  };
+  Window window{id, {area->x, area->y, area->width, area->height}};
+  window.isDesktop = is("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP");
+  window.isOverlay = !window.isDesktop && state->override_redirect != 0 && tree->parent == tree->root;
+  window.isFullScreen = is("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
+  window.strut = connection.property<std::vector<int>>(id, "_NET_WM_STRUT_PARTIAL");
+  if (window.strut.size() != 12) window.strut.clear();
+  windows.push_back(std::move(window));
+  if (is("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DOCK"))
+    connection.select(id, XCB_EVENT_MASK_PROPERTY_CHANGE);
+  const std::span inside{xcb_query_tree_children(tree.get()), tree->children_len};
+  if (id == tree->root || inside.size() == 1)
+    for (const auto child : inside) addWindow(connection, child, windows);
+}
+
+/// From where to where something reaches, along an axis.
+struct Range {
+  int low, high;
+};
+
+bool overlap(const Range& a, const Range& b) { return a.low < b.high && b.low < a.high; }
+
+Range along(std::size_t axis, const Area& area) {
+  return axis == 0 ? Range{area.x, area.x + area.width} : Range{area.y, area.y + area.height};
+}
+
+/// How far an area is from an edge of the screen, inwards. Edges are numbered as in struts: left, right, top,
+/// bottom.
+Range distance(std::size_t edge, const Area& screen, const Area& area) {
+  const auto whole = along(edge / 2, screen), part = along(edge / 2, area);
+  return edge % 2 == 0 ? Range{part.low - whole.low, part.high - whole.low}
+                       : Range{whole.high - part.high, whole.high - part.low};
+}
+
+/// How much of a monitor a window reserves at an edge of it.
+int reserved(const Window& window, std::size_t edge, const Area& monitor, const Screen& screen) {
+  const auto axis = 1 - edge / 2;
+  const auto here = distance(edge, screen.area, monitor), own = distance(edge, screen.area, window.area);
+  const bool hasRange = !window.strut.empty() && window.strut[5 + 2 * edge] != 0;
+  const int most =
+      window.strut.empty() ? distance(edge, screen.area, screen.workArea).low : window.strut[edge];
+  const int depth = hasRange ? most : window.isOverlay && own.high <= most ? own.high : 0;
+  const auto range =
+      hasRange ? Range{window.strut[4 + 2 * edge], window.strut[5 + 2 * edge] + 1} : along(axis, window.area);
+  // What would take the whole monitor is meant for another one beyond it.
+  return depth < here.high && overlap(range, along(axis, monitor)) ? std::max(0, depth - here.low) : 0;
+}
+
+}  // namespace
+
+Screen readScreen(const Connection& connection, std::optional<double> scale) {
+  const auto root = connection.root();
+  Screen screen;
+  if (const auto window = connection.property(root, "_NET_SUPPORTING_WM_CHECK"); !window.empty())
+    screen.windowManager = connection.property<std::string>(window[0], "_NET_WM_NAME");
+  const bool isSilent = screen.windowManager == "i3";  // about panels
+  connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                              (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
+  screen.isComposited = ownerOf(connection, "_NET_WM_CM_S") != XCB_NONE;
+  screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
+  addWindow(connection, root, screen.windows);
+  screen.area = screen.windows.empty() ? Area{} : screen.windows.front().area;
+  // In the second, xfwm4 leaves out desktops.
+  for (const auto* const list : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
+    for (const auto window : connection.property(root, list)) addWindow(connection, window, screen.windows);
+  const auto workAreas = areas(connection, "_NET_WORKAREA");
+  screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
+  const auto supported = connection.property(root, "_NET_SUPPORTED");  // not of a window manager that is gone
+  if (std::ranges::count(supported, connection.atom("_GTK_WORKAREAS_D0")) != 0)
+    screen.monitorWorkAreas = areas(connection, "_GTK_WORKAREAS_D0");
+  else if (screen.monitors.size() == 1)
+    screen.monitorWorkAreas = {screen.workArea};
+  return screen;
+}
+
+Area freeArea(const Area& monitor, const Screen& screen) {
+  std::array<int, 4> insets{};
+  for (std::size_t edge = 0; edge < 4; ++edge) {
+    for (const auto& window : screen.windows)
+      insets[edge] = std::max(insets[edge], reserved(window, edge, monitor, screen));
+    for (const auto& area : screen.monitorWorkAreas)
+      if (overlap(along(0, area), along(0, monitor)) && overlap(along(1, area), along(1, monitor)))
+        insets[edge] = std::max(insets[edge], distance(edge, monitor, area).low);
+  }
+  const auto [left, right, top, bottom] = insets;
+  return {monitor.x + left, monitor.y + top, monitor.width - left - right, monitor.height - top - bottom};
+}
+
+}  // namespace desktop::x11

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tarno-desktop/surface.hpp"
+#include "x11/connection.hpp"
+
+namespace desktop::x11 {
+
+/// A window that is seen.
+struct Window {
+  xcb_window_t id = XCB_NONE;
+  Area area;               ///< counted from what the window is in: the screen, or a frame
+  bool isOverlay = false;  ///< on the screen itself and not managed: such as a window manager's own panel
+  bool isDesktop = false;  ///< of a file manager; or a tile
+  bool isFullScreen = false;
+  std::vector<int> strut;  ///< the 12 values of _NET_WM_STRUT_PARTIAL, or nothing
+};
+
+/// All that concerns the tile on a screen, at one moment. Areas are in pixels.
+struct Screen {
+  Area area;                           ///< of the root window, from whose edges struts count
+  std::vector<MonitorInfo> monitors;   ///< that are on, in the display's order; one is primary
+  std::vector<Window> windows;         ///< bottom to top: the root window, others, managed ones
+  Area workArea;                       ///< what the window manager leaves of the whole screen
+  std::vector<Area> monitorWorkAreas;  ///< the same of single monitors, as far as it is known
+  std::string windowManager;           ///< its name; empty without one
+  bool isComposited = false;           ///< transparency shows
+};
+
+/// Looks at the screen, and asks for events when any of this changes. `scale` overrides the session's.
+Screen readScreen(const Connection& connection, std::optional<double> scale);
+
+/// What panels leave of a monitor: struts that reach into it, panels of the window manager's own, which lie
+/// where its work area does not, and what it says about the monitor itself.
+Area freeArea(const Area& monitor, const Screen& screen);
+
+}  // namespace desktop::x11
