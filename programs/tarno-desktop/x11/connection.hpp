@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 namespace desktop::x11 {

@@ -42,7 +42,7 @@ void cut(xcb_connection_t* connection, xcb_window_t window, std::uint8_t shape,
 }  // namespace
 
 TileWindow::TileWindow(const Connection& connection, Layer layer, bool isManaged)
-    : connection_(connection), layer_(layer), isManaged_(isManaged), id_(xcb_generate_id(connection)) {
+    : connection_(connection), isManaged_(isManaged), id_(xcb_generate_id(connection)) {
   const bool isNormal = layer == Layer::normal, isDesktop = layer == Layer::desktop;
   std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   if (isNormal) events |= XCB_EVENT_MASK_BUTTON_PRESS;
@@ -112,18 +112,16 @@ void TileWindow::place(const Area& area) {
   const std::uint16_t place = isDragged_ ? 0 : XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y;
   xcb_configure_window_aux(connection_, id_, place | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
                            &values);
-  if (!isNew) return;
-  if (!isManaged_) stack(XCB_NONE);
-  xcb_map_window(connection_, id_);
+  if (isNew && !isManaged_) stack(XCB_NONE);
+  if (isNew) xcb_map_window(connection_, id_);
 }
 
 void TileWindow::stack(xcb_window_t below) const {
   constexpr std::uint32_t pager = 2;  // to others it is not granted
   if (isManaged_) return tell("_NET_RESTACK_WINDOW", {pager, XCB_NONE, XCB_STACK_MODE_ABOVE});
-  const bool isLowest = below == XCB_NONE && layer_ == Layer::desktop;
   xcb_configure_window_value_list_t values{};
   values.sibling = below;
-  values.stack_mode = isLowest ? XCB_STACK_MODE_BELOW : XCB_STACK_MODE_ABOVE;
+  values.stack_mode = below == XCB_NONE ? XCB_STACK_MODE_BELOW : XCB_STACK_MODE_ABOVE;
   xcb_configure_window_aux(connection_, id_,
                            XCB_CONFIG_WINDOW_STACK_MODE | (below == XCB_NONE ? 0 : XCB_CONFIG_WINDOW_SIBLING),
                            &values);

@@ -28,7 +28,7 @@ class TileWindow {
   /// Puts the window to `area` of the screen, in pixels. One that was dragged only follows in size.
   void place(const Area& area);
 
-  /// Puts the window directly above another on the root window; for none, to its layer's end of the stack.
+  /// Puts the window directly above another on the root window; for none, below all.
   void stack(xcb_window_t below) const;
 
   /// Lets the pointer, which pressed a button here, drag the window.
@@ -44,7 +44,6 @@ class TileWindow {
   void tell(const std::string& message, std::initializer_list<std::uint32_t> data) const;
 
   const Connection& connection_;
-  const Layer layer_;
   const bool isManaged_;
   const xcb_window_t id_;
   std::shared_ptr<const Picture> picture_;

@@ -44,8 +44,7 @@ class X11Surface final : public Surface {
   }
   void show(std::shared_ptr<const Picture> picture) override {
     picture_ = std::move(picture);
-    looks_ = std::max(looks_, 1);
-    nextLook_ = {};
+    fit();
   }
   void setTitle(const std::string& title) override { title_ = title; }
   Area extents() const override { return extents_; }
@@ -55,6 +54,7 @@ class X11Surface final : public Surface {
  private:
   void handle(const xcb_generic_event_t& event);
   void follow();
+  void fit();
   void restack();
 
   const Options options_;
@@ -120,32 +120,36 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
   looks_ = 2;  // one at once, one when all has settled
 }
 
-/// Looks at the screen, and makes the tile fit: on its monitor, in the window that the window manager needs.
+/// Looks at the screen, and follows what has changed.
 void X11Surface::follow() {
   --looks_;
   nextLook_ = Clock::now() + settlingTime;
   screen_ = readScreen(connection_, options_.scale);
   // A monitor that is named but absent is waited for; while one that was there is away, the primary serves.
-  const auto& monitors = screen_.monitors;
-  auto found = std::ranges::find(monitors, options_.monitor.value_or(""), &MonitorInfo::connector);
-  wasThere_ = wasThere_ || found != monitors.end() || !options_.monitor;
-  if (found == monitors.end() && wasThere_)
-    found = std::ranges::find(monitors, true, &MonitorInfo::isPrimary);
-  monitor_ = found == monitors.end() ? std::nullopt : std::optional{*found};
-  if (!monitor_ || !picture_) return window_.reset();
-
-  const bool managed = isManaged(options_.layer, screen_.windowManager);
-  if (!window_ || window_->isManaged() != managed) window_.emplace(connection_, options_.layer, managed);
-  window_->show(picture_, title_, screen_.isComposited);
-  const auto margin = static_cast<int>(std::lround(options_.margin * monitor_->scale));
-  window_->place(
-      place(picture_->width, picture_->height, freeArea(monitor_->area, screen_), options_.anchor, margin));
+  auto found = std::ranges::find(screen_.monitors, options_.monitor.value_or(""), &MonitorInfo::connector);
+  wasThere_ = wasThere_ || found != screen_.monitors.end() || !options_.monitor;
+  if (found == screen_.monitors.end() && wasThere_)
+    found = std::ranges::find(screen_.monitors, true, &MonitorInfo::isPrimary);
+  monitor_ = found == screen_.monitors.end() ? std::nullopt : std::optional{*found};
+  fit();
+  if (!window_) return;
   restack();
   const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
       window_->id(), connection_.root(), std::int16_t{}, std::int16_t{});
   if (!at && xcb_connection_has_error(connection_) == 0) owner_.closed();  // somebody destroyed it
   const auto now = at ? Area{at->dst_x, at->dst_y, picture_->width, picture_->height} : extents_;
   if (std::exchange(extents_, now) != now) owner_.moved();
+}
+
+/// Shows the picture in its place, in a window as the window manager needs it.
+void X11Surface::fit() {
+  if (!monitor_ || !picture_) return window_.reset();
+  const bool managed = isManaged(options_.layer, screen_.windowManager);
+  if (!window_ || window_->isManaged() != managed) window_.emplace(connection_, options_.layer, managed);
+  window_->show(picture_, title_, screen_.isComposited);
+  const auto margin = static_cast<int>(std::lround(options_.margin * monitor_->scale));
+  const auto room = freeArea(monitor_->area, screen_);
+  window_->place(place(picture_->width, picture_->height, room, options_.anchor, margin));
 }
 
 /// Puts the tile back to its place in the stack: below all other windows, but directly above the desktop of
