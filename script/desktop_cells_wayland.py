@@ -1,6 +1,6 @@
 """What the tile is wanted to do on Wayland desktops, each tried on a desktop without a screen.
 
-COLUMNS has one function for each desktop. It takes a rig and returns for each of ROWS that means something there True, or
+DESKTOPS has one function for each desktop. It takes a rig and returns for each of WANTED that means something there True, or
 why not.
 """
 import functools
@@ -232,4 +232,4 @@ def kwin_wayland(rig):
         CORNERS: lambda: clean_corners(rig, set_scale, lambda scale: round(1280 / scale), BLACK)})
 
 
-COLUMNS = {"sway": sway, "weston": weston, "kwin_wayland": kwin_wayland}
+DESKTOPS = {"sway": sway, "weston": weston, "kwin_wayland": kwin_wayland}

@@ -1,6 +1,6 @@
 """What the tile is wanted to do on X11, each tried with every window manager on a desktop without a screen.
 
-COLUMNS has one function for each window manager. It takes a rig and returns for each of ROWS that means something there
+DESKTOPS has one function for each window manager. It takes a rig and returns for each of WANTED that means something there
 True, or why not. The functions of the cells are what the tests of the tile on X11 call, too.
 """
 import contextlib
@@ -384,9 +384,10 @@ CELLS = {BELOW: below, CLICKS: clicks, SHOW_DESKTOP: show_desktop, PLACE: panels
 NOT_THERE = {"i3": (SHOW_DESKTOP,), "awesome": (SHOW_DESKTOP,)}  # they neither show the desktop nor have icons on it
 
 
-def column(name, rig):
-    return results({row: functools.partial(cell, rig, name) for row, cell in CELLS.items()
-                    if row not in NOT_THERE.get(name, ())})
+def cells(name, rig):
+    return results({wanted: functools.partial(cell, rig, name) for wanted, cell in CELLS.items()
+                    if wanted not in NOT_THERE.get(name, ())})
 
 
-COLUMNS = {name: functools.partial(column, name) for name in (*WINDOW_MANAGERS, XWAYLAND)}
+DESKTOPS = {name: functools.partial(cells, name) for manager in WINDOW_MANAGERS
+            for name in ((manager, XWAYLAND) if manager == "mutter" else (manager,))}

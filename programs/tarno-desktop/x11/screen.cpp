@@ -32,11 +32,11 @@ double sessionScale(const Connection& connection) {
   // XSETTINGS have an integer, in little-endian order, as: its type 0 and a byte of no use, the length of the
   // name in 2 bytes, the name and what fills it to 4 bytes, 4 bytes that count the changes, the value.
   const auto setting = settings.find("\0\0\7\0Xft/DPI\0", 0, 12), resource = resources.find("\nXft.dpi:");
-  std::uint32_t value = 0;
+  std::int32_t value = 0;
   if (setting != std::string::npos && setting + 20 <= settings.size())
     std::memcpy(&value, &settings[setting + 16], sizeof value);
   double dpi = value / 1024.0;
-  if (dpi == 0 && resource != std::string::npos)
+  if (dpi <= 0 && resource != std::string::npos)
     std::istringstream{resources.substr(resources.find(':', resource) + 1)} >> dpi;
   return std::clamp(dpi / 96, 1.0, 16.0);
 }

@@ -106,19 +106,24 @@ def test_monitors_and_scale(rig):
                           (("DUMMY0", "--mode", "1024x768"), [16]), (beside, [1040])):
         turn(*words)
         wait_for(lambda: [screen.place(tile)[0] for tile in screen.tiles()] == places, message=f"the tile at {places}")
-    resources = screen.atom("RESOURCE_MANAGER")
-    screen.root.change_property(resources, Xatom.STRING, 8, b"Xft.dpi: 144\n")
-    screen.display.sync()
     size = lambda: screen.place(screen.tiles()[0])[2:]
-    wait_for(lambda: size() == (546, 255), message="the scale of the resources")
-    owner = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
-    settings = screen.atom("_XSETTINGS_SETTINGS")
-    owner.set_selection_owner(screen.atom("_XSETTINGS_S0"), X.CurrentTime)
-    for scale, expected in ((1.25, (455, 213)), (2, (728, 340))):
-        value = struct.pack("<B3xIIBxH7sxIi", 0, 1, 1, 0, 7, b"Xft/DPI", 1, int(96 * 1024 * scale))
-        owner.change_property(settings, settings, 8, value)
+    sizes = {1: (364, 170), 1.25: (455, 213), 1.5: (546, 255), 2: (728, 340)}
+
+    def sets(owner, name, value, scale):
+        owner.change_property(screen.atom(name), Xatom.STRING, 8, value)
         screen.display.sync()
-        wait_for(lambda: size() == expected, message=f"the scale {scale} of the settings")
+        wait_for(lambda: size() == sizes[scale], message=f"the scale {scale} for {value}")
+
+    for value, scale in ((b"Xft.dpi: 144\n", 1.5), (b"*customization: -color\nXft.dpi:\t120\nXft.hinting: 1\n", 1.25),
+                         (b"MyXft.dpi: 192\n", 1), (b"Xft.dpi:192", 2), (b"Xft.dpi: no\n", 1), (b"Xft.dpi: 144\n", 1.5)):
+        sets(screen.root, "RESOURCE_MANAGER", value, scale)
+    owner = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
+    owner.set_selection_owner(screen.atom("_XSETTINGS_S0"), X.CurrentTime)
+    setting = lambda name, dpi: struct.pack(f"<B3xIIBxH{(len(name) + 3) // 4 * 4}sIi", 0, 1, 1, 0, len(name), name, 1, dpi * 1024)
+    for value, scale in ((setting(b"Xft/DPI", 120), 1.25), (setting(b"Xft/DPI", 192), 2), (setting(b"Xft/DPI", -1), 1.5),
+                         (setting(b"Xft/DPI", 96), 1), (setting(b"Xft/DPIs", 192), 1.5), (setting(b"Xft/DPI", 96), 1),
+                         (setting(b"Xft/DPI", 192)[:-1], 1.5)):
+        sets(owner, "_XSETTINGS_SETTINGS", value, scale)
 
 
 def test_dragging_and_the_end(rig):
