@@ -124,6 +124,12 @@ class X11Screen:
         except error.BadWindow:
             return False
 
+    def is_managed(self, window):
+        try:
+            return not window.get_attributes().override_redirect
+        except error.BadWindow:  # another has taken its place
+            return None
+
     def new_window(self, kind="NORMAL", x=0, y=0, width=300, height=200, color=0x00ff00, **properties):
         """A mapped window, such as a program's or a file manager's desktop."""
         window = self.root.create_window(x, y, width, height, 0, X.CopyFromParent, background_pixel=color,

@@ -9,13 +9,12 @@ namespace desktop::x11 {
 
 Connection::Connection() : connection_(xcb_connect(nullptr, &screenNumber_), xcb_disconnect) {
   // Neither extension serves a client that has not told its version; without them the connection breaks.
-  ask<xcb_randr_query_version, xcb_randr_query_version_reply>(1U, 5U);
-  ask<xcb_xfixes_query_version, xcb_xfixes_query_version_reply>(5U, 0U);
+  ask<xcb_randr_query_version, xcb_randr_query_version_reply>(1U, 5U)();
+  ask<xcb_xfixes_query_version, xcb_xfixes_query_version_reply>(5U, 0U)();
   const char* const name = std::getenv("DISPLAY");
   if (xcb_connection_has_error(*this) != 0)
-    throw program::Failure{EX_UNAVAILABLE, "cannot connect to the X11 display '" +
-                                               std::string{name ? name : ""} +
-                                               "', or it lacks RANDR or XFIXES"};
+    throw program::Failure{EX_UNAVAILABLE, std::string{"cannot connect to the X11 display '"} +
+                                               (name ? name : "") + "', or it lacks RANDR or XFIXES"};
   auto screen = xcb_setup_roots_iterator(xcb_get_setup(*this));
   for (int i = 0; i < screenNumber_; ++i) xcb_screen_next(&screen);
   root_ = screen.data->root;
@@ -32,7 +31,7 @@ xcb_atom_t Connection::atom(const std::string& name) const {
   auto& atom = atoms_[name];
   if (atom != XCB_NONE) return atom;
   const auto length = static_cast<std::uint16_t>(name.size());
-  const auto reply = ask<xcb_intern_atom, xcb_intern_atom_reply>(std::uint8_t{}, length, name.data());
+  const auto reply = ask<xcb_intern_atom, xcb_intern_atom_reply>(std::uint8_t{}, length, name.data())();
   return atom = reply ? reply->atom : XCB_NONE;
 }
 

@@ -30,23 +30,27 @@ class Connection {
   /// The atom of a selection of this screen, whose name ends with the screen's number.
   xcb_atom_t selection(const std::string& name) const { return atom(name + std::to_string(screenNumber_)); }
 
-  /// Sends a request and waits for the answer: ask<xcb_query_tree, xcb_query_tree_reply>(window). Null where
-  /// there is none, such as about a window that is gone.
+  /// Sends a request. Calling the result waits for the answer, which is null where there is none, such as
+  /// about a window that is gone: ask<xcb_query_tree, xcb_query_tree_reply>(window)().
   template <auto request, auto reply, class... Arguments>
   auto ask(Arguments... arguments) const {
-    auto* answer = reply(*this, request(*this, arguments...), nullptr);
-    return std::shared_ptr<std::remove_pointer_t<decltype(answer)>>{answer, std::free};
+    return [this, cookie = request(*this, arguments...)] {
+      auto* answer = reply(*this, cookie, nullptr);
+      return std::shared_ptr<std::remove_pointer_t<decltype(answer)>>{answer, std::free};
+    };
   }
 
-  /// The items of a property, each as wide as those of `Items`. A window that is gone has none.
+  /// The same of the items of a property, each as wide as those of `Items`. A window that is gone has none.
   template <class Items = std::vector<std::uint32_t>>
-  Items property(xcb_window_t window, const std::string& name) const {
-    using Item = typename Items::value_type;
-    const auto reply = ask<xcb_get_property, xcb_get_property_reply>(std::uint8_t{}, window, atom(name),
-                                                                     XCB_ATOM_NONE, 0U, 1U << 14);
-    if (!reply || reply->format != 8 * sizeof(Item)) return {};
-    const auto* const first = static_cast<const Item*>(xcb_get_property_value(reply.get()));
-    return {first, first + reply->value_len};
+  auto property(xcb_window_t window, const std::string& name) const {
+    return [reply = ask<xcb_get_property, xcb_get_property_reply>(std::uint8_t{}, window, atom(name),
+                                                                  XCB_ATOM_NONE, 0U, 1U << 14)]() -> Items {
+      using Item = typename Items::value_type;
+      const auto answer = reply();
+      if (!answer || answer->format != 8 * sizeof(Item)) return {};
+      const auto* const first = static_cast<const Item*>(xcb_get_property_value(answer.get()));
+      return {first, first + answer->value_len};
+    };
   }
 
   /// Asks for events of a window.

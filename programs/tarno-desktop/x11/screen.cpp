@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <cstring>
 #include <sstream>
+#include <tuple>
 
 namespace desktop::x11 {
 namespace {
 
 std::vector<Area> areas(const Connection& connection, const std::string& property) {
-  const auto words = connection.property<std::vector<int>>(connection.root(), property);
+  const auto words = connection.property<std::vector<int>>(connection.root(), property)();
   std::vector<Area> areas;
   for (std::size_t i = 0; i + 4 <= words.size(); i += 4)
     areas.push_back({words[i], words[i + 1], words[i + 2], words[i + 3]});
@@ -18,8 +19,8 @@ std::vector<Area> areas(const Connection& connection, const std::string& propert
 }
 
 xcb_window_t ownerOf(const Connection& connection, const std::string& selection) {
-  const auto reply =
-      connection.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(connection.selection(selection));
+  const auto reply = connection.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(
+      connection.selection(selection))();
   return reply ? reply->owner : XCB_NONE;
 }
 
@@ -27,8 +28,8 @@ xcb_window_t ownerOf(const Connection& connection, const std::string& selection)
 double sessionScale(const Connection& connection) {
   const auto owner = ownerOf(connection, "_XSETTINGS_S");
   if (owner != XCB_NONE) connection.select(owner, XCB_EVENT_MASK_PROPERTY_CHANGE);
-  const auto settings = connection.property<std::string>(owner, "_XSETTINGS_SETTINGS");
-  const auto resources = "\n" + connection.property<std::string>(connection.root(), "RESOURCE_MANAGER");
+  const auto settings = connection.property<std::string>(owner, "_XSETTINGS_SETTINGS")();
+  const auto resources = "\n" + connection.property<std::string>(connection.root(), "RESOURCE_MANAGER")();
   // XSETTINGS have an integer, in little-endian order, as: its type 0 and a byte of no use, the length of the
   // name in 2 bytes, the name and what fills it to 4 bytes, 4 bytes that count the changes, the value.
   const auto setting = settings.find("\0\0\7\0Xft/DPI\0", 0, 12), resource = resources.find("\nXft.dpi:");
@@ -43,44 +44,55 @@ double sessionScale(const Connection& connection) {
 
 std::vector<MonitorInfo> readMonitors(const Connection& connection, double scale) {
   std::vector<MonitorInfo> monitors;
-  const auto reply = connection.ask<xcb_randr_get_monitors, xcb_randr_get_monitors_reply>(connection.root(),
-                                                                                          std::uint8_t{true});
+  const auto reply = connection.ask<xcb_randr_get_monitors, xcb_randr_get_monitors_reply>(
+      connection.root(), std::uint8_t{true})();
   if (!reply) return monitors;
   for (auto at = xcb_randr_get_monitors_monitors_iterator(reply.get()); at.rem != 0;
        xcb_randr_monitor_info_next(&at)) {
     const auto& info = *at.data;
     monitors.push_back({"", {info.x, info.y, info.width, info.height}, scale, info.primary != 0});
-    if (const auto name = connection.ask<xcb_get_atom_name, xcb_get_atom_name_reply>(info.name))
+    if (const auto name = connection.ask<xcb_get_atom_name, xcb_get_atom_name_reply>(info.name)())
       monitors.back().connector.assign(xcb_get_atom_name_name(name.get()), name->name_len);
   }
-  if (!monitors.empty() && std::ranges::none_of(monitors, &MonitorInfo::isPrimary))
-    monitors.front().isPrimary = true;
   return monitors;
 }
 
-/// Adds a window that is seen, and what is alone in it: i3 does not list the panels that it frames.
-void addWindow(const Connection& connection, xcb_window_t id, std::vector<Window>& windows) {
-  const auto state = connection.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(id);
-  if (!state || state->map_state != XCB_MAP_STATE_VIEWABLE || state->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
-    return;
-  const auto area = connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(id);
-  const auto tree = connection.ask<xcb_query_tree, xcb_query_tree_reply>(id);
-  if (!area || !tree) return;
-  const auto is = [&](const std::string& list, const std::string& atom) {
-    return std::ranges::count(connection.property(id, list), connection.atom(atom)) != 0;
+/// Adds those of some windows that are seen, and what is alone in them: i3 does not list the panels that it
+/// frames. All is asked before an answer is waited for, so that many windows take no longer than one.
+void addWindows(const Connection& connection, const std::vector<xcb_window_t>& ids,
+                std::vector<Window>& all) {
+  const auto ask = [&](xcb_window_t id) {
+    return std::tuple{connection.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(id),
+                      connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(id),
+                      connection.ask<xcb_query_tree, xcb_query_tree_reply>(id),
+                      connection.property(id, "_NET_WM_WINDOW_TYPE"),
+                      connection.property(id, "_NET_WM_STATE"),
+                      connection.property<std::vector<int>>(id, "_NET_WM_STRUT_PARTIAL")};
   };
-  Window window{id, {area->x, area->y, area->width, area->height}};
-  window.isDesktop = is("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP");
-  window.isOverlay = !window.isDesktop && state->override_redirect != 0 && tree->parent == tree->root;
-  window.isFullScreen = is("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
-  window.strut = connection.property<std::vector<int>>(id, "_NET_WM_STRUT_PARTIAL");
-  if (window.strut.size() != 12) window.strut.clear();
-  windows.push_back(std::move(window));
-  if (is("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DOCK"))
-    connection.select(id, XCB_EVENT_MASK_PROPERTY_CHANGE);
-  const std::span inside{xcb_query_tree_children(tree.get()), tree->children_len};
-  if (id == tree->root || inside.size() == 1)
-    for (const auto child : inside) addWindow(connection, child, windows);
+  const auto answers = [](const auto&... asked) { return std::tuple{asked()...}; };
+  const auto is = [&](auto& list, auto name) { return std::ranges::count(list, connection.atom(name)) != 0; };
+  std::vector<decltype(ask(XCB_NONE))> asked;
+  std::ranges::transform(ids, std::back_inserter(asked), ask);
+  std::vector<xcb_window_t> inside;
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    auto [attributes, area, tree, type, state, strut] = std::apply(answers, asked[i]);
+    if (!attributes || !area || !tree || attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY) continue;
+    if (attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
+    const bool isOnRoot = tree->parent == tree->root;
+    const auto frame = std::ranges::find(all, tree->parent, &Window::id);
+    const auto top = isOnRoot ? ids[i] : frame == all.end() ? xcb_window_t{XCB_NONE} : frame->top;
+    Window window{ids[i], top, {area->x, area->y, area->width, area->height}};
+    window.isDesktop = is(type, "_NET_WM_WINDOW_TYPE_DESKTOP");
+    window.isOverlay = !window.isDesktop && attributes->override_redirect != 0 && isOnRoot;
+    window.isFullScreen = is(state, "_NET_WM_STATE_FULLSCREEN");
+    if (strut.size() == 12) window.strut = std::move(strut);
+    all.push_back(std::move(window));
+    if (is(type, "_NET_WM_WINDOW_TYPE_DOCK")) connection.select(ids[i], XCB_EVENT_MASK_PROPERTY_CHANGE);
+    const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
+    if (ids[i] == tree->root || children.size() == 1)
+      inside.insert(inside.end(), children.begin(), children.end());
+  }
+  if (!inside.empty()) addWindows(connection, inside, all);
 }
 
 /// From where to where something reaches, along an axis.
@@ -94,8 +106,7 @@ Range along(std::size_t axis, const Area& area) {
   return axis == 0 ? Range{area.x, area.x + area.width} : Range{area.y, area.y + area.height};
 }
 
-/// How far an area is from an edge of the screen, inwards. Edges are numbered as in struts: left, right, top,
-/// bottom.
+/// How far inwards an area is from an edge of the screen: 0 to 3 for left, right, top, bottom, as in struts.
 Range distance(std::size_t edge, const Area& screen, const Area& area) {
   const auto whole = along(edge / 2, screen), part = along(edge / 2, area);
   return edge % 2 == 0 ? Range{part.low - whole.low, part.high - whole.low}
@@ -121,25 +132,22 @@ int reserved(const Window& window, std::size_t edge, const Area& monitor, const 
 Screen readScreen(const Connection& connection, std::optional<double> scale) {
   const auto root = connection.root();
   Screen screen;
-  if (const auto window = connection.property(root, "_NET_SUPPORTING_WM_CHECK"); !window.empty())
-    screen.windowManager = connection.property<std::string>(window[0], "_NET_WM_NAME");
+  if (const auto window = connection.property(root, "_NET_SUPPORTING_WM_CHECK")(); !window.empty())
+    screen.windowManager = connection.property<std::string>(window[0], "_NET_WM_NAME")();
   const bool isSilent = screen.windowManager == "i3";  // about panels
   connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
   screen.isComposited = ownerOf(connection, "_NET_WM_CM_S") != XCB_NONE;
   screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
-  addWindow(connection, root, screen.windows);
+  addWindows(connection, {root}, screen.windows);
   screen.area = screen.windows.empty() ? Area{} : screen.windows.front().area;
   // In the second, xfwm4 leaves out desktops.
   for (const auto* const list : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
-    for (const auto window : connection.property(root, list)) addWindow(connection, window, screen.windows);
+    addWindows(connection, connection.property(root, list)(), screen.windows);
   const auto workAreas = areas(connection, "_NET_WORKAREA");
   screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
-  const auto supported = connection.property(root, "_NET_SUPPORTED");  // not of a window manager that is gone
-  if (std::ranges::count(supported, connection.atom("_GTK_WORKAREAS_D0")) != 0)
-    screen.monitorWorkAreas = areas(connection, "_GTK_WORKAREAS_D0");
-  else if (screen.monitors.size() == 1)
-    screen.monitorWorkAreas = {screen.workArea};
+  screen.monitorWorkAreas = areas(connection, "_GTK_WORKAREAS_D0");
+  if (screen.monitors.size() == 1) screen.monitorWorkAreas.push_back(screen.workArea);
   return screen;
 }
 

@@ -12,7 +12,8 @@ namespace desktop::x11 {
 /// A window that is seen.
 struct Window {
   xcb_window_t id = XCB_NONE;
-  Area area;               ///< counted from what the window is in: the screen, or a frame
+  xcb_window_t top = XCB_NONE;  ///< what it is in that is on the screen itself, such as a frame; or itself
+  Area area;                    ///< counted from what the window is in: the screen, or a frame
   bool isOverlay = false;  ///< on the screen itself and not managed: such as a window manager's own panel
   bool isDesktop = false;  ///< of a file manager; or a tile
   bool isFullScreen = false;
@@ -22,7 +23,7 @@ struct Window {
 /// All that concerns the tile on a screen, at one moment. Areas are in pixels.
 struct Screen {
   Area area;                           ///< of the root window, from whose edges struts count
-  std::vector<MonitorInfo> monitors;   ///< that are on, in the display's order; one is primary
+  std::vector<MonitorInfo> monitors;   ///< that are on, in the display's order
   std::vector<Window> windows;         ///< bottom to top: the root window, others, managed ones
   Area workArea;                       ///< what the window manager leaves of the whole screen
   std::vector<Area> monitorWorkAreas;  ///< the same of single monitors, as far as it is known

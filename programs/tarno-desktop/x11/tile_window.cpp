@@ -72,8 +72,7 @@ void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string&
   if (picture == picture_ && isComposited == isComposited_) return;
   picture_ = std::move(picture);
   isComposited_ = isComposited;
-  for (const auto* const property : {"_NET_WM_NAME", "WM_NAME"})
-    set(property, connection_.atom("UTF8_STRING"), title);
+  set("_NET_WM_NAME", connection_.atom("UTF8_STRING"), title);
   // As the window's background, the picture comes back by itself wherever the window is uncovered.
   const auto width = static_cast<std::uint16_t>(picture_->width),
              height = static_cast<std::uint16_t>(picture_->height);
@@ -117,26 +116,25 @@ void TileWindow::place(const Area& area) {
 }
 
 void TileWindow::stack(xcb_window_t below) const {
-  constexpr std::uint32_t pager = 2;  // to others it is not granted
+  constexpr int pager = 2;  // to others it is not granted
   if (isManaged_) return tell("_NET_RESTACK_WINDOW", {pager, XCB_NONE, XCB_STACK_MODE_ABOVE});
+  const bool isLowest = below == XCB_NONE;
   xcb_configure_window_value_list_t values{};
   values.sibling = below;
-  values.stack_mode = below == XCB_NONE ? XCB_STACK_MODE_BELOW : XCB_STACK_MODE_ABOVE;
-  xcb_configure_window_aux(connection_, id_,
-                           XCB_CONFIG_WINDOW_STACK_MODE | (below == XCB_NONE ? 0 : XCB_CONFIG_WINDOW_SIBLING),
-                           &values);
+  values.stack_mode = isLowest ? XCB_STACK_MODE_BELOW : XCB_STACK_MODE_ABOVE;
+  const int set = XCB_CONFIG_WINDOW_STACK_MODE | (isLowest ? 0 : XCB_CONFIG_WINDOW_SIBLING);
+  xcb_configure_window_aux(connection_, id_, static_cast<std::uint16_t>(set), &values);
 }
 
 void TileWindow::drag(const xcb_button_press_event_t& press) {
   isDragged_ = true;
   xcb_ungrab_pointer(connection_, press.time);
-  constexpr std::uint32_t move = 8, application = 1;
-  tell("_NET_WM_MOVERESIZE", {static_cast<std::uint32_t>(press.root_x),
-                              static_cast<std::uint32_t>(press.root_y), move, press.detail, application});
+  constexpr int move = 8, application = 1;
+  tell("_NET_WM_MOVERESIZE", {press.root_x, press.root_y, move, press.detail, application});
 }
 
 /// Sends the window manager a message about the window.
-void TileWindow::tell(const std::string& message, std::initializer_list<std::uint32_t> data) const {
+void TileWindow::tell(const std::string& message, std::initializer_list<int> data) const {
   xcb_client_message_event_t event{XCB_CLIENT_MESSAGE, 32, 0, id_, connection_.atom(message), {}};
   std::ranges::copy(data, event.data.data32);
   const void* const bytes = &event;

@@ -41,7 +41,7 @@ class TileWindow {
                         8 * sizeof *std::data(items), static_cast<std::uint32_t>(std::size(items)),
                         std::data(items));
   }
-  void tell(const std::string& message, std::initializer_list<std::uint32_t> data) const;
+  void tell(const std::string& message, std::initializer_list<int> data) const;
 
   const Connection& connection_;
   const bool isManaged_;

@@ -15,9 +15,6 @@ namespace {
 
 using namespace x11;
 
-/// Monitors, panels and window managers come and go in several steps, some of which nobody tells.
-constexpr std::chrono::milliseconds settlingTime{100};
-
 /// These window managers keep an unmanaged window above all others, or leave it behind what they raise to
 /// show the desktop; and they let the pointer through a managed one. The others put managed windows into
 /// frames, which catch it.
@@ -25,12 +22,6 @@ bool isManaged(Layer layer, std::string_view windowManager) {
   constexpr std::array<std::string_view, 4> frameless{"GNOME Shell", "KWin", "Metacity", "Mutter"};
   const auto isPartOfIt = [&](auto name) { return windowManager.find(name) != std::string_view::npos; };
   return layer == Layer::normal || std::ranges::any_of(frameless, isPartOfIt);
-}
-
-/// The window on the root window, such as a frame, that has `window` in it.
-xcb_window_t topLevel(const Connection& connection, xcb_window_t window) {
-  const auto tree = connection.ask<xcb_query_tree, xcb_query_tree_reply>(window);
-  return !tree || tree->parent == tree->root ? window : topLevel(connection, tree->parent);
 }
 
 class X11Surface final : public Surface {
@@ -84,10 +75,9 @@ X11Surface::X11Surface(const Options& options, SurfaceOwner owner)
 
 std::string X11Surface::description() const {
   constexpr std::array<const char*, 3> places{"of the desktop", "among others", "above others"};
-  const auto layer = std::string{"as an X11 window "} + places[static_cast<std::size_t>(options_.layer)];
-  if (monitor_) return layer + " on " + monitor_->connector;
-  return layer + " as soon as there is " +
-         (options_.monitor ? "the monitor " + *options_.monitor : "a monitor");
+  const auto wanted = options_.monitor ? "the monitor " + *options_.monitor : "a monitor";
+  return std::string{"as an X11 window "} + places[static_cast<std::size_t>(options_.layer)] +
+         (monitor_ ? " on " + monitor_->connector : " as soon as there is " + wanted);
 }
 
 EventSource::Wait X11Surface::prepare() {
@@ -117,25 +107,25 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
   if (type == 0) return;  // an error, about a window that is gone
   if (type == XCB_CONFIGURE_NOTIFY && configure->event != configure->window) return;  // any on the screen
   if (type == XCB_BUTTON_PRESS && window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
-  looks_ = 2;  // one at once, one when all has settled
+  looks_ = 2;  // one at once, and one for what follows without being told
 }
 
 /// Looks at the screen, and follows what has changed.
 void X11Surface::follow() {
   --looks_;
-  nextLook_ = Clock::now() + settlingTime;
+  nextLook_ = Clock::now() + std::chrono::milliseconds{100};
   screen_ = readScreen(connection_, options_.scale);
   // A monitor that is named but absent is waited for; while one that was there is away, the primary serves.
   auto found = std::ranges::find(screen_.monitors, options_.monitor.value_or(""), &MonitorInfo::connector);
   wasThere_ = wasThere_ || found != screen_.monitors.end() || !options_.monitor;
   if (found == screen_.monitors.end() && wasThere_)
-    found = std::ranges::find(screen_.monitors, true, &MonitorInfo::isPrimary);
+    found = std::ranges::max_element(screen_.monitors, {}, &MonitorInfo::isPrimary);  // or the first
   monitor_ = found == screen_.monitors.end() ? std::nullopt : std::optional{*found};
   fit();
   if (!window_) return;
   restack();
   const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
-      window_->id(), connection_.root(), std::int16_t{}, std::int16_t{});
+      window_->id(), connection_.root(), std::int16_t{}, std::int16_t{})();
   if (!at && xcb_connection_has_error(connection_) == 0) owner_.closed();  // somebody destroyed it
   const auto now = at ? Area{at->dst_x, at->dst_y, picture_->width, picture_->height} : extents_;
   if (std::exchange(extents_, now) != now) owner_.moved();
@@ -165,7 +155,7 @@ void X11Surface::restack() {
     if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
                                          : window.isDesktop || window.isOverlay || window.isFullScreen)
       continue;
-    highest = topLevel(connection_, window.id);
+    highest = window.top;
     if (window.isDesktop) connection_.select(highest, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     isAbove = false;
   }

@@ -73,12 +73,11 @@ def test_window_managers_come_and_go(rig):
     rig.x11()
     tile = rig.tile(*AT)
     screen = X11Screen(rig, None)
-    managed = lambda: not screen.tiles()[0].get_attributes().override_redirect
     place = screen.place(screen.tile())
 
     def follows(name, is_managed):
-        wait_for(lambda: len(screen.tiles()) == 1 and managed() == is_managed, message=f"the kind of window for {name}")
-        wait_for(lambda: screen.place(screen.tiles()[0]) == place, message=f"the tile's place with {name}")
+        wait_for(lambda: list(map(screen.is_managed, screen.tiles())) == [is_managed], message=f"the kind of window for {name}")
+        wait_for(lambda: list(map(screen.place, screen.tiles())) == [place], message=f"the tile's place with {name}")
 
     follows("none", False)
     check = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
