@@ -7,18 +7,16 @@
 
 namespace desktop::x11 {
 
-Connection::Connection() : connection_(xcb_connect(nullptr, &screenNumber_), xcb_disconnect) {
+Connection::Connection() : connection_(xcb_connect(nullptr, nullptr), xcb_disconnect) {
   // Neither extension serves a client that has not told its version; without them the connection breaks.
   ask<xcb_randr_query_version, xcb_randr_query_version_reply>(1U, 5U)();
   ask<xcb_xfixes_query_version, xcb_xfixes_query_version_reply>(5U, 0U)();
-  const char* const name = std::getenv("DISPLAY");
-  if (xcb_connection_has_error(*this) != 0)
+  if (const char* const name = std::getenv("DISPLAY"); xcb_connection_has_error(*this) != 0)
     throw program::Failure{EX_UNAVAILABLE, std::string{"cannot connect to the X11 display '"} +
                                                (name ? name : "") + "', or it lacks RANDR or XFIXES"};
-  auto screen = xcb_setup_roots_iterator(xcb_get_setup(*this));
-  for (int i = 0; i < screenNumber_; ++i) xcb_screen_next(&screen);
-  root_ = screen.data->root;
-  for (auto depth = xcb_screen_allowed_depths_iterator(screen.data); depth.rem != 0; xcb_depth_next(&depth))
+  const auto* const screen = xcb_setup_roots_iterator(xcb_get_setup(*this)).data;
+  root_ = screen->root;
+  for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem != 0; xcb_depth_next(&depth))
     for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem != 0; xcb_visualtype_next(&visual))
       if (depth.data->depth == 32 && visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR)
         visual_ = visual.data->visual_id;

@@ -11,7 +11,7 @@
 
 namespace desktop::x11 {
 
-/// A connection to the display that DISPLAY names.
+/// A connection to the display that DISPLAY names, whose first screen counts.
 class Connection {
  public:
   /// Throws program::Failure (EX_UNAVAILABLE) when there is no display, or one that lacks what a tile needs.
@@ -26,9 +26,6 @@ class Connection {
   xcb_colormap_t colormap() const { return colormap_; }
 
   xcb_atom_t atom(const std::string& name) const;
-
-  /// The atom of a selection of this screen, whose name ends with the screen's number.
-  xcb_atom_t selection(const std::string& name) const { return atom(name + std::to_string(screenNumber_)); }
 
   /// Sends a request. Calling the result waits for the answer, which is null where there is none, such as
   /// about a window that is gone: ask<xcb_query_tree, xcb_query_tree_reply>(window)().
@@ -59,7 +56,6 @@ class Connection {
   }
 
  private:
-  int screenNumber_ = 0;
   std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_;
   xcb_window_t root_ = XCB_NONE;
   xcb_visualid_t visual_ = XCB_NONE;

@@ -19,14 +19,14 @@ std::vector<Area> areas(const Connection& connection, const std::string& propert
 }
 
 xcb_window_t ownerOf(const Connection& connection, const std::string& selection) {
-  const auto reply = connection.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(
-      connection.selection(selection))();
+  const auto reply =
+      connection.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(connection.atom(selection))();
   return reply ? reply->owner : XCB_NONE;
 }
 
 /// In pixels per point, which is one at 96 dots per inch, by the session's settings or else its resources.
 double sessionScale(const Connection& connection) {
-  const auto owner = ownerOf(connection, "_XSETTINGS_S");
+  const auto owner = ownerOf(connection, "_XSETTINGS_S0");
   if (owner != XCB_NONE) connection.select(owner, XCB_EVENT_MASK_PROPERTY_CHANGE);
   const auto settings = connection.property<std::string>(owner, "_XSETTINGS_SETTINGS")();
   const auto resources = "\n" + connection.property<std::string>(connection.root(), "RESOURCE_MANAGER")();
@@ -137,7 +137,7 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
   const bool isSilent = screen.windowManager == "i3";  // about panels
   connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
-  screen.isComposited = ownerOf(connection, "_NET_WM_CM_S") != XCB_NONE;
+  screen.isComposited = ownerOf(connection, "_NET_WM_CM_S0") != XCB_NONE;
   screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
   addWindows(connection, {root}, screen.windows);
   screen.area = screen.windows.empty() ? Area{} : screen.windows.front().area;

@@ -47,6 +47,7 @@ class X11Surface final : public Surface {
   void follow();
   void fit();
   void restack();
+  void moved();
 
   const Options options_;
   const SurfaceOwner owner_;
@@ -65,8 +66,8 @@ class X11Surface final : public Surface {
 X11Surface::X11Surface(const Options& options, SurfaceOwner owner)
     : options_(options), owner_(std::move(owner)) {
   xcb_randr_select_input(connection_, connection_.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
-  for (const auto* const selection : {"_NET_WM_CM_S", "_XSETTINGS_S"})
-    xcb_xfixes_select_selection_input(connection_, connection_.root(), connection_.selection(selection),
+  for (const auto* const selection : {"_NET_WM_CM_S0", "_XSETTINGS_S0"})
+    xcb_xfixes_select_selection_input(connection_, connection_.root(), connection_.atom(selection),
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -102,12 +103,23 @@ void X11Surface::dispatch(short) {
 
 void X11Surface::handle(const xcb_generic_event_t& event) {
   const void* const data = &event;
-  const auto* const configure = static_cast<const xcb_configure_notify_event_t*>(data);
+  const auto* const notify = static_cast<const xcb_configure_notify_event_t*>(data);  // or another like it
   const int type = event.response_type & 0x7f;
+  const bool isOwn = window_ && notify->window == window_->id();
+  if (type == XCB_DESTROY_NOTIFY && isOwn) return owner_.closed();
+  if (type == XCB_CONFIGURE_NOTIFY && isOwn) return moved();
+  if (type == XCB_CONFIGURE_NOTIFY && notify->event != notify->window) return;  // any window on the screen
   if (type == 0) return;  // an error, about a window that is gone
-  if (type == XCB_CONFIGURE_NOTIFY && configure->event != configure->window) return;  // any on the screen
   if (type == XCB_BUTTON_PRESS && window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
   looks_ = 2;  // one at once, and one for what follows without being told
+}
+
+/// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.
+void X11Surface::moved() {
+  const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
+      window_->id(), connection_.root(), std::int16_t{}, std::int16_t{})();
+  const auto now = at ? Area{at->dst_x, at->dst_y, picture_->width, picture_->height} : extents_;
+  if (std::exchange(extents_, now) != now) owner_.moved();
 }
 
 /// Looks at the screen, and follows what has changed.
@@ -122,13 +134,7 @@ void X11Surface::follow() {
     found = std::ranges::max_element(screen_.monitors, {}, &MonitorInfo::isPrimary);  // or the first
   monitor_ = found == screen_.monitors.end() ? std::nullopt : std::optional{*found};
   fit();
-  if (!window_) return;
-  restack();
-  const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
-      window_->id(), connection_.root(), std::int16_t{}, std::int16_t{})();
-  if (!at && xcb_connection_has_error(connection_) == 0) owner_.closed();  // somebody destroyed it
-  const auto now = at ? Area{at->dst_x, at->dst_y, picture_->width, picture_->height} : extents_;
-  if (std::exchange(extents_, now) != now) owner_.moved();
+  if (window_) restack();
 }
 
 /// Shows the picture in its place, in a window as the window manager needs it.
@@ -150,7 +156,7 @@ void X11Surface::restack() {
   bool isAbove = true;
   for (const auto& window : screen_.windows) {
     if (window.id == window_->id()) isAbove = true;
-    // A smaller one is another tile; the two must not restack each other for ever.
+    // A smaller one is another tile, which wants to be there too.
     const bool isLarger = window.area.width > picture_->width && window.area.height > picture_->height;
     if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
                                          : window.isDesktop || window.isOverlay || window.isFullScreen)

@@ -59,6 +59,11 @@ def test_stack(rig):
         files.configure(stack_mode=X.Above)
         screen.display.sync()
         time.sleep(0.2)
+    wakes = lambda: int(open(f"/proc/{small.popen.pid}/status").read().split("voluntary_ctxt_switches:")[1].split()[0])
+    time.sleep(0.5)
+    before = wakes()
+    time.sleep(0.5)
+    assert wakes() - before < 5, "the two tiles fight for their place"
     above = rig.tile(*AT, "--layer", "above", "--anchor", "center")
     upper = wait_for(lambda: [tile for tile in screen.tiles() if screen.place(tile)[:2] == (458, 315)])[0]
     normal.configure(stack_mode=X.Above)
@@ -139,7 +144,7 @@ def test_dragging_and_the_end(rig):
     xtest.fake_input(screen.display, X.ButtonRelease, 1)
     screen.display.sync()
     wait_for(lambda: screen.place(window)[:2] == (600, 116), message="the dragged tile")
-    screen.new_window("DOCK", width=1280, height=40, _NET_WM_STRUT=[0, 0, 40, 0])
+    screen.new_window("DOCK", width=1280, height=40, _NET_WM_STRUT=[0, 0, 40, 0], _NET_WM_STRUT_PARTIAL=[0, 0, 40])
     time.sleep(0.5)
     rig.save(RECORD % "locked", SAVED)
     time.sleep(0.5)
