@@ -1,0 +1,117 @@
+#include "wayland/display.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <string_view>
+
+#include "common/failure.hpp"
+
+namespace desktop::wayland {
+namespace {
+
+void noteMode(void* output, auto*, std::uint32_t flags, int width, int height, int) {
+  if ((flags & WL_OUTPUT_MODE_CURRENT) != 0) static_cast<Output*>(output)->mode = {0, 0, width, height};
+}
+
+void noteInfo(void* data, auto*) {
+  auto& [id, proxy, details, info, name, mode, x, y, width, height] = *static_cast<Output*>(data);
+  if (mode.width <= 0 || width <= 0 || height <= 0) return;
+  const bool isTurned = (mode.width < mode.height) != (width < height);
+  const Area pixels{x, y, isTurned ? mode.height : mode.width, isTurned ? mode.width : mode.height};
+  info = {name, pixels, outputScale(pixels, {x, y, width, height})};
+}
+
+constexpr wl_output_listener outputListener{.geometry = ignore,
+                                            .mode = noteMode,
+                                            .done = noteInfo,
+                                            .scale = ignore,
+                                            .name = store<&Output::name>,
+                                            .description = ignore};
+
+constexpr zxdg_output_v1_listener detailsListener{.logical_position = store<&Output::x, &Output::y>,
+                                                  .logical_size = store<&Output::width, &Output::height>,
+                                                  .done = noteInfo,  // up to version 2
+                                                  .name = store<&Output::name>,
+                                                  .description = ignore};
+
+}  // namespace
+
+double outputScale(const Area& pixels, const Area& points) {
+  constexpr int finestParts = 120;  // of a pixel, as wp_fractional_scale_v1 counts
+  const double ratio = static_cast<double>(pixels.width + pixels.height) / (points.width + points.height);
+  for (int parts = 1; parts <= finestParts; ++parts) {
+    if (finestParts % parts != 0 && 100 % parts != 0) continue;  // as the protocol counts, and as people do
+    const double scale = std::round(ratio * parts) / parts;
+    if (std::abs(pixels.width / scale - points.width) < 1 &&
+        std::abs(pixels.height / scale - points.height) < 1)
+      return scale;
+  }
+  return ratio;
+}
+
+Display::Display() {
+  wl_log_set_handler_client([](auto...) {});  // the library would print what check() says better
+  connection.reset(wl_display_connect(nullptr));
+  if (!connection) throw program::Failure{EX_UNAVAILABLE, "cannot connect to the Wayland display"};
+  static constexpr wl_registry_listener listener{.global = call<&Display::add>,
+                                                 .global_remove = call<&Display::remove>};
+  registry.reset(wl_display_get_registry(connection.get()));
+  wl_registry_add_listener(registry.get(), &listener, this);
+  check(wl_display_roundtrip(connection.get()));  // what there is
+  check(wl_display_roundtrip(connection.get()));  // and what that is like
+  if (!compositor || !memory || !viewports || !windows || !outputDetails)
+    throw program::Failure{EX_UNAVAILABLE, "the Wayland compositor lacks a protocol that the tile needs"};
+  static constexpr xdg_wm_base_listener aliveListener{
+      .ping = [](void*, auto* base, auto serial) { xdg_wm_base_pong(base, serial); }};
+  xdg_wm_base_add_listener(windows.get(), &aliveListener, nullptr);
+}
+
+void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
+  const auto bind = [&]<class T>(const wl_interface& interface, std::uint32_t newest, Proxy<T>& proxy) {
+    if (proxy || std::string_view{name} != interface.name) return;
+    version = std::min(version, newest);
+    proxy.reset(static_cast<T*>(wl_registry_bind(registry.get(), id, &interface, version)));
+  };
+  bind(wl_compositor_interface, 4, compositor);
+  bind(wl_shm_interface, 1, memory);
+  bind(wp_viewporter_interface, 1, viewports);
+  bind(xdg_wm_base_interface, 1, windows);
+  bind(zwlr_layer_shell_v1_interface, 2, layers);
+  bind(wp_fractional_scale_manager_v1_interface, 1, fractionalScales);
+  bind(zxdg_output_manager_v1_interface, 3, outputDetails);
+  if (std::string_view{name} == "org_kde_plasma_shell") isKWin = true;
+  if (seat == 0 && std::string_view{name} == wl_seat_interface.name) seat = id;
+
+  Output added{id};
+  bind(wl_output_interface, 4, added.proxy);
+  if (added.proxy) {
+    Output& output = outputs.emplace_back(std::move(added));
+    wl_output_add_listener(output.proxy.get(), &outputListener, &output);
+  }
+  for (Output& output : outputs) {
+    if (output.details || !outputDetails) continue;
+    output.details.reset(zxdg_output_manager_v1_get_xdg_output(outputDetails.get(), output.proxy.get()));
+    zxdg_output_v1_add_listener(output.details.get(), &detailsListener, &output);
+  }
+}
+
+void Display::remove(std::uint32_t id) {
+  outputs.remove_if([id](const Output& output) { return output.id == id; });
+}
+
+void Display::dispatch() {
+  while (wl_display_prepare_read(connection.get()) != 0) check(wl_display_dispatch_pending(connection.get()));
+  check(wl_display_read_events(connection.get()));
+  check(wl_display_dispatch_pending(connection.get()));
+}
+
+void Display::check(int result) const {
+  if (result >= 0) return;
+  if (wl_display_get_error(connection.get()) != EPROTO)
+    throw program::Failure{EX_UNAVAILABLE, "the display went away"};
+  throw program::Failure{EX_PROTOCOL,
+                         "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one"};
+}
+
+}  // namespace desktop::wayland
