@@ -23,6 +23,8 @@ struct DestroyProxy {
   }
   void operator()(zxdg_output_v1* proxy) const { zxdg_output_v1_destroy(proxy); }
   void operator()(wl_surface* proxy) const { wl_surface_destroy(proxy); }
+  void operator()(wl_region* proxy) const { wl_region_destroy(proxy); }
+  void operator()(wl_shm_pool* proxy) const { wl_shm_pool_destroy(proxy); }
   void operator()(wl_buffer* proxy) const { wl_buffer_destroy(proxy); }
   void operator()(wp_viewport* proxy) const { wp_viewport_destroy(proxy); }
   void operator()(wp_fractional_scale_v1* proxy) const { wp_fractional_scale_v1_destroy(proxy); }

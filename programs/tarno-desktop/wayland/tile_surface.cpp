@@ -19,7 +19,7 @@ std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int 
                                     const Anchor& anchor) {
   if (width == picture->width && height == picture->height) return picture;
   auto larger = std::make_shared<Picture>(
-      Picture{foundation::FileDescriptor{memfd_create("tile", MFD_CLOEXEC)}, width, height, 4 * width});
+      Picture{foundation::FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC)}, width, height, 4 * width});
   const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, 0);
   const MappedPicture from{*picture};
   std::vector<std::uint32_t> pixels(larger->size() / 4);
