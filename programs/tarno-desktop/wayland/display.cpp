@@ -22,12 +22,8 @@ void noteInfo(void* data, auto*) {
   info = {name, pixels, outputScale(pixels, {x, y, width, height})};
 }
 
-constexpr wl_output_listener outputListener{.geometry = ignore,
-                                            .mode = noteMode,
-                                            .done = noteInfo,
-                                            .scale = ignore,
-                                            .name = store<&Output::name>,
-                                            .description = ignore};
+constexpr wl_output_listener outputListener{
+    .geometry = ignore, .mode = noteMode, .done = noteInfo, .scale = ignore};
 
 constexpr zxdg_output_v1_listener detailsListener{.logical_position = store<&Output::x, &Output::y>,
                                                   .logical_size = store<&Output::width, &Output::height>,
@@ -84,7 +80,7 @@ void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
   if (seat == 0 && std::string_view{name} == wl_seat_interface.name) seat = id;
 
   Output added{id};
-  bind(wl_output_interface, 4, added.proxy);
+  bind(wl_output_interface, 3, added.proxy);
   if (added.proxy) {
     Output& output = outputs.emplace_back(std::move(added));
     wl_output_add_listener(output.proxy.get(), &outputListener, &output);

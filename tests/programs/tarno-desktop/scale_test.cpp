@@ -24,6 +24,7 @@ TEST(ScaleTest, IsToldByAnOutputsModeAndItsSizeInPoints) {
                       {{0, 0, 3840, 2160}, {0, 0, 3051, 1716}, 1.258333},
                       {{0, 0, 640, 480}, {0, 0, 1280, 960}, 0.5},
                       {{0, 0, 40, 800}, {0, 0, 29, 576}, 1.39},
+                      {{0, 0, 200, 150}, {0, 0, 159, 119}, 1.26},
                       {{0, 0, 1280, 800}, {0, 0, 1271, 900}, 2080.0 / 2171}};
   for (const auto& [pixels, points, scale] : rows)
     EXPECT_NEAR(outputScale(pixels, points), scale, 1e-6) << pixels.width << " shown as " << points.width;

@@ -77,6 +77,7 @@ def test_monitors_come_and_go(rig):
     rig.run("swaymsg", "output X11-2 mode 800x1280 transform 90 scale 1.25")
     image = render(rig, "--scale", "1.25")
     shows(screen, turned(image), 1280 + 800 - 20 - 213, 20)
+    assert b"X11-2 1280x800+1280+0 scale 1.25\n" in rig.run(rig.path("tarno-desktop"), "--list-monitors")
     rig.run("swaymsg", "output X11-2 mode 1280x800 transform normal")
     shows(screen, image, 1300, 20)
 
@@ -88,6 +89,23 @@ def test_monitors_come_and_go(rig):
     rig.run("swaymsg", "create_output")
     shows(screen, image, 16, 16)
     assert (tile.end(), len(tile.lines)) == (0, 1), tile.lines
+
+
+def test_pictures_of_another_scale(rig):
+    screen = rig.canvas(1280, 800)
+    rig.sway(MODE.format("X11-1", 0))
+    tile, image = rig.tile("--anchor", "top-left", "--scale", "2", *AT), render(rig, "--scale", "2")
+    shows(screen, image, 16, 16)
+    rig.run("swaymsg", "output X11-1 scale 1.25")
+    shows(screen, image, 20, 20)
+    tile.end()
+    tile = rig.tile("--anchor", "top-left", *AT)
+    os.remove(rig.path("tarno-widget"))
+    rig.run("swaymsg", "output X11-1 scale 2")
+    wait_for(lambda: len(tile.lines) == 2, message="the failure")
+    nothing = cells.on_ground(cairo.ImageSurface(cairo.FORMAT_ARGB32, 2, 2), cells.BLUE, 0)
+    time.sleep(0.5)
+    assert screen.rows(700, 200, 2, 2) != nothing, "the old picture is not at its size in points"
 
 
 def test_compositor_that_restarts(rig):
