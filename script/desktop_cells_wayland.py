@@ -117,7 +117,7 @@ def click(screen, x, y, button=1):
 
 def clicks_reach_windows(rig):
     """Through a tile that is above them."""
-    tile, image = rig.tile("--layer", "above", *AT), render(rig)
+    tile, image, ground = rig.tile("--layer", "above", *AT), render(rig), rig.screen.rows(640, 600, 1, 1)
     with open(rig.path("log"), "w") as log:
         window = rig.start("stdbuf", "-oL", "weston-eventdemo", "--width=1280", "--height=800", "--no-border", "--log-button",
                            stdout=log)
@@ -128,6 +128,7 @@ def clicks_reach_windows(rig):
             return "button" in log.read()
 
     wait_for(arrives, message="the click on the window")
+    wait_for(lambda: rig.screen.rows(640, 600, 1, 1) != ground, message="the window")
     assert not is_covered(rig.screen, image, *place(1, image)), "a window above the tile"
     window.end()
     tile.end()

@@ -35,10 +35,10 @@ TEST(ScaleTest, MakesSurfacesOfWholePixels) {
     double scale;
     int pixels, points;
   };
-  const Row rows[] = {
-      {1, 364, 364},       {2, 728, 364},       {1.5, 546, 364},       {1.25, 213, 172},    {1.75, 298, 172},
-      {4.0 / 3, 486, 366}, {4.0 / 3, 227, 171}, {1.2500004, 213, 172}, {2.0 / 3, 364, 546}, {2, 473, 237},
-      {4, 1, 1},           {1.0001, 171, 171}};  // whole numbers are too far
+  const Row rows[] = {{1, 364, 364},       {2, 728, 364},       {1.5, 546, 364},     {1.25, 213, 172},
+                      {1.75, 298, 172},    {4.0 / 3, 486, 366}, {4.0 / 3, 227, 171}, {1.2500004, 213, 172},
+                      {2.0 / 3, 364, 546}, {2, 473, 237},       {4, 1, 1},           {1.4999999, 546, 364},
+                      {1.0001, 171, 171}};  // whole numbers are too far
   for (const auto& [scale, pixels, points] : rows)
     EXPECT_EQ(surfaceSide(pixels, scale), points) << pixels << " at " << scale;
 }

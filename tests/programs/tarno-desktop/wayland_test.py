@@ -165,7 +165,7 @@ def test_plain_window(rig):
         screen.point(400, 130)
         screen.button(False)
         shows(screen, image, 358, 115)
-        rig.run("swaymsg", '[app_id="tarno-desktop" title="Tarno"] kill')
+        rig.run("swaymsg", '[app_id="tarno-desktop" title="^Tarno$"] kill')
         assert tile.wait() == 0
 
 
