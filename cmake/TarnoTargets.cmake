@@ -25,21 +25,37 @@ function(tarno_compile_options target)
   endif()
 endfunction()
 
-# tarno_library(Foundation SOURCES a.cpp … PUBLIC libs… PRIVATE libs…)
+# tarno_library(Foundation SOURCES a.cpp … HEADERS a.hpp … PUBLIC libs… PRIVATE libs…): link it as Tarno::Foundation.
+#
+# The target itself is TarnoFoundation, so that it collides with no other in a project that contains this one.
 #
 # Headers are included as "<folder>/<file>.hpp", where <folder> is the folder the target is made in. A target sees the
 # folders of the targets that it links and no others: each target's include root in the build tree holds one link, to
 # its own folder, so that an include that the link line does not allow does not build.
-function(tarno_library target)
-  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+#
+# A library with HEADERS is installed with them, for programs outside of this project.
+function(tarno_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
+  set(target Tarno${name})
   add_library(${target} STATIC ${ARG_SOURCES})
+  add_library(Tarno::${name} ALIAS ${target})
   get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
   set(root "${PROJECT_BINARY_DIR}/include/${target}")
   file(MAKE_DIRECTORY "${root}")
   file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/${folder}" SYMBOLIC)
-  target_include_directories(${target} PUBLIC "${root}")
+  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
   target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+  target_compile_features(${target} PUBLIC cxx_std_20)
   tarno_compile_options(${target})
+  if(ARG_HEADERS AND PROJECT_IS_TOP_LEVEL)
+    set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
+    install(TARGETS ${target} EXPORT Tarno COMPONENT development
+            INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/tarno")
+    foreach(header ${ARG_HEADERS})
+      get_filename_component(room "${folder}/${header}" DIRECTORY)
+      install(FILES ${header} COMPONENT development DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/tarno/${room}")
+    endforeach()
+  endif()
 endfunction()
 
 # tarno_program(tarno-status SOURCES a.cpp … LINK libs…): what people install and run.
@@ -54,8 +70,8 @@ function(tarno_program target)
   if(NOT TARNO_SANITIZE)
     target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
   endif()
-  install(TARGETS ${target})
-  add_dependencies(programs ${target})
+  install(TARGETS ${target} COMPONENT programs)
+  add_dependencies(tarno_programs ${target})
 endfunction()
 
 # tarno_test(model_test SOURCES a.cpp … LINK libs…): a GoogleTest program, every test of which ctest knows by name.

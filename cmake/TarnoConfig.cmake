@@ -1,0 +1,12 @@
+# Gives Tarno::Shared, a static library, and finds the one library that it needs when a program is linked.
+include(CMakeFindDependencyMacro)
+find_dependency(PkgConfig)
+if(NOT TARGET PkgConfig::UTF8PROC)
+  pkg_check_modules(UTF8PROC QUIET IMPORTED_TARGET libutf8proc)
+endif()
+if(TARGET PkgConfig::UTF8PROC)
+  include("${CMAKE_CURRENT_LIST_DIR}/TarnoTargets.cmake")
+else()
+  set(Tarno_FOUND FALSE)
+  set(Tarno_NOT_FOUND_MESSAGE "Tarno needs libutf8proc, which pkg-config does not find")
+endif()

@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""examples/companion, built as docs/companion.md says: outside of the tree, on an installed library and on a copy."""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+from document import PAGE, block, blocks  # noqa: E402
+from program_test_case import BIN, ProgramTest  # noqa: E402
+
+TREE = PAGE.parents[1]
+EXAMPLE = TREE / "examples/companion"
+TAKEN = "Foundation Shared Render Desktop programs tests shared_test"  # by the project around a copy
+
+
+class CompanionExample(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        for name in ("companion.cpp", "CMakeLists.txt"):
+            shutil.copy(EXAMPLE / name, self.folder)
+
+    def run_command(self, *command, code=0):
+        done = subprocess.run(command, env=self.environment, cwd=self.folder, capture_output=True, text=True,
+                              timeout=120, check=False)
+        self.assertEqual(done.returncode, code, done.stdout + done.stderr)
+        return done.stderr
+
+    def test_the_page_shows_it(self):
+        self.assertEqual(block("cpp", "In C++"), (EXAMPLE / "companion.cpp").read_text(encoding="utf-8"))
+        self.assertEqual(block("cmake", "In C++"), (EXAMPLE / "CMakeLists.txt").read_text(encoding="utf-8"))
+
+    def test_an_installed_library_is_found_by_cmake_and_by_pkg_config(self):
+        prefix = self.folder / "prefix"
+        self.run_command("cmake", "--install", BIN.parent, "--component", "development", "--prefix", prefix)
+        self.environment |= {"CMAKE_PREFIX_PATH": str(prefix), "PKG_CONFIG_PATH": f"{prefix}/lib/pkgconfig"}
+        for code in [code for heading, code in blocks("sh") if heading == "In C++"]:
+            self.run_command("sh", "-e", "-c", code)
+        for program, reason in ("build/companion", "Lid closed"), ("./companion", "Touch ID"):
+            self.run_command(program, "locked", reason)
+            self.assertIn(reason, self.run_program("tarno-status", "show").stdout.decode())
+        self.environment["XDG_DATA_HOME"] = "/proc/nowhere"
+        self.assertRegex(self.run_command(program, "locked", code=73), r"\Acompanion: cannot make [^\n]+\n\Z")
+
+    def test_a_copy_in_another_project_takes_no_name_and_looks_for_no_drawing_library(self):
+        project = (EXAMPLE / "CMakeLists.txt").read_text(encoding="utf-8")
+        names = f"foreach(name {TAKEN})\n  add_custom_target(${{name}})\nendforeach()\n"
+        (self.folder / "CMakeLists.txt").write_text(
+            project.replace("find_package(Tarno REQUIRED)", f'{names}add_subdirectory("{TREE}" tarno)'))
+        self.run_command("cmake", "-B", "build")
+        variables = re.findall(r"^([\w-]+):", (self.folder / "build/CMakeCache.txt").read_text(), re.M)
+        found = r"(?i).*(cairo|cli11|png|xcb|wayland|gtest|python)"
+        self.assertEqual([name for name in variables if re.match(found, name)], [])
+        self.assertIn("UTF8PROC_FOUND", variables)
+
+
+if __name__ == "__main__":
+    unittest.main()
