@@ -1,8 +1,10 @@
 # How every target of the project is made. The only way in is tarno_library() and tarno_program().
 
-find_program(TARNO_CCACHE ccache)
-if(TARNO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${TARNO_CCACHE}")
+if(TARNO_DEVELOPER)
+  find_program(TARNO_CCACHE ccache)
+  if(TARNO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${TARNO_CCACHE}")
+  endif()
 endif()
 
 # Compiler settings that hold for all of our own code and for nobody else's.
