@@ -1,0 +1,22 @@
+#include <cstdlib>
+
+#include "common/failure.hpp"
+#include "common/files.hpp"
+#include "icon.hpp"
+#include "render/image.hpp"
+
+/// Draws the icon: `draw_icon FILE SIDE`, an SVG or a PNG by the file's suffix.
+int main(int argc, char** argv) try {
+  if (argc != 3) throw program::Failure{EX_USAGE, "say draw_icon FILE SIDE"};
+  const std::filesystem::path file{argv[1]};
+  const auto scene = icon::scene(std::atoi(argv[2]));
+  render::TextEngine text;
+  program::writeFile(file, file.extension() == ".svg"
+                               ? icon::svg(scene, "Tarno")
+                               : encodeImage(scene, text, render::ImageFormat::png, 1));
+  return EX_OK;
+} catch (...) {
+  const auto failure = program::currentFailure();
+  program::complain(failure.what());
+  return failure.exitCode();
+}
