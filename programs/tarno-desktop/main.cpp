@@ -5,6 +5,7 @@
 #include "common/failure.hpp"
 #include "common/output.hpp"
 #include "foundation/iso8601.hpp"
+#include "tarno-desktop/autostart.hpp"
 #include "tarno-desktop/host.hpp"
 
 namespace {
@@ -38,6 +39,13 @@ int main(int argc, char** argv) {
   desktop::addOptions(app, options);
 
   return program::run(app, argc, argv, [&] {
+    if (options.autostart) {
+      if (app.parse_order().size() > 1)
+        throw program::Failure{EX_USAGE,
+                               "--autostart stands alone: put other options into the settings file"};
+      program::writeOutput(desktop::setAutostart(*options.autostart == "on"));
+      return EX_OK;
+    }
     desktop::readSettings(app);
     app.parse(argc, argv);  // once more: the command line wins over the settings
     if (options.listMonitors) {

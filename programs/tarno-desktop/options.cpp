@@ -44,16 +44,15 @@ std::string checkDate(const std::string& text) {
   return foundation::dateFromRFC3339(text) ? "" : "'" + text + "' is not a date such as 2026-11-16T15:41:35Z";
 }
 
-/// Nothing where neither XDG_CONFIG_HOME nor HOME says where it is.
-std::filesystem::path settingsFile() {
+}  // namespace
+
+std::filesystem::path configurationFile(const std::string& name) {
   const char* const config = std::getenv("XDG_CONFIG_HOME");
   const char* const home = std::getenv("HOME");
   // The XDG base directory specification: a path that is not absolute is to be ignored.
-  if (config && *config == '/') return std::filesystem::path{config} / "tarno/desktop.ini";
-  return home && *home ? std::filesystem::path{home} / ".config/tarno/desktop.ini" : std::filesystem::path{};
+  if (config && *config == '/') return std::filesystem::path{config} / name;
+  return home && *home ? std::filesystem::path{home} / ".config" / name : std::filesystem::path{};
 }
-
-}  // namespace
 
 void addOptions(CLI::App& app, Options& options) {
   app.add_option("--family", options.family, "Size: small, medium (default) or large")
@@ -81,11 +80,16 @@ void addOptions(CLI::App& app, Options& options) {
       ->check(checkDate)
       ->type_name("DATE");
   app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit");
+  app.add_option("--autostart", options.autostart,
+                 "Start at every login (on) or no more (off): print what was done, then exit")
+      ->check(CLI::IsMember({"on", "off"}))
+      ->type_name("WORD")
+      ->configurable(false);
   app.allow_config_extras(CLI::config_extras_mode::error);
 }
 
 void readSettings(CLI::App& app) {
-  const auto path = settingsFile();
+  const auto path = configurationFile("tarno/desktop.ini");
   std::error_code missing;
   if (!std::filesystem::exists(path, missing)) return;
   constexpr std::size_t most = 64 * 1024;

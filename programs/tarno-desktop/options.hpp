@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -24,11 +25,15 @@ struct Options {
   std::optional<double> scale;  ///< pixels per point; the monitor's own when absent
   bool plainWindow = false;     ///< on a Wayland compositor without layer-shell: a window among others
   bool listMonitors = false;
-  std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
+  std::optional<std::string> autostart;  ///< "on" or "off"; on the command line only
+  std::optional<std::string> at;         ///< RFC 3339; the tile's clock stands still there
 };
 
 /// Makes `app` read its options into `options`, which outlives the parsing.
 void addOptions(CLI::App& app, Options& options);
+
+/// The file `name` in ${XDG_CONFIG_HOME:-~/.config}; empty where the environment does not say where that is.
+std::filesystem::path configurationFile(const std::string& name);
 
 /// Reads the settings file ${XDG_CONFIG_HOME:-~/.config}/tarno/desktop.ini, when there is one, by the options
 /// of `app`. Throws program::Failure: EX_CONFIG when something in it is wrong, EX_NOINPUT when it cannot be
