@@ -1,0 +1,63 @@
+#!/usr/bin/env python3
+"""What is installed beside the programs, as the desktop's own tools judge it; starting at login."""
+
+import os
+import shutil
+import subprocess
+import sys
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+from program_test_case import BIN, ProgramTest  # noqa: E402
+
+BUILD = sys.argv[1]
+
+
+class Packaging(ProgramTest):
+    def version_by(self, entry):
+        """What a desktop starts for each Exec: an escaped string, then words quoted as a shell's are."""
+        lines = [line.removeprefix("Exec=") for line in entry.read_text().splitlines() if line.startswith("Exec=")]
+        for line in lines:
+            command = line.replace("\\\\", "\\").replace("%%", "%") + " --version"
+            done = subprocess.run(["sh", "-c", command], capture_output=True, text=True)
+            self.assertRegex(done.stdout, r"\Atarno-desktop \d+\.\d+\.\d+\n", (line, done.stderr))
+        return len(lines)
+
+    def test_an_installation_is_what_desktops_expect(self):
+        prefix = self.folder / "a prefix"
+        subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix], check=True, capture_output=True)
+        share = prefix / "share"
+        for command, file in [
+                ("desktop-file-validate", "applications/tarno-desktop.desktop"),
+                ("appstreamcli validate --no-net --pedantic", "metainfo/dev.tarno.tarno.metainfo.xml"),
+                ("systemd-analyze --user --man=no verify", "systemd/user/tarno-desktop.service")]:
+            if shutil.which(command.split()[0]):
+                done = subprocess.run([*command.split(), share / file], capture_output=True, text=True,
+                                      env={**self.environment, "XDG_RUNTIME_DIR": str(self.folder)})
+                self.assertEqual((done.returncode, done.stderr), (0, ""), (command, done.stdout))
+        self.assertEqual(self.version_by(share / "applications/tarno-desktop.desktop"), 3)
+        for side in (16, 22, 24, 32, 48, 64, 128, 256):
+            png = (share / f"icons/hicolor/{side}x{side}/apps/tarno-desktop.png").read_bytes()
+            self.assertEqual(png[16:24], side.to_bytes(4, "big") * 2, side)
+        drawn = self.folder / "icon.svg"
+        subprocess.run([BIN / "draw_icon", drawn, "128"], check=True)
+        self.assertEqual(drawn.read_text(), (share / "icons/hicolor/scalable/apps/tarno-desktop.svg").read_text())
+
+    def test_autostart_is_written_and_removed(self):
+        program = self.folder / 'my "own" $place \\ 100%' / "tarno-desktop"
+        program.parent.mkdir()
+        shutil.copy(BIN / "tarno-desktop", program)
+        entry = self.folder / "config/autostart/tarno-desktop.desktop"
+        for word, said in [("off", "Nothing to do: "), ("on", "Wrote "), ("on", "Wrote "), ("off", "Removed ")]:
+            done = self.run_program(program, "--autostart", word, XDG_CONFIG_HOME=str(self.folder / "config"))
+            self.assertRegex(done.stdout.decode(), rf"\A{said}[^\n]*{entry}[^\n]*\n\Z")
+            self.assertEqual(entry.exists(), word == "on")
+            if word == "on":
+                self.assertEqual(self.version_by(entry), 1)
+        (self.folder / "file").touch()
+        for arguments, home, code in [("on", "/proc", 73), ("off", self.folder / "file", 74), ("on --margin 3", "/x", 64)]:
+            self.run_program("tarno-desktop", "--autostart", *arguments.split(), code=code, XDG_CONFIG_HOME=str(home))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
