@@ -44,7 +44,7 @@ class Packaging(ProgramTest):
         self.assertEqual(drawn.read_text(), (share / "icons/hicolor/scalable/apps/tarno-desktop.svg").read_text())
 
     def test_autostart_is_written_and_removed(self):
-        program = self.folder / 'my "own" $place \\ 100%' / "tarno-desktop"
+        program = self.folder / 'my "own" \\$place 100%' / "tarno-desktop"
         program.parent.mkdir()
         shutil.copy(BIN / "tarno-desktop", program)
         entry = self.folder / "config/autostart/tarno-desktop.desktop"
@@ -54,9 +54,12 @@ class Packaging(ProgramTest):
             self.assertEqual(entry.exists(), word == "on")
             if word == "on":
                 self.assertEqual(self.version_by(entry), 1)
+                self.assertIn("\nTryExec=" + str(program).replace("\\", "\\\\") + "\n", entry.read_text())
         (self.folder / "file").touch()
-        for arguments, home, code in [("on", "/proc", 73), ("off", self.folder / "file", 74), ("on --margin 3", "/x", 64)]:
-            self.run_program("tarno-desktop", "--autostart", *arguments.split(), code=code, XDG_CONFIG_HOME=str(home))
+        for words, home, code in [("on", "/proc", 73), ("off", "", 73), ("off", self.folder / "file", 74),
+                                  ("on --margin 3", "/x", 64)]:
+            self.run_program("tarno-desktop", "--autostart", *words.split(), code=code,
+                             XDG_CONFIG_HOME=str(home), HOME="")
 
 
 if __name__ == "__main__":

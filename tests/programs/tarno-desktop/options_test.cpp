@@ -71,7 +71,7 @@ TEST(Options, RefuseWhatTheyDoNotKnow) {
   const std::pair<const char*, const char*> cases[] = {
       {"family", "huge"}, {"anchor", "middle"}, {"margin", "-1"}, {"margin", "10001"}, {"margin", "wide"},
       {"layer", "below"}, {"scale", "0"},       {"scale", "17"},  {"scale", "nan"},    {"at", "tomorrow"},
-      {"colour", "red"},  {"help", "true"},     {"scale", "1,5"}};
+      {"colour", "red"},  {"help", "true"},     {"scale", "1,5"}, {"autostart", "no"}};
   for (const auto& [name, value] : cases) {
     Options options;
     const auto failure = read((std::string{name} + " = " + value + "\n").c_str(), "", options);
@@ -81,6 +81,8 @@ TEST(Options, RefuseWhatTheyDoNotKnow) {
     const auto usage = read(nullptr, std::string{"--"} + name + " " + value, options);
     EXPECT_FALSE(usage.empty() || usage.starts_with("78")) << name << " " << value;
   }
+  Options options;
+  EXPECT_TRUE(read("autostart = on\n", "", options).starts_with("78 /")) << "on the command line only";
 }
 
 }  // namespace
