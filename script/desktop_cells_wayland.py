@@ -63,19 +63,21 @@ def is_covered(screen, image, x, y):
     return not set(seen) & set(on_ground(image, BLUE, 0))
 
 
+def open_window(rig, ground, *options, **output):
+    """A window all over the first output, once it is drawn on plain ground."""
+    plain = cairo.ImageSurface(cairo.FORMAT_ARGB32, 9, 9)
+    shows(rig.screen, plain, 640, 600, ground)
+    window = rig.start(*options, "weston-eventdemo", "--width=1280", "--height=800", "--no-border", "--log-button", **output)
+    wait_for(lambda: not is_at(rig.screen, plain, 640, 600, ground), message="the window")
+    return window
+
+
 def below_all_windows(rig, ground, windows, next_workspace):
     """Covered by the window that was there before and by one that comes later; `windows` lists the windows as (process,
     has the focus), where the desktop tells."""
-    image, plain = render(rig), cairo.ImageSurface(cairo.FORMAT_ARGB32, 9, 9)
+    image = render(rig)
     x, y = place(1, image)
-    shows(rig.screen, plain, 640, 600, ground)
-
-    def open_window():
-        window = rig.start("weston-eventdemo", "--width=1280", "--height=800", "--no-border")
-        wait_for(lambda: not is_at(rig.screen, plain, 640, 600, ground), message="the window")
-        return window
-
-    window = open_window()
+    window = open_window(rig, ground)
     tile = rig.tile(*AT)
     for _ in range(2):
         wait_for(lambda: is_covered(rig.screen, image, x, y), message="a window above the tile")
@@ -83,7 +85,7 @@ def below_all_windows(rig, ground, windows, next_workspace):
         assert listed in (None, [(window.popen.pid, True)]), f"the windows and whether they have the focus: {listed}"
         window.end()
         shows(rig.screen, image, x, y, ground)
-        window = open_window()
+        window = open_window(rig, ground)
     next_workspace()
     shows(rig.screen, image, x, y, ground)
     window.end()
@@ -115,12 +117,11 @@ def click(screen, x, y, button=1):
     screen.button(False, button)
 
 
-def clicks_reach_windows(rig):
+def clicks_reach_windows(rig, ground):
     """Through a tile that is above them."""
-    tile, image, ground = rig.tile("--layer", "above", *AT), render(rig), rig.screen.rows(640, 600, 1, 1)
+    tile, image = rig.tile("--layer", "above", *AT), render(rig)
     with open(rig.path("log"), "w") as log:
-        window = rig.start("stdbuf", "-oL", "weston-eventdemo", "--width=1280", "--height=800", "--no-border", "--log-button",
-                           stdout=log)
+        window = open_window(rig, ground, "stdbuf", "-oL", stdout=log)
 
     def arrives():
         click(rig.screen, 1100, 100)
@@ -128,7 +129,6 @@ def clicks_reach_windows(rig):
             return "button" in log.read()
 
     wait_for(arrives, message="the click on the window")
-    wait_for(lambda: rig.screen.rows(640, 600, 1, 1) != ground, message="the window")
     assert not is_covered(rig.screen, image, *place(1, image)), "a window above the tile"
     window.end()
     tile.end()
@@ -164,7 +164,7 @@ def sway(rig):
 
     return tried(rig, {
         BELOW: lambda: below_all_windows(rig, BLUE, windows, lambda: rig.run("swaymsg", "workspace 5")),
-        CLICKS: lambda: (clicks_reach_windows(rig), clicks_reach_desktop(rig)),
+        CLICKS: lambda: (clicks_reach_windows(rig, BLUE), clicks_reach_desktop(rig)),
         PLACE: lambda: place_with_panels(rig, ("X11-1", "X11-2"), (0, 40)),
         CORNERS: lambda: clean_corners(rig, set_scale)})
 
@@ -229,7 +229,7 @@ def kwin_wayland(rig):
 
     return tried(rig, {
         SHOW_DESKTOP: stays,
-        CLICKS: lambda: clicks_reach_windows(rig),
+        CLICKS: lambda: clicks_reach_windows(rig, BLACK),
         BELOW: lambda: below_all_windows(rig, BLACK, lambda: None, next_workspace),
         PLACE: lambda: place_with_panels(rig, ("X11-0", "X11-1"), (0, 0), BLACK),
         CORNERS: lambda: clean_corners(rig, set_scale, lambda scale: round(1280 / scale), BLACK)})

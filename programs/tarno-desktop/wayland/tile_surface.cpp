@@ -46,8 +46,6 @@ TileSurface::TileSurface(const Display& display, const Options& options, wl_outp
       surface_(wl_compositor_create_surface(display.compositor.get())),
       viewport_(wp_viewporter_get_viewport(display.viewports.get(), surface_.get())),
       output_(output) {
-  static constexpr wl_surface_listener listener{.enter = store<&TileSurface::output_>, .leave = ignore};
-  wl_surface_add_listener(surface_.get(), &listener, this);
   if (display.fractionalScales) {
     static constexpr wp_fractional_scale_v1_listener scaleListener{store<&TileSurface::scaleParts_>};
     fractionalScale_.reset(
@@ -89,6 +87,9 @@ void TileSurface::becomeLayer(wl_output* output) {
 }
 
 void TileSurface::becomeWindow() {
+  static constexpr wl_surface_listener surfaceListener{.enter = store<&TileSurface::output_>,
+                                                       .leave = ignore};
+  wl_surface_add_listener(surface_.get(), &surfaceListener, this);
   static constexpr xdg_surface_listener listener{.configure = call<&TileSurface::configured>};
   window_.reset(xdg_wm_base_get_xdg_surface(display_.windows.get(), surface_.get()));
   xdg_surface_add_listener(window_.get(), &listener, this);

@@ -30,7 +30,7 @@ class TileSurface {
   /// In pixels per point; 0 when the compositor does not say.
   double preferredScale() const { return scaleParts_ / 120.0; }
 
-  /// That it came to last; null for a window that is nowhere yet.
+  /// The one whose layer it is in, or that the window came to last; null for none.
   wl_output* output() const { return output_; }
 
   /// Shows `picture`, `scale` of its pixels to a point, when it does not yet and the compositor is ready;
