@@ -151,8 +151,8 @@ def sway(rig):
              *(f"output X11-{n} mode 1280x800 position {1280 * (n - 1)} 0" for n in (1, 2)),
              WLR_X11_OUTPUTS="2")
     rig.screen.spread((0, 0), (1280, 0))
-
     rig.run("swaymsg", "focus output X11-1")
+    rig.settings("monitor = X11-1")  # newer ones name the second first
 
     def windows(node=None):
         node = node or json.loads(rig.run("swaymsg", "-r", "-t", "get_tree"))

@@ -312,6 +312,13 @@ class Rig:
 
     # The programs
 
+    def settings(self, text):
+        """The tile's settings file, until the end of the session."""
+        self.env["XDG_CONFIG_HOME"] = self.path("settings")
+        os.makedirs(self.path("settings/tarno"), exist_ok=True)
+        with open(self.path("settings/tarno/desktop.ini"), "w") as file:
+            file.write(text + "\n")
+
     def tile(self, *options, env=None):
         """Starts tarno-desktop and waits until it says that the tile is shown."""
         tile = self.start(self.path("tarno-desktop"), *options, env=env)

@@ -129,7 +129,7 @@ class Host final : EventSource {
     accessible_.update(frame);
     if (std::exchange(isShown_, true)) return;
     program::complain("shown " + opened_.surface->description() +
-                      (opened_.reason.empty() ? "" : ", because " + opened_.reason));
+                      (opened_.reason.empty() ? "" : " (" + opened_.reason + ")"));
   }
 
   program::EventLoop loop_;
@@ -149,10 +149,10 @@ OpenedSurface openSurface(const Options& options, const SurfaceOwner& owner) {
   if (!hasWayland) return {openX11Surface(options, owner), ""};
   try {
     if (auto surface = openWaylandSurface(options, owner))
-      return {std::move(surface), options.plainWindow ? "that was asked for" : ""};
-  } catch (const program::Failure&) {
+      return {std::move(surface), options.plainWindow ? "as asked for" : ""};
+  } catch (const program::Failure& failure) {
     if (!hasX11) throw;
-    return {openX11Surface(options, owner), "WAYLAND_DISPLAY leads to no compositor"};
+    return {openX11Surface(options, owner), failure.what()};
   }
   if (hasX11) try {
       return {openX11Surface(options, owner), "the compositor has no layer-shell"};
