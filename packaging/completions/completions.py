@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Writes the completions of a program for bash, zsh and fish, from what its --help says.
+
+usage: completions.py PROGRAM FOLDER
+"""
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+
+# Words that no --help lists by themselves, and how each shell completes a path.
+WORDS = {"--format": ["json", "waybar"]}
+BASH = {"FILE": "compopt -o default", "FOLDER": "compopt -o dirnames"}
+ZSH = {"FILE": "_files", "FOLDER": "_files -/"}
+FISH = {"FILE": " -r -F", "FOLDER": " -x -a '(__fish_complete_directories)'"}
+
+
+def commands(program):
+    """The commands of a program, "" for itself, each with its options, subcommands and whether it reads a file.
+
+    An option is (names, argument, words, text): argument is "" for a flag, and words are all that it can be, if known.
+    """
+    found, names = {}, [""]
+    for name in names:
+        shown = subprocess.run([program, *name.split(), "--help"], capture_output=True, text=True, check=True).stdout
+        options, subcommands, section = [], [], ""
+        # A long name has its text on the next line.
+        for line in re.sub(r"(?m)^(  -.*)\n {20,}", r"\1  ", shown).splitlines():
+            section = line if re.match(r"\S.*:$", line) else section
+            if entry := re.match(r"  (\S+)(.*)", line):
+                left, _, text = entry[2].rpartition("  ")
+                text = re.split(r"[.:;] | \(", text.strip())[0].replace(":", " ")
+                if section == "Options:":
+                    argument = re.match(r" ?(?!Excludes:|REQUIRED)([A-Z]*)", left)[1]
+                    words = re.search(r":\{([\w,-]+)\}", left) or re.search(r": (\w+(?:, \w+)* or \w+)$", line)
+                    words = re.split(r",\s*| or ", words[1]) if words else WORDS.get(entry[1], [])
+                    options.append((entry[1].split(","), argument, words, text))
+                elif section == "Subcommands:":
+                    subcommands.append((entry[1], text))
+        found[name] = options, subcommands, bool(re.search(r"^Positionals:\n  FILE", shown, re.M))
+        names += [word for word, _ in subcommands]
+    return found
+
+
+def bash(program, found):
+    function = "_" + program.replace("-", "_")
+    lines = [f"{function}() {{", "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command= words",
+             "  [[ $COMP_CWORD -gt 1 && ${COMP_WORDS[1]} != -* ]] && command=${COMP_WORDS[1]}", "  COMPREPLY=()",
+             '  [[ $word == "=" ]] && word=', '  [[ $before == "=" ]] && before=${COMP_WORDS[COMP_CWORD-2]}',
+             '  case "$command $before" in']
+    for name, (options, _, _) in found.items():
+        for names, argument, words, _ in options:
+            if argument:
+                pattern = "|".join(f'"{name} {one}"' for one in names)
+                action = BASH.get(argument) or f'COMPREPLY=($(compgen -W "{" ".join(words)}" -- "$word"))'
+                lines.append(f"    {pattern}) {action}; return ;;")
+    lines += ["  esac", "  case $command in"]
+    for name, (options, subcommands, file) in found.items():
+        words = [one for names, *_ in options for one in names] + [word for word, _ in subcommands]
+        lines.append(f'    "{name}") words="{" ".join(words)}"{"; compopt -o default" if file else ""} ;;')
+    return lines + ["  esac", '  COMPREPLY=($(compgen -W "$words" -- "$word"))', "}", f"complete -F {function} {program}"]
+
+
+def zsh(program, found):
+    def arguments(options, file):
+        specs = []
+        for names, argument, words, text in options:
+            action = ZSH.get(argument) or (f"({' '.join(words)})" if words else " ")
+            specs += [shlex.quote(f"{one}[{text}]" + (f":{argument}:{action}" if argument else "")) for one in names]
+        return " ".join(["_arguments", *specs, *(["'1:FILE:_files'"] if file else [])])
+
+    options, subcommands, file = found[""]
+    if not subcommands:
+        return [f"#compdef {program}", arguments(options, file)]
+    lines = [f"#compdef {program}", "if (( CURRENT == 2 )); then", "  local -a commands=(" +
+             " ".join(shlex.quote(f"{word}:{text}") for word, text in subcommands) + ")", "  _describe command commands",
+             "  " + arguments(options, file), "  return", "fi", "local command=$words[2]", "shift words; (( CURRENT-- ))",
+             "case $command in"]
+    return lines + [f"  {word}) {arguments(found[word][0], found[word][2])} ;;" for word, _ in subcommands] + ["esac"]
+
+
+def fish(program, found):
+    lines = [f"complete -c {program} -f"]
+    for name, (options, subcommands, file) in found.items():
+        seen = f"__fish_seen_subcommand_from {name}" if name else "__fish_use_subcommand"
+        when = f"complete -c {program} -n '{seen}'"
+        lines += [f"{when} -a {word} -d {shlex.quote(text)}" for word, text in subcommands] + ([f"{when} -F"] if file else [])
+        for names, argument, words, text in options:
+            line = when + "".join(f" -l {one[2:]}" if one.startswith("--") else f" -s {one[1:]}" for one in names)
+            takes = FISH.get(argument) or (f" -x -a '{' '.join(words)}'" if argument else "")
+            lines.append(f"{line}{takes} -d {shlex.quote(text)}")
+    return lines
+
+
+program, folder = pathlib.Path(sys.argv[1]).absolute(), pathlib.Path(sys.argv[2])
+found = commands(program)
+for write, file in ((bash, program.name), (zsh, f"_{program.name}"), (fish, f"{program.name}.fish")):
+    (folder / file).write_text("\n".join(write(program.name, found)) + "\n")

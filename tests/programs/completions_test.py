@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""What shells complete after the programs' names. usage: completions_test.py BUILD_FOLDER"""
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+
+BUILD = pathlib.Path(sys.argv.pop(1))
+FOLDER = BUILD / "packaging/completions"
+COMPLETE = 'compopt() { :; }; source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _${1//-/_}; echo "${COMPREPLY[@]}"'
+
+
+def output(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+
+
+class Completions(unittest.TestCase):
+    def test_bash_and_fish_complete_lines(self):
+        for line, words in (("tarno-status ch", "check"), ("tarno-status watch --format w", "waybar"),
+                            ("tarno-desktop --anchor bottom-", "bottom-left bottom-right"),
+                            ("tarno-widget render --family ", "small medium large")):
+            shown = output("bash", "-c", COMPLETE, FOLDER / line.split()[0], *line.split(" "))
+            self.assertEqual(set(shown.split()), set(words.split()), line)
+            if shutil.which("fish"):
+                shown = output("fish", "-N", "-c", f"source {FOLDER / line.split()[0]}.fish; complete -C '{line}'")
+                self.assertEqual({found.split("\t")[0] for found in shown.splitlines()}, set(words.split()), line)
+
+    def test_every_option_is_offered(self):
+        for program in ("tarno-desktop", "tarno-status", "tarno-widget"):
+            commands = re.findall(r"(?m)^  ([a-z]+)  ", output(BUILD / "bin" / program, "--help"))
+            for command in [[], *([word] for word in commands)]:
+                options = set(re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", output(BUILD / "bin" / program, *command, "--help")))
+                shown = output("bash", "-c", COMPLETE, FOLDER / program, program, *command, "--")
+                self.assertEqual(set(shown.split()), options, command)
+            if shutil.which("zsh"):
+                output("zsh", "-n", FOLDER / f"_{program}")
+
+
+if __name__ == "__main__":
+    unittest.main()
