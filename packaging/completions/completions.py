@@ -30,7 +30,7 @@ def commands(program):
             section = line if re.match(r"\S.*:$", line) else section
             if entry := re.match(r"  (\S+)(.*)", line):
                 left, _, text = entry[2].rpartition("  ")
-                text = re.split(r"[.:;] | \(", text.strip())[0].replace(":", " ")
+                text = re.split(r"[.:;] | \(" if section == "Options:" else ": ", text.strip())[0].replace(":", " ")
                 if section == "Options:":
                     argument = re.match(r" ?(?!Excludes:|REQUIRED)([A-Z]*)", left)[1]
                     words = re.search(r":\{([\w,-]+)\}", left) or re.search(r": (\w+(?:, \w+)* or \w+)$", line)
@@ -67,7 +67,7 @@ def zsh(program, found):
         specs = []
         for names, argument, words, text in options:
             action = ZSH.get(argument) or (f"({' '.join(words)})" if words else " ")
-            specs += [shlex.quote(f"{one}[{text}]" + (f":{argument}:{action}" if argument else "")) for one in names]
+            specs += [shlex.quote(f"{one}=[{text}]:{argument}:{action}" if argument else f"{one}[{text}]") for one in names]
         return " ".join(["_arguments", *specs, *(["'1:FILE:_files'"] if file else [])])
 
     options, subcommands, file = found[""]
@@ -83,7 +83,8 @@ def zsh(program, found):
 def fish(program, found):
     lines = [f"complete -c {program} -f"]
     for name, (options, subcommands, file) in found.items():
-        seen = f"__fish_seen_subcommand_from {name}" if name else "__fish_use_subcommand"
+        # fish takes the argument of an option for a subcommand: where there is none, nothing is asked.
+        seen = f"__fish_seen_subcommand_from {name}" if name else "__fish_use_subcommand" if subcommands else "true"
         when = f"complete -c {program} -n '{seen}'"
         lines += [f"{when} -a {word} -d {shlex.quote(text)}" for word, text in subcommands] + ([f"{when} -F"] if file else [])
         for names, argument, words, text in options:

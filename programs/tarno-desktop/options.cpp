@@ -69,7 +69,7 @@ void addOptions(CLI::App& app, Options& options) {
                  "Connector of the monitor to show it on (default: the primary one)")
       ->type_name("NAME");
   addWord(app, "--layer", options.layer, layers,
-          "Below all windows (desktop, the default), normal, or above them");
+          "Layer: desktop (below all windows, the default), normal or above");
   app.add_option("--scale", options.scale, "Pixels per point (default: the monitor's scale)")
       ->check(checkScale)
       ->type_name("FACTOR");

@@ -19,7 +19,8 @@ def output(*command):
 class Completions(unittest.TestCase):
     def test_bash_and_fish_complete_lines(self):
         for line, words in (("tarno-status ch", "check"), ("tarno-status watch --format w", "waybar"),
-                            ("tarno-desktop --anchor bottom-", "bottom-left bottom-right"),
+                            ("tarno-desktop --margin 3 --anchor bottom-", "bottom-left bottom-right"),
+                            ("tarno-desktop --layer above --au", "--autostart"),
                             ("tarno-widget render --family ", "small medium large")):
             shown = output("bash", "-c", COMPLETE, FOLDER / line.split()[0], *line.split(" "))
             self.assertEqual(set(shown.split()), set(words.split()), line)
