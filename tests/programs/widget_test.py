@@ -157,7 +157,7 @@ class Widget(ProgramTest):
         self.assertEqual(answer["title"], "Tarno-Kachel")
         shown = json.loads(self.widget("gallery", "--json", LC_ALL="de_DE.UTF-8"))  # by the project's own catalogue
         self.assertEqual((shown["display_name"], shown["description"]),
-                         ("Tarno", "Sperrstatus und Anwesenheitssignale deines Macs."))
+                         ("Tarno", "Sperrstatus und Anwesenheitssignale Ihres Macs."))
 
     def test_fonts_tell_when_the_rounded_face_is_missing(self):
         self.assertEqual(self.widget("fonts"), b"Quicksand\n")
