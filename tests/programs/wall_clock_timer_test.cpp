@@ -72,15 +72,6 @@ TEST_F(WallClockTimer, WakesOnceWhenTheLastMomentItWasGivenHasCome) {
   EXPECT_EQ(wakes, 0);
 }
 
-TEST_F(WallClockTimer, GoesByTheClockOfTheProgram) {
-  const auto then = foundation::Date{24h};
-  const foundation::ClockOverride clock{then};
-  timer.sleepUntil(then + 1h);
-  EXPECT_FALSE(wakesIn(20ms));
-  timer.sleepUntil(then + 10ms);
-  EXPECT_TRUE(wakesIn(5s));
-}
-
 TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
   timer.sleepUntil(foundation::latestDate);
   EXPECT_TRUE(wantsToKnow);
