@@ -6,9 +6,7 @@
 #include "shared/coding/json.hpp"
 #include "support/fake_measurer.hpp"
 #include "support/pixel_reference.hpp"
-#include "tarno-widget/drawing.hpp"
 #include "tarno-widget/extension.hpp"
-#include "tarno-widget/inspection.hpp"
 #include "ui/symbols/symbol.hpp"
 #include "widget/views/widget_view.hpp"
 
@@ -85,30 +83,6 @@ TEST(Tile, SymbolsLookAsTheyDid) {
   }
   render::TextEngine text;
   EXPECT_TRUE(matchesReference(encodeImage(sheet, text, render::ImageFormat::png, 1), "symbols"));
-}
-
-TEST(Inspection, ShowsEverythingForOneReadingOfTheClock) {
-  auto moment = now;
-  const foundation::ClockOverride clock{[&] { return moment += 1s; }};
-  extension::withWidget([](const auto& widget) {
-    FakeMeasurer measurer;
-    const auto shown = extension::inspection(
-        widget, {WidgetFamily::systemMedium, extension::Request::placeholder}, measurer);
-    EXPECT_EQ(shown.entry.date, now + 1s);
-    EXPECT_EQ(std::any_cast<TarnoMacWidgetEntry>(shown.entry.value).lastRefresh, now + 1s);
-    EXPECT_NE(outline(shown.accessibility).find("\"0s ago\""), std::string::npos);
-    return 0;
-  });
-}
-
-TEST(Drawing, FailuresNameTheirCause) {
-  const auto drawing = [](const auto& exception) { return extension::drawn([&] { throw exception; }); };
-  try {
-    drawing(std::runtime_error{"no such font"});
-  } catch (const program::Failure& failure) {
-    EXPECT_EQ(failure.exitCode(), EX_DATAERR);
-  }
-  EXPECT_THROW(drawing(std::bad_alloc{}), std::bad_alloc);
 }
 
 }  // namespace
