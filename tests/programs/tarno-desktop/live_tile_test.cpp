@@ -116,16 +116,4 @@ TEST(LiveTile, EndsWhatHangs) {
             "within 10 s\n");
 }
 
-TEST(LiveTile, ShowsNothingOfAnotherScale) {
-  Fixture fixture{showStore};
-  fixture.tile->setScale(1.5);
-  ASSERT_TRUE(fixture.waitFor([&] { return !fixture.shown.empty(); }));
-  EXPECT_EQ(fixture.shown.front(), "none 1.5");
-  fixture.wait(600ms);
-  const auto requests = fixture.requests();
-  fixture.tile->setScale(1.5);
-  fixture.wait(200ms);
-  EXPECT_EQ(fixture.requests(), requests);
-}
-
 }  // namespace

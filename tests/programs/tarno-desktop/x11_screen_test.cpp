@@ -35,9 +35,7 @@ TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
   };
   const std::vector<Case> cases{
       {"nothing", {}, screen, {}, first, second},
-      {"top of the first", {strut(2, 40, 0, 1023)}, screen, {}, {0, 40, 1024, 728}, second},
       {"top of the second", {strut(2, 40, 1024, 2047)}, screen, {}, first, {1024, 40, 1024, 560}},
-      {"two", {strut(2, 40, 0, 1023), strut(2, 25, 0, 99)}, screen, {}, {0, 40, 1024, 728}, second},
       {"of one column", {strut(2, 40, 1023, 1024)}, screen, {}, {0, 40, 1024, 728}, {1024, 40, 1024, 560}},
       {"left of the second", {strut(0, 1064, 0, 599)}, screen, {}, first, {1064, 0, 984, 600}},
       {"right of the first", {strut(1, 1064, 0, 767)}, screen, {}, {0, 0, 984, 768}, second},
