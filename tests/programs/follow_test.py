@@ -43,7 +43,6 @@ class Follow(ProgramTest):
         cut = "line {}: the input ended before the line did; nothing was saved"
         for text, code, said, status in (
                 ("", 0, [], None),
-                ('{"status": "locked"}\n', 0, [], "locked"),
                 ('{"status": "locked"}\r\n\n  \n{"status": "unlocked"}\n', 0, [], "unlocked"),
                 ('{"status": "locked"}\n{"status": "Locked"}\n[]\n', 65,
                  ['line 2: key "status": "Locked" is not a status; nothing was saved',
