@@ -4,7 +4,6 @@
 
 #include "render/image.hpp"
 #include "shared/coding/json.hpp"
-#include "support/fake_measurer.hpp"
 #include "support/pixel_reference.hpp"
 #include "tarno-widget/extension.hpp"
 #include "ui/symbols/symbol.hpp"
@@ -13,7 +12,6 @@
 namespace {
 
 using namespace std::chrono;
-using namespace std::string_literals;
 using widgetkit::WidgetFamily;
 
 constexpr foundation::Date now = sys_days{2026y / November / 16} + 15h;
@@ -26,32 +24,6 @@ widgetkit::AnyTimelineEntry entryOf(const std::string& json, foundation::Date::d
     entry.lastRefresh = now - age;
   }
   return widgetkit::AnyTimelineEntry::of(entry, TarnoMacWidgetView{entry});
-}
-
-TEST(Tile, TextsKeepToTheirMarginsAndApart) {
-  const foundation::ClockOverride clock{now};
-  FakeMeasurer measurer;
-  for (const auto& text :
-       {""s, std::string(60, 'w'), std::string(5000, 'x') + " y", "a\nb\nc"s, std::string(200, ' ')})
-    for (const auto family :
-         {WidgetFamily::systemSmall, WidgetFamily::systemMedium, WidgetFamily::systemLarge}) {
-      SCOPED_TRACE(text.substr(0, 9));
-      const TarnoMacStatusSnapshot status{.deviceName = text, .reason = text};
-      const auto entry = entryOf(TarnoJSON::encoder().encode(status), 100000h);
-      const auto scene = extension::tileScene(entry, family, measurer);
-      std::vector<ui::Rect> boxes;
-      for (const auto& item : scene.items)
-        if (const auto* const run = std::get_if<ui::TextRun>(&item)) boxes.push_back(run->box);
-      ASSERT_GE(boxes.size(), family == WidgetFamily::systemSmall ? 1u : 5u);
-      const auto room = ui::Rect{{}, scene.size}.inset(16 - 0.01);
-      for (auto a = boxes.begin(); a != boxes.end(); ++a) {
-        EXPECT_TRUE(a->origin.x >= room.origin.x && a->right() <= room.right());
-        EXPECT_TRUE(a->origin.y >= room.origin.y && a->bottom() <= room.bottom());
-        for (auto b = boxes.begin(); b != a; ++b)
-          EXPECT_TRUE(a->origin.y >= b->bottom() || b->origin.y >= a->bottom() || a->origin.x >= b->right() ||
-                      b->origin.x >= a->right());
-      }
-    }
 }
 
 TEST(Tile, LooksAsItDid) {
