@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "shared/coding/json.hpp"
 #include "shared/persistence/mac_defaults.hpp"
 #include "support/temporary_store.hpp"
 #include "widget/extension/status_widget.hpp"
@@ -9,6 +10,7 @@ namespace {
 
 using namespace std::chrono;
 using foundation::Date;
+using widgetkit::NSExtensionMain;
 using Entry = TarnoMacWidgetEntry;
 
 constexpr Date start = sys_days{2026y / November / 16} + 15h;
@@ -39,19 +41,11 @@ TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
   EXPECT_EQ(clock.readings, 3);
   EXPECT_EQ(entry.date, start);
   EXPECT_EQ(entry.lastRefresh, start + 2s);
-  EXPECT_EQ(entry.status, (TarnoMacStatusSnapshot{.schema = "tarno.remote.v1",
-                                                  .app = "Tarno",
-                                                  .event = "locked",
-                                                  .deviceName = "Kivo's Mac",
-                                                  .seenAt = start + 1s,
-                                                  .status = TarnoMacStatus::locked,
-                                                  .reason = "Mac locked.",
-                                                  .source = "Tarno",
-                                                  .facePresent = true,
-                                                  .companionPresent = true,
-                                                  .inputIdleSeconds = 3.0,
-                                                  .stale = false,
-                                                  .ageSeconds = 0}));
+  EXPECT_EQ(
+      TarnoJSON::encoder().encode(entry.status.value()),
+      R"({"schema":"tarno.remote.v1","app":"Tarno","event":"locked","device_name":"Kivo's Mac",)"
+      R"("seen_at":"2026-11-16T15:00:01Z","status":"locked","reason":"Mac locked.","source":"Tarno",)"
+      R"("face_present":true,"companion_present":true,"input_idle_seconds":3.0,"stale":false,"age_seconds":0})");
 }
 
 TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
@@ -76,15 +70,16 @@ TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
   EXPECT_EQ(timelineEntry(), (Entry{start + 4s, saved, {}}));
 }
 
-TEST(Provider, OnlyPreviewsAndPlaceholdersLeaveTheStoreAlone) {
-  const TemporaryStore temporary;
-  const foundation::ClockOverride clock{start};
-  TarnoMacDefaults::persistStatus({.status = TarnoMacStatus::locking}, start, std::nullopt,
-                                  *TarnoMacDefaults::store());
-  EXPECT_EQ(own(provider->snapshot({.isPreview = true})), Entry::placeholder());
-  EXPECT_EQ(own(provider->placeholder({})), Entry::placeholder());
-  EXPECT_EQ(own(provider->snapshot({})), timelineEntry());
-  EXPECT_EQ(timelineEntry().status->status, TarnoMacStatus::locking);
+TEST(Extension, ServesOnlyTheHostThatStartedIt) {
+  int calls = 0;
+  const auto failing = [&](const widgetkit::WidgetConfigurations&) {
+    ++calls;
+    throw std::runtime_error{"host"};
+  };
+  EXPECT_THROW(NSExtensionMain(TarnoMacWidget_main, failing), std::runtime_error);
+  EXPECT_EQ(TarnoMacWidget_main(), 0);
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(NSExtensionMain([] { return 7; }, failing), 7);
 }
 
 }  // namespace

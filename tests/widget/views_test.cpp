@@ -44,9 +44,8 @@ TEST(DialView, ShowsEveryStatus) {
     std::string arcEnd, accent, icon, text, dots, label;
   } cases[] = {
       {{}, "0.315|", muted, question, "No status|", off + off + off, "Mac status unknown|"},
-      {Snapshot{}, "0.315|", muted, question, "Unknown|", off + off + off, "Mac unknown|"},
-      {Snapshot{.status = TarnoMacStatus::unknown, .inputIdleSeconds = 0}, "0.315|", muted, question,
-       "Unknown|", off + off + on, "Mac unknown|"},
+      {Snapshot{.inputIdleSeconds = 0}, "0.315|", muted, question, "Unknown|", off + off + on,
+       "Mac unknown|"},
       {Snapshot{.deviceName = "Kivo's Mac",
                 .status = TarnoMacStatus::locked,
                 .facePresent = true,
@@ -62,8 +61,6 @@ TEST(DialView, ShowsEveryStatus) {
        "Locking|", off + off + off, "Mac locking|"},
       {Snapshot{.deviceName = "M", .status = TarnoMacStatus::locked, .facePresent = true, .stale = true},
        "0.366|", muted, stale, "Status stale|", on + off + off, "M status stale|"},
-      {Snapshot{.stale = true}, "0.366|", muted, stale, "Status stale|", off + off + off,
-       "Mac status stale|"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.label);
@@ -76,9 +73,6 @@ TEST(DialView, ShowsEveryStatus) {
     EXPECT_EQ(valuesOf(dial, "foregroundStyle", "color"), c.accent + "#17212A|" + c.dots);
     EXPECT_EQ(valuesOf(dial, "accessibilityElement", "label"), c.label);
   }
-  const auto face = TarnoMacDialView{Snapshot{.facePresent = true}, 124, true}.body();
-  EXPECT_EQ(valuesOf(face, "Circle", "fill"), "#FFFFFF@0.58|#2E8F93@0.16|#D9E2E4@0.4|#D9E2E4@0.4|");
-  EXPECT_NE(outline(describe(face)).find("accessibilityHidden\n"), std::string::npos);
 }
 
 TEST(DialView, MeasuresFollowItsSizeDownToTheirMinimums) {
@@ -87,7 +81,6 @@ TEST(DialView, MeasuresFollowItsSizeDownToTheirMinimums) {
     const char *lineWidths, *fonts, *widths, *heights, *spacings;
   } cases[] = {
       {50, "6|6|", "9|6.5|8|8|8|", "50|35|31|18|18|18|", "50|35|18|18|18|", "4|"},
-      {132, "9.768|9.768|", "23.76|17.16|8|8|8|", "132|92.4|81.84|18|18|18|", "132|92.4|18|18|18|", "4.224|"},
       {400, "29.6|29.6|", "72|52|20.8|20.8|20.8|", "400|280|248|44.8|44.8|44.8|", "400|280|44.8|44.8|44.8|",
        "12.8|"},
   };
@@ -148,14 +141,6 @@ TEST(WidgetView, MediumAndLargeDrawTheDialBesideTheTextsAndPills) {
   fill color=#14666A@0.12 outline=path x=206 y=96.4 width=78.25 height=22
   fill color=#14666A outline=path x=214.2 y=101.475 width=12.925 height=11.825
   text text="Face seen" font="10 semibold rounded" color=#14666A x=231.25 y=101.4 width=45 height=12 baseline=9 maxLines=1
-)");
-  EXPECT_EQ(outline(describeAccessibility(scene)), R"(accessibility
-  image label="Kivo's Mac locked" x=0 y=7 width=124 height=124
-  staticText label="Kivo's Mac" x=138 y=19.6 width=60 height=14.4
-  staticText label="Locked" x=138 y=42 width=60 height=24
-  staticText label="Mac locked." x=138 y=74 width=66 height=14.4
-  staticText label="0s ago" x=162 y=101.4 width=30 height=12
-  staticText label="Face seen" x=231.25 y=101.4 width=45 height=12
 )");
 }
 
