@@ -20,13 +20,10 @@ const JSONDecoder decoder{
 const JSONEncoder encoder{DateEncodingStrategy::secondsSince1970};
 
 template <class T>
-std::optional<DecodingError> errorOf(std::string_view json) {
-  try {
-    decoder.decode<T>(json);
-    return std::nullopt;
-  } catch (const DecodingError& error) {
-    return error;
-  }
+std::optional<DecodingError> errorOf(std::string_view json) try {
+  return decoder.decode<T>(json), std::nullopt;
+} catch (const DecodingError& error) {
+  return error;
 }
 
 TEST(JSONDecoder, TellsWholeNumbersExactly) {
@@ -46,13 +43,9 @@ TEST(JSONDecoder, TellsWholeNumbersExactly) {
 }
 
 TEST(JSONDecoder, RefusesWhatIsNotJSON) {
-  for (const auto json :
-       {""sv, " "sv, "{"sv, "nul"sv, "01"sv, "1 2"sv, "[1,]"sv, "{\"a\":1,}"sv, "\"\xff\""sv, "\"\\ud800\""sv,
-        "1e400"sv, "\0"sv, "1\0"sv, "1\0 2"sv, "\"a\0\""sv}) {
-    const auto error = errorOf<double>(json);
-    ASSERT_TRUE(error) << json;
-    EXPECT_EQ(error->kind, DecodingError::Kind::dataCorrupted) << json;
-  }
+  for (const auto json : {""sv, " "sv, "{"sv, "nul"sv, "01"sv, "1 2"sv, "[1,]"sv, "{\"a\":1,}"sv,
+                          "\"\xff\""sv, "\"\\ud800\""sv, "1e400"sv, "\0"sv, "1\0"sv, "1\0 2"sv, "\"a\0\""sv})
+    EXPECT_EQ(errorOf<double>(json).value().kind, DecodingError::Kind::dataCorrupted) << json;
   const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
   EXPECT_EQ(errorOf<double>(nested(512))->kind, DecodingError::Kind::typeMismatch);
   EXPECT_EQ(errorOf<double>(nested(513))->kind, DecodingError::Kind::dataCorrupted);

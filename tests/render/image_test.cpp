@@ -88,12 +88,10 @@ TEST(Image, pngSaysItsColourSpaceAndResolution) {
 }
 
 TEST(Image, coloursAreRoundedHalfUp) {
-  const struct {
-    ui::Color color;
-    Pixels::Pixel pixel;
-  } table[] = {{ui::Color::sRGB(0.97, 0.98, 0.972), {247, 250, 248, 255}},
-               {ui::Color::sRGB(0.5, 0.08, 2), {128, 20, 255, 255}},
-               {ui::Color::sRGB(1, 1, -1).opacity(0.16), {255, 255, 0, 41}}};
+  const std::pair<ui::Color, Pixels::Pixel> table[] = {
+      {ui::Color::sRGB(0.97, 0.98, 0.972), {247, 250, 248, 255}},
+      {ui::Color::sRGB(0.5, 0.08, 2), {128, 20, 255, 255}},
+      {ui::Color::sRGB(1, 1, -1).opacity(0.16), {255, 255, 0, 41}}};
   for (const auto& [color, pixel] : table)
     EXPECT_EQ(draw({{4, 4}, {ui::FillPath{Path::rect({{0, 0}, {4, 4}}), color}}, {}}).at(1, 1), pixel);
 }

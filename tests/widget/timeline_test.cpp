@@ -58,13 +58,13 @@ TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
   EXPECT_EQ(empty.policy.date(), start + 1s + 30s);  // counted from the second reading
 
   const TarnoMacStatusSnapshot saved{.status = TarnoMacStatus::unlocked};
-  TarnoMacDefaults::persistStatus(saved, start - 200s, std::nullopt, *TarnoMacDefaults::store());
+  const auto store = TarnoMacDefaults::store();
+  TarnoMacDefaults::persistStatus(saved, start - 200s, std::nullopt, *store);
   const auto stale = timelineEntry();
   EXPECT_EQ(stale,
             (Entry{start + 2s, saved.withLocalFreshness(start - 200s, start + 2s, 150s), start - 200s}));
   EXPECT_TRUE(stale.status->isStale());
 
-  const auto store = TarnoMacDefaults::store();
   store->set(TarnoMacDefaults::lastStatusAt, "not a date");
   store->synchronize();
   EXPECT_EQ(timelineEntry(), (Entry{start + 4s, saved, {}}));
