@@ -222,6 +222,7 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
       {"test: Not a directory", [&] { fs::remove_all(home), writeBytes(home, ""); }},
       {"json is not a regular file", [&] { fs::remove(file), fs::create_directory(file); }},
       {"json is not a regular file", [&] { fs::remove(file), mkfifo(file.c_str(), 0600); }},
+      {"json belongs to another user", [&] { EXPECT_EQ(chown(file.c_str(), 12345, 0), 0); }},
       {"json is larger than 64 MiB", [&] { fs::resize_file(file, (64 << 20) + 1); }}};
   for (const auto& [failure, prepare] : rows) {
     if (failure.ends_with("another user") && geteuid() != 0) continue;

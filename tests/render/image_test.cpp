@@ -62,16 +62,13 @@ TEST(Image, hasTheColoursOfTheSceneAndKeepsToItsRows) {
   constexpr std::size_t width = 20, height = 14, stride = 23;
   std::vector<std::uint32_t> pixels(stride * height);
   render::drawPixels(tile(), text, 2, pixels.data(), stride * sizeof(std::uint32_t));
-  const struct {
-    std::size_t x, y;
-    Pixels::Pixel straight;
-    std::uint32_t premultiplied;
-  } table[] = {{0, 13, {0, 0, 0, 0}, 0},
-               {10, 9, {255, 255, 0, 128}, 0x80808000},
-               {19, 0, {255, 0, 0, 255}, 0xFFFF0000}};
-  for (const auto& row : table) {
-    EXPECT_EQ(png.at(static_cast<int>(row.x), static_cast<int>(row.y)), row.straight);
-    EXPECT_EQ(pixels.at(row.y * stride + row.x), row.premultiplied);
+  const std::tuple<std::size_t, std::size_t, Pixels::Pixel, std::uint32_t> table[] = {
+      {0, 13, {0, 0, 0, 0}, 0},
+      {10, 9, {255, 255, 0, 128}, 0x80808000},
+      {19, 0, {255, 0, 0, 255}, 0xFFFF0000}};
+  for (const auto& [x, y, straight, premultiplied] : table) {
+    EXPECT_EQ(png.at(static_cast<int>(x), static_cast<int>(y)), straight);
+    EXPECT_EQ(pixels.at(y * stride + x), premultiplied);
   }
   for (std::size_t y = 0; y < height; ++y) EXPECT_EQ(pixels.at(y * stride + width), 0u);
 }

@@ -75,19 +75,14 @@ TEST(TextEngine, fitsWhatItWasGivenAndStaysAsItIsAtTheWidthThatItReturned) {
 
 TEST(TextEngine, cutsWhereMoreWouldFollow) {
   render::TextEngine engine;
-  const struct {
-    const char* text;
-    std::optional<double> width;
-    int maxLines, lines;
-    bool truncated;
-  } table[] = {{"one two", {}, 1, 1, false},         {"one\ntwo", {}, 1, 1, false},
-               {"one\ntwo", {}, 2, 2, false},        {"a\nb\nc", {}, 2, 2, true},
-               {"a\nb\nc", 100, 2, 2, true},         {"a\r\nb\n", 100, 2, 2, false},
-               {"one two", 30, 2, 2, false},         {"one two three", 30, 2, 2, true},
-               {"onetwothreefour", 40, 3, 3, false}, {"one two\nx", 30, 2, 2, true}};
-  for (const auto& row : table) {
-    const auto m = engine.measure(row.text, caption, row.width, row.maxLines);
-    EXPECT_TRUE(m.lines == row.lines && m.truncated == row.truncated) << row.text;
+  const std::tuple<const char*, std::optional<double>, int, int, bool> table[] = {
+      {"one two", {}, 1, 1, false},  {"one\ntwo", {}, 1, 1, false},     {"one\ntwo", {}, 2, 2, false},
+      {"a\nb\nc", {}, 2, 2, true},   {"a\nb\nc", 100, 2, 2, true},      {"a\r\nb\n", 100, 2, 2, false},
+      {"one two", 30, 2, 2, false},  {"one two three", 30, 2, 2, true}, {"onetwothreefour", 40, 3, 3, false},
+      {"one two\nx", 30, 2, 2, true}};
+  for (const auto& [text, width, maxLines, lines, truncated] : table) {
+    const auto m = engine.measure(text, caption, width, maxLines);
+    EXPECT_TRUE(m.lines == lines && m.truncated == truncated) << text;
   }
   EXPECT_TRUE(engine.measure(std::string(100'000, 'x'), caption, {}, 1).truncated);
   EXPECT_GT(engine.measure("a\nb\nc", caption, {}, 2).size.width,

@@ -57,12 +57,7 @@ std::string drawn(const Scene& scene) {
   return result;
 }
 
-struct PlacingCase {
-  const char* what;
-  View view;
-  Size container;
-  const char* expected;
-};
+using PlacingCase = std::tuple<const char*, View, Size, const char*>;
 
 void check(std::initializer_list<PlacingCase> cases) {
   for (const auto& [what, view, container, expected] : cases)
@@ -104,27 +99,25 @@ TEST(Layout, AlignsChildrenInTheLargestOfThem) {
 
 TEST(Layout, SizesFramesByTheProposal) {
   const View text = word("aaaa bbbb");  // 45 wide, or 20 on two lines
-  const struct {
-    View view;
-    ProposedSize proposal;
-    Size expected;
-  } cases[] = {{filler, {}, {10, 10}},
-               {Text("ab"), {}, {15, 18}},
-               {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
-               {box(60).frame({.maxWidth = 50}), {100, 7}, {60, 10}},
-               {box(60).frame({.maxWidth = infinity}), {40, 7}, {60, 10}},
-               {text.frame({.width = 30}), {}, {30, 24}},
-               {text.frame({.maxWidth = 30}), {}, {20, 24}},
-               {text.frame({.maxWidth = 30}), {100, 100}, {30, 24}},
-               {text.frame({.maxWidth = 100}), {}, {45, 12}},
-               {text.font(Font::system(0)), {infinity, 0}, {45, 12}},
-               {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
-               {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
-               {box(20).padding(EdgeSet::vertical, -30), {}, {20, 0}},
-               {Image("no.such.symbol").font(Font::system(8)), {}, {8, 8}},
-               {Image("clock").font(Font::system(10)), {}, {12, 12}},
-               {HStack({}), {100, 100}, {0, 0}},
-               {HStack({}, word("abcd"), word("efghij"), std::optional<View>{}), {}, {58, 12}}};
+  const std::tuple<View, ProposedSize, Size> cases[] = {
+      {filler, {}, {10, 10}},
+      {ZStack({}, box(40, 20), box(10, 30), box(6, 6)), {}, {40, 30}},
+      {Text("ab"), {}, {15, 18}},
+      {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
+      {box(60).frame({.maxWidth = 50}), {100, 7}, {60, 10}},
+      {box(60).frame({.maxWidth = infinity}), {40, 7}, {60, 10}},
+      {text.frame({.width = 30}), {}, {30, 24}},
+      {text.frame({.maxWidth = 30}), {}, {20, 24}},
+      {text.frame({.maxWidth = 30}), {100, 100}, {30, 24}},
+      {text.frame({.maxWidth = 100}), {}, {45, 12}},
+      {text.font(Font::system(0)), {infinity, 0}, {45, 12}},
+      {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
+      {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
+      {box(20).padding(EdgeSet::vertical, -30), {}, {20, 0}},
+      {Image("no.such.symbol").font(Font::system(8)), {}, {8, 8}},
+      {Image("clock").font(Font::system(10)), {}, {12, 12}},
+      {HStack({}), {100, 100}, {0, 0}},
+      {HStack({}, word("abcd"), word("efghij"), std::optional<View>{}), {}, {58, 12}}};
   for (const auto& [view, proposal, expected] : cases)
     EXPECT_EQ(fitted(view, proposal), expected) << outline(describe(view));
 }

@@ -158,9 +158,15 @@ TEST(Path, RoundsCornersByAtMostHalfOfTheShorterSide) {
   EXPECT_EQ(Path::roundedRect(rect, -1), Path::rect(rect));
 }
 
+TEST(Path, ClosesWholeCirclesOnly) {
+  for (const auto& [from, to, elements] : {std::tuple{0.0, 1.0, 3u}, {0.0, 0.95, 2u}, {0.05, 1.0, 2u}})
+    EXPECT_EQ(Path::circle({{0, 0}, {20, 10}}, from, to).elements.size(), elements) << to;
+}
+
 TEST(Path, BoundsAreThoseOfTheCurveItself) {
   const Path curve{{Path::Move{{0, 0}}, Path::Curve{{0, 40}, {30, 40}, {30, 0}}}};
   EXPECT_EQ(bounds(curve), (Rect{{0, 0}, {30, 30}}));
+  EXPECT_EQ(curve.placed(2, {1, 0}).elements.at(1), (Path::Element{Path::Curve{{1, 80}, {61, 80}, {61, 0}}}));
   const Path wave{{Path::Move{{0, 0}}, Path::Curve{{0, 40}, {30, -40}, {30, 0}}}};
   EXPECT_NEAR(bounds(wave).origin.y, -11.547, 1e-3);
   EXPECT_NEAR(bounds(wave).bottom(), 11.547, 1e-3);

@@ -72,7 +72,7 @@ TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
 
 TEST(Extension, ServesOnlyTheHostThatStartedIt) {
   int calls = 0;
-  const auto failing = [&](const widgetkit::WidgetConfigurations&) {
+  const widgetkit::ExtensionHost failing = [&](const auto&) {
     ++calls;
     throw std::runtime_error{"host"};
   };

@@ -66,6 +66,9 @@ TEST(DialView, ShowsEveryStatus) {
     EXPECT_EQ(valuesOf(dial, "foregroundStyle", "color"), c.accent + "#17212A|" + c.dots);
     EXPECT_EQ(valuesOf(dial, "accessibilityElement", "label"), c.label);
   }
+  const auto face = TarnoMacDialView{Snapshot{.facePresent = true}, 124, true}.body();
+  EXPECT_EQ(valuesOf(face, "Circle", "fill"), "#FFFFFF@0.58|#2E8F93@0.16|#D9E2E4@0.4|#D9E2E4@0.4|");
+  EXPECT_NE(outline(describe(face)).find("accessibilityHidden\n"), std::string::npos);
 }
 
 TEST(DialView, MeasuresFollowItsSizeDownToTheirMinimums) {
