@@ -254,6 +254,8 @@ TEST_F(SuiteStoreTest, ADamagedFileIsSetAsideByTheNextSaveAndNotByReadingOrRehea
   expectTwins({});
   EXPECT_EQ(failureOfRehearsal(), "");
   EXPECT_FALSE(fs::exists(home));
+  save({});
+  EXPECT_EQ(readBytes(file), "{}\n");
 }
 
 TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {
