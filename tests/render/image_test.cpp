@@ -12,7 +12,6 @@
 namespace {
 
 using render::ImageFormat;
-using ui::Angle;
 using ui::Path;
 
 constexpr ui::Color red = ui::Color::sRGB(1, 0, 0);
