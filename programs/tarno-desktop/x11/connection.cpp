@@ -18,9 +18,11 @@ Connection::Connection() : connection_(xcb_connect(nullptr, nullptr), xcb_discon
   root_ = screen->root;
   for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem != 0; xcb_depth_next(&depth))
     for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem != 0; xcb_visualtype_next(&visual))
-      if (depth.data->depth == 32 && visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR)
+      // Pixels are written as they are in pictures; newer servers have visuals with blue before red, too.
+      if (depth.data->depth == 32 && visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR &&
+          visual.data->red_mask == 0xff0000)
         visual_ = visual.data->visual_id;
-  if (visual_ == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no visual of 32 bits"};
+  if (visual_ == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no ARGB visual"};
   colormap_ = xcb_generate_id(*this);
   xcb_create_colormap(*this, XCB_COLORMAP_ALLOC_NONE, colormap_, root_, visual_);
 }
