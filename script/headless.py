@@ -12,6 +12,7 @@ import tempfile
 import threading
 import time
 
+import cairo
 from Xlib import X, display, ext, protocol
 from Xlib.ext import xtest
 
@@ -275,8 +276,14 @@ class Rig:
     def sway(self, *lines, **backend):
         """Layer-shell, with one output HEADLESS-1 of 1280 x 720 on a plain ground; on a canvas, with outputs X11-1 and so on.
         `lines` are added to its configuration."""
+        # Not "solid_color", which newer ones draw as one enlarged pixel that fades towards the edges at fractional scales.
+        ground = cairo.ImageSurface(cairo.FORMAT_RGB24, 2560, 800)
+        context = cairo.Context(ground)
+        context.set_source_rgb(0.2, 0.4, 0.6)
+        context.paint()
+        ground.write_to_png(self.path("ground.png"))
         with open(self.path("sway.conf"), "w") as file:
-            file.write("\n".join(("output * bg #336699 solid_color", "xwayland disable", *lines, "")))
+            file.write("\n".join((f"output * bg {self.path('ground.png')} tile", "xwayland disable", *lines, "")))
         backend = {"WLR_BACKENDS": "x11" if self.screen else "headless", "WLR_LIBINPUT_NO_DEVICES": "1",
                    "WLR_RENDERER": "pixman"} | backend
         compositor = self.compositor("wayland-1", "sway", "-c", self.path("sway.conf"), env=backend)

@@ -34,7 +34,8 @@ class Packaging(ProgramTest):
             if shutil.which(command.split()[0]):
                 done = subprocess.run([*command.split(), share / file], capture_output=True, text=True,
                                       env={**self.environment, "XDG_RUNTIME_DIR": str(self.folder)})
-                self.assertEqual((done.returncode, done.stderr), (0, ""), (command, done.stdout))
+                said = [line for line in done.stderr.splitlines() if "connect to system bus" not in line]
+                self.assertEqual((done.returncode, said), (0, []), (command, done.stdout))
         self.assertEqual(self.version_by(share / "applications/tarno-desktop.desktop"), 3)
         for side in (16, 22, 24, 32, 48, 64, 128, 256):
             png = (share / f"icons/hicolor/{side}x{side}/apps/tarno-desktop.png").read_bytes()
