@@ -269,8 +269,8 @@ class Rig:
         wait_for(lambda: os.path.exists(self.path(socket)), message=argv[0])
         self.env["WAYLAND_DISPLAY"] = socket
         if self.screen:
-            self.screen.point(9, 799)
-            self.screen.point(0, 799)  # out of the way, on the first output
+            self.screen.point(9, 795)
+            self.screen.point(0, 795)  # out of the way, on the first output
         return compositor
 
     def sway(self, *lines, **backend):
