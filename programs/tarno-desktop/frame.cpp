@@ -63,7 +63,7 @@ std::string readAll(const FileDescriptor& pipe) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  const std::string scale = scaleText(request.scale), descriptor = std::to_string(memory);
+  const std::string scale = json(request.scale).dump(), descriptor = std::to_string(memory);
   const auto run = [&](const std::filesystem::path& program) {
     execlp(program.c_str(), program.c_str(), "frame", "--family", request.family.c_str(), "--scale",
            scale.c_str(), "--fd", descriptor.c_str(), request.at ? "--at" : nullptr,
@@ -136,24 +136,24 @@ void FrameProcess::end() {
   deadline_.reset();
 }
 
-Frame FrameProcess::finish() {
+FrameResult FrameProcess::finish() {
   int status = 0;
   waitpid(pid_, &status, 0);
   process_ = {};
-  if (!deadline_) throw std::runtime_error{"no answer within " + std::to_string(timeLimit.count()) + " s"};
-  if (WIFSIGNALED(status))
-    throw std::runtime_error{std::string{"ended by a signal: "} + strsignal(WTERMSIG(status))};
-  const int code = WEXITSTATUS(status);
-  std::string reason;
+  FrameResult result{.errors = readAll(errors_)};
   try {
-    auto frame = readFrame(readAll(output_), std::move(memory_), scale_);
-    if (code == 0) return frame;
+    result.frame = readFrame(readAll(output_), std::move(memory_), scale_);
   } catch (const std::exception& error) {
-    reason = error.what();
+    result.failure = error.what();
   }
-  throw std::runtime_error{code == 0 ? reason : "ended with code " + std::to_string(code) + ": " + reason};
+  if (!deadline_)
+    result.failure = "no answer within " + std::to_string(timeLimit.count()) + " s";
+  else if (WIFSIGNALED(status))
+    result.failure = std::string{"ended by a signal: "} + strsignal(WTERMSIG(status));
+  else if (status != 0)
+    result.failure = "ended with code " + std::to_string(WEXITSTATUS(status)) + ": " + result.failure;
+  if (!result.failure.empty()) result.frame.reset();
+  return result;
 }
-
-std::string FrameProcess::errors() const { return readAll(errors_); }
 
 }  // namespace desktop

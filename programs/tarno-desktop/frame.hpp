@@ -42,6 +42,13 @@ struct FrameRequest {
   std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
 };
 
+/// What became of a frame process.
+struct FrameResult {
+  std::optional<Frame> frame;
+  std::string failure;  ///< why there is no frame
+  std::string errors;   ///< what the process has written to standard error
+};
+
 /// The extension's process (docs/frame.md) while it draws one frame. Whatever it does, at most the picture is
 /// missing: nothing that it answers is trusted, and it has 10 s.
 class FrameProcess {
@@ -61,11 +68,8 @@ class FrameProcess {
   std::optional<Clock::time_point> deadline() const { return deadline_; }
   void end();
 
-  /// Once. Throws std::exception, whose text says why there is no picture.
-  Frame finish();
-
-  /// What it has written to standard error.
-  std::string errors() const;
+  /// To be called once.
+  FrameResult finish();
 
  private:
   double scale_;

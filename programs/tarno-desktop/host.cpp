@@ -41,7 +41,7 @@ const auto endSignals = signalSet({SIGTERM, SIGINT, SIGHUP});
 
 /// From now on the process dies neither of the signals that it takes nor of SIGPIPE: a reader of standard
 /// error or a display may go away.
-class Signals final : public EventSource {
+class Signals final : public program::EventSource {
  public:
   explicit Signals(std::function<void(int)> taken) : taken_(std::move(taken)) {
     const auto watched = signalSet({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
@@ -88,21 +88,21 @@ void releaseMemory() {
 }
 
 /// The tile on one connection to a display.
-class Host final : EventSource {
+class Host final : program::EventSource {
  public:
   /// Starts the first frame, then connects to the display.
   explicit Host(const Options& options)
-      : signals_([this](int signal) { signal == SIGUSR1 ? tile_.refresh() : loop_.quit(EX_OK); }),
+      : options_(options),
+        signals_([this](int signal) { signal == SIGUSR1 ? tile_.refresh() : loop_.quit(EX_OK); }),
         tile_({std::filesystem::read_symlink("/proc/self/exe").replace_filename("tarno-widget"),
                options.family, options.scale.value_or(1), options.at},
               [this](const Frame& frame) { show(frame); }),
-        opened_(openSurface(options,
-                            {[this] { follow(); }, [this] { loop_.quit(EX_OK); }, [this] { follow(); }})) {
-    loop_.add(*opened_.surface);  // first: what it tells reaches the others before they sleep
+        opened_(openSurface(options)) {
+    loop_.add(*opened_.surface);
+    loop_.add(*this);  // after the surface, whose changes it hands on, and before what they concern
     loop_.add(signals_);
     tile_.addTo(loop_);
     loop_.add(accessible_);
-    loop_.add(*this);  // last: the others have done what they had to do
     follow();
   }
 
@@ -110,28 +110,32 @@ class Host final : EventSource {
 
  private:
   Wait prepare() override {
+    follow();
+    if (opened_.surface->isClosed()) loop_.quit(EX_OK);
     if (tile_.isAtRest()) releaseMemory();
     return {};
   }
   void dispatch(short) override {}
 
-  /// Where the tile is, and at which scale.
   void follow() {
-    const auto scale = opened_.surface->scale();
-    if (!scale) return;
-    tile_.setScale(*scale);
-    accessible_.place(opened_.surface->extents(), *scale);
+    const auto monitor = opened_.surface->monitor();
+    if (!monitor) return;
+    tile_.setScale(monitor->scale);
+    accessible_.place(opened_.surface->extents(), monitor->scale);
   }
 
   void show(const Frame& frame) {
-    opened_.surface->setTitle(frame.title);
-    opened_.surface->show(frame.picture);
+    opened_.surface->show(frame.picture, frame.title);
     accessible_.update(frame);
     if (std::exchange(isShown_, true)) return;
-    program::complain("shown " + opened_.surface->description() +
+    const auto monitor = opened_.surface->monitor();
+    const auto wanted = options_.monitor ? "the monitor " + *options_.monitor : "a monitor";
+    program::complain("shown as " + opened_.surface->kind() +
+                      (monitor ? " on " + monitor->connector : " as soon as there is " + wanted) +
                       (opened_.reason.empty() ? "" : " (" + opened_.reason + ")"));
   }
 
+  const Options& options_;
   program::EventLoop loop_;
   Signals signals_;
   LiveTile tile_;
@@ -142,25 +146,25 @@ class Host final : EventSource {
 
 }  // namespace
 
-OpenedSurface openSurface(const Options& options, const SurfaceOwner& owner) {
+OpenedSurface openSurface(const Options& options) {
   const bool hasWayland = isSet("WAYLAND_DISPLAY"), hasX11 = isSet("DISPLAY");
   if (!hasWayland && !hasX11)
     throw program::Failure{EX_UNAVAILABLE, "no display: neither WAYLAND_DISPLAY nor DISPLAY is set"};
-  if (!hasWayland) return {openX11Surface(options, owner), ""};
+  if (!hasWayland) return {openX11Surface(options), ""};
   try {
-    if (auto surface = openWaylandSurface(options, owner))
+    if (auto surface = openWaylandSurface(options))
       return {std::move(surface), options.plainWindow ? "as asked for" : ""};
   } catch (const program::Failure& failure) {
     if (!hasX11) throw;
-    return {openX11Surface(options, owner), failure.what()};
+    return {openX11Surface(options), failure.what()};
   }
   if (hasX11) try {
-      return {openX11Surface(options, owner), "the compositor has no layer-shell"};
+      return {openX11Surface(options), "the compositor has no layer-shell"};
     } catch (const program::Failure&) {  // DISPLAY leads nowhere: as if it were not set
     }
   Options plain = options;
   plain.plainWindow = true;
-  return {openWaylandSurface(plain, owner), "the compositor has neither layer-shell nor Xwayland"};
+  return {openWaylandSurface(plain), "the compositor has neither layer-shell nor Xwayland"};
 }
 
 int showTile(const Options& options) {
@@ -168,13 +172,13 @@ int showTile(const Options& options) {
   constexpr auto patience = 5s;
   constexpr timespec retryInterval{0, 250'000'000};
   std::optional<program::Failure> loss;  // of a display that lasted
-  EventSource::Clock::time_point giveUpAt;
+  program::EventSource::Clock::time_point giveUpAt;
   do {
-    const auto openedAt = EventSource::Clock::now();
+    const auto openedAt = program::EventSource::Clock::now();
     try {
       return Host{options}.run();
     } catch (const program::Failure& failure) {
-      const auto now = EventSource::Clock::now();
+      const auto now = program::EventSource::Clock::now();
       if (now - openedAt >= patience) {
         loss = failure;
         giveUpAt = now + patience;

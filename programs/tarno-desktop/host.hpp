@@ -16,7 +16,7 @@ struct OpenedSurface {
 /// Layer-shell where a Wayland compositor has it, X11 (on Wayland: through Xwayland) else, and a plain
 /// Wayland window as the last way or when the options ask for it. Throws program::Failure (EX_UNAVAILABLE)
 /// without a display.
-OpenedSurface openSurface(const Options& options, const SurfaceOwner& owner);
+OpenedSurface openSurface(const Options& options);
 
 /// Shows the tile on a display, for screen readers too, until a signal or somebody who closes it ends the
 /// program; returns its exit code. Throws program::Failure (EX_UNAVAILABLE) without a display, or when it

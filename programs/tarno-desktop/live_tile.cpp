@@ -65,29 +65,17 @@ void LiveTile::dispatch(short events) {
   if (!process_) return;
   if (const auto deadline = process_->deadline(); deadline && Clock::now() >= *deadline) process_->end();
   if (events == 0) return;
-  const auto frame = finish();
+  const auto [frame, failure, errors] = process_->finish();
+  process_.reset();
+  sayOnce(errors, failure);
   sleep(frame);
   if (!frame) return;
   // What changed between the process' reading of the store and the first watch would go unnoticed.
   if (!frame->storeFile.empty() && store_.follow(frame->storeFile)) refresh();
-  const bool isOutdated = frame->picture->scale != request_.scale;
-  if (isOutdated)
-    notBefore_ = {};  // the right one comes at once
-  else
+  if (frame->picture->scale == request_.scale)
     show_(*frame);
-}
-
-std::optional<Frame> LiveTile::finish() {
-  std::optional<Frame> frame;
-  std::string failure;
-  try {
-    frame = process_->finish();
-  } catch (const std::exception& error) {
-    failure = error.what();
-  }
-  sayOnce(process_->errors(), failure);
-  process_.reset();
-  return frame;
+  else
+    notBefore_ = {};  // the right one comes at once
 }
 
 void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {

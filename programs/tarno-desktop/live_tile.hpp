@@ -34,7 +34,6 @@ class LiveTile final : public program::EventSource {
 
  private:
   void start();
-  std::optional<Frame> finish();
   void sayOnce(const std::string& errors, const std::string& failure);
   void sleep(const std::optional<Frame>& frame);
 

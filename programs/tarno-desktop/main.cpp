@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <sstream>
+
 #include "common/command_line.hpp"
 #include "common/failure.hpp"
 #include "common/output.hpp"
@@ -20,13 +22,12 @@ void fillStandardDescriptors() {
 
 /// A line for each: "HDMI-1 1920x1080+0+0 scale 1.5 primary".
 void listMonitors(const desktop::Options& options) {
-  std::string list;
-  for (const auto& [connector, area, scale, isPrimary] :
-       desktop::openSurface(options, {}).surface->monitors())
-    list += connector + " " + std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
-            std::to_string(area.x) + "+" + std::to_string(area.y) + " scale " + desktop::scaleText(scale) +
-            (isPrimary ? " primary\n" : "\n");
-  program::writeOutput(list);
+  const auto surface = desktop::openSurface(options).surface;
+  std::ostringstream list;
+  for (const auto& [connector, area, scale, isPrimary] : surface->monitors())
+    list << connector << ' ' << area.width << 'x' << area.height << '+' << area.x << '+' << area.y
+         << " scale " << scale << (isPrimary ? " primary\n" : "\n");
+  program::writeOutput(list.str());
 }
 
 }  // namespace

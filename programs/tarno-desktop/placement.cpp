@@ -5,6 +5,14 @@
 
 namespace desktop {
 
+std::optional<Monitor> MonitorChoice::among(const std::vector<Monitor>& monitors) {
+  auto found = std::ranges::find(monitors, connector_.value_or(""), &Monitor::connector);
+  wasThere_ = wasThere_ || !connector_ || found != monitors.end();
+  if (found == monitors.end() && wasThere_)
+    found = std::ranges::max_element(monitors, {}, &Monitor::isPrimary);
+  return found == monitors.end() ? std::nullopt : std::optional{*found};
+}
+
 static int placeOnAxis(int start, int room, int length, double fraction, int margin) {
   const int free = room - length;
   return start + std::max(0, static_cast<int>(std::lround(margin + fraction * (free - 2 * margin))));

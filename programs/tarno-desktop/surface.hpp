@@ -1,9 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/event_loop.hpp"
@@ -12,47 +12,48 @@
 
 namespace desktop {
 
-using program::EventSource;
-
-/// A monitor, for people.
-struct MonitorInfo {
-  std::string connector;  ///< "HDMI-1"
-  Area area;              ///< in pixels
-  double scale = 1;       ///< pixels per point
-  bool isPrimary = false;
-};
-
-/// What a surface tells its owner. Called from prepare() or dispatch(), never from a constructor or show().
-struct SurfaceOwner {
-  std::function<void()> scaleChanged;  ///< scale() answers something else than before
-  std::function<void()> closed;        ///< somebody closed the tile; the program ends with code 0
-  std::function<void()> moved;         ///< extents() answers something else than before
-};
-
 /// The tile's place on a display: the window or layer surface that shows its pictures. It follows the
 /// monitors, the panels and the window manager by itself; without a monitor it keeps the picture and waits.
 /// Its constructor throws program::Failure (EX_UNAVAILABLE) when it cannot connect to the display, and
-/// dispatch() when that goes away.
-class Surface : public EventSource {
+/// dispatch() when that goes away. The constructor and prepare() bring up to date what it answers.
+class Surface : public program::EventSource {
  public:
-  /// The scale that a picture should have now, in pixels per point; nothing while there is no monitor.
-  virtual std::optional<double> scale() const = 0;
+  /// All, in the display's order.
+  const std::vector<Monitor>& monitors() const { return monitors_; }
 
-  /// Shows `picture` in place of the one before; the first makes the window. A picture of another scale than
-  /// scale() is shown all the same, until the next one.
-  virtual void show(std::shared_ptr<const Picture> picture) = 0;
-
-  /// The title of the window, for window lists and screen readers.
-  virtual void setTitle(const std::string& title) = 0;
+  /// The one that the tile belongs to, with the scale that a picture should have; nothing while it waits for
+  /// one.
+  const std::optional<Monitor>& monitor() const { return monitor_; }
 
   /// Where the tile is on the screen, in pixels, for screen readers. At 0, 0 where the display does not tell.
-  virtual Area extents() const = 0;
+  const Area& extents() const { return extents_; }
 
-  /// For standard error, once a picture was shown: "as a layer-shell surface in the bottom layer on HDMI-1".
-  virtual std::string description() const = 0;
+  /// Whether somebody closed the tile.
+  bool isClosed() const { return isClosed_; }
 
-  /// In the display's order.
-  virtual std::vector<MonitorInfo> monitors() const = 0;
+  /// What it is, for people: "a layer-shell surface in the bottom layer".
+  const std::string& kind() const { return kind_; }
+
+  /// From the next prepare() on, shows `picture` in place of the one before; the first makes the window. One
+  /// of another scale than the monitor's is shown all the same. Window lists show `title`.
+  void show(std::shared_ptr<const Picture> picture, const std::string& title) {
+    picture_ = std::move(picture);
+    title_ = title;
+  }
+
+ protected:
+  Surface(const Options& options, std::string kind)
+      : options_(options), kind_(std::move(kind)), choice_(options.monitor) {}
+
+  const Options options_;
+  const std::string kind_;
+  MonitorChoice choice_;
+  std::vector<Monitor> monitors_;
+  std::optional<Monitor> monitor_;
+  std::shared_ptr<const Picture> picture_;  ///< null before the first
+  std::string title_;
+  Area extents_;
+  bool isClosed_ = false;
 };
 
 }  // namespace desktop

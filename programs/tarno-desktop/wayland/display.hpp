@@ -18,7 +18,7 @@ struct Output {
 
   /// The place in points, as the compositor lays its monitors out; the size in pixels. Nothing until the
   /// compositor has said everything about it; changes that belong together show at once.
-  std::optional<MonitorInfo> info{};
+  std::optional<Monitor> info{};
 
   // What the compositor has said so far.
   std::string name{};

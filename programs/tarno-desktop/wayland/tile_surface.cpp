@@ -21,10 +21,11 @@ std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int 
   auto larger = std::make_shared<Picture>(
       Picture{foundation::FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC)}, width, height, 4 * width});
   const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, 0);
-  const MappedPicture from{*picture};
+  const auto from = pixelsOf(*picture);
   std::vector<std::uint32_t> pixels(larger->size() / 4);
   for (int y = 0; y < area.height; ++y)
-    std::ranges::copy(from.row(y), pixels.begin() + (area.y + y) * width + area.x);
+    std::copy_n(from.begin() + y * picture->stride / 4, area.width,
+                pixels.begin() + (area.y + y) * width + area.x);
   if (write(larger->memory.get(), pixels.data(), larger->size()) != static_cast<ssize_t>(larger->size()))
     throw std::system_error{errno, std::generic_category(), "cannot make a buffer"};
   return larger;

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 #include "wayland/tile_surface.hpp"
 
@@ -48,132 +47,88 @@ class ShowDesktopWatch {
   int isShown_ = 0;
 };
 
+std::string kindFor(const Options& options, bool isPlain) {
+  if (isPlain) return "a plain Wayland window";
+  return std::string{"a layer-shell surface in the "} + (options.layer == Layer::above ? "top" : "bottom") +
+         " layer";
+}
+
 class WaylandSurface final : public Surface {
  public:
-  WaylandSurface(const Options& options, SurfaceOwner owner);
+  WaylandSurface(const Options& options, bool isPlain);
 
   /// False without layer-shell, where the options ask for a layer.
   bool isPossible() const { return isPlain_ || display_.layers; }
 
   Wait prepare() override;
   void dispatch(short) override { display_.dispatch(); }
-  std::optional<double> scale() const override;
-  void show(std::shared_ptr<const Picture> picture) override { picture_ = std::move(picture); }
-  void setTitle(const std::string& title) override { title_ = title; }
-  Area extents() const override;
-  std::string description() const override;
-  std::vector<MonitorInfo> monitors() const override;
 
  private:
-  const Output* output() const;
-  std::optional<double> outputScale() const;
-  void makeSurface();
+  void follow();
 
-  const Options options_;
-  const SurfaceOwner owner_;
   const bool isPlain_;
   Display display_;
   std::optional<ShowDesktopWatch> showDesktop_;
   foundation::FileDescriptor events_;  // an epoll of both
-  std::string title_;
-  std::shared_ptr<const Picture> picture_;
+  wl_output* output_ = nullptr;        // the monitor
+  double displayScale_ = 1;            // at which the display shows the tile, in pixels per point
   std::optional<TileSurface> surface_;
   Clock::time_point notBefore_;  // the next one
-  bool wasThere_ = false;        // the monitor that the options name
-  std::optional<double> toldScale_;
-  Area toldExtents_;
 };
 
-WaylandSurface::WaylandSurface(const Options& options, SurfaceOwner owner)
-    : options_(options),
-      owner_(std::move(owner)),
-      isPlain_(options.plainWindow || options.layer == Layer::normal),
-      events_(epoll_create1(EPOLL_CLOEXEC)),
-      toldScale_(scale()) {
+WaylandSurface::WaylandSurface(const Options& options, bool isPlain)
+    : Surface(options, kindFor(options, isPlain)), isPlain_(isPlain), events_(epoll_create1(EPOLL_CLOEXEC)) {
   epoll_event readable{.events = EPOLLIN, .data = {}};
   if (epoll_ctl(events_.get(), EPOLL_CTL_ADD, wl_display_get_fd(display_.connection.get()), &readable) != 0)
     throw std::system_error{errno, std::generic_category(), "cannot watch the display"};
   if (display_.isKWin && options.layer == Layer::desktop && !isPlain_)
     epoll_ctl(events_.get(), EPOLL_CTL_ADD, showDesktop_.emplace().descriptor(), &readable);
+  if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // that is up to the compositor
+  follow();
 }
 
 /// Does what the compositor's events and the owner's calls have made necessary.
-EventSource::Wait WaylandSurface::prepare() {
-  makeSurface();
+program::EventSource::Wait WaylandSurface::prepare() {
+  follow();
+  if (surface_ && !isPlain_ && (surface_->isClosed() || surface_->output() != output_)) surface_.reset();
+  const bool isMissing = !surface_ && picture_ && output_;
+  if (isMissing && Clock::now() >= notBefore_) {
+    surface_.emplace(display_, options_, isPlain_ ? nullptr : output_);
+    notBefore_ = Clock::now() + surfaceInterval;
+  }
+  isClosed_ = isPlain_ && surface_ && surface_->isClosed();
   if (surface_ && showDesktop_) surface_->raise(showDesktop_->isShown());
-  if (const auto at = outputScale(); surface_ && at)
-    surface_->show(picture_, picture_->scale * *at / options_.scale.value_or(*at), title_);
-  if (surface_ && isPlain_ && surface_->isClosed()) owner_.closed();
-  const auto told = std::exchange(toldScale_, scale());
-  if (told != toldScale_) owner_.scaleChanged();
-  const auto toldExtents = std::exchange(toldExtents_, extents());
-  if (toldExtents != toldExtents_) owner_.moved();
+  if (surface_ && monitor_)
+    surface_->show(picture_, picture_->scale * displayScale_ / monitor_->scale, title_);
+  if (picture_) extents_ = {0, 0, picture_->width, picture_->height};
   wl_display_flush(display_.connection.get());
-  const bool isDue = !surface_ && picture_ && output();
-  return {events_.get(), POLLIN, isDue ? std::optional{notBefore_} : std::nullopt};
+  return {events_.get(), POLLIN, isMissing ? std::optional{notBefore_} : std::nullopt};
 }
 
-/// A layer surface stays on its monitor and goes with it.
-void WaylandSurface::makeSurface() {
-  const Output* const at = output();
-  wasThere_ = wasThere_ || at;
-  if (surface_ && !isPlain_ && (surface_->isClosed() || !at || surface_->output() != at->proxy.get()))
-    surface_.reset();
-  if (surface_ || !picture_ || !at || Clock::now() < notBefore_) return;
-  surface_.emplace(display_, options_, isPlain_ ? nullptr : at->proxy.get());
-  notBefore_ = Clock::now() + surfaceInterval;
-}
-
-/// Where the tile belongs. A monitor that is named but absent is waited for; while one that was there is
-/// away, the first stands in.
-const Output* WaylandSurface::output() const {
-  const Output* first = nullptr;
+/// Finds the monitor: a layer surface stays on one, a window is on the one that it came to last.
+void WaylandSurface::follow() {
+  monitors_.clear();
   for (const Output& output : display_.outputs) {
     if (!output.info) continue;
-    if (isPlain_ ? surface_ && surface_->output() == output.proxy.get()
-                 : output.info->connector == options_.monitor)
-      return &output;
-    if (!first) first = &output;
+    monitors_.push_back(*output.info);
+    if (isPlain_ && surface_ && surface_->output() == output.proxy.get())
+      choice_ = MonitorChoice{output.info->connector};
   }
-  return isPlain_ || !options_.monitor || wasThere_ ? first : nullptr;
-}
-
-std::optional<double> WaylandSurface::outputScale() const {
-  if (surface_ && surface_->preferredScale() > 0) return surface_->preferredScale();
-  const Output* const at = output();
-  return at ? std::optional{at->info->scale} : std::nullopt;
-}
-
-std::optional<double> WaylandSurface::scale() const {
-  const auto scale = outputScale();
-  return scale && options_.scale ? options_.scale : scale;
-}
-
-/// Compositors do not tell where a surface is.
-Area WaylandSurface::extents() const {
-  return picture_ ? Area{0, 0, picture_->width, picture_->height} : Area{};
-}
-
-std::string WaylandSurface::description() const {
-  if (isPlain_) return "as a plain Wayland window, which the compositor places";
-  const auto layer = std::string{"as a layer-shell surface in the "} +
-                     (options_.layer == Layer::above ? "top" : "bottom") + " layer";
-  if (const Output* const at = output()) return layer + " on " + at->info->connector;
-  return layer + " as soon as there is " +
-         (options_.monitor ? "the monitor " + *options_.monitor : "a monitor");
-}
-
-std::vector<MonitorInfo> WaylandSurface::monitors() const {
-  std::vector<MonitorInfo> known;
+  output_ = nullptr;
+  monitor_ = choice_.among(monitors_);
+  if (!monitor_) return;
   for (const Output& output : display_.outputs)
-    if (output.info) known.push_back(*output.info);
-  return known;
+    if (output.info && output.info->connector == monitor_->connector) output_ = output.proxy.get();
+  const double preferred = surface_ ? surface_->preferredScale() : 0;
+  displayScale_ = preferred > 0 ? preferred : monitor_->scale;
+  monitor_->scale = options_.scale.value_or(displayScale_);
 }
 
 }  // namespace
 
-std::unique_ptr<Surface> openWaylandSurface(const Options& options, SurfaceOwner owner) {
-  auto surface = std::make_unique<WaylandSurface>(options, std::move(owner));
+std::unique_ptr<Surface> openWaylandSurface(const Options& options) {
+  const bool isPlain = options.plainWindow || options.layer == Layer::normal;
+  auto surface = std::make_unique<WaylandSurface>(options, isPlain);
   if (!surface->isPossible()) return nullptr;
   return surface;
 }

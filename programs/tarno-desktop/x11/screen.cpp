@@ -3,7 +3,9 @@
 #include <xcb/randr.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <span>
 #include <sstream>
 #include <tuple>
 
@@ -42,8 +44,8 @@ double sessionScale(const Connection& connection) {
   return std::clamp(dpi / 96, 1.0, 16.0);
 }
 
-std::vector<MonitorInfo> readMonitors(const Connection& connection, double scale) {
-  std::vector<MonitorInfo> monitors;
+std::vector<Monitor> readMonitors(const Connection& connection, double scale) {
+  std::vector<Monitor> monitors;
   const auto reply = connection.ask<xcb_randr_get_monitors, xcb_randr_get_monitors_reply>(
       connection.root(), std::uint8_t{true})();
   if (!reply) return monitors;
@@ -57,11 +59,12 @@ std::vector<MonitorInfo> readMonitors(const Connection& connection, double scale
   return monitors;
 }
 
-/// Adds those of some windows that are seen, and what is alone in them: i3 does not list the panels that it
-/// frames. All is asked before an answer is waited for, so that many windows take no longer than one.
-void addWindows(const Connection& connection, const std::vector<xcb_window_t>& ids,
-                std::vector<Window>& all) {
-  const auto ask = [&](xcb_window_t id) {
+/// Finds the area of the screen and the windows on it. All of a level of the tree are asked before an answer
+/// is waited for, so that many windows take no longer than one.
+void readWindows(const Connection& connection, Screen& screen) {
+  constexpr int levels = 4;  // the root window, frames, what some window managers have in these, clients
+  const auto ask = [&](const auto& window) {
+    const xcb_window_t id = window.first;
     return std::tuple{connection.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(id),
                       connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(id),
                       connection.ask<xcb_query_tree, xcb_query_tree_reply>(id),
@@ -71,28 +74,36 @@ void addWindows(const Connection& connection, const std::vector<xcb_window_t>& i
   };
   const auto answers = [](const auto&... asked) { return std::tuple{asked()...}; };
   const auto is = [&](auto& list, auto name) { return std::ranges::count(list, connection.atom(name)) != 0; };
-  std::vector<decltype(ask(XCB_NONE))> asked;
-  std::ranges::transform(ids, std::back_inserter(asked), ask);
-  std::vector<xcb_window_t> inside;
-  for (std::size_t i = 0; i < ids.size(); ++i) {
-    auto [attributes, area, tree, type, state, strut] = std::apply(answers, asked[i]);
-    if (!attributes || !area || !tree || attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY) continue;
-    if (attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
-    const bool isOnRoot = tree->parent == tree->root;
-    const auto frame = std::ranges::find(all, tree->parent, &Window::id);
-    const auto top = isOnRoot ? ids[i] : frame == all.end() ? xcb_window_t{XCB_NONE} : frame->top;
-    Window window{ids[i], top, {area->x, area->y, area->width, area->height}};
-    window.isDesktop = is(type, "_NET_WM_WINDOW_TYPE_DESKTOP");
-    window.isOverlay = !window.isDesktop && attributes->override_redirect != 0 && isOnRoot;
-    window.isFullScreen = is(state, "_NET_WM_STATE_FULLSCREEN");
-    if (strut.size() == 12) window.strut = std::move(strut);
-    all.push_back(std::move(window));
-    if (is(type, "_NET_WM_WINDOW_TYPE_DOCK")) connection.select(ids[i], XCB_EVENT_MASK_PROPERTY_CHANGE);
-    const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
-    if (ids[i] == tree->root || children.size() == 1)
-      inside.insert(inside.end(), children.begin(), children.end());
+  std::vector<std::pair<xcb_window_t, std::size_t>> ids{{connection.root(), 0}}, inside;  // and what it is in
+  for (int level = 0; level < levels; ++level, ids = std::exchange(inside, {})) {
+    std::vector<decltype(ask(ids[0]))> asked;
+    std::ranges::transform(ids, std::back_inserter(asked), ask);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+      auto [attributes, geometry, tree, type, state, strut] = std::apply(answers, asked[i]);
+      if (!attributes || !geometry || !tree || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+          attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
+        continue;
+      const Area area{geometry->x, geometry->y, geometry->width, geometry->height};
+      const bool isDesktop = is(type, "_NET_WM_WINDOW_TYPE_DESKTOP");
+      auto [id, index] = ids[i];
+      if (level == 0) {
+        screen.area = area;
+      } else if (level == 1) {
+        index = screen.windows.size();
+        screen.windows.push_back({{}, area, attributes->override_redirect != 0 && !isDesktop});
+      }
+      if (level > 0) {
+        auto& window = screen.windows[index];
+        window.ids.push_back(id);
+        window.isDesktop |= isDesktop;
+        window.isFullScreen |= is(state, "_NET_WM_STATE_FULLSCREEN");
+        if (strut.size() == 12) window.strut = std::move(strut);
+      }
+      if (is(type, "_NET_WM_WINDOW_TYPE_DOCK")) connection.select(id, XCB_EVENT_MASK_PROPERTY_CHANGE);
+      for (const auto child : std::span{xcb_query_tree_children(tree.get()), tree->children_len})
+        inside.emplace_back(child, index);
+    }
   }
-  if (!inside.empty()) addWindows(connection, inside, all);
 }
 
 /// From where to where something reaches, along an axis.
@@ -139,11 +150,7 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
   screen.isComposited = ownerOf(connection, "_NET_WM_CM_S0") != XCB_NONE;
   screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
-  addWindows(connection, {root}, screen.windows);
-  screen.area = screen.windows.empty() ? Area{} : screen.windows.front().area;
-  // In the second, xfwm4 leaves out desktops.
-  for (const auto* const list : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
-    addWindows(connection, connection.property(root, list)(), screen.windows);
+  readWindows(connection, screen);
   const auto workAreas = areas(connection, "_NET_WORKAREA");
   screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
   screen.monitorWorkAreas = areas(connection, "_GTK_WORKAREAS_D0");

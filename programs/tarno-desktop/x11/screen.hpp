@@ -9,12 +9,11 @@
 
 namespace desktop::x11 {
 
-/// A window that is seen.
+/// A window on the screen itself that is seen, such as a frame, and what is in it.
 struct Window {
-  xcb_window_t id = XCB_NONE;
-  xcb_window_t top = XCB_NONE;  ///< what it is in that is on the screen itself, such as a frame; or itself
-  Area area;                    ///< counted from what the window is in: the screen, or a frame
-  bool isOverlay = false;  ///< on the screen itself and not managed: such as a window manager's own panel
+  std::vector<xcb_window_t> ids;  ///< of the window itself, then of those in it
+  Area area;
+  bool isOverlay = false;  ///< not managed: such as a window manager's own panel
   bool isDesktop = false;  ///< of a file manager; or a tile
   bool isFullScreen = false;
   std::vector<int> strut;  ///< the 12 values of _NET_WM_STRUT_PARTIAL, or nothing
@@ -23,8 +22,8 @@ struct Window {
 /// All that concerns the tile on a screen, at one moment. Areas are in pixels.
 struct Screen {
   Area area;                           ///< of the root window, from whose edges struts count
-  std::vector<MonitorInfo> monitors;   ///< that are on, in the display's order
-  std::vector<Window> windows;         ///< bottom to top: the root window, others, managed ones
+  std::vector<Monitor> monitors;       ///< that are on, in the display's order
+  std::vector<Window> windows;         ///< bottom to top
   Area workArea;                       ///< what the window manager leaves of the whole screen
   std::vector<Area> monitorWorkAreas;  ///< the same of single monitors, as far as it is known
   std::string windowManager;           ///< its name; empty without one

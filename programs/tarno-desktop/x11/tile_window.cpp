@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <utility>
 
 namespace desktop::x11 {
@@ -80,11 +81,10 @@ void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string&
   const xcb_gcontext_t context = xcb_generate_id(connection_);
   xcb_create_pixmap(connection_, 32, pixmap, id_, width, height);
   xcb_create_gc(connection_, context, pixmap, 0, nullptr);
-  const MappedPicture mapped{*picture_};
-  std::vector<std::uint32_t> row(width);
+  auto pixels = pixelsOf(*picture_);
   std::vector<xcb_rectangle_t> outline;
   for (std::int16_t y = 0; y < height; ++y) {  // a row fits into a request, whatever its limit is
-    std::ranges::copy(mapped.row(y), row.begin());
+    const std::span row{&pixels[pixels.size() / height * static_cast<std::size_t>(y)], width};
     addOutline(row, y, outline);
     if (!isComposited_) std::ranges::transform(row, row.begin(), unpremultiplied);
     const void* const bytes = row.data();

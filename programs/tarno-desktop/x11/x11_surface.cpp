@@ -4,8 +4,8 @@
 #include <xcb/xfixes.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <utility>
 
 #include "x11/screen.hpp"
 #include "x11/tile_window.hpp"
@@ -14,6 +14,11 @@ namespace desktop {
 namespace {
 
 using namespace x11;
+
+std::string kindFor(Layer layer) {
+  constexpr std::array<const char*, 3> places{"of the desktop", "among others", "above others"};
+  return std::string{"an X11 window "} + places[static_cast<std::size_t>(layer)];
+}
 
 /// These window managers keep an unmanaged window above all others, or leave it behind what they raise to
 /// show the desktop; and they let the pointer through a managed one. The others put managed windows into
@@ -26,70 +31,43 @@ bool isManaged(Layer layer, std::string_view windowManager) {
 
 class X11Surface final : public Surface {
  public:
-  X11Surface(const Options& options, SurfaceOwner owner);
+  explicit X11Surface(const Options& options);
 
   Wait prepare() override;
   void dispatch(short events) override;
-  std::optional<double> scale() const override {
-    return monitor_ ? std::optional{monitor_->scale} : std::nullopt;
-  }
-  void show(std::shared_ptr<const Picture> picture) override {
-    picture_ = std::move(picture);
-    fit();
-  }
-  void setTitle(const std::string& title) override { title_ = title; }
-  Area extents() const override { return extents_; }
-  std::string description() const override;
-  std::vector<MonitorInfo> monitors() const override { return screen_.monitors; }
 
  private:
   void handle(const xcb_generic_event_t& event);
-  void follow();
+  void findExtents();
+  void look();
   void fit();
   void restack();
-  void moved();
 
-  const Options options_;
-  const SurfaceOwner owner_;
   const Connection connection_;
   Screen screen_;
-  std::optional<MonitorInfo> monitor_;  // that the tile belongs to
-  bool wasThere_ = false;               // the monitor that the options name
-  std::shared_ptr<const Picture> picture_;
-  std::string title_;
   std::optional<TileWindow> window_;
-  Area extents_;
   int looks_ = 1;  // that are still to be taken
   Clock::time_point nextLook_;
 };
 
-X11Surface::X11Surface(const Options& options, SurfaceOwner owner)
-    : options_(options), owner_(std::move(owner)) {
+X11Surface::X11Surface(const Options& options) : Surface(options, kindFor(options.layer)) {
   xcb_randr_select_input(connection_, connection_.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
   for (const auto* const selection : {"_NET_WM_CM_S0", "_XSETTINGS_S0"})
     xcb_xfixes_select_selection_input(connection_, connection_.root(), connection_.atom(selection),
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-  follow();
+  look();
 }
 
-std::string X11Surface::description() const {
-  constexpr std::array<const char*, 3> places{"of the desktop", "among others", "above others"};
-  const auto wanted = options_.monitor ? "the monitor " + *options_.monitor : "a monitor";
-  return std::string{"as an X11 window "} + places[static_cast<std::size_t>(options_.layer)] +
-         (monitor_ ? " on " + monitor_->connector : " as soon as there is " + wanted);
-}
-
-EventSource::Wait X11Surface::prepare() {
-  const auto scaleBefore = scale();
+program::EventSource::Wait X11Surface::prepare() {
   for (bool isDue = true; isDue;) {  // events arrive beside the answers to what a look asks
     while (const std::shared_ptr<xcb_generic_event_t> event{xcb_poll_for_event(connection_), std::free})
       handle(*event);
     isDue = looks_ > 0 && nextLook_ <= Clock::now();
-    if (isDue) follow();
+    if (isDue) look();
   }
-  if (scale() != scaleBefore) owner_.scaleChanged();
+  fit();
   xcb_flush(connection_);
   if (xcb_connection_has_error(connection_) != 0) return {-1, 0, Clock::now()};  // for dispatch() to tell
   return {xcb_get_file_descriptor(connection_), POLLIN, looks_ > 0 ? std::optional{nextLook_} : std::nullopt};
@@ -98,7 +76,7 @@ EventSource::Wait X11Surface::prepare() {
 void X11Surface::dispatch(short) {
   if (xcb_connection_has_error(connection_) == 0) return;
   const Connection another;  // throws where the whole display went away
-  owner_.closed();           // somebody ended the tile's connection: that is how its window is closed
+  isClosed_ = true;          // somebody ended the tile's connection: that is how its window is closed
 }
 
 void X11Surface::handle(const xcb_generic_event_t& event) {
@@ -106,8 +84,8 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
   const auto* const notify = static_cast<const xcb_configure_notify_event_t*>(data);  // or another like it
   const int type = event.response_type & 0x7f;
   const bool isOwn = window_ && notify->window == window_->id();
-  if (type == XCB_DESTROY_NOTIFY && isOwn) return owner_.closed();
-  if (type == XCB_CONFIGURE_NOTIFY && isOwn) return moved();
+  if (type == XCB_DESTROY_NOTIFY && isOwn) isClosed_ = true;
+  if (type == XCB_CONFIGURE_NOTIFY && isOwn) return findExtents();
   if (type == XCB_CONFIGURE_NOTIFY && notify->event != notify->window) return;  // any window on the screen
   if (type == 0) return;  // an error, about a window that is gone
   if (type == XCB_BUTTON_PRESS && window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
@@ -115,24 +93,19 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
 }
 
 /// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.
-void X11Surface::moved() {
+void X11Surface::findExtents() {
   const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
       window_->id(), connection_.root(), std::int16_t{}, std::int16_t{})();
-  const auto now = at ? Area{at->dst_x, at->dst_y, picture_->width, picture_->height} : extents_;
-  if (std::exchange(extents_, now) != now) owner_.moved();
+  if (at) extents_ = {at->dst_x, at->dst_y, picture_->width, picture_->height};
 }
 
 /// Looks at the screen, and follows what has changed.
-void X11Surface::follow() {
+void X11Surface::look() {
   --looks_;
   nextLook_ = Clock::now() + std::chrono::milliseconds{100};
   screen_ = readScreen(connection_, options_.scale);
-  // A monitor that is named but absent is waited for; while one that was there is away, the primary serves.
-  auto found = std::ranges::find(screen_.monitors, options_.monitor.value_or(""), &MonitorInfo::connector);
-  wasThere_ = wasThere_ || found != screen_.monitors.end() || !options_.monitor;
-  if (found == screen_.monitors.end() && wasThere_)
-    found = std::ranges::max_element(screen_.monitors, {}, &MonitorInfo::isPrimary);  // or the first
-  monitor_ = found == screen_.monitors.end() ? std::nullopt : std::optional{*found};
+  monitors_ = screen_.monitors;
+  monitor_ = choice_.among(monitors_);
   fit();
   if (window_) restack();
 }
@@ -142,9 +115,9 @@ void X11Surface::fit() {
   if (!monitor_ || !picture_) return window_.reset();
   const bool managed = isManaged(options_.layer, screen_.windowManager);
   if (!window_ || window_->isManaged() != managed) window_.emplace(connection_, options_.layer, managed);
-  window_->show(picture_, title_, screen_.isComposited);
   const auto margin = static_cast<int>(std::lround(options_.margin * monitor_->scale));
   const auto room = freeArea(monitor_->area, screen_);
+  window_->show(picture_, title_, screen_.isComposited);
   window_->place(place(picture_->width, picture_->height, room, options_.anchor, margin));
 }
 
@@ -155,13 +128,13 @@ void X11Surface::restack() {
   xcb_window_t highest = XCB_NONE;
   bool isAbove = true;
   for (const auto& window : screen_.windows) {
-    if (window.id == window_->id()) isAbove = true;
+    if (std::ranges::count(window.ids, window_->id()) != 0) isAbove = true;
     // A smaller one is another tile, which wants to be there too.
     const bool isLarger = window.area.width > picture_->width && window.area.height > picture_->height;
     if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
                                          : window.isDesktop || window.isOverlay || window.isFullScreen)
       continue;
-    highest = window.top;
+    highest = window.ids.front();
     if (window.isDesktop) connection_.select(highest, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     isAbove = false;
   }
@@ -170,8 +143,8 @@ void X11Surface::restack() {
 
 }  // namespace
 
-std::unique_ptr<Surface> openX11Surface(const Options& options, SurfaceOwner owner) {
-  return std::make_unique<X11Surface>(options, std::move(owner));
+std::unique_ptr<Surface> openX11Surface(const Options& options) {
+  return std::make_unique<X11Surface>(options);
 }
 
 }  // namespace desktop

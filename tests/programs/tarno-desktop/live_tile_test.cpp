@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <list>
 
 #include "fake_widget.hpp"
@@ -16,7 +17,7 @@ struct Fixture {
     writeFakeWidget(folder, behaviour);
     tile.emplace(desktop::FrameRequest{folder.path / "tarno-widget", "medium", 1, at},
                  [this](const desktop::Frame& frame) {
-                   shown.push_back(frame.title + " " + desktop::scaleText(frame.picture->scale));
+                   shown.push_back(frame.title + " " + std::to_string(std::lround(frame.picture->scale)));
                  });
     tile->addTo(loop);
   }

@@ -17,7 +17,7 @@ Window strut(std::size_t edge, int depth, int start, int end) {
 
 /// A window that the window manager passes over.
 Window overlay(const Area& area, std::vector<int> strut = {}) {
-  return {XCB_NONE, XCB_NONE, area, true, false, false, std::move(strut)};
+  return {{}, area, true, false, false, std::move(strut)};
 }
 
 TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
