@@ -1,13 +1,27 @@
 #include "common/command_line.hpp"
 
 #include <errno.h>  // program_invocation_short_name
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <csignal>
 
 #include "common/output.hpp"
 
 namespace program {
+namespace {
+
+/// What this program opens could become a standard descriptor that is closed, and get what others write
+/// there. In its place is now one that still cannot be read from or written to.
+void fillStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+}  // namespace
+
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command) {
+  fillStandardDescriptors();
   // A write beyond the limit on file sizes then fails like any other, and what was begun is cleaned up.
   std::signal(SIGXFSZ, SIG_IGN);
   app.set_version_flag("--version", std::string{program_invocation_short_name} + " " + TARNO_VERSION);

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "common/child_process.hpp"
 #include "foundation/date.hpp"
 #include "tarno-desktop/picture.hpp"
 
@@ -38,8 +36,8 @@ struct Frame {
 struct FrameRequest {
   std::filesystem::path program;  ///< where it cannot be run, the one of its name in PATH takes its place
   std::string family = "medium";
-  double scale = 1;               ///< pixels per point
-  std::optional<std::string> at;  ///< RFC 3339; the tile's clock stands still there
+  double scale = 1;                    ///< pixels per point
+  std::optional<foundation::Date> at;  ///< the tile's clock stands still there
 };
 
 /// What became of a frame process.
@@ -53,30 +51,19 @@ struct FrameResult {
 /// missing: nothing that it answers is trusted, and it has 10 s.
 class FrameProcess {
  public:
-  using Clock = std::chrono::steady_clock;
-
   /// Starts it. Throws std::system_error when the system has no process, memory or descriptor left.
   explicit FrameProcess(const FrameRequest& request);
-  ~FrameProcess() { end(); }
-  FrameProcess(const FrameProcess&) = delete;
-  FrameProcess& operator=(const FrameProcess&) = delete;
 
-  /// Readable once it has ended: then call finish().
-  int descriptor() const { return process_.get(); }
-
-  /// When its time is over: then call end(), which kills it. Nothing after that.
-  std::optional<Clock::time_point> deadline() const { return deadline_; }
-  void end();
+  /// Whose end, or whose deadline, is the time to call finish().
+  const program::ChildProcess& process() const { return process_; }
 
   /// To be called once.
   FrameResult finish();
 
  private:
-  double scale_;
-  foundation::FileDescriptor memory_, output_, errors_;
-  pid_t pid_ = -1;
-  foundation::FileDescriptor process_;  ///< a pidfd
-  std::optional<Clock::time_point> deadline_;
+  const double scale_;
+  foundation::FileDescriptor memory_;
+  program::ChildProcess process_;
 };
 
 }  // namespace desktop

@@ -1,20 +1,15 @@
 #include "tarno-desktop/host.hpp"
 
-#include <link.h>
-#include <malloc.h>
-#include <sys/mman.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
-#include <system_error>
 #include <utility>
 
 #include "accessibility/accessible_tile.hpp"
 #include "common/failure.hpp"
+#include "common/memory.hpp"
 #include "tarno-desktop/live_tile.hpp"
 #include "wayland/wayland_surface.hpp"
 #include "x11/x11_surface.hpp"
@@ -39,68 +34,29 @@ sigset_t signalSet(std::initializer_list<int> signals) {
 /// Those that end the program.
 const auto endSignals = signalSet({SIGTERM, SIGINT, SIGHUP});
 
-/// From now on the process dies neither of the signals that it takes nor of SIGPIPE: a reader of standard
-/// error or a display may go away.
-class Signals final : public program::EventSource {
- public:
-  explicit Signals(std::function<void(int)> taken) : taken_(std::move(taken)) {
-    const auto watched = signalSet({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
-    sigprocmask(SIG_BLOCK, &watched, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
-    descriptor_ = foundation::FileDescriptor{signalfd(-1, &watched, SFD_NONBLOCK | SFD_CLOEXEC)};
-    if (!descriptor_) throw std::system_error{errno, std::generic_category(), "no descriptor for signals"};
-  }
-
-  Wait prepare() override { return {descriptor_.get()}; }
-
-  void dispatch(short events) override {
-    signalfd_siginfo info{};
-    while (events != 0 && read(descriptor_.get(), &info, sizeof info) == sizeof info)
-      taken_(static_cast<int>(info.ssi_signo));
-  }
-
- private:
-  std::function<void(int)> taken_;
-  foundation::FileDescriptor descriptor_;
-};
-
-/// Gives back the pages of `object`, the program or a library, that are only read. Its headers, which this
-/// reads, are in the first of its segments.
-int releaseObject(dl_phdr_info* object, std::size_t, void*) {
-  static const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-  for (int i = object->dlpi_phnum; i-- > 0;) {
-    const auto& segment = object->dlpi_phdr[i];
-    if (segment.p_type != PT_LOAD || (segment.p_flags & PF_W) != 0) continue;
-    const auto begin = object->dlpi_addr + segment.p_vaddr;
-    const auto page = begin / pageSize * pageSize;
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how an object's place is told
-    madvise(reinterpret_cast<void*>(page), begin + segment.p_memsz - page, MADV_DONTNEED);
-  }
-  return 0;
+/// A descriptor for these and SIGUSR1. From now on the process dies neither of them nor of SIGPIPE: a reader
+/// of standard error or a display may go away.
+int takeSignals() {
+  const auto taken = signalSet({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
+  sigprocmask(SIG_BLOCK, &taken, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
+  return signalfd(-1, &taken, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
-/// Gives back what is free in the heap, and the code. What is needed again comes from the page cache, in
-/// about 0.1 ms.
-void releaseMemory() {
-  malloc_trim(0);
-  dl_iterate_phdr(releaseObject, nullptr);
-}
-
-/// The tile on one connection to a display.
+/// The tile on one connection to a display. As an event source, it waits for signals.
 class Host final : program::EventSource {
  public:
   /// Starts the first frame, then connects to the display.
   explicit Host(const Options& options)
       : options_(options),
-        signals_([this](int signal) { signal == SIGUSR1 ? tile_.refresh() : loop_.quit(EX_OK); }),
-        tile_({std::filesystem::read_symlink("/proc/self/exe").replace_filename("tarno-widget"),
-               options.family, options.scale.value_or(1), options.at},
-              [this](const Frame& frame) { show(frame); }),
+        signals_(takeSignals()),
+        tile_(
+            {program::siblingProgram("tarno-widget"), options.family, options.scale.value_or(1), options.at},
+            [this](const Frame& frame) { show(frame); }),
         opened_(openSurface(options)) {
     loop_.add(*opened_.surface);
     loop_.add(*this);  // after the surface, whose changes it hands on, and before what they concern
-    loop_.add(signals_);
     tile_.addTo(loop_);
     loop_.add(accessible_);
     follow();
@@ -112,10 +68,15 @@ class Host final : program::EventSource {
   Wait prepare() override {
     follow();
     if (opened_.surface->isClosed()) loop_.quit(EX_OK);
-    if (tile_.isAtRest()) releaseMemory();
-    return {};
+    if (tile_.isAtRest()) program::releaseMemory();
+    return {signals_.get()};
   }
-  void dispatch(short) override {}
+
+  void dispatch(short events) override {
+    signalfd_siginfo info{};
+    while (events != 0 && read(signals_.get(), &info, sizeof info) == sizeof info)
+      info.ssi_signo == SIGUSR1 ? tile_.refresh() : loop_.quit(EX_OK);
+  }
 
   void follow() {
     const auto monitor = opened_.surface->monitor();
@@ -137,7 +98,7 @@ class Host final : program::EventSource {
 
   const Options& options_;
   program::EventLoop loop_;
-  Signals signals_;
+  foundation::FileDescriptor signals_;
   LiveTile tile_;
   OpenedSurface opened_;
   AccessibleTile accessible_;

@@ -47,7 +47,9 @@ program::EventSource::Wait LiveTile::prepare() {
     if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
     start();
   }
-  return process_ ? Wait{process_->descriptor(), POLLIN, process_->deadline()} : Wait{};
+  if (!process_) return {};
+  const auto& process = process_->process();
+  return {process.descriptor(), POLLIN, process.deadline()};
 }
 
 void LiveTile::start() {
@@ -62,9 +64,7 @@ void LiveTile::start() {
 }
 
 void LiveTile::dispatch(short events) {
-  if (!process_) return;
-  if (const auto deadline = process_->deadline(); deadline && Clock::now() >= *deadline) process_->end();
-  if (events == 0) return;
+  if (!process_ || (events == 0 && Clock::now() < process_->process().deadline())) return;
   const auto [frame, failure, errors] = process_->finish();
   process_.reset();
   sayOnce(errors, failure);

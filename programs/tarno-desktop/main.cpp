@@ -1,24 +1,12 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <sstream>
 
 #include "common/command_line.hpp"
 #include "common/failure.hpp"
 #include "common/output.hpp"
-#include "foundation/iso8601.hpp"
-#include "tarno-desktop/autostart.hpp"
 #include "tarno-desktop/host.hpp"
+#include "tarno-desktop/settings.hpp"
 
 namespace {
-
-/// Where a standard descriptor is closed, the display would get its number, and with it what others write to
-/// it. Opened for reading alone, it still refuses to be written to.
-void fillStandardDescriptors() {
-  int filled = 0;
-  while (filled >= 0 && filled <= STDERR_FILENO) filled = open("/dev/null", O_RDONLY);
-  if (filled > STDERR_FILENO) close(filled);
-}
 
 /// A line for each: "HDMI-1 1920x1080+0+0 scale 1.5 primary".
 void listMonitors(const desktop::Options& options) {
@@ -33,7 +21,6 @@ void listMonitors(const desktop::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  fillStandardDescriptors();
   CLI::App app{"Shows the widget on the desktop: a live tile that stays up to date."};
   program::setExample(app, "tarno-desktop --family small --anchor bottom-right --margin 24");
   desktop::Options options;
@@ -54,7 +41,7 @@ int main(int argc, char** argv) {
       return EX_OK;
     }
     std::optional<foundation::ClockOverride> clock;
-    if (options.at) clock.emplace(*foundation::dateFromRFC3339(*options.at));
+    if (options.at) clock.emplace(*options.at);
     return desktop::showTile(options);
   });
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 
+#include "foundation/date.hpp"
 #include "tarno-desktop/placement.hpp"
 
 namespace CLI {
@@ -26,18 +26,10 @@ struct Options {
   bool plainWindow = false;     ///< on a Wayland compositor without layer-shell: a window among others
   bool listMonitors = false;
   std::optional<std::string> autostart;  ///< "on" or "off"; on the command line only
-  std::optional<std::string> at;         ///< RFC 3339; the tile's clock stands still there
+  std::optional<foundation::Date> at;    ///< the tile's clock stands still there
 };
 
 /// Makes `app` read its options into `options`, which outlives the parsing.
 void addOptions(CLI::App& app, Options& options);
-
-/// The file `name` in ${XDG_CONFIG_HOME:-~/.config}; empty where the environment does not say where that is.
-std::filesystem::path configurationFile(const std::string& name);
-
-/// Reads the settings file ${XDG_CONFIG_HOME:-~/.config}/tarno/desktop.ini, when there is one, by the options
-/// of `app`. Throws program::Failure: EX_CONFIG when something in it is wrong, EX_NOINPUT when it cannot be
-/// read.
-void readSettings(CLI::App& app);
 
 }  // namespace desktop

@@ -7,12 +7,12 @@
 #include <filesystem>
 
 #include "commands.hpp"
+#include "common/child_process.hpp"
 #include "common/dates.hpp"
 #include "common/output.hpp"
 #include "foundation/suite_store.hpp"
 #include "shared/persistence/mac_defaults.hpp"
 #include "shared_status.hpp"
-#include "widget_font.hpp"
 
 namespace status {
 namespace {
@@ -69,6 +69,16 @@ std::string savingFault() {
   }
 }
 
+/// Which font the tile is drawn in, as the program that draws it says.
+std::string fontText() {
+  const auto [output, errors, failure] = program::ChildProcess{
+      program::siblingProgram("tarno-widget"),
+      {"fonts"},
+      std::chrono::seconds{10}}.finish();
+  const auto text = failure.empty() ? output + errors : "unknown: tarno-widget " + failure;
+  return text.substr(0, text.find('\n'));
+}
+
 /// What the tile shows and, unless all is well, why.
 std::string verdict(const SharedStatus& shared) {
   if (!shared.status && shared.fault.empty())
@@ -100,7 +110,7 @@ int doctor() {
   text += line("report's age", ageText(shared.status, now));
   text += line("reading", shared.fault.empty() ? "works" : "fails: " + shared.fault);
   text += line("saving", fault.empty() ? "works" : "would fail: " + fault);
-  if (const auto font = widgetFontText()) text += line("font", *font);
+  text += line("font", fontText());
 
   const bool isWell = isFresh(shared.status) && fault.empty();
   const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";

@@ -7,6 +7,7 @@
 #include "common/event_loop.hpp"
 #include "common/failure.hpp"
 #include "common/files.hpp"
+#include "common/memory.hpp"
 #include "common/output.hpp"
 #include "common/path_watch.hpp"
 #include "common/wall_clock_timer.hpp"
@@ -78,6 +79,7 @@ class Watcher {
       last_ = std::move(state);
       print(format_(shared.status));
     }
+    program::releaseMemory();
   }
 
   void print(const std::string& line) {

@@ -18,7 +18,7 @@ Answer answerOf(const std::string& behaviour, desktop::FrameRequest request = {}
   writeFakeWidget(folder, behaviour);
   if (request.program.empty()) request.program = folder.path / "tarno-widget";
   desktop::FrameProcess process{request};
-  pollfd ended{process.descriptor(), POLLIN, 0};
+  pollfd ended{process.process().descriptor(), POLLIN, 0};
   EXPECT_EQ(poll(&ended, 1, 15000), 1) << behaviour;
   return {process.finish(), folder.read("log")};
 }
@@ -29,7 +29,7 @@ TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
       "os.pwrite(fd, bytes(range(64)), 0); draw(stale_from='2026-11-16T15:44:02.25Z',"
       "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])\n"
       "os.fork() or time.sleep(5)",
-      {.family = "small", .scale = 1.25, .at = "2026-11-16T15:41:35Z"});
+      {.family = "small", .scale = 1.25, .at = foundation::Date{std::chrono::seconds{1794843695}}});
   ASSERT_TRUE(answer.frame) << answer.failure;
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{10}) << "waits for a child of it";
   EXPECT_EQ(answer.log, "frame --family small --scale 1.25 --fd N --at 2026-11-16T15:41:35Z\n");
@@ -81,7 +81,7 @@ TEST(FrameProcess, MissesAPictureWhateverTheProcessDoes) {
     EXPECT_EQ(answer.failure.find('\n'), std::string::npos) << behaviour;
   }
   EXPECT_TRUE(answerOf("draw(width=4)").frame) << "without room between rows";
-  EXPECT_NE(answerOf("", {.program = "/nowhere/no-widget"}).failure.find("127: No such file"),
+  EXPECT_NE(answerOf("", {.program = "/nowhere/no-widget"}).failure.find("cannot be run: No such file"),
             std::string::npos);
 }
 

@@ -5,6 +5,7 @@
 #include "common/failure.hpp"
 #include "fake_widget.hpp"
 #include "tarno-desktop/options.hpp"
+#include "tarno-desktop/settings.hpp"
 
 namespace {
 
@@ -49,7 +50,7 @@ TEST(Options, ComeFromTheSettingsFileUnlessTheCommandLineSaysOtherwise) {
   EXPECT_EQ(options.layer, Layer::above);
   EXPECT_EQ(options.scale, 1.5);
   EXPECT_TRUE(options.plainWindow);
-  EXPECT_EQ(options.at, "2026-11-16T15:41:35.25Z");
+  EXPECT_EQ(options.at->time_since_epoch(), std::chrono::milliseconds{1794843695250});
 }
 
 TEST(Options, PutATileAtEachOfTheNinePlaces) {

@@ -1,11 +1,24 @@
-#include "tarno-desktop/autostart.hpp"
+#include "tarno-desktop/settings.hpp"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
 
 #include "common/failure.hpp"
 #include "common/files.hpp"
-#include "tarno-desktop/options.hpp"
 
 namespace desktop {
 namespace {
+
+/// A file in ${XDG_CONFIG_HOME:-~/.config}; empty where the environment does not say where that is.
+std::filesystem::path configurationFile(const char* name) {
+  const char* const config = std::getenv("XDG_CONFIG_HOME");
+  const char* const home = std::getenv("HOME");
+  // The XDG base directory specification: a path that is not absolute is to be ignored.
+  if (config && *config == '/') return std::filesystem::path{config} / name;
+  return home && *home ? std::filesystem::path{home} / ".config" / name : std::filesystem::path{};
+}
 
 /// `text` with `mark` before each of `characters`.
 std::string marked(const std::string& text, std::string_view characters, char mark = '\\') {
@@ -18,7 +31,7 @@ std::string marked(const std::string& text, std::string_view characters, char ma
 }
 
 /// With the program's path: a login may know another PATH. Without that file the entry is skipped.
-std::string entry() {
+std::string autostartEntry() {
   const auto program = std::filesystem::read_symlink("/proc/self/exe").string();
   // The Desktop Entry Specification: quoted as an argument (section 7), then as a string (section 4).
   const auto argument = marked(marked(marked(program, "\"`$\\"), "%", '%'), "\\");
@@ -27,6 +40,20 @@ std::string entry() {
 }
 
 }  // namespace
+
+void readSettings(CLI::App& app) {
+  const auto path = configurationFile("tarno/desktop.ini");
+  std::error_code missing;
+  if (!std::filesystem::exists(path, missing)) return;
+  constexpr std::size_t most = 64 * 1024;
+  std::istringstream settings{program::readFile(path, most)};
+  try {
+    app.clear();
+    app.parse_from_stream(settings);
+  } catch (const CLI::Error& error) {
+    throw program::Failure{EX_CONFIG, path.string() + ": " + error.what()};
+  }
+}
 
 std::string setAutostart(bool on) {
   const auto file = configurationFile("autostart/tarno-desktop.desktop");
@@ -41,7 +68,7 @@ std::string setAutostart(bool on) {
   const auto folder = file.parent_path();
   if (!std::filesystem::create_directories(folder, error) && error)
     throw program::Failure{EX_CANTCREAT, "cannot create " + folder.string() + ": " + error.message()};
-  program::writeFile(file, entry());
+  program::writeFile(file, autostartEntry());
   return "Wrote " + file.string() + ": the tile starts at every login.\n";
 }
 
