@@ -1,9 +1,12 @@
 #include "wayland/display.hpp"
 
+#include <sys/epoll.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <string_view>
+#include <system_error>
 
 #include "common/failure.hpp"
 
@@ -46,7 +49,15 @@ double outputScale(const Area& pixels, const Area& points) {
   return ratio;
 }
 
-Display::Display() {
+int surfaceSide(int pixels, double scale) {
+  constexpr double tolerance = 0.01;  // pixels
+  const int first = static_cast<int>(std::ceil((pixels - tolerance) / scale));
+  for (int points = first; points <= first + 120; ++points)
+    if (std::abs(points * scale - std::round(points * scale)) < tolerance) return points;
+  return first;
+}
+
+Display::Display() : events_(epoll_create1(EPOLL_CLOEXEC)) {
   wl_log_set_handler_client([](auto...) {});  // the library would print what check() says better
   connection.reset(wl_display_connect(nullptr));
   if (!connection) throw program::Failure{EX_UNAVAILABLE, "cannot connect to the Wayland display"};
@@ -55,12 +66,17 @@ Display::Display() {
   registry.reset(wl_display_get_registry(connection.get()));
   wl_registry_add_listener(registry.get(), &listener, this);
   check(wl_display_roundtrip(connection.get()));  // what there is
+  static constexpr wl_seat_listener seatListener{.capabilities = store<&Display::seatCapabilities>};
+  if (seat) wl_seat_add_listener(seat.get(), &seatListener, this);
   check(wl_display_roundtrip(connection.get()));  // and what that is like
   if (!compositor || !memory || !viewports || !windows || !outputDetails)
     throw program::Failure{EX_UNAVAILABLE, "the Wayland compositor lacks a protocol that the tile needs"};
   static constexpr xdg_wm_base_listener aliveListener{
       .ping = [](void*, auto* base, auto serial) { xdg_wm_base_pong(base, serial); }};
   xdg_wm_base_add_listener(windows.get(), &aliveListener, nullptr);
+  epoll_event readable{.events = EPOLLIN, .data = {}};
+  if (epoll_ctl(events_.get(), EPOLL_CTL_ADD, wl_display_get_fd(connection.get()), &readable) != 0)
+    throw std::system_error{errno, std::generic_category(), "cannot watch the display"};
 }
 
 void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
@@ -76,8 +92,8 @@ void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
   bind(zwlr_layer_shell_v1_interface, 2, layers);
   bind(wp_fractional_scale_manager_v1_interface, 1, fractionalScales);
   bind(zxdg_output_manager_v1_interface, 3, outputDetails);
-  if (std::string_view{name} == "org_kde_plasma_shell") isKWin = true;
-  if (seat == 0 && std::string_view{name} == wl_seat_interface.name) seat = id;
+  bind(wl_seat_interface, 1, seat);
+  if (std::string_view{name} == "org_kde_plasma_shell") isKWin_ = true;
 
   Output added{id};
   bind(wl_output_interface, 3, added.proxy);
@@ -100,6 +116,27 @@ void Display::dispatch() {
   while (wl_display_prepare_read(connection.get()) != 0) check(wl_display_dispatch_pending(connection.get()));
   check(wl_display_read_events(connection.get()));
   check(wl_display_dispatch_pending(connection.get()));
+}
+
+void Display::watchShowDesktop() {
+  sd_bus* bus = nullptr;
+  if (!isKWin_ || sd_bus_open_user(&bus) < 0) return;
+  bus_.reset(bus, sd_bus_close_unref);
+  const auto changed = [](sd_bus_message* message, void* isShown, sd_bus_error*) {
+    return sd_bus_message_read(message, "b", isShown);
+  };
+  sd_bus_match_signal_async(bus, nullptr, "org.kde.KWin", "/KWin", "org.kde.KWin", "showingDesktopChanged",
+                            changed, nullptr, &isDesktopShown_);
+  isDesktopShown();  // sends that
+  epoll_event readable{.events = EPOLLIN, .data = {}};
+  epoll_ctl(events_.get(), EPOLL_CTL_ADD, sd_bus_get_fd(bus), &readable);
+}
+
+bool Display::isDesktopShown() {
+  int processed = 1;
+  while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
+  if (processed < 0) bus_.reset();  // it went away
+  return bus_ && isDesktopShown_ != 0;
 }
 
 void Display::check(int result) const {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <systemd/sd-bus.h>
+
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -31,6 +34,12 @@ struct Output {
 /// both.
 double outputScale(const Area& pixels, const Area& points);
 
+/// The length in points of a surface's side that shows `pixels` at `scale` pixels per point, pixel by pixel.
+/// At a fractional scale a whole number of points may end within a pixel: this is the shortest that does not,
+/// if there is one, for a picture that is grown to it. Compositors put both edges on the next pixel, so that
+/// such a surface is sharp wherever it stands.
+int surfaceSide(int pixels, double scale);
+
 /// A connection to the Wayland display that WAYLAND_DISPLAY names, and what there is. It throws
 /// program::Failure: EX_UNAVAILABLE when there is none, when it lacks what every tile needs or when it went
 /// away, EX_PROTOCOL when the compositor refuses what it was sent.
@@ -39,8 +48,15 @@ struct Display {
   Display();
   Display(Display&&) = delete;  // events find it where it is
 
+  /// To poll() for POLLIN.
+  int descriptor() const { return events_.get(); }
+
   /// Handles what has arrived. Does not block.
   void dispatch();
+
+  /// Asks KWin, if it is there, to tell whether it shows the desktop at the moment, on the session's bus.
+  void watchShowDesktop();
+  bool isDesktopShown();
 
   Proxy<wl_display> connection;
   Proxy<wl_registry> registry;
@@ -51,14 +67,19 @@ struct Display {
   Proxy<zxdg_output_manager_v1> outputDetails;
   Proxy<zwlr_layer_shell_v1> layers;                       ///< null where there is none
   Proxy<wp_fractional_scale_manager_v1> fractionalScales;  ///< null where there is none
-  std::uint32_t seat = 0;                                  ///< the registry's name for the first; 0 for none
-  bool isKWin = false;
+  Proxy<wl_seat> seat;                                     ///< the first; null where there is none
+  std::uint32_t seatCapabilities = 0;
   std::list<Output> outputs;  ///< in the order in which they came
 
  private:
   void add(std::uint32_t id, const char* interface, std::uint32_t version);
   void remove(std::uint32_t id);
   void check(int result) const;
+
+  foundation::FileDescriptor events_;  ///< an epoll of the display's and the bus's
+  std::shared_ptr<sd_bus> bus_;        ///< null for none
+  bool isKWin_ = false;
+  int isDesktopShown_ = 0;
 };
 
 }  // namespace desktop::wayland

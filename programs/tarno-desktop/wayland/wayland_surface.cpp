@@ -1,56 +1,69 @@
 #include "wayland/wayland_surface.hpp"
 
-#include <sys/epoll.h>
-#include <systemd/sd-bus.h>
+#include <linux/input-event-codes.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <system_error>
 
-#include "wayland/tile_surface.hpp"
+#include "wayland/display.hpp"
 
 namespace desktop {
 namespace {
 
 using namespace wayland;
-using namespace std::chrono_literals;
 
 /// Between two surfaces, for a compositor that closes each: it may while its monitors change.
-constexpr auto surfaceInterval = 200ms;
+constexpr std::chrono::milliseconds surfaceInterval{200};
 
-/// Whether KWin shows the desktop at the moment, as it tells on the session's bus. Never without a bus.
-class ShowDesktopWatch {
- public:
-  ShowDesktopWatch() {
-    sd_bus* bus = nullptr;
-    if (sd_bus_open_user(&bus) < 0) return;
-    bus_.reset(bus, sd_bus_close_unref);
-    const auto changed = [](sd_bus_message* message, void* isShown, sd_bus_error*) {
-      return sd_bus_message_read(message, "b", isShown);
-    };
-    sd_bus_match_signal_async(bus, nullptr, "org.kde.KWin", "/KWin", "org.kde.KWin", "showingDesktopChanged",
-                              changed, nullptr, &isShown_);
-    isShown();  // sends that
-  }
-
-  /// To poll() for POLLIN; negative for none.
-  int descriptor() const { return bus_ ? sd_bus_get_fd(bus_.get()) : -1; }
-
-  bool isShown() {
-    int processed = 1;
-    while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
-    if (processed < 0) bus_.reset();  // it went away
-    return bus_ && isShown_ != 0;
-  }
-
- private:
-  std::shared_ptr<sd_bus> bus_;
-  int isShown_ = 0;
+/// A picture lent to the compositor, which reads it from the memory that the extension's process drew into.
+struct Buffer {
+  std::shared_ptr<const Picture> picture;
+  Proxy<wl_buffer> proxy;
+  bool isReleased = false;
 };
+
+/// The tile on the display: in a layer of an output, where clicks pass through it, or in a window without a
+/// frame, which the pointer drags.
+struct Tile {
+  std::list<Buffer> buffers;  // outlive the surface that shows them
+  Proxy<wl_surface> surface;
+  Proxy<wp_viewport> viewport;
+  Proxy<wp_fractional_scale_v1> fractionalScale;
+  Proxy<zwlr_layer_surface_v1> layer;  // or the next two
+  Proxy<xdg_surface> window;
+  Proxy<xdg_toplevel> toplevel;
+  wl_output* output = nullptr;   // whose layer it is in, or that the window came to last
+  std::uint32_t scaleParts = 0;  // the scale that the compositor prefers, as its protocol counts; 0 for none
+  bool isConfigured = false, isClosed = false, isRaised = false;
+  std::shared_ptr<const Picture> picture;  // that is shown, at
+  double scale = 0;                        // pixels per point
+};
+
+/// `picture`, or a copy of it that is transparent on the sides away from `anchor`.
+std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int width, int height,
+                                    const Anchor& anchor) {
+  if (width == picture->width && height == picture->height) return picture;
+  auto larger = std::make_shared<Picture>(
+      Picture{foundation::FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC)}, width, height, 4 * width});
+  const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, 0);
+  const auto from = pixelsOf(*picture);
+  std::vector<std::uint32_t> pixels(larger->size() / 4);
+  for (int y = 0; y < area.height; ++y)
+    std::copy_n(from.begin() + y * picture->stride / 4, area.width,
+                pixels.begin() + (area.y + y) * width + area.x);
+  if (write(larger->memory.get(), pixels.data(), larger->size()) != static_cast<ssize_t>(larger->size()))
+    throw std::system_error{errno, std::generic_category(), "cannot make a buffer"};
+  return larger;
+}
 
 std::string kindFor(const Options& options, bool isPlain) {
   if (isPlain) return "a plain Wayland window";
-  return std::string{"a layer-shell surface in the "} + (options.layer == Layer::above ? "top" : "bottom") +
-         " layer";
+  const auto layer = std::string{options.layer == Layer::above ? "top" : "bottom"};
+  return "a layer-shell surface in the " + layer + " layer";
 }
 
 class WaylandSurface final : public Surface {
@@ -64,54 +77,56 @@ class WaylandSurface final : public Surface {
   void dispatch(short) override { display_.dispatch(); }
 
  private:
-  void follow();
+  void followMonitors();
+  void make();
+  void makeLayer();
+  void makeWindow();
+  void followPointer();
+  void drag(std::uint32_t serial, std::uint32_t time, std::uint32_t button, std::uint32_t state);
+  void configured(std::uint32_t serial);
+  void close() { tile_->isClosed = true; }
+  void draw();
+  void attach(const std::shared_ptr<const Picture>& picture);
+  void raise(bool isRaised);
 
   const bool isPlain_;
   Display display_;
-  std::optional<ShowDesktopWatch> showDesktop_;
-  foundation::FileDescriptor events_;  // an epoll of both
-  wl_output* output_ = nullptr;        // the monitor
-  double displayScale_ = 1;            // at which the display shows the tile, in pixels per point
-  std::optional<TileSurface> surface_;
+  wl_output* output_ = nullptr;  // the monitor
+  double displayScale_ = 1;      // at which the display shows the tile, in pixels per point
+  Proxy<wl_pointer> pointer_;    // for a window
+  std::optional<Tile> tile_;
   Clock::time_point notBefore_;  // the next one
 };
 
 WaylandSurface::WaylandSurface(const Options& options, bool isPlain)
-    : Surface(options, kindFor(options, isPlain)), isPlain_(isPlain), events_(epoll_create1(EPOLL_CLOEXEC)) {
-  epoll_event readable{.events = EPOLLIN, .data = {}};
-  if (epoll_ctl(events_.get(), EPOLL_CTL_ADD, wl_display_get_fd(display_.connection.get()), &readable) != 0)
-    throw std::system_error{errno, std::generic_category(), "cannot watch the display"};
-  if (display_.isKWin && options.layer == Layer::desktop && !isPlain_)
-    epoll_ctl(events_.get(), EPOLL_CTL_ADD, showDesktop_.emplace().descriptor(), &readable);
+    : Surface(options, kindFor(options, isPlain)), isPlain_(isPlain) {
   if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // that is up to the compositor
-  follow();
+  if (!isPlain_ && options.layer == Layer::desktop) display_.watchShowDesktop();
+  followMonitors();
 }
 
 /// Does what the compositor's events and the owner's calls have made necessary.
 program::EventSource::Wait WaylandSurface::prepare() {
-  follow();
-  if (surface_ && !isPlain_ && (surface_->isClosed() || surface_->output() != output_)) surface_.reset();
-  const bool isMissing = !surface_ && picture_ && output_;
-  if (isMissing && Clock::now() >= notBefore_) {
-    surface_.emplace(display_, options_, isPlain_ ? nullptr : output_);
-    notBefore_ = Clock::now() + surfaceInterval;
-  }
-  isClosed_ = isPlain_ && surface_ && surface_->isClosed();
-  if (surface_ && showDesktop_) surface_->raise(showDesktop_->isShown());
-  if (surface_ && monitor_)
-    surface_->show(picture_, picture_->scale * displayScale_ / monitor_->scale, title_);
+  followMonitors();
+  if (tile_ && !isPlain_ && (tile_->isClosed || tile_->output != output_)) tile_.reset();
+  const bool isMissing = !tile_ && picture_ && output_;
+  if (isMissing && Clock::now() >= notBefore_) make();
+  isClosed_ = isPlain_ && tile_ && tile_->isClosed;
+  if (isPlain_) followPointer();
+  if (tile_) draw();
+  if (tile_) raise(display_.isDesktopShown());
   if (picture_) extents_ = {0, 0, picture_->width, picture_->height};
   wl_display_flush(display_.connection.get());
-  return {events_.get(), POLLIN, isMissing ? std::optional{notBefore_} : std::nullopt};
+  return {display_.descriptor(), POLLIN, isMissing ? std::optional{notBefore_} : std::nullopt};
 }
 
 /// Finds the monitor: a layer surface stays on one, a window is on the one that it came to last.
-void WaylandSurface::follow() {
+void WaylandSurface::followMonitors() {
   monitors_.clear();
   for (const Output& output : display_.outputs) {
     if (!output.info) continue;
     monitors_.push_back(*output.info);
-    if (isPlain_ && surface_ && surface_->output() == output.proxy.get())
+    if (isPlain_ && tile_ && tile_->output == output.proxy.get())
       choice_ = MonitorChoice{output.info->connector};
   }
   output_ = nullptr;
@@ -119,9 +134,137 @@ void WaylandSurface::follow() {
   if (!monitor_) return;
   for (const Output& output : display_.outputs)
     if (output.info && output.info->connector == monitor_->connector) output_ = output.proxy.get();
-  const double preferred = surface_ ? surface_->preferredScale() : 0;
-  displayScale_ = preferred > 0 ? preferred : monitor_->scale;
+  displayScale_ = tile_ && tile_->scaleParts > 0 ? tile_->scaleParts / 120.0 : monitor_->scale;
   monitor_->scale = options_.scale.value_or(displayScale_);
+}
+
+void WaylandSurface::make() {
+  notBefore_ = Clock::now() + surfaceInterval;
+  Tile& tile = tile_.emplace();
+  tile.surface.reset(wl_compositor_create_surface(display_.compositor.get()));
+  tile.viewport.reset(wp_viewporter_get_viewport(display_.viewports.get(), tile.surface.get()));
+  if (display_.fractionalScales) {
+    static constexpr wp_fractional_scale_v1_listener listener{store<&Tile::scaleParts>};
+    tile.fractionalScale.reset(wp_fractional_scale_manager_v1_get_fractional_scale(
+        display_.fractionalScales.get(), tile.surface.get()));
+    wp_fractional_scale_v1_add_listener(tile.fractionalScale.get(), &listener, &tile);
+  }
+  isPlain_ ? makeWindow() : makeLayer();
+  wl_surface_commit(tile.surface.get());
+}
+
+void WaylandSurface::makeLayer() {
+  tile_->output = output_;
+  // KWin would take what says "desktop" for part of the desktop: it stays on "show desktop", but the next
+  // click on another part of the desktop, the wallpaper, covers it for good. So it is raised meanwhile.
+  tile_->layer.reset(zwlr_layer_shell_v1_get_layer_surface(
+      display_.layers.get(), tile_->surface.get(), output_,
+      options_.layer == Layer::above ? ZWLR_LAYER_SHELL_V1_LAYER_TOP : ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM,
+      "tarno-desktop"));
+  auto* const layer = tile_->layer.get();
+  static constexpr zwlr_layer_surface_v1_listener listener{
+      .configure = [](void* self, auto*, std::uint32_t serial, auto,
+                      auto) { static_cast<WaylandSurface*>(self)->configured(serial); },
+      .closed = call<&WaylandSurface::close>};
+  zwlr_layer_surface_v1_add_listener(layer, &listener, this);
+
+  const auto edge = [](double at, unsigned first, unsigned last) {
+    return at == 0 ? first : at == 1 ? last : 0;
+  };
+  zwlr_layer_surface_v1_set_anchor(
+      layer,
+      edge(options_.anchor.x, ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT, ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT) |
+          edge(options_.anchor.y, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP, ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM));
+  const int margin = options_.margin;  // counts at the edges that are anchored to
+  zwlr_layer_surface_v1_set_margin(layer, margin, margin, margin, margin);
+  const Proxy<wl_region> nothing{wl_compositor_create_region(display_.compositor.get())};
+  wl_surface_set_input_region(tile_->surface.get(), nothing.get());
+  zwlr_layer_surface_v1_set_size(layer, 1, 1);  // until the first picture
+}
+
+void WaylandSurface::makeWindow() {
+  static constexpr wl_surface_listener surfaceListener{.enter = store<&Tile::output>, .leave = ignore};
+  wl_surface_add_listener(tile_->surface.get(), &surfaceListener, &*tile_);
+  static constexpr xdg_surface_listener listener{.configure = call<&WaylandSurface::configured>};
+  tile_->window.reset(xdg_wm_base_get_xdg_surface(display_.windows.get(), tile_->surface.get()));
+  xdg_surface_add_listener(tile_->window.get(), &listener, this);
+  static constexpr xdg_toplevel_listener toplevelListener{.configure = ignore,
+                                                          .close = call<&WaylandSurface::close>};
+  tile_->toplevel.reset(xdg_surface_get_toplevel(tile_->window.get()));
+  xdg_toplevel_add_listener(tile_->toplevel.get(), &toplevelListener, this);
+  xdg_toplevel_set_app_id(tile_->toplevel.get(), "tarno-desktop");
+}
+
+void WaylandSurface::followPointer() {
+  static constexpr wl_pointer_listener listener{.enter = ignore,
+                                                .leave = ignore,
+                                                .motion = ignore,
+                                                .button = call<&WaylandSurface::drag>,
+                                                .axis = ignore};
+  const bool hasPointer = (display_.seatCapabilities & WL_SEAT_CAPABILITY_POINTER) != 0;
+  if (hasPointer == (pointer_ != nullptr)) return;
+  pointer_.reset(hasPointer ? wl_seat_get_pointer(display_.seat.get()) : nullptr);
+  if (pointer_) wl_pointer_add_listener(pointer_.get(), &listener, this);
+}
+
+void WaylandSurface::drag(std::uint32_t serial, std::uint32_t, std::uint32_t button, std::uint32_t state) {
+  if (tile_ && button == BTN_LEFT && state == WL_POINTER_BUTTON_STATE_PRESSED)
+    xdg_toplevel_move(tile_->toplevel.get(), display_.seat.get(), serial);
+}
+
+/// A commit takes what was configured; the first picture's takes the first.
+void WaylandSurface::configured(std::uint32_t serial) {
+  if (isPlain_)
+    xdg_surface_ack_configure(tile_->window.get(), serial);
+  else
+    zwlr_layer_surface_v1_ack_configure(tile_->layer.get(), serial);
+  if (std::exchange(tile_->isConfigured, true)) wl_surface_commit(tile_->surface.get());
+}
+
+/// Shows the picture when it is not shown yet and the compositor is ready.
+void WaylandSurface::draw() {
+  Tile& tile = *tile_;
+  tile.buffers.remove_if([](const Buffer& buffer) { return buffer.isReleased; });
+  const double scale = monitor_ ? picture_->scale * displayScale_ / monitor_->scale : 0;
+  const bool isReady = tile.isConfigured && !tile.isClosed && tile.buffers.size() < 3;  // it may be asleep
+  if (!isReady || scale == 0 || (tile.picture == picture_ && tile.scale == scale)) return;
+  tile.picture = picture_;
+  tile.scale = scale;
+  const auto pixels = [scale](int points) { return static_cast<int>(std::lround(points * scale)); };
+  const int width = surfaceSide(picture_->width, scale), height = surfaceSide(picture_->height, scale);
+  attach(grow(picture_, pixels(width), pixels(height), options_.anchor));
+  wp_viewport_set_destination(tile.viewport.get(), width, height);
+  if (isPlain_) {  // of one size, which tiling compositors leave alone
+    xdg_toplevel_set_min_size(tile.toplevel.get(), width, height);
+    xdg_toplevel_set_max_size(tile.toplevel.get(), width, height);
+    xdg_toplevel_set_title(tile.toplevel.get(), title_.c_str());
+  } else {
+    zwlr_layer_surface_v1_set_size(tile.layer.get(), static_cast<unsigned>(width),
+                                   static_cast<unsigned>(height));
+  }
+  wl_surface_commit(tile.surface.get());
+}
+
+void WaylandSurface::attach(const std::shared_ptr<const Picture>& picture) {
+  const auto& [memory, width, height, stride, scale] = *picture;
+  const Proxy<wl_shm_pool> pool{
+      wl_shm_create_pool(display_.memory.get(), memory.get(), static_cast<int>(picture->size()))};
+  wl_buffer* const proxy =
+      wl_shm_pool_create_buffer(pool.get(), 0, width, height, stride, WL_SHM_FORMAT_ARGB8888);
+  static constexpr wl_buffer_listener listener{
+      .release = [](void* buffer, auto*) { static_cast<Buffer*>(buffer)->isReleased = true; }};
+  wl_buffer_add_listener(proxy, &listener,
+                         &tile_->buffers.emplace_back(Buffer{picture, Proxy<wl_buffer>{proxy}}));
+  wl_surface_attach(tile_->surface.get(), proxy, 0, 0);
+  wl_surface_damage_buffer(tile_->surface.get(), 0, 0, width, height);
+}
+
+/// Puts the tile above everything else, or back in the bottom layer.
+void WaylandSurface::raise(bool isRaised) {
+  if (std::exchange(tile_->isRaised, isRaised) == isRaised) return;
+  zwlr_layer_surface_v1_set_layer(
+      tile_->layer.get(), isRaised ? ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY : ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM);
+  wl_surface_commit(tile_->surface.get());
 }
 
 }  // namespace

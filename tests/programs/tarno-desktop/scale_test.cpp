@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "wayland/tile_surface.hpp"
+#include "wayland/display.hpp"
 
 namespace desktop::wayland {
 namespace {
