@@ -22,4 +22,7 @@ struct Picture {
 /// A copy of the `stride` / 4 pixels of each row. Throws std::system_error when they cannot be read.
 std::vector<std::uint32_t> pixelsOf(const Picture& picture);
 
+/// Whether two pictures look the same. Throws as pixelsOf() does.
+bool operator==(const Picture& a, const Picture& b);
+
 }  // namespace desktop

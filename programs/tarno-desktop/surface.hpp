@@ -34,10 +34,11 @@ class Surface : public program::EventSource {
   /// What it is, for people: "a layer-shell surface in the bottom layer".
   const std::string& kind() const { return kind_; }
 
-  /// From the next prepare() on, shows `picture` in place of the one before; the first makes the window. One
-  /// of another scale than the monitor's is shown all the same. Window lists show `title`.
+  /// From the next prepare() on, shows `picture` in place of the one before, unless they look the same: then
+  /// neither the display nor a compositor has to do anything. The first makes the window. One of another
+  /// scale than the monitor's is shown all the same. Window lists show `title`.
   void show(std::shared_ptr<const Picture> picture, const std::string& title) {
-    picture_ = std::move(picture);
+    if (!picture_ || *picture_ != *picture) picture_ = std::move(picture);
     title_ = title;
   }
 

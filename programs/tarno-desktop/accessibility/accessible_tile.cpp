@@ -26,6 +26,7 @@ void AccessibleTile::update(const Frame& frame) {
 }
 
 void AccessibleTile::place(const Area& extents, double scale) {
+  if (extents == extents_ && scale == scale_) return;
   extents_ = extents;
   scale_ = scale;
   objects_.tree = makeTree(frame_, extents_, scale_);

@@ -44,6 +44,10 @@ TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
   const auto pixels = desktop::pixelsOf(*picture);
   ASSERT_EQ(pixels.size(), 16U);
   EXPECT_EQ(pixels[14], 0x3B3A3938U);
+  const auto look = [](const char* drawing) { return answerOf(drawing).frame->picture; };
+  EXPECT_TRUE(*look("draw()") == *look("draw()"));
+  EXPECT_FALSE(*look("draw()") == *look("os.pwrite(fd, b'1', 60); draw()"));
+  EXPECT_FALSE(*look("draw()") == *look("draw(width=4)"));
 }
 
 TEST(FrameProcess, MissesAPictureWhateverTheProcessDoes) {
