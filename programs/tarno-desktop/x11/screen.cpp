@@ -59,12 +59,11 @@ std::vector<Monitor> readMonitors(const Connection& connection, double scale) {
   return monitors;
 }
 
-/// Finds the area of the screen and the windows on it. All of a level of the tree are asked before an answer
-/// is waited for, so that many windows take no longer than one.
-void readWindows(const Connection& connection, Screen& screen) {
-  constexpr int levels = 4;  // the root window, frames, what some window managers have in these, clients
-  const auto ask = [&](const auto& window) {
-    const xcb_window_t id = window.first;
+/// Those that are seen. All of a level of the tree are asked before an answer is waited for, so that many
+/// windows take no longer than one.
+std::vector<Window> readWindows(const Connection& connection) {
+  constexpr int levels = 3;  // frames, what some window managers have in these, clients
+  const auto ask = [&](xcb_window_t id) {
     return std::tuple{connection.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(id),
                       connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(id),
                       connection.ask<xcb_query_tree, xcb_query_tree_reply>(id),
@@ -74,36 +73,35 @@ void readWindows(const Connection& connection, Screen& screen) {
   };
   const auto answers = [](const auto&... asked) { return std::tuple{asked()...}; };
   const auto is = [&](auto& list, auto name) { return std::ranges::count(list, connection.atom(name)) != 0; };
-  std::vector<std::pair<xcb_window_t, std::size_t>> ids{{connection.root(), 0}}, inside;  // and what it is in
-  for (int level = 0; level < levels; ++level, ids = std::exchange(inside, {})) {
-    std::vector<decltype(ask(ids[0]))> asked;
-    std::ranges::transform(ids, std::back_inserter(asked), ask);
-    for (std::size_t i = 0; i < ids.size(); ++i) {
-      auto [attributes, geometry, tree, type, state, strut] = std::apply(answers, asked[i]);
+  std::vector<Window> windows;
+  std::vector<std::tuple<xcb_window_t, std::size_t, decltype(ask(XCB_NONE))>> asked;
+  const auto askChildren = [&](const auto& tree, std::size_t index) {
+    for (const auto child : std::span{xcb_query_tree_children(tree.get()), tree->children_len})
+      asked.emplace_back(child, index, ask(child));
+  };
+  if (const auto root = connection.ask<xcb_query_tree, xcb_query_tree_reply>(connection.root())())
+    askChildren(root, 0);
+  for (int level = 0; level < levels; ++level)
+    for (auto& [id, outer, questions] : std::exchange(asked, {})) {
+      auto [attributes, geometry, tree, type, state, strut] = std::apply(answers, questions);
       if (!attributes || !geometry || !tree || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
           attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
         continue;
-      const Area area{geometry->x, geometry->y, geometry->width, geometry->height};
       const bool isDesktop = is(type, "_NET_WM_WINDOW_TYPE_DESKTOP");
-      auto [id, index] = ids[i];
-      if (level == 0) {
-        screen.area = area;
-      } else if (level == 1) {
-        index = screen.windows.size();
-        screen.windows.push_back({{}, area, attributes->override_redirect != 0 && !isDesktop});
-      }
-      if (level > 0) {
-        auto& window = screen.windows[index];
-        window.ids.push_back(id);
-        window.isDesktop |= isDesktop;
-        window.isFullScreen |= is(state, "_NET_WM_STATE_FULLSCREEN");
-        if (strut.size() == 12) window.strut = std::move(strut);
-      }
+      if (level == 0)
+        windows.push_back({{},
+                           {geometry->x, geometry->y, geometry->width, geometry->height},
+                           attributes->override_redirect != 0 && !isDesktop});
+      const auto index = level == 0 ? windows.size() - 1 : outer;
+      auto& window = windows[index];
+      window.ids.push_back(id);
+      window.isDesktop |= isDesktop;
+      window.isFullScreen |= is(state, "_NET_WM_STATE_FULLSCREEN");
+      if (strut.size() == 12) window.strut = std::move(strut);
       if (is(type, "_NET_WM_WINDOW_TYPE_DOCK")) connection.select(id, XCB_EVENT_MASK_PROPERTY_CHANGE);
-      for (const auto child : std::span{xcb_query_tree_children(tree.get()), tree->children_len})
-        inside.emplace_back(child, index);
+      if (level + 1 < levels) askChildren(tree, index);
     }
-  }
+  return windows;
 }
 
 /// From where to where something reaches, along an axis.
@@ -150,7 +148,9 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
   screen.isComposited = ownerOf(connection, "_NET_WM_CM_S0") != XCB_NONE;
   screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
-  readWindows(connection, screen);
+  const auto geometry = connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(root)();
+  if (geometry) screen.area = {0, 0, geometry->width, geometry->height};
+  screen.windows = readWindows(connection);
   const auto workAreas = areas(connection, "_NET_WORKAREA");
   screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
   screen.monitorWorkAreas = areas(connection, "_GTK_WORKAREAS_D0");
