@@ -54,9 +54,9 @@ def test_stack(rig):
     files = screen.new_window("DESKTOP", width=1280, height=800)
     normal = screen.new_window(x=600, width=400, height=300)
     small = rig.tile(*AT, "--family", "small")  # a second one in the same place
-    for _ in range(3):
+    for window, mode in ((files, X.Above), (normal, X.Below), (files, X.Above), (files, X.Above)):
         wait_for(lambda: screen.is_above(tile, files) and screen.is_above(normal, tile), message="the tile between them")
-        files.configure(stack_mode=X.Above)
+        window.configure(stack_mode=mode)
         screen.display.sync()
         time.sleep(0.2)
     wakes = lambda: int(open(f"/proc/{small.popen.pid}/status").read().split("voluntary_ctxt_switches:")[1].split()[0])
@@ -71,6 +71,11 @@ def test_stack(rig):
     wait_for(lambda: screen.is_above(upper, normal), message="the tile above others")
     screen.tell("_NET_WM_STATE", 1, screen.atom("_NET_WM_STATE_FULLSCREEN"), window=normal)
     wait_for(lambda: screen.is_above(normal, upper), message="what fills the screen above the tile")
+    time.sleep(0.3)
+    assert screen.is_above(normal, upper), "and there it stays"
+    assert "_NET_WM_STATE_ABOVE" in screen.names(upper, "_NET_WM_STATE")
+    assert screen.property(upper, "_NET_WM_DESKTOP") == [0xFFFFFFFF]
+    assert bytes(screen.property(upper, "_NET_WM_NAME")) == b"Tarno"
     assert [process.end() for process in (small, above)] == [0, 0]
 
 
@@ -95,6 +100,25 @@ def test_window_managers_come_and_go(rig):
     rig.window_manager("xfwm4", "--replace")
     follows("xfwm4", False)
     assert tile.end() == 0
+
+
+def test_panels_without_window_manager(rig):
+    rig.x11()
+    screen = X11Screen(rig, None)
+    rig.tile(*AT)
+    tile = screen.tile()
+    panel = screen.root.create_window(0, 0, 1280, 40, 0, X.CopyFromParent)
+    panel.change_property(screen.atom("_NET_WM_WINDOW_TYPE"), Xatom.ATOM, 32, [screen.atom("_NET_WM_WINDOW_TYPE_DOCK")])
+    reserve = lambda depth: panel.change_property(screen.atom("_NET_WM_STRUT_PARTIAL"), Xatom.CARDINAL, 32,
+                                                  [0, 0, depth, 0, 0, 0, 0, 0, 0, 1279, 0, 0])
+    leave = lambda *area: screen.root.change_property(screen.atom("_NET_WORKAREA"), Xatom.CARDINAL, 32, area)
+    reserve(40)
+    for change, y in ((lambda: leave(0, 0, 1280, 800), 16), (panel.map, 16), (lambda: leave(0, 0, 1280, 800), 56),
+                      (lambda: reserve(60), 76), (lambda: leave(0, 90, 1280, 710), 106)):
+        change()
+        screen.display.sync()
+        time.sleep(0.3)
+        assert screen.place(tile)[1] == y, (screen.place(tile), y)
 
 
 def test_monitors_and_scale(rig):
