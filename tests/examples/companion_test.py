@@ -1,16 +1,12 @@
 #!/usr/bin/env python3
 """examples/companion, built as docs/companion.md says: outside of the tree, on an installed library and on a copy."""
 
-import os
 import re
 import shutil
-import subprocess
-import sys
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
-from document import PAGE, block, blocks  # noqa: E402
-from program_test_case import BIN, ProgramTest  # noqa: E402
+from document import PAGE, block, blocks
+from program_test_case import BIN, ProgramTest
 
 TREE = PAGE.parents[1]
 EXAMPLE = TREE / "examples/companion"
@@ -24,10 +20,9 @@ class CompanionExample(ProgramTest):
             shutil.copy(EXAMPLE / name, self.folder)
 
     def run_command(self, *command, code=0):
-        done = subprocess.run(command, env=self.environment, cwd=self.folder, capture_output=True, text=True,
-                              timeout=120, check=False)
+        done = self.call(*command)
         self.assertEqual(done.returncode, code, done.stdout + done.stderr)
-        return done.stderr
+        return done.stderr.decode()
 
     def test_the_page_shows_it(self):
         self.assertEqual(block("cpp", "In C++"), (EXAMPLE / "companion.cpp").read_text(encoding="utf-8"))

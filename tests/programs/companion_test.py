@@ -5,16 +5,12 @@ import json
 import os
 import re
 import shutil
-import signal
 import socket
 import subprocess
-import sys
-import time
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
-from document import PAGE, block, blocks  # noqa: E402
-from program_test_case import BIN, ProgramTest  # noqa: E402
+from document import PAGE, block, blocks
+from program_test_case import ProgramTest
 
 STUBS = {
     "ssh": '[ "$1" = desk ] && shift && exec "$@"',
@@ -33,29 +29,18 @@ class Companion(ProgramTest):
         for name, text in STUBS.items():
             (stubs / name).write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
             (stubs / name).chmod(0o755)
-        self.environment |= {"PATH": f"{stubs}:{BIN}:{os.environ['PATH']}", "XDG_CONFIG_HOME": str(self.folder)}
+        self.environment |= {"PATH": f"{stubs}:{self.environment['PATH']}", "XDG_CONFIG_HOME": str(self.folder)}
 
-    def start(self, *command, stderr=None):
-        """Ends, with all that it started, when the test does."""
-        process = subprocess.Popen(command, env=self.environment, cwd=self.folder, stdout=subprocess.DEVNULL,
-                                   stderr=stderr, start_new_session=True)
-        self.addCleanup(process.wait)
-        self.addCleanup(lambda: os.killpg(process.pid, signal.SIGKILL))  # nobody else has the id: not waited for yet
+    def start_block(self, code):
+        self.start("sh", "-e", "-c", code, stdout=subprocess.DEVNULL)
 
     def run_block(self, code):
-        done = subprocess.run(["sh", "-e", "-c", code], env=self.environment, cwd=self.folder, capture_output=True,
-                              timeout=30, check=False)
+        done = self.call("sh", "-e", "-c", code)
         return done.returncode, done.stdout.decode(), done.stderr.decode()
 
     def status(self):
         shown = json.loads(self.run_program("tarno-status", "show", "--json").stdout)
         return shown and (shown["status"], shown["detail_line"])
-
-    def wait_for(self, condition):
-        end = time.monotonic() + 20
-        while not condition():
-            self.assertLess(time.monotonic(), end)
-            time.sleep(0.05)
 
     def test_the_example_is_a_record_and_the_table_lists_its_keys(self):
         example = block("json", "The record")
@@ -71,7 +56,7 @@ class Companion(ProgramTest):
         check, show, watch = [code for heading, code in blocks("sh") if heading == "Ask from a script"]
         self.assertEqual(self.run_block(check), (0, "The Mac is locked.\n", ""))
         self.assertEqual(json.loads(self.run_block(show)[1])["status_line"], "Locked")
-        self.start("sh", "-e", "-c", watch)
+        self.start_block(watch)
         log = self.folder / "mac.log"
         self.wait_for(lambda: log.exists() and log.read_text().startswith("locked since 2"))
         code, said, _ = self.run_block(block("sh", "When the tile does not follow"))
@@ -79,7 +64,7 @@ class Companion(ProgramTest):
         self.assertEqual(code, 0)
 
     def test_one_ssh_connection(self):
-        self.start("sh", "-e", "-c", block("sh", "One ssh connection"))
+        self.start_block(block("sh", "One ssh connection"))
         self.wait_for(lambda: self.status() == ("unlocked", "Waiting for Tarno status."))
 
     def test_mqtt(self):
@@ -98,7 +83,7 @@ class Companion(ProgramTest):
 
         self.wait_for(listens)
         subscribe, publish = [code for heading, code in blocks("sh") if heading == "MQTT"]
-        self.start("sh", "-e", "-c", subscribe)
+        self.start_block(subscribe)
 
         def arrives():  # publishing again until the subscriber is there
             self.assertEqual(self.run_block(publish), (0, "", ""))

@@ -1,16 +1,13 @@
 #!/usr/bin/env python3
 """The man pages, compared with what the programs' --help says, and as mandoc judges them."""
 
-import os
 import pathlib
 import re
 import shutil
 import subprocess
-import sys
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
-from program_test_case import ProgramTest  # noqa: E402
+from program_test_case import ProgramTest
 
 PAGES = pathlib.Path(__file__).resolve().parents[2] / "packaging/man"
 
@@ -56,4 +53,4 @@ class ManPages(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main()

@@ -1,14 +1,12 @@
 #!/usr/bin/env python3
 """What is installed beside the programs, as the desktop's own tools judge it; starting at login."""
 
-import os
 import shutil
 import subprocess
 import sys
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
-from program_test_case import BIN, ProgramTest  # noqa: E402
+from program_test_case import BIN, ProgramTest
 
 BUILD = sys.argv[1]
 
@@ -32,9 +30,8 @@ class Packaging(ProgramTest):
                 ("appstreamcli validate --no-net --pedantic", "metainfo/dev.tarno.tarno.metainfo.xml"),
                 ("systemd-analyze --user --man=no verify", "systemd/user/tarno-desktop.service")]:
             if shutil.which(command.split()[0]):
-                done = subprocess.run([*command.split(), share / file], capture_output=True, text=True,
-                                      env={**self.environment, "XDG_RUNTIME_DIR": str(self.folder)})
-                said = [line for line in done.stderr.splitlines() if "connect to system bus" not in line]
+                done = self.call(*command.split(), share / file, environment={"XDG_RUNTIME_DIR": str(self.folder)})
+                said = [line for line in done.stderr.splitlines() if b"connect to system bus" not in line]
                 self.assertEqual((done.returncode, said), (0, []), (command, done.stdout))
         self.assertEqual(self.version_by(share / "applications/tarno-desktop.desktop"), 3)
         for side in (16, 22, 24, 32, 48, 64, 128, 256):

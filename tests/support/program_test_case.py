@@ -3,8 +3,10 @@
 import json
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -19,17 +21,35 @@ class ProgramTest(unittest.TestCase):
         self.folder = Path(tempfile.mkdtemp(prefix="tarno-test-"))
         self.addCleanup(shutil.rmtree, self.folder)
         self.group = self.folder / "data" / GROUP
-        self.environment = {**os.environ, "XDG_DATA_HOME": str(self.folder / "data"), "LC_ALL": "C.UTF-8"}
+        self.environment = {**os.environ, "XDG_DATA_HOME": str(self.folder / "data"), "LC_ALL": "C.UTF-8",
+                            "PATH": f"{BIN}:{os.environ['PATH']}"}
 
-    def run_program(self, *arguments, stdin="", code=0, **environment):
-        program, *rest = map(str, arguments)
-        done = subprocess.run([BIN / program, *rest], input=stdin.encode(), capture_output=True, timeout=60,
-                              env={**self.environment, **environment}, cwd=self.folder)
-        self.assertEqual(done.returncode, code, (arguments, done.stderr.decode()))
+    def call(self, *command, stdin="", environment=None, **options):
+        """Runs a command to its end, whatever comes of it. The options are those of subprocess.run()."""
+        return subprocess.run([str(word) for word in command], input=stdin.encode(), timeout=120, cwd=self.folder,
+                              env={**self.environment, **(environment or {})},
+                              **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
+
+    def run_program(self, *command, stdin="", code=0, **environment):
+        done = self.call(*command, stdin=stdin, environment=environment)
+        self.assertEqual(done.returncode, code, (command, done.stderr.decode()))
         if code:
-            self.assertRegex(done.stderr.decode(), r"\Atarno-\w+: [^\n]+\n\Z", arguments)
-            self.assertEqual(done.stdout, b"", arguments)
+            self.assertRegex(done.stderr.decode(), r"\Atarno-\w+: [^\n]+\n\Z", command)
+            self.assertEqual(done.stdout, b"", command)
         return done
+
+    def start(self, *command, **options):
+        """Ends, with all that it started, when the test does. The options are those of subprocess.Popen()."""
+        process = self.enterContext(subprocess.Popen(command, env=self.environment, cwd=self.folder,
+                                                     start_new_session=True, **options))
+        self.addCleanup(lambda: process.returncode is None and os.killpg(process.pid, signal.SIGKILL))
+        return process
+
+    def wait_for(self, condition):
+        end = time.monotonic() + 20
+        while not condition():
+            self.assertLess(time.monotonic(), end)
+            time.sleep(0.02)
 
     def save(self, record=None, at=MOMENT):
         self.run_program("tarno-status", "save", "--received-at", at, stdin=json.dumps(record or RECORD))
