@@ -4,29 +4,13 @@
 import fcntl
 import json
 import os
-import resource
 import shutil
 import struct
 import subprocess
 import sys
 import unittest
-import zlib
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
-from program_test_case import BIN, MOMENT, ProgramTest  # noqa: E402
-
-
-def png_pixels(png):
-    """The RGBA rows of a PNG whose rows are not filtered."""
-    data, at = b"", 8
-    while at < len(png):
-        length, kind = struct.unpack_from(">I4s", png, at)
-        data += png[at + 8:at + 8 + length] if kind == b"IDAT" else b""
-        at += 12 + length
-    width, height = struct.unpack_from(">II", png, 16)
-    rows, row = zlib.decompress(data), 1 + 4 * width
-    assert not any(rows[::row]), "a row is filtered"
-    return [rows[y * row + 1:(y + 1) * row] for y in range(height)]
+from program_test_case import BIN, MOMENT, ProgramTest
 
 
 class Widget(ProgramTest):
@@ -40,14 +24,13 @@ class Widget(ProgramTest):
         self.addCleanup(os.close, memory)
         os.write(memory, bytes([255]) * 5000)
         fcntl.fcntl(memory, fcntl.F_ADD_SEALS, seals)
-        done = subprocess.run([BIN / program, "frame", "--fd", str(memory), *map(str, arguments)], timeout=60,
-                              pass_fds=[memory], capture_output=True, env={**self.environment, **environment})
+        done = self.call(program, "frame", "--fd", memory, *arguments, environment=environment, pass_fds=[memory])
         self.assertEqual(done.returncode, code, done.stderr)
         self.assertRegex(done.stderr, said)
         answer, = done.stdout.splitlines()
         return json.loads(answer), memory
 
-    def test_tiles_and_frames_have_their_size_and_the_same_pixels(self):
+    def test_tiles_and_frames_have_their_size(self):
         self.save()
         for family, scale, width, height in (("small", 1, 170, 170), ("medium", 1.25, 455, 213), ("large", 2, 728, 764)):
             arguments = ("--family", family, "--scale", scale, "--at", MOMENT)
@@ -59,10 +42,11 @@ class Widget(ProgramTest):
             self.assertEqual((answer["width"], answer["height"]), (width, height))
             self.assertEqual(fcntl.fcntl(memory, fcntl.F_GET_SEALS), fcntl.F_SEAL_SHRINK)
             self.assertEqual(os.fstat(memory).st_size, answer["stride"] * height)
-            for y, row in enumerate(png_pixels(png)):
-                drawn = os.pread(memory, 4 * width, y * answer["stride"])  # BGRA, premultiplied
-                opaque = [x for x in range(0, 4 * width, 4) if drawn[x + 3] == 255]
-                self.assertEqual([drawn[x:x + 3][::-1] for x in opaque], [row[x:x + 3] for x in opaque], (family, y))
+            paper = 0xFFF7FAF8  # reaches all sides, but not the corners
+            for x, y, pixel in ((0, 0, 0), (width // 2, 0, paper), (width - 2, height // 2, paper),
+                                (width // 2, height - 2, paper)):
+                drawn = os.pread(memory, 4, y * answer["stride"] + 4 * x)
+                self.assertEqual(hex(int.from_bytes(drawn, sys.byteorder)), hex(pixel), (family, x, y))
         for name, title in (("a.svg", b"<title>Tarno</title>"), ("a.pdf", b"/Title (Tarno)")):
             self.widget("render", "--output", name)
             self.assertTrue(title in (self.folder / name).read_bytes(), name)
@@ -164,11 +148,11 @@ class Widget(ProgramTest):
         (self.folder / "fonts.conf").write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont>"
                                                 "<rejectfont><glob>/*quicksand*</glob></rejectfont></selectfont></fontconfig>")
         environment = {"FONTCONFIG_FILE": str(self.folder / "fonts.conf")}
-        done = subprocess.run([BIN / "tarno-widget", "fonts"], capture_output=True, env={**self.environment, **environment})
+        done = self.call("tarno-widget", "fonts", environment=environment)
         self.assertEqual((done.returncode, done.stderr), (69, b""))
         self.assertRegex(done.stdout.decode(), r"\AQuicksand is missing[^\n]*fonts-quicksand\n\Z")
-        plain = self.widget("render", "--output", "-", **environment)
-        self.assertNotEqual(png_pixels(plain), png_pixels(self.widget("render", "--output", "-")))
+        draw = ("render", "--output", "-", "--at", MOMENT)
+        self.assertNotEqual(self.widget(*draw, **environment), self.widget(*draw))
 
     def test_help_and_version(self):
         for command in ([], ["frame"], ["render"], ["timeline"], ["gallery"], ["inspect"], ["fonts"]):
@@ -190,11 +174,8 @@ class Widget(ProgramTest):
         for output in ("no/such/folder/a.png", "folder.png"):
             self.widget("render", "--output", output, code=73)
         self.widget("gallery", "--output", "old.png/previews", code=73)
-        for output, limit in (("/dev/full", -1), ("old.png", 100)):
-            with open(self.folder / output, "rb+") as file:
-                done = subprocess.run([BIN / "tarno-widget", "render", "--output", "-" if limit < 0 else output],
-                                      stdout=file, stderr=subprocess.PIPE, env=self.environment, cwd=self.folder,
-                                      preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+        for end in ("render --output - > /dev/full", "render --output old.png"):
+            done = self.call("sh", "-c", "ulimit -f 0; tarno-widget " + end)
             self.assertEqual(done.returncode, 74, done.stderr)
         self.assertEqual(sorted(os.listdir(self.folder)), ["folder.png", "old.png"])
         self.assertEqual((self.folder / "old.png").read_text(), "old")
