@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 
 #include "shared/coding/json.hpp"
 #include "shared/freshness/status_freshness.hpp"
@@ -16,28 +15,22 @@ using namespace std::chrono;
 Snapshot decoded(std::string_view json) { return TarnoJSON::decoder().decode<Snapshot>(json); }
 std::string encoded(const Snapshot& snapshot) { return TarnoJSON::encoder().encode(snapshot); }
 
-std::string errorOf(const std::function<void()>& work) try {
-  return work(), "";
-} catch (const std::runtime_error& error) {
+std::string errorOfEncoding(const Snapshot& snapshot) try {
+  return encoded(snapshot);
+} catch (const foundation::EncodingError& error) {
   return error.what();
 }
 
 constexpr Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
 
-TEST(MacStatus, EveryCaseIsItsRawValue) {
-  using enum TarnoMacStatus::Case;
-  const std::tuple<TarnoMacStatus, std::string, const char*> rows[] = {{locked, "locked", "Locked"},
-                                                                       {unlocked, "unlocked", "Unlocked"},
-                                                                       {locking, "locking", "Locking"},
-                                                                       {unknown, "unknown", "Unknown"}};
-  std::size_t index = 0;
-  for (const auto& [status, raw, name] : rows) {
-    EXPECT_EQ(TarnoMacStatus::allCases.at(index++), status);
-    EXPECT_EQ(status.rawValue(), raw);
-    EXPECT_EQ(status.displayName(), name);
-    EXPECT_EQ(TarnoMacStatus::fromRawValue(raw), status);
-    EXPECT_EQ(std::hash<TarnoMacStatus>{}(status), std::hash<std::string>{}(raw));
+TEST(MacStatus, IsReadByItsRawValueOnly) {
+  std::string words;
+  for (const auto status : TarnoMacStatus::allCases) {
+    words.append(status.rawValue()).append(" ").append(status.displayName()).append("; ");
+    EXPECT_EQ(TarnoMacStatus::fromRawValue(status.rawValue()), status);
+    EXPECT_EQ(std::hash<TarnoMacStatus>{}(status), std::hash<std::string_view>{}(status.rawValue()));
   }
+  EXPECT_EQ(words, "locked Locked; unlocked Unlocked; locking Locking; unknown Unknown; ");
 }
 
 TEST(Snapshot, EveryFieldSurvivesAndCounts) {
@@ -63,16 +56,10 @@ TEST(Snapshot, EveryFieldSurvivesAndCounts) {
             R"({"confidence":3,"input_idle_seconds":7.0,"age_seconds":3})");
 }
 
-TEST(Snapshot, OneBadFieldRefusesTheRecord) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"null", "expected an object, found null"},
-      {R"({"input_idle_seconds":[]})", "input_idle_seconds: expected a number, found an array"},
-      {R"({"seen_at":1763307695})", "seen_at: expected a string, found a number"}};
-  for (const auto& row : rows) EXPECT_EQ(errorOf([&] { decoded(row.first); }), row.second);
-  EXPECT_EQ(errorOf([] { encoded({.app = "a", .inputIdleSeconds = std::nan("")}); }),
+TEST(Snapshot, WhatHasNoJSONFormRefusesTheRecord) {
+  EXPECT_EQ(errorOfEncoding({.app = "a", .inputIdleSeconds = std::nan("")}),
             "input_idle_seconds: a number that is not finite has no JSON form");
-  EXPECT_EQ(errorOf([] { encoded({.message = "\xff"}); }),
-            "message: text that is not UTF-8 has no JSON form");
+  EXPECT_EQ(errorOfEncoding({.message = "\xff"}), "message: text that is not UTF-8 has no JSON form");
 }
 
 TEST(Snapshot, DatesAreWrittenInWholeSecondsOfTheYearsThatReadBack) {
