@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """examples/companion, built as docs/companion.md says: outside of the tree, on an installed library and on a copy."""
 
 import re
@@ -50,7 +49,3 @@ class CompanionExample(ProgramTest):
         found = r"(?i).*(cairo|cli11|png|xcb|wayland|gtest|python)"
         self.assertEqual([name for name in variables if re.match(found, name)], [])
         self.assertIn("UTF8PROC_FOUND", variables)
-
-
-if __name__ == "__main__":
-    unittest.main()

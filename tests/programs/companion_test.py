@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """Every command of docs/companion.md, run as it stands there."""
 
 import json
@@ -95,7 +94,3 @@ class Companion(ProgramTest):
         run = ["A shell over ssh", "One ssh connection", "MQTT", "MQTT", "In C++", "In C++",  # those in examples/
                *["Ask from a script"] * 3, "When the tile does not follow"]
         self.assertEqual([heading for heading, _ in blocks("sh")], run)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,14 +1,13 @@
-#!/usr/bin/env python3
-"""What shells complete after the programs' names. usage: completions_test.py BUILD_FOLDER"""
-import pathlib
+"""What shells complete after the programs' names."""
+
 import re
 import shutil
 import subprocess
-import sys
 import unittest
 
-BUILD = pathlib.Path(sys.argv.pop(1))
-FOLDER = BUILD / "packaging/completions"
+from program_test_case import BIN
+
+FOLDER = BIN.parent / "packaging/completions"
 COMPLETE = 'compopt() { :; }; source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _${1//-/_}; echo "${COMPREPLY[@]}"'
 
 
@@ -30,14 +29,10 @@ class Completions(unittest.TestCase):
 
     def test_every_option_is_offered(self):
         for program in ("tarno-desktop", "tarno-status", "tarno-widget"):
-            commands = re.findall(r"(?m)^  ([a-z]+)  ", output(BUILD / "bin" / program, "--help"))
+            commands = re.findall(r"(?m)^  ([a-z]+)  ", output(BIN / program, "--help"))
             for command in [[], *([word] for word in commands)]:
-                options = set(re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", output(BUILD / "bin" / program, *command, "--help")))
+                options = set(re.findall(r"(?m)^  (?:-h,)?(--[\w-]+)", output(BIN / program, *command, "--help")))
                 shown = output("bash", "-c", COMPLETE, FOLDER / program, program, *command, "--")
                 self.assertEqual(set(shown.split()), options, command)
             if shutil.which("zsh"):
                 output("zsh", "-n", FOLDER / f"_{program}")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """tarno-status save --follow: records that keep coming."""
 
 import fcntl
@@ -95,7 +94,3 @@ class Follow(ProgramTest):
                          (66, b"tarno-status: line 1: cannot read standard input: Is a directory\n"))
         for arguments in (("report.json",), ("--received-at", MOMENT)):
             self.run_program(*FOLLOW, *arguments, code=64)
-
-
-if __name__ == "__main__":
-    unittest.main()

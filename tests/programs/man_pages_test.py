@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """The man pages, compared with what the programs' --help says, and as mandoc judges them."""
 
 import pathlib
@@ -50,7 +49,3 @@ class ManPages(ProgramTest):
             done = subprocess.run(["mandoc", "-Tlint", page], capture_output=True, text=True, cwd=PAGES)
             # Which manuals of others are installed is not the page's matter.
             self.assertEqual([line for line in done.stdout.splitlines() if "referenced manual not found" not in line], [])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,14 +1,10 @@
-#!/usr/bin/env python3
 """What is installed beside the programs, as the desktop's own tools judge it; starting at login."""
 
 import shutil
 import subprocess
-import sys
 import unittest
 
 from program_test_case import BIN, ProgramTest
-
-BUILD = sys.argv[1]
 
 
 class Packaging(ProgramTest):
@@ -23,7 +19,7 @@ class Packaging(ProgramTest):
 
     def test_an_installation_is_what_desktops_expect(self):
         prefix = self.folder / "a prefix"
-        subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix], check=True, capture_output=True)
+        subprocess.run(["cmake", "--install", BIN.parent, "--prefix", prefix], check=True, capture_output=True)
         share = prefix / "share"
         for command, file in [
                 ("desktop-file-validate", "applications/tarno-desktop.desktop"),
@@ -58,7 +54,3 @@ class Packaging(ProgramTest):
                                   ("on --margin 3", "/x", 64)]:
             self.run_program("tarno-desktop", "--autostart", *words.split(), code=code,
                              XDG_CONFIG_HOME=str(home), HOME="")
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """tarno-status as people run it."""
 
 import fcntl
@@ -147,7 +146,3 @@ class Status(ProgramTest):
     def test_wrong_command_lines(self):
         for words in ("", "shout", "show --at now", "save --received-at 2026-02-30T00:00:00Z"):
             self.run_program("tarno-status", *words.split(), code=64)
-
-
-if __name__ == "__main__":
-    unittest.main()

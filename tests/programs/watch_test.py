@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """tarno-status watch: lines for bars and scripts."""
 
 import datetime
@@ -109,7 +108,3 @@ class Watch(ProgramTest):
         if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs descriptors of its own
             done = self.call("sh", "-c", "ulimit -n 5; exec tarno-status watch")
             self.assertEqual((done.returncode, done.stdout), (71, b""), done.stderr)
-
-
-if __name__ == "__main__":
-    unittest.main()

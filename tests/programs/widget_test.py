@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """tarno-widget as people run it."""
 
 import fcntl
@@ -179,7 +178,3 @@ class Widget(ProgramTest):
             self.assertEqual(done.returncode, 74, done.stderr)
         self.assertEqual(sorted(os.listdir(self.folder)), ["folder.png", "old.png"])
         self.assertEqual((self.folder / "old.png").read_text(), "old")
-
-
-if __name__ == "__main__":
-    unittest.main()
