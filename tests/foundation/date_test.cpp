@@ -48,8 +48,6 @@ TEST(ISO8601, RefusesEverythingElse) {
 }
 
 TEST(ISO8601, WritesInUTCAndCutsTowardsThePast) {
-  EXPECT_EQ(wholeSeconds.formatOptions(), 1907u);
-  EXPECT_EQ(fractions.formatOptions(), 3955u);
   EXPECT_EQ(wholeSeconds.string(moment + 250ms), "2026-11-16T15:41:35Z");
   EXPECT_EQ(fractions.string(Date{-1us}), "1969-12-31T23:59:59.999Z");
   EXPECT_EQ(wholeSeconds.string(earliestDate - 1us), "+00000-12-31T23:59:59Z");

@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "common/command_line.hpp"
-#include "common/dates.hpp"
 #include "common/failure.hpp"
 #include "common/files.hpp"
 #include "common/output.hpp"
@@ -56,13 +55,6 @@ TEST(Program, EndsWithTheCodeOfWhatHappened) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               std::string{program_invocation_short_name} + ": " + said);
   }
-}
-
-TEST(Program, DatesShowMillisecondsOnlyWhenThereAreAny) {
-  for (const auto& [date, text] : {std::pair{-1us, "1969-12-31T23:59:59.999Z"},
-                                   {999us, "1970-01-01T00:00:00Z"},
-                                   {1000us, "1970-01-01T00:00:00.001Z"}})
-    EXPECT_EQ(program::dateText(foundation::Date{date}), text);
 }
 
 TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {

@@ -10,6 +10,7 @@
 #include "ui/description/scene_description.hpp"
 #include "ui/description/view_description.hpp"
 #include "ui/layout/sizing.hpp"
+#include "ui/layout/text_fitting.hpp"
 
 using namespace ui;
 
@@ -216,6 +217,36 @@ TEST(Layout, FillsTheContainerToItsEdgeAndKeepsTheViewInsideTheMargin) {
     EXPECT_EQ(inContainer(inside), scene);
   EXPECT_EQ(drawn(inContainer(filler)), "[16,16 138x68]");
   EXPECT_TRUE(drawn(laidOut(filler, {20, 20}, 30)).ends_with(" 0x0]"));
+}
+
+TEST(TextFitting, ShrinksToTheSmallestScaleAndThenCuts) {
+  const std::string ten = "abcdefghij";
+  const std::string words = "aaaa bbbb cccc";
+  const struct {
+    std::string text;
+    std::optional<double> width;
+    int lineLimit;
+    double smallest, fontSize, fittedWidth;
+    int lines;
+    bool truncated = false;
+  } cases[] = {{ten, {}, 1, 0.85, 10, 50, 1},          {ten, 50 - 1e-10, 1, 1, 10, 50, 1},
+               {ten, 49.9, 1, 0.85, 9.98, 49.9, 1},    {ten, 45, 1, 0.85, 9, 45, 1},
+               {ten, 42.5, 1, 0.85, 8.5, 42.5, 1},     {ten, 40, 1, 0.85, 8.5, 38.25, 1, true},
+               {ten, 45, 1, 1, 10, 45, 1, true},       {"", 0, 1, 0.85, 10, 0, 1},
+               {"ab\ncd", 100, 1, 1, 10, 25, 1},       {"ab\ncd\nef", {}, 2, 0.85, 10, 15, 2, true},
+               {words, 45, 2, 0.85, 10, 45, 2},        {words, 44, 2, 0.85, 9.71875, 43.734375, 2},
+               {words, 20, 2, 0.85, 8.5, 17, 2, true}, {words, 20, unlimitedLines, 0.85, 10, 20, 3}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text + " in " + std::to_string(c.width.value_or(-1)));
+    FakeMeasurer measurer;
+    const Environment environment{Font::system(10).rounded(), black, c.lineLimit, c.smallest};
+    const auto [font, metrics] = fitText(c.text, environment, c.width, measurer);
+    EXPECT_NEAR(font.size, c.fontSize, 1e-9);
+    EXPECT_EQ(font.fontDesign, FontDesign::rounded);
+    EXPECT_NEAR(metrics.size.width, c.fittedWidth, 1e-9);
+    EXPECT_NEAR(metrics.size.height, 1.2 * c.fontSize * c.lines, 1e-9);
+    EXPECT_EQ(metrics.truncated, c.truncated);
+  }
 }
 
 }  // namespace

@@ -149,12 +149,8 @@ TEST(WidgetView, TextsFollowTheEntryAndTheClock) {
        "Unknown|Mac|Unknown|a|Not synced|Presence quiet|"}};
   for (const auto& [entry, texts] : cases) EXPECT_EQ(valuesOf(tile(entry), "Text", "text"), texts);
 
-  const std::pair<foundation::Date::duration, std::string> ages[] = {
-      {-1h, "0s ago"}, {999ms, "0s ago"}, {59990ms, "59s ago"}, {119s, "1m ago"}, {48h, "48h ago"}};
-  for (const auto& [age, line] : ages)
-    EXPECT_NE(valuesOf(tile({now - 30min, {}, now - age}), "Text", "text").find('|' + line + '|'),
-              std::string::npos)
-        << line;
+  for (const auto& [age, line] : {std::pair{-1h, "|0s ago|"}, {48h, "|48h ago|"}})
+    EXPECT_NE(valuesOf(tile({now - 30min, {}, now - age}), "Text", "text").find(line), std::string::npos);
 }
 
 }  // namespace
