@@ -4,16 +4,14 @@
 """
 
 import datetime
-import os
+import pathlib
 import re
 import sys
 import time
 
-sys.path[:0] = [os.path.join(os.path.dirname(os.path.abspath(__file__)), place) for place in ("../support", "../../script")]
-from document import block  # noqa: E402
-from headless import Rig, wait_for  # noqa: E402
-
-from Xlib import X, display  # noqa: E402
+from document import block
+from headless import Rig, wait_for
+from Xlib import X, display
 
 RECORD = '{"status": "%s", "device_name": "Kivo\'s <Mac>"}'
 
@@ -24,8 +22,7 @@ def save(rig, status, age=0):
 
 
 def write(rig, name, text):
-    with open(rig.path(name), "w", encoding="utf-8") as file:
-        file.write(text)
+    pathlib.Path(rig.path(name)).write_text(text, encoding="utf-8")
     return rig.path(name)
 
 
@@ -51,9 +48,11 @@ def shows_each_status(rig, picture):
     assert empty not in pictures, "a status looks like none"
 
 
-def x11_picture(screen):
-    root = screen.screen().root
-    return lambda: root.get_image(0, 0, 1280, 800, X.ZPixmap, 0xFFFFFFFF).data
+def x11(rig):
+    """The root window of a new screen, and what shows all of the screen."""
+    rig.x11()
+    root = display.Display(rig.env["DISPLAY"]).screen().root
+    return root, lambda: root.get_image(0, 0, 1280, 800, X.ZPixmap, 0xFFFFFFFF).data
 
 
 def waybar(rig):
@@ -82,20 +81,16 @@ def waybar(rig):
 
 
 def i3bar(rig):
-    rig.x11()
-    screen = display.Display(rig.env["DISPLAY"])
+    root, picture = x11(rig)
     rig.start("i3", "-c", write(rig, "i3.conf", "# i3 config file (v4)\n" + block("conf", "sway and i3")))
-    root = screen.screen().root
     wait_for(lambda: len(root.query_tree().children) > 2, message="i3bar")
-    shows_each_status(rig, x11_picture(screen))
+    shows_each_status(rig, picture)
 
 
 def polybar(rig):
-    rig.x11()
-    screen = display.Display(rig.env["DISPLAY"])
+    _, picture = x11(rig)
     config = "[bar/test]\nmodules-left = tarno\nbackground = #204060\nforeground = #ffffff\n" + block("ini", "polybar")
     rig.start("polybar", "-q", "-c", write(rig, "polybar.ini", config), "test")
-    picture = x11_picture(screen)
     wait_for(lambda: b"\x60\x40\x20" in picture(), message="polybar")
     shows_each_status(rig, picture)
 

@@ -123,9 +123,6 @@ class Status(ProgramTest):
         for command, code in (("save", 73), ("show", 69)):
             done = self.run_program("tarno-status", command, stdin="{}", code=code)
             self.assertIn(b"is a symbolic link", done.stderr)
-        done = self.run_program("tarno-widget", "timeline", "--at", MOMENT)
-        self.assertIsNone(json.loads(done.stdout)["entries"][0]["status"])
-        self.assertRegex(done.stderr.decode(), r"\AERROR: TarnoMacDefaults could not [^\n]+\n\Z")
         for kind in ("reading", "saving"):
             self.assertIn("is a symbolic link", self.doctor()[kind])
 
