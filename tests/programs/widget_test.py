@@ -132,15 +132,15 @@ class Widget(ProgramTest):
         # A locale of its own: the system need not have any, and in C.UTF-8 newer C libraries translate nothing.
         subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8", self.folder / "de_DE.UTF-8"], check=True)
         self.environment |= {"LOCPATH": str(self.folder)}
-        for locale in ({"LC_ALL": "de_DE.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "de_DE.UTF-8"}):
-            done = self.run_program(programs / "tarno-widget", "gallery", "--json", **locale)
-            shown = json.loads(done.stdout)
-            self.assertEqual((shown["display_name"], shown["description"]), ("Tarno-Kachel", "Sperre für den Mac"), locale)
-        answer, _ = self.frame(program=programs / "tarno-widget", LC_ALL="de_DE.UTF-8")
+        german = {"LC_ALL": "de_DE.UTF-8"}
+        theirs, ours = ("Tarno-Kachel", "Sperre für den Mac"), ("Tarno", "Sperrstatus und Anwesenheitssignale Ihres Macs.")
+        for program, locale, words in ((programs / "tarno-widget", german, theirs), ("tarno-widget", german, ours),
+                                       (programs / "tarno-widget", {"LC_ALL": "", "LC_CTYPE": "C",
+                                                                    "LC_MESSAGES": "de_DE.UTF-8"}, theirs)):
+            shown = json.loads(self.run_program(program, "gallery", "--json", **locale).stdout)
+            self.assertEqual((shown["display_name"], shown["description"]), words, locale)
+        answer, _ = self.frame(program=programs / "tarno-widget", **german)
         self.assertEqual(answer["title"], "Tarno-Kachel")
-        shown = json.loads(self.widget("gallery", "--json", LC_ALL="de_DE.UTF-8"))  # by the project's own catalogue
-        self.assertEqual((shown["display_name"], shown["description"]),
-                         ("Tarno", "Sperrstatus und Anwesenheitssignale Ihres Macs."))
 
     def test_fonts_tell_when_the_rounded_face_is_missing(self):
         self.assertEqual(self.widget("fonts"), b"Quicksand\n")
