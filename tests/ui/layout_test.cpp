@@ -201,16 +201,14 @@ TEST(Layout, AnnouncesTextsAndLabelledViews) {
 
 TEST(Layout, FillsTheContainerToItsEdgeAndKeepsTheViewInsideTheMargin) {
   const Rect whole{{0, 0}, {170, 100}};
-  const auto inContainer = [&](const View& view) { return laidOut(view, whole.size, 16); };
   const View white = filler.containerBackground(ui::white);
-  const Scene scene = inContainer(white);
-  ASSERT_EQ(scene.items.size(), 2U);
-  EXPECT_EQ(scene.items[0], (SceneItem{FillPath{Path::roundedRect(whole, 22), ui::white}}));
+  const Scene scene = laidOut(white, whole.size, 16);
   EXPECT_EQ(drawn(scene), "[0,0 170x100][16,16 138x68]");
+  EXPECT_EQ(scene.items.at(0), (SceneItem{FillPath{Path::roundedRect(whole, 22), ui::white}}));
   for (const View& inside :
        {white.frame({}), ZStack({}, white), filler.containerBackground(black).containerBackground(ui::white)})
-    EXPECT_EQ(inContainer(inside), scene);
-  EXPECT_EQ(drawn(inContainer(filler)), "[16,16 138x68]");
+    EXPECT_EQ(laidOut(inside, whole.size, 16), scene);
+  EXPECT_EQ(drawn(laidOut(filler, whole.size, 16)), "[16,16 138x68]");
   EXPECT_TRUE(drawn(laidOut(filler, {20, 20}, 30)).ends_with(" 0x0]"));
 }
 

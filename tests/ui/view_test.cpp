@@ -17,20 +17,23 @@ namespace {
 static_assert(!std::is_convertible_v<decltype(leading), VerticalAlignment>);
 static_assert(!std::is_convertible_v<decltype(top), HorizontalAlignment>);
 
+/// A view of every kind, with what is usual and what is not.
 View tile(const std::string& title) {
   const View arc =
       Circle{}.trim(0.08, 0.92).stroke(white.opacity(0.5), {.lineWidth = 6, .lineCap = LineCap::round});
-  const View dial =
-      ZStack({}, Circle{}.stroke(black, {.lineWidth = 6}), arc.rotationEffect(Angle::degrees(126)));
+  const View dial = ZStack({.alignment = {{0}, {1}}}, Circle{}.stroke(black, {.lineWidth = 6}),
+                           arc.rotationEffect(Angle::degrees(126)), HStack({.alignment = {0.25}}));
   const View pill = Label(title, "no.such.symbol")
                         .font(Font::system(11).rounded().weight(FontWeight::semibold))
                         .foregroundStyle(Color::sRGB(0.18, 0.56, 0.576))
                         .lineLimit(1)
                         .minimumScaleFactor(0.85)
                         .padding(EdgeSet::horizontal, 8)
+                        .padding(EdgeSet::vertical, -1e-9)
                         .background(Capsule{RoundedCornerStyle::continuous}.fill(black.opacity(0.12)));
-  const View named = dial.frame({.width = 50, .height = 50}).accessibilityElement("Mac \"locked\"");
-  return HStack({.alignment = top, .spacing = 14}, named, std::optional<View>{}, pill)
+  const View named = dial.frame({.width = 50, .maxHeight = 1e-9, .alignment = bottom});
+  return VStack({.alignment = trailing, .spacing = 1.0 / 3}, named.accessibilityElement("Mac \"locked\""),
+                std::optional<View>{}, pill.accessibilityHidden())
       .frame({.maxWidth = infinity, .maxHeight = infinity, .alignment = leading})
       .containerBackground(white);
 }
@@ -82,41 +85,26 @@ TEST(View, KeepsItsNumbersWithinTheirBounds) {
 TEST(Description, OfAViewReadsAsItWasWritten) {
   EXPECT_EQ(outline(describe(tile("now\n"))), R"(containerBackground color=#FFFFFF
   frame maxWidth=infinity maxHeight=infinity alignment=leading
-    HStack alignment=top spacing=14
+    VStack alignment=trailing spacing=0.333
       accessibilityElement label="Mac \"locked\""
-        frame width=50 height=50
-          ZStack
+        frame width=50 maxHeight=0 alignment=bottom
+          ZStack alignment="leading bottom"
             Circle stroke=#000000 lineWidth=6
             rotationEffect degrees=126
               Circle from=0.08 to=0.92 stroke=#FFFFFF@0.5 lineWidth=6 lineCap=round
-      background
-        padding edges=horizontal length=8
-          minimumScaleFactor factor=0.85
-            lineLimit lines=1
-              foregroundStyle color=#2E8F93
-                font size=11 weight=semibold design=rounded
-                  HStack spacing=4
-                    Image systemName="no.such.symbol"
-                    Text text="now\n"
-        Capsule style=continuous fill=#000000@0.12
-)");
-}
-
-TEST(Description, NamesWhatIsNotUsual) {
-  const View image = Image("clock").rotationEffect(Angle::degrees(90));
-  const View stack = ZStack({.alignment = {{0}, {1}}}, VStack({.alignment = trailing, .spacing = 1.0 / 3}),
-                            image, Circle{}.trim(0, 0.5).fill(black), HStack({.alignment = {0.25}}));
-  const View framed =
-      stack.padding(EdgeSet::vertical, -1e-9).frame({.width = 9, .maxHeight = 1e-9, .alignment = bottom});
-  EXPECT_EQ(outline(describe(framed.accessibilityHidden())), R"(accessibilityHidden
-  frame width=9 maxHeight=0 alignment=bottom
-    padding edges=vertical length=0
-      ZStack alignment="leading bottom"
-        VStack alignment=trailing spacing=0.333
-        rotationEffect degrees=90
-          Image systemName="clock"
-        Circle from=0 to=0.5 fill=#000000
-        HStack alignment=0.250000 spacing=8
+            HStack alignment=0.250000 spacing=8
+      accessibilityHidden
+        background
+          padding edges=vertical length=0
+            padding edges=horizontal length=8
+              minimumScaleFactor factor=0.85
+                lineLimit lines=1
+                  foregroundStyle color=#2E8F93
+                    font size=11 weight=semibold design=rounded
+                      HStack spacing=4
+                        Image systemName="no.such.symbol"
+                        Text text="now\n"
+          Capsule style=continuous fill=#000000@0.12
 )");
 }
 

@@ -99,17 +99,13 @@ ui::Scene laidOut(const ui::View& view, ui::Size size) {
   return layout(view, {.size = size}, measurer);
 }
 
-TEST(WidgetView, SmallIsTheDialAloneInTheMiddle) {
+TEST(WidgetView, IsADialBesideTheTextsAndPillsAndSmallTheDialAlone) {
   const foundation::ClockOverride clock{now};
   const auto small = tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemSmall);
   EXPECT_EQ(valuesOf(small, "containerBackground", "color"), "#F7FAF8|");
   EXPECT_EQ(outline(describeAccessibility(laidOut(small, {200, 150}))),
             "accessibility\n  image label=\"Kivo's Mac locked\" x=34 y=9 width=132 height=132\n");
-}
-
-TEST(WidgetView, MediumAndLargePutTheDialBesideTheTextsAndPills) {
-  const foundation::ClockOverride clock{now};
-  const auto medium = tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemMedium);
+  const auto medium = tile(TarnoMacWidgetEntry::placeholder());
   EXPECT_EQ(medium, tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemLarge));
   EXPECT_EQ(valuesOf(medium, "Capsule", "style"), "continuous|continuous|");
   EXPECT_EQ(valuesOf(medium, "Capsule", "fill"), "#7078B2@0.12|#14666A@0.12|");
