@@ -65,7 +65,6 @@ TEST(LoadStatus, TakesTheFirstSourceThatWorks) {
   const std::tuple<Stored, Stored, Stored, std::string> rows[] = {
       {now, {}, {}, ""},
       {{}, {}, "locked", plain + R"("stale":true,)" + end},
-      {now - 151s, {}, "locked", plain + R"("stale":true,"age_seconds":151,)" + end},
       {now, {}, Data{"locked"}, ""},
       {now, Data{R"({"stale":1})"}, "locked", plain + R"("stale":false,"age_seconds":0,)" + end},
       {now - 151s, record, "unlocked", R"({"status":"locked","stale":true,"age_seconds":151})"},

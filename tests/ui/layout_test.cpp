@@ -140,11 +140,12 @@ TEST(Layout, RotatesWhatIsDrawnAboutTheFramesCentre) {
 }
 
 TEST(Layout, RoundsCapsulesAndTheBoxOfAnUnknownSymbol) {
-  const Rect rect{{0, 0}, {10, 12}};
-  EXPECT_EQ(laidOut(filler, rect.size).items.at(0), (SceneItem{FillPath{Path::roundedRect(rect, 5), black}}));
   const View image = Image("no.such.symbol").font(Font::system(10)).foregroundStyle(white);
-  const StrokePath box{Path::roundedRect({{1.2, 1.2}, {7.6, 7.6}}, 1.6), {.lineWidth = 0.8}, white};
-  EXPECT_EQ(laidOut(image, {10, 10}).items.at(0), SceneItem{box});
+  const SceneItem box =
+      StrokePath{Path::roundedRect({{1.2, 1.2}, {7.6, 7.6}}, 1.6), {.lineWidth = 0.8}, white};
+  EXPECT_EQ(laidOut(image, {10, 10}).items.at(0), box);
+  const SceneItem capsule = FillPath{Path::roundedRect({{0, 0}, {10, 12}}, 5), black};
+  EXPECT_EQ(laidOut(filler, {10, 12}).items.at(0), capsule);
 }
 
 /// A view that has `x` wherever there is a number, but for angles `turn`.

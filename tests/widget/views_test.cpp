@@ -72,23 +72,20 @@ TEST(DialView, ShowsEveryStatus) {
 }
 
 TEST(DialView, MeasuresFollowItsSizeDownToTheirMinimums) {
-  const struct {
-    double size;
-    const char *lineWidths, *fonts, *widths, *heights, *spacings;
-  } cases[] = {
-      {50, "6|6|", "9|6.5|8|8|8|", "50|35|31|18|18|18|", "50|35|18|18|18|", "4|"},
-      {400, "29.6|29.6|", "72|52|20.8|20.8|20.8|", "400|280|248|44.8|44.8|44.8|", "400|280|44.8|44.8|44.8|",
-       "12.8|"},
-  };
-  for (const auto& c : cases) {
-    const auto dial = TarnoMacDialView{{}, c.size, true}.body();
-    EXPECT_EQ(valuesOf(dial, "Circle", "lineWidth"), c.lineWidths);
-    EXPECT_EQ(valuesOf(dial, "font", "size"), c.fonts);
-    EXPECT_EQ(valuesOf(dial, "font", "weight"), "bold|bold|bold|bold|bold|");
-    EXPECT_EQ(valuesOf(dial, "frame", "width"), c.widths);
-    EXPECT_EQ(valuesOf(dial, "frame", "height"), c.heights);
-    EXPECT_EQ(valuesOf(dial, "HStack", "spacing"), c.spacings);
-  }
+  const std::tuple<double, const char*, const char*, const char*> cases[] = {
+      {50, "Circle", "lineWidth", "6|6|"},
+      {50, "font", "size", "9|6.5|8|8|8|"},
+      {50, "font", "weight", "bold|bold|bold|bold|bold|"},
+      {50, "frame", "width", "50|35|31|18|18|18|"},
+      {50, "frame", "height", "50|35|18|18|18|"},
+      {50, "HStack", "spacing", "4|"},
+      {400, "Circle", "lineWidth", "29.6|29.6|"},
+      {400, "font", "size", "72|52|20.8|20.8|20.8|"},
+      {400, "frame", "width", "400|280|248|44.8|44.8|44.8|"},
+      {400, "frame", "height", "400|280|44.8|44.8|44.8|"},
+      {400, "HStack", "spacing", "12.8|"}};
+  for (const auto& [size, node, attribute, values] : cases)
+    EXPECT_EQ(valuesOf(TarnoMacDialView{{}, size, true}.body(), node, attribute), values) << size;
   const auto withoutSignals = TarnoMacDialView{{}, 132, false}.body();
   EXPECT_EQ(valuesOf(withoutSignals, "Image", "systemName"), "questionmark.circle.fill|");
   EXPECT_EQ(valuesOf(withoutSignals, "VStack", "spacing"), "5|");
