@@ -156,7 +156,9 @@ View viewOf(double x, double turn) {
   const View arc = Circle{}.trim(x, x / 2).trim(0, x).stroke(color, {.lineWidth = x});
   const View across = HStack({.alignment = {x}, .spacing = x}, some, arc, some.font(Font::system(x)));
   const View down = VStack({.alignment = {x}, .spacing = x}, across, some, Text("ef"));
-  const View layers = ZStack({.alignment = alignment}, down, some.rotationEffect({turn}), arc);
+  const View shapes =
+      HStack({}, arc, Circle{}.fill(color), Capsule{RoundedCornerStyle::circular}.fill(color));
+  const View layers = ZStack({.alignment = alignment}, down, some.rotationEffect({turn}), shapes);
   const View padded = layers.padding(EdgeSet::horizontal, x).padding(EdgeSet::vertical, x);
   const View fixed = padded.frame({.width = x, .height = x, .alignment = alignment});
   const View flexible = padded.frame({.maxWidth = x, .maxHeight = x, .alignment = alignment});
@@ -168,8 +170,9 @@ View viewOf(double x) { return viewOf(x, x); }
 TEST(Layout, EndsWithFiniteGeometryForAnyNumbers) {
   for (const double x :
        {double{NAN}, infinity, -infinity, 1e300, -1e300, 1e9, 40.0, 0.3, 1e-9, 5e-324, -0.0, -1.0}) {
-    for (const double side : {170.0, x}) {
-      const Scene scene = laidOut(viewOf(x), {side, side}, side / 10);
+    for (const auto& container : {ContainerShape{{170, 170}, 16, 22}, ContainerShape{{x, x}, x, x}}) {
+      FakeMeasurer measurer;
+      const Scene scene = layout(viewOf(x), container, measurer);
       EXPECT_EQ(scene, Scene{scene}) << "a NaN is unequal to itself, with " << x;
       EXPECT_EQ(outline(describe(scene)).find("inf"), std::string::npos) << x;
     }
