@@ -16,22 +16,13 @@ using Entry = TarnoMacWidgetEntry;
 constexpr Date start = sys_days{2026y / November / 16} + 15h;
 
 /// A clock that runs one second further at every reading.
-class TickingClock {
- public:
+struct TickingClock {
   int readings = 0;
-
- private:
-  foundation::ClockOverride override_{[this] { return start + seconds{readings++}; }};
+  foundation::ClockOverride clock{[this] { return start + seconds{readings++}; }};
 };
 
 /// The provider as a host sees it.
 const auto provider = TarnoMacStatusWidget{}.body().provider;
-
-Entry own(const widgetkit::AnyTimelineEntry& entry) {
-  auto result = std::any_cast<Entry>(entry.value);
-  EXPECT_EQ(entry.date, result.date);
-  return result;
-}
 
 TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
   TickingClock clock;
@@ -52,15 +43,14 @@ TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
   const auto empty = provider->timeline({});
   EXPECT_EQ(clock.readings, 2);
   ASSERT_EQ(empty.entries.size(), 1u);
-  EXPECT_EQ(own(empty.entries[0]), (Entry{.date = start}));
+  EXPECT_EQ(empty.entries[0].date, start);
+  EXPECT_EQ(std::any_cast<Entry>(empty.entries[0].value), (Entry{.date = start}));
   EXPECT_EQ(empty.policy.date(), start + 1s + 30s);  // counted from the second reading
 
   TarnoMacDefaults::saveStatus({.status = TarnoMacStatus::unlocked}, start - 200s);
-  const auto stale = own(provider->timeline({}).entries.at(0));
-  EXPECT_EQ(stale.date, start + 2s);
-  EXPECT_EQ(stale.lastRefresh, start - 200s);
-  EXPECT_EQ(stale.status,
-            (TarnoMacStatusSnapshot{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202}));
+  const TarnoMacStatusSnapshot stale{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202};
+  EXPECT_EQ(std::any_cast<Entry>(provider->timeline({}).entries.at(0).value),
+            (Entry{start + 2s, stale, start - 200s}));
 }
 
 TEST(Extension, ServesOnlyTheHostThatStartedIt) {
