@@ -18,10 +18,8 @@ class Follow(ProgramTest):
         """Its exit code and the lines on standard error, without the program's name."""
         done = self.call(*FOLLOW, "--at", MOMENT, *arguments, stdin=text)
         self.assertEqual(done.stdout, b"")
-        lines = done.stderr.decode().splitlines()
-        for line in lines:
-            self.assertTrue(line.startswith("tarno-status: "), line)
-        return done.returncode, [line.removeprefix("tarno-status: ") for line in lines]
+        self.assertRegex(done.stderr.decode(), r"\A(tarno-status: [^\n]+\n)*\Z")
+        return done.returncode, re.findall("^tarno-status: (.*)", done.stderr.decode(), re.M)
 
     def saved(self, key="status"):
         shown = self.shown()
