@@ -115,6 +115,7 @@ TEST(Layout, SizesFramesByTheProposal) {
       {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
       {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
       {box(20).padding(EdgeSet::vertical, -30), {}, {20, 0}},
+      {box(20).padding(EdgeSet::horizontal, -30), {}, {0, 10}},
       {Image("no.such.symbol").font(Font::system(8)), {}, {8, 8}},
       {Image("clock").font(Font::system(10)), {}, {12, 12}},
       {HStack({}), {100, 100}, {0, 0}},
