@@ -71,8 +71,7 @@ class SuiteStoreTest : public testing::Test {
       EXPECT_TRUE(isMade || (number > 12 && number < 100));
     }
   }
-  /// Saves 2 while `event` comes before a call: how the save failed, if it did, and whether it came to the
-  /// call.
+  /// Saves 2 while `event` comes before a call: how the save failed, and whether it came to the call.
   static std::pair<std::string, bool> saveDuring(int call, const std::function<bool()>& event) {
     system_calls::intercept(call, event);
     auto failure = failureOf([] { saveTwins(2); });

@@ -28,8 +28,7 @@ void write(const fs::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-/// The largest difference in a channel, each multiplied by alpha: the colour of what is not seen does not
-/// count.
+/// The largest difference in a channel. Multiplied by alpha: the colour of what is not seen does not count.
 int difference(const Pixels::Pixel& a, const Pixels::Pixel& b) {
   int largest = std::abs(a[3] - b[3]);
   for (std::size_t i = 0; i < 3; ++i) largest = std::max(largest, std::abs(a[i] * a[3] - b[i] * b[3]) / 255);

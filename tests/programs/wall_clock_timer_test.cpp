@@ -6,9 +6,8 @@
 
 #include <cerrno>
 
-// The clock of the machine is nobody's to set. In this program, which is linked with --wrap for both calls,
-// the kernel tells of it all the same: as it does, only to a timer that asked, by a read or a setting that
-// fails.
+// A test cannot set the machine's clock. In this program, linked with --wrap for both calls, the kernel tells
+// of it all the same: only a timer that asked, by a read or a setting that fails.
 namespace {
 
 bool wantsToKnow = false, tellsReader = false, tellsSetter = false;
