@@ -23,8 +23,8 @@ void insert(PangoAttrList* attributes, PangoAttribute* attribute, std::size_t st
 }
 
 /// The rounded face is a Latin one that also has a few letters of other scripts (Greek π). A run in another
-/// script gets a face that has all of it, with the
-/// signs in it that belong to no script. Digits and ASCII signs keep the font's own face.
+/// script gets a face that has all of it, with the signs in it that belong to no script. Digits and ASCII
+/// signs keep the font's own face.
 void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
   std::size_t start = 0;
   GUnicodeScript runScript = G_UNICODE_SCRIPT_LATIN;

@@ -125,8 +125,7 @@ class Follower {
   std::deque<Record> waiting_;
   std::size_t skipped_ = 0;
   Clock::time_point lastToldOfSkipping_ = Clock::now();
-  std::string
-      unknownKeys_;  ///< what was said of the last record; a companion that sends the same is told once
+  std::string unknownKeys_;  ///< what was said of the last record; the same is said once
   bool hasEnded_ = false;
   int exitCode_ = EX_OK;
 };
