@@ -133,8 +133,11 @@ class Status(ProgramTest):
         self.run_program("tarno-status", "save", stdin="{}", code=75)
         self.assertIn("would fail: ", self.doctor()["saving"])
         os.close(lock)
+        limited = lambda command: self.call("sh", "-c", "ulimit -f 0; exec tarno-status " + command, stdin="{}")
+        if limited("--version").returncode:
+            self.skipTest("a sanitizer writes a file when the program starts")
         for command, code in (("save", 74), ("doctor", 69)):
-            done = self.call("sh", "-c", "ulimit -f 0; tarno-status " + command, stdin="{}")
+            done = limited(command)
             self.assertEqual(done.returncode, code)
             self.assertIn(b"File too large", done.stdout + done.stderr)
         self.assertEqual(self.shown()["snapshot"]["status"], "locked")
