@@ -73,11 +73,15 @@ std::vector<Window> readWindows(const Connection& connection) {
   };
   const auto answers = [](const auto&... asked) { return std::tuple{asked()...}; };
   const auto is = [&](auto& list, auto name) { return std::ranges::count(list, connection.atom(name)) != 0; };
+  const auto clients = connection.property(connection.root(), "_NET_CLIENT_LIST")();
   std::vector<Window> windows;
   std::vector<std::tuple<xcb_window_t, std::size_t, decltype(ask(XCB_NONE))>> asked;
+  // Of what is in a frame, the buttons and borders are left out. i3 does not list the panels that it frames.
   const auto askChildren = [&](const auto& tree, std::size_t index) {
-    for (const auto child : std::span{xcb_query_tree_children(tree.get()), tree->children_len})
-      asked.emplace_back(child, index, ask(child));
+    const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
+    for (const auto child : children)
+      if (tree->parent == XCB_NONE || children.size() == 1 || std::ranges::count(clients, child) != 0)
+        asked.emplace_back(child, index, ask(child));
   };
   if (const auto root = connection.ask<xcb_query_tree, xcb_query_tree_reply>(connection.root())())
     askChildren(root, 0);
