@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 namespace program {
 namespace {
@@ -37,6 +36,7 @@ int EventLoop::run() {
       polled.push_back({wait.descriptor, wait.events, 0});
       if (wait.until && (!until || *wait.until < *until)) until = wait.until;
     }
+    beforeSleep_();
     if (poll(polled.data(), polled.size(), exitCode_ ? 0 : milliseconds(until)) < 0 && errno != EINTR)
       throw std::system_error{errno, std::generic_category(), "cannot wait for events"};
     for (std::size_t i = 0; i < asked.size(); ++i)

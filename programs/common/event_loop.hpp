@@ -3,7 +3,9 @@
 #include <poll.h>
 
 #include <chrono>
+#include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace program {
@@ -37,6 +39,9 @@ class EventLoop {
   void add(EventSource& source);
   void remove(EventSource& source);
 
+  /// Calls `callback` before every sleep, when all sources are prepared. The last one counts.
+  void beforeSleep(std::function<void()> callback) { beforeSleep_ = std::move(callback); }
+
   /// Waits and dispatches until quit(); returns its code. Throws what a source throws.
   int run();
 
@@ -45,6 +50,7 @@ class EventLoop {
 
  private:
   std::vector<EventSource*> sources_;
+  std::function<void()> beforeSleep_ = [] {};
   std::optional<int> exitCode_;
 };
 

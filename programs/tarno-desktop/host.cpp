@@ -59,6 +59,9 @@ class Host final : program::EventSource {
     loop_.add(*this);  // after the surface, whose changes it hands on, and before what they concern
     tile_.addTo(loop_);
     loop_.add(accessible_);
+    loop_.beforeSleep([this] {
+      if (tile_.isAtRest()) program::releaseMemory();
+    });
     follow();
   }
 
@@ -68,7 +71,6 @@ class Host final : program::EventSource {
   Wait prepare() override {
     follow();
     if (opened_.surface->isClosed()) loop_.quit(EX_OK);
-    if (tile_.isAtRest()) program::releaseMemory();
     return {signals_.get()};
   }
 

@@ -65,6 +65,7 @@ class Watcher {
     loop_.add(store_);
     loop_.add(timer_);
     loop_.add(reader_);
+    loop_.beforeSleep(program::releaseMemory);
     return loop_.run();
   }
 
@@ -79,7 +80,6 @@ class Watcher {
       last_ = std::move(state);
       print(format_(shared.status));
     }
-    program::releaseMemory();
   }
 
   void print(const std::string& line) {
