@@ -93,7 +93,7 @@ class Host final : program::EventSource {
     if (std::exchange(isShown_, true)) return;
     const auto monitor = opened_.surface->monitor();
     const auto wanted = options_.monitor ? "the monitor " + *options_.monitor : "a monitor";
-    program::complain("shown as " + opened_.surface->kind() +
+    program::complain((monitor ? "shown as " : "to be shown as ") + opened_.surface->kind() +
                       (monitor ? " on " + monitor->connector : " as soon as there is " + wanted) +
                       (opened_.reason.empty() ? "" : " (" + opened_.reason + ")"));
   }

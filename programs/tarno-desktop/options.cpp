@@ -43,7 +43,7 @@ void addOptions(CLI::App& app, Options& options) {
       "--anchor", options.anchor, anchors,
       "Place: top-left, top, top-right (default), left, center, right, bottom-left, bottom or bottom-right");
   add("--margin", options.margin, "POINTS",
-      "Points between the tile and the edges that it is anchored to (16)")
+      "Points between the tile and the edges that it is anchored to (default: 16)")
       ->check(CLI::Range(0, 10000));
   add("--monitor", options.monitor, "NAME",
       "Connector of the monitor to show it on (default: the primary one)");
@@ -52,10 +52,11 @@ void addOptions(CLI::App& app, Options& options) {
   add("--scale", options.scale, "FACTOR", "Pixels per point (default: the monitor's scale)")
       ->check(checkScale);
   app.add_flag("--plain-window", options.plainWindow,
-               "On Wayland, a window among others, even where something better is to be had");
+               "On Wayland, a window among others, even where a better kind is available");
   program::addDateOption(app, "--at", options.at,
                          "Use this date instead of the current time: the tile's clock stands still");
-  app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit");
+  app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit")
+      ->configurable(false);
   add("--autostart", options.autostart, "WORD",
       "Start at every login (on) or no more (off): print what was done, then exit")
       ->check(CLI::IsMember({"on", "off"}))

@@ -15,7 +15,8 @@ namespace desktop {
 /// Where the tile stands in the stack of windows: below all of them, among them, or above them.
 enum class Layer { desktop, normal, above };
 
-/// Where and how the tile is shown. Every option can stand in the settings file; the command line wins.
+/// Where and how the tile is shown. Every option of the tile can stand in the settings file; the command line
+/// wins.
 struct Options {
   std::string family = "medium";       ///< "small", "medium" or "large"; passed on to the extension's process
   Anchor anchor;                       ///< top right
@@ -24,8 +25,8 @@ struct Options {
   Layer layer = Layer::desktop;
   std::optional<double> scale;  ///< pixels per point; the monitor's own when absent
   bool plainWindow = false;     ///< on a Wayland compositor without layer-shell: a window among others
-  bool listMonitors = false;
-  std::optional<std::string> autostart;  ///< "on" or "off"; on the command line only
+  bool listMonitors = false;    ///< on the command line only, as the next one
+  std::optional<std::string> autostart;  ///< "on" or "off"
   std::optional<foundation::Date> at;    ///< the tile's clock stands still there
 };
 

@@ -17,7 +17,7 @@ std::filesystem::path configurationFile(const char* name) {
   const char* const home = std::getenv("HOME");
   // The XDG base directory specification: a path that is not absolute is to be ignored.
   if (config && *config == '/') return std::filesystem::path{config} / name;
-  return home && *home ? std::filesystem::path{home} / ".config" / name : std::filesystem::path{};
+  return home && *home == '/' ? std::filesystem::path{home} / ".config" / name : std::filesystem::path{};
 }
 
 /// `text` with `mark` before each of `characters`.
@@ -43,15 +43,21 @@ std::string autostartEntry() {
 
 void readSettings(CLI::App& app) {
   const auto path = configurationFile("tarno/desktop.ini");
-  std::error_code missing;
-  if (!std::filesystem::exists(path, missing)) return;
+  std::error_code error;
+  const auto type = std::filesystem::status(path, error).type();
+  if (type == std::filesystem::file_type::not_found) return;
+  if (type != std::filesystem::file_type::regular)  // a pipe would be waited for
+    throw program::Failure{EX_NOINPUT, "cannot read " + path.string() + ": " +
+                                           (error ? error.message() : "it is not a regular file")};
   constexpr std::size_t most = 64 * 1024;
+  if (std::filesystem::file_size(path, error) > most)
+    throw program::Failure{EX_CONFIG, path.string() + ": larger than " + std::to_string(most) + " bytes"};
   std::istringstream settings{program::readFile(path, most)};
   try {
     app.clear();
     app.parse_from_stream(settings);
-  } catch (const CLI::Error& error) {
-    throw program::Failure{EX_CONFIG, path.string() + ": " + error.what()};
+  } catch (const CLI::Error& invalid) {
+    throw program::Failure{EX_CONFIG, path.string() + ": " + invalid.what()};
   }
 }
 

@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
   auto& save = addSave(app, saving);
 
   bool asJSON = false;
-  auto& show = *app.add_subcommand("show", "Show the last saved report as the widget would see it");
+  auto& show = *app.add_subcommand("show", "Show the last saved report as the widget would show it");
   show.add_flag(
       "--json", asJSON,
       "Print an object with what the tile says (status, status_line, detail_line, presence, is_stale, "

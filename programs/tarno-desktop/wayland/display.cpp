@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdlib>
 #include <string_view>
 #include <system_error>
 
@@ -60,7 +61,9 @@ int surfaceSide(int pixels, double scale) {
 Display::Display() : events_(epoll_create1(EPOLL_CLOEXEC)) {
   wl_log_set_handler_client([](auto...) {});  // the library would print what check() says better
   connection.reset(wl_display_connect(nullptr));
-  if (!connection) throw program::Failure{EX_UNAVAILABLE, "cannot connect to the Wayland display"};
+  if (const char* const name = std::getenv("WAYLAND_DISPLAY"); !connection)
+    throw program::Failure{EX_UNAVAILABLE,
+                           std::string{"cannot connect to the Wayland display '"} + (name ? name : "") + "'"};
   static constexpr wl_registry_listener listener{.global = call<&Display::add>,
                                                  .global_remove = call<&Display::remove>};
   registry.reset(wl_display_get_registry(connection.get()));

@@ -83,7 +83,9 @@ TEST(Options, RefuseWhatTheyDoNotKnow) {
     EXPECT_FALSE(usage.empty() || usage.starts_with("78")) << name << " " << value;
   }
   Options options;
-  EXPECT_TRUE(read("autostart = on\n", "", options).starts_with("78 /")) << "on the command line only";
+  for (const char* const onTheCommandLineOnly : {"autostart = on\n", "list-monitors = true\n"})
+    EXPECT_TRUE(read(onTheCommandLineOnly, "", options).starts_with("78 /")) << onTheCommandLineOnly;
+  EXPECT_TRUE(read(std::string(70000, '#').c_str(), "", options).starts_with("78 /")) << "too large";
 }
 
 }  // namespace

@@ -66,7 +66,7 @@ def test_monitors_come_and_go(rig):
     rig.sway(MODE.format("X11-1", 0), MODE.format("X11-2", 1280), MODE.format("X11-3", 0))
     image = render(rig)
     tile = rig.start(rig.path("tarno-desktop"), "--monitor", "X11-2", "--anchor", "top-left", *AT)
-    says(tile, "shown as a layer-shell surface in the bottom layer as soon as there is the monitor X11-2")
+    says(tile, "to be shown as a layer-shell surface in the bottom layer as soon as there is the monitor X11-2")
     assert is_covered(screen, image, 16, 16)
     rig.run("swaymsg", "create_output")
     windows = screen.spread((0, 0), (1280, 0))
@@ -136,7 +136,7 @@ def test_bad_displays(rig):
     refusal = b"no\0\0"
     error = struct.pack("=5I", 1, (20 + len(refusal)) << 16, 1, 3, 3) + refusal  # wl_display.error of wl_display: code 3
     rows = [(error, 76, "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one"), (b"", 69, "the display went away"),
-            (None, 69, "cannot connect to the Wayland display")]
+            (None, 69, "cannot connect to the Wayland display 'display'")]
     rig.env["WAYLAND_DISPLAY"] = "display"
     for answer, code, line in rows:
         with socket.socket(socket.AF_UNIX) as server:

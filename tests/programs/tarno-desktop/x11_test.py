@@ -128,7 +128,7 @@ def test_monitors_and_scale(rig):
     beside = ("DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
     turn("DUMMY1", "--off")
     tile = rig.tile(*AT, "--monitor", "DUMMY1", "--anchor", "left")
-    assert tile.lines == ["tarno-desktop: shown as an X11 window of the desktop as soon as there is the monitor DUMMY1\n"]
+    assert tile.lines == ["tarno-desktop: to be shown as an X11 window of the desktop as soon as there is the monitor DUMMY1\n"]
     for words, places in ((beside, [1040]), (("DUMMY1", "--off"), [16]), (("DUMMY0", "--off"), []),
                           (("DUMMY0", "--mode", "1024x768"), [16]), (beside, [1040])):
         turn(*words)
