@@ -91,8 +91,8 @@ class SuiteStore final : public UserDefaults {
       stored_ = pending_.empty() ? readSuite(location_).values : save(location_, pending_);
       pending_.clear();
       return true;
-    } catch (const EncodingError& error) {
-      pending_.erase(error.codingPath.front());
+    } catch (const EncodingError&) {
+      pending_.clear();  // a part of it would give an old record a new date
     } catch (const SuiteError&) {
       if (pending_.empty()) stored_.clear();  // what cannot be read counts as missing
     }

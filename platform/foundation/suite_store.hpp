@@ -27,8 +27,8 @@ struct SuiteOpening {
 /// The store that comes back answers from the state that was read, with what was set since on top, until
 /// synchronize(), which saves what was set, or reads again where nothing was. What was not synchronized when
 /// the store is released is not saved. After a save that failed the file is as it was, and what was set waits
-/// for the next synchronize(), except for a value that cannot be stored (see encodeDefaults()), which is
-/// dropped.
+/// for the next synchronize(), unless it has a value that cannot be stored (see encodeDefaults()): then all
+/// of it is dropped.
 SuiteOpening openSuite(std::string_view name);
 
 /// Stores `changes` in the suite `name`, all or none, beside what it holds; makes the folder and the file

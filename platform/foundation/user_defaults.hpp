@@ -30,7 +30,7 @@ class UserDefaults {
   virtual void set(std::string_view key, DefaultsValue value) = 0;
 
   /// Writes what was set; false when it could not be written. It is then kept and written by the next call
-  /// that can, except for a value that cannot be stored, which is dropped.
+  /// that can, unless it has a value that cannot be stored: then all of it is dropped.
   virtual bool synchronize() = 0;
 
   /// The process's own store: in memory, one per process, not shared with others, gone when the process ends.

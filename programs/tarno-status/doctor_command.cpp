@@ -114,7 +114,10 @@ int doctor() {
 
   const bool isWell = isFresh(shared.status) && fault.empty();
   const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";
-  text += "\n" + program::printable((isWell ? "All is well. " : "") + verdict(shared) + saving) + "\n";
+  text +=
+      "\n" +
+      program::printable((isWell && shared.fault.empty() ? "All is well. " : "") + verdict(shared) + saving) +
+      "\n";
   program::writeOutput(text);
   return isWell ? EX_OK : EX_UNAVAILABLE;
 }
