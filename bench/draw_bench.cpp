@@ -8,10 +8,10 @@
 #include <chrono>
 #include <vector>
 
-#include "render/painter.hpp"
-#include "render/text_engine.hpp"
-#include "tarno-widget/extension.hpp"
-#include "tarno-widget/tile.hpp"
+#include "tarno/render/painter.hpp"
+#include "tarno/render/text_engine.hpp"
+#include "tarno/tarno-widget/extension.hpp"
+#include "tarno/tarno-widget/tile.hpp"
 
 namespace {
 

@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-#include "foundation/suite_store.hpp"
-#include "shared/coding/json.hpp"
-#include "shared/persistence/mac_defaults.hpp"
+#include "tarno/foundation/suite_store.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
 
 namespace {
 
@@ -50,15 +50,15 @@ class SavedStatus {
             .inputIdleSeconds = 12.5,
             .message = "Locked: nobody in front of the screen."};
   }
-  foundation::Date now() const { return now_; }
-  fs::path file() const { return foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier)->file; }
+  tarno::Date now() const { return now_; }
+  fs::path file() const { return tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier)->file; }
 
  private:
-  foundation::Date now_ = foundation::now();
+  tarno::Date now_ = tarno::now();
   fs::path home_;
 };
 
-bool load(foundation::Date now) {
+bool load(tarno::Date now) {
   return TarnoMacDefaults::loadStatus(*TarnoMacDefaults::store(), now).has_value();
 }
 

@@ -27,13 +27,22 @@ function(tarno_compile_options target)
   endif()
 endfunction()
 
+# Gives `target` the include root from which its folder is included as "tarno/<folder>/…".
+function(tarno_include_root target)
+  get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+  set(root "${PROJECT_BINARY_DIR}/include/${target}")
+  file(MAKE_DIRECTORY "${root}/tarno")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/tarno/${folder}" SYMBOLIC)
+  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
+endfunction()
+
 # tarno_library(Foundation SOURCES a.cpp … HEADERS a.hpp … PUBLIC libs… PRIVATE libs…): link it as Tarno::Foundation.
 #
 # The target itself is TarnoFoundation, so that it collides with no other in a project that contains this one.
 #
-# Headers are included as "<folder>/<file>.hpp", where <folder> is the folder the target is made in. A target sees the
-# folders of the targets that it links and no others: each target's include root in the build tree holds one link, to
-# its own folder, so that an include that the link line does not allow does not build.
+# Headers are included as "tarno/<folder>/<file>.hpp", where <folder> is the folder that makes the target. A target sees
+# its own folder and those of the targets that it links: the include root of each target holds one link, to its folder,
+# so that an include that the link line does not allow does not build.
 #
 # A library with HEADERS is installed with them, for programs outside of this project.
 function(tarno_library name)
@@ -41,21 +50,18 @@ function(tarno_library name)
   set(target Tarno${name})
   add_library(${target} STATIC ${ARG_SOURCES})
   add_library(Tarno::${name} ALIAS ${target})
-  get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
-  set(root "${PROJECT_BINARY_DIR}/include/${target}")
-  file(MAKE_DIRECTORY "${root}")
-  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/${folder}" SYMBOLIC)
-  target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
+  tarno_include_root(${target})
   target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
   target_compile_features(${target} PUBLIC cxx_std_20)
   tarno_compile_options(${target})
   if(ARG_HEADERS AND PROJECT_IS_TOP_LEVEL)
     set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
     install(TARGETS ${target} EXPORT Tarno COMPONENT development
-            INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/tarno")
+            INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
     foreach(header ${ARG_HEADERS})
-      get_filename_component(room "${folder}/${header}" DIRECTORY)
-      install(FILES ${header} COMPONENT development DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/tarno/${room}")
+      get_filename_component(subfolder "${folder}/${header}" DIRECTORY)
+      install(FILES ${header} COMPONENT development DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/tarno/${subfolder}")
     endforeach()
   endif()
 endfunction()
@@ -64,6 +70,7 @@ endfunction()
 function(tarno_program target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
+  tarno_include_root(${target})
   target_link_libraries(${target} PRIVATE ${ARG_LINK})
   tarno_compile_options(${target})
   # A program lives for about 10 ms, a third of which was the dynamic linker's: it gets only libraries that are called,

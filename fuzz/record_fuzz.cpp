@@ -4,15 +4,15 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "shared/coding/json.hpp"
-#include "shared/model/status_snapshot.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   TarnoMacStatusSnapshot snapshot;
   try {
     snapshot =
         TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>({reinterpret_cast<const char*>(data), size});
-  } catch (const foundation::DecodingError&) {
+  } catch (const tarno::DecodingError&) {
     return 0;
   }
   if (snapshot.seenAt) snapshot.seenAt = std::chrono::floor<std::chrono::seconds>(*snapshot.seenAt);

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "render/image.hpp"
-#include "tarno-widget/tile.hpp"
-#include "widget/views/widget_view.hpp"
+#include "tarno/render/image.hpp"
+#include "tarno/tarno-widget/tile.hpp"
+#include "tarno/widget/views/widget_view.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static render::TextEngine text;

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "render/image.hpp"
-#include "ui/description/path_bounds.hpp"
-#include "ui/layout.hpp"
+#include "tarno/render/image.hpp"
+#include "tarno/ui/description/path_bounds.hpp"
+#include "tarno/ui/layout.hpp"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Saves a report about your Mac: companion STATUS [REASON]
 #include <cstdio>
 
-#include "shared/persistence/mac_defaults.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
 
 int main(int argc, char** argv) {
   const auto status = argc > 1 ? TarnoMacStatus::fromRawValue(argv[1]) : std::nullopt;
@@ -16,10 +16,10 @@ int main(int argc, char** argv) {
   if (argc > 2) report.reason = argv[2];
 
   try {
-    TarnoMacDefaults::saveStatus(report, foundation::now());
-  } catch (const foundation::SuiteError& error) {
+    TarnoMacDefaults::saveStatus(report, tarno::now());
+  } catch (const tarno::SuiteError& error) {
     // Nothing was saved: the tile keeps the report before this one, until that is stale.
     std::fprintf(stderr, "companion: %s\n", error.what());
-    return error.kind() == foundation::SuiteError::Kind::busy ? 75 : 73;
+    return error.kind() == tarno::SuiteError::Kind::busy ? 75 : 73;
   }
 }

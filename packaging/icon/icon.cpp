@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "ui/symbols/symbol.hpp"
-#include "widget/style/widget_style.hpp"
+#include "tarno/ui/symbols/symbol.hpp"
+#include "tarno/widget/style/widget_style.hpp"
 
 namespace icon {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "ui/scene.hpp"
+#include "tarno/ui/scene.hpp"
 
 /// The application's icon: the tile's ring and its lock, in the tile's colours.
 namespace icon {

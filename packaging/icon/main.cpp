@@ -1,9 +1,9 @@
 #include <cstdlib>
 
-#include "common/failure.hpp"
-#include "common/files.hpp"
 #include "icon.hpp"
-#include "render/image.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
+#include "tarno/render/image.hpp"
 
 /// Draws the icon: `draw_icon FILE SIDE`, an SVG or a PNG by the file's suffix.
 int main(int argc, char** argv) try {

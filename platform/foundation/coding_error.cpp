@@ -1,8 +1,8 @@
-#include "foundation/coding_error.hpp"
+#include "tarno/foundation/coding_error.hpp"
 
 #include <utility>
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 std::string message(const CodingPath& path, const std::string& text) {
@@ -32,4 +32,4 @@ EncodingError::EncodingError(Kind kind_, CodingPath codingPath_, std::string deb
       codingPath(std::move(codingPath_)),
       debugDescription(std::move(debugDescription_)) {}
 
-}  // namespace foundation
+}  // namespace tarno

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace foundation {
+namespace tarno {
 
 /// The keys (and, in arrays, the indices) that lead from the top of a document to a value; empty for the top
 /// itself.
@@ -38,4 +38,4 @@ class EncodingError : public std::runtime_error {
   std::string debugDescription;
 };
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,9 +1,9 @@
-#include "foundation/date.hpp"
+#include "tarno/foundation/date.hpp"
 
 #include <atomic>
 #include <utility>
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 std::atomic<const std::function<Date()>*> overridden{nullptr};
@@ -37,4 +37,4 @@ ClockOverride::ClockOverride(std::function<Date()> reading)
 
 ClockOverride::~ClockOverride() { overridden.store(previous_); }
 
-}  // namespace foundation
+}  // namespace tarno

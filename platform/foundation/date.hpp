@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-namespace foundation {
+namespace tarno {
 
 /// An absolute point in time, to the microsecond: about 292,000 years either side of 1970, compared exactly.
 using Date = std::chrono::sys_time<std::chrono::microseconds>;
@@ -51,4 +51,4 @@ class ClockOverride {
   const std::function<Date()>* previous_;
 };
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,4 +1,4 @@
-#include "foundation/defaults_document.hpp"
+#include "tarno/foundation/defaults_document.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -7,11 +7,11 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "foundation/coding_error.hpp"
-#include "foundation/iso8601.hpp"
-#include "foundation/json_value.hpp"
+#include "tarno/foundation/coding_error.hpp"
+#include "tarno/foundation/iso8601.hpp"
+#include "tarno/foundation/json_value.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using namespace std::chrono;
@@ -166,4 +166,4 @@ DefaultsValues decodeDefaults(std::string_view document) {
   return values;
 }
 
-}  // namespace foundation
+}  // namespace tarno

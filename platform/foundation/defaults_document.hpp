@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/defaults_value.hpp"
+#include "tarno/foundation/defaults_value.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// The size of the largest data and the largest text that a document holds, in bytes.
 inline constexpr std::size_t largestDefaultsValue = std::size_t{4} << 20;
@@ -27,4 +27,4 @@ std::string encodeDefaults(const DefaultsValues& values);
 /// twice, the last counts.
 DefaultsValues decodeDefaults(std::string_view document);
 
-}  // namespace foundation
+}  // namespace tarno

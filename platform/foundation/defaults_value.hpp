@@ -5,9 +5,9 @@
 #include <string>
 #include <variant>
 
-#include "foundation/date.hpp"
+#include "tarno/foundation/date.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// A run of bytes; distinct from text, which is a std::string in UTF-8.
 struct Data {
@@ -22,4 +22,4 @@ using DefaultsValue = std::variant<Data, Date, std::string, double>;
 /// Values by their keys.
 using DefaultsValues = std::map<std::string, DefaultsValue, std::less<>>;
 
-}  // namespace foundation
+}  // namespace tarno

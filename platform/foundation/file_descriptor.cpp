@@ -1,10 +1,10 @@
-#include "foundation/file_descriptor.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 #include <unistd.h>
 
 #include <cerrno>
 
-namespace foundation {
+namespace tarno {
 
 void FileDescriptor::close() {
   if (value_ < 0) return;
@@ -14,4 +14,4 @@ void FileDescriptor::close() {
   value_ = -1;
 }
 
-}  // namespace foundation
+}  // namespace tarno

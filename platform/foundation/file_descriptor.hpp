@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace foundation {
+namespace tarno {
 
 /// Owns a file descriptor and closes it; -1 stands for none. Move-only; errno stays as it was when one is
 /// closed, so that a failure can be reported after its clean-up.
@@ -32,4 +32,4 @@ class [[nodiscard]] FileDescriptor {
   int value_ = -1;
 };
 
-}  // namespace foundation
+}  // namespace tarno

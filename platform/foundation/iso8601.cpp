@@ -1,8 +1,8 @@
-#include "foundation/iso8601.hpp"
+#include "tarno/foundation/iso8601.hpp"
 
 #include <cstdio>
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using namespace std::chrono;
@@ -146,4 +146,4 @@ std::optional<Date> dateFromRFC3339(std::string_view text) {
   return tarnoNoFractions().date(text);
 }
 
-}  // namespace foundation
+}  // namespace tarno

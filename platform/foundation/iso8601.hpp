@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/date.hpp"
+#include "tarno/foundation/date.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// The parts of a date-time that a formatter reads and writes, as bits of its option mask.
 enum ISO8601FormatOptions : unsigned {
@@ -57,4 +57,4 @@ class ISO8601DateFormatter {
 /// text. Any thread.
 std::optional<Date> dateFromRFC3339(std::string_view text);
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,11 +1,11 @@
-#include "foundation/json_decoder.hpp"
+#include "tarno/foundation/json_decoder.hpp"
 
 #include <algorithm>
 #include <charconv>
 
-#include "foundation/json_value.hpp"
+#include "tarno/foundation/json_value.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 std::string_view kindName(const JSONValue& value) {
@@ -121,4 +121,4 @@ void JSONDecoder::read(std::string_view json, const std::function<void(const Dec
   use(Decoder{top, nullptr, {}, dateDecodingStrategy});
 }
 
-}  // namespace foundation
+}  // namespace tarno

@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/coding_error.hpp"
-#include "foundation/date.hpp"
+#include "tarno/foundation/coding_error.hpp"
+#include "tarno/foundation/date.hpp"
 
-namespace foundation {
+namespace tarno {
 
 struct JSONValue;
 class Decoder;
@@ -109,4 +109,4 @@ class JSONDecoder {
   void read(std::string_view json, const std::function<void(const Decoder&)>& use) const;
 };
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,12 +1,12 @@
-#include "foundation/json_encoder.hpp"
+#include "tarno/foundation/json_encoder.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "foundation/iso8601.hpp"
+#include "tarno/foundation/iso8601.hpp"
 
-namespace foundation {
+namespace tarno {
 
 void Encoder::beginObject() { text_ += '{'; }
 
@@ -49,4 +49,4 @@ void Encoder::write(Date value) {
   }
 }
 
-}  // namespace foundation
+}  // namespace tarno

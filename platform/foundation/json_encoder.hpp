@@ -6,10 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "foundation/coding_error.hpp"
-#include "foundation/date.hpp"
+#include "tarno/foundation/coding_error.hpp"
+#include "tarno/foundation/date.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// How an encoder writes a date.
 enum class DateEncodingStrategy {
@@ -86,4 +86,4 @@ class JSONEncoder {
   }
 };
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,12 +1,12 @@
-#include "foundation/json_value.hpp"
+#include "tarno/foundation/json_value.hpp"
 
 #include <locale.h>
 
 #include <nlohmann/json.hpp>
 
-#include "foundation/coding_error.hpp"
+#include "tarno/foundation/coding_error.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 /// A JSONValue frees its members recursively, so that its depth must be bounded.
@@ -139,4 +139,4 @@ JSONValue parseJSON(std::string_view text) {
   return std::move(builder).result();
 }
 
-}  // namespace foundation
+}  // namespace tarno

@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-namespace foundation {
+namespace tarno {
 
 /// A JSON document as it was read, numbers with their own text. For the decoder's use only.
 struct JSONValue {
@@ -28,4 +28,4 @@ struct JSONValue::Member {
 /// Throws DecodingError (dataCorrupted) with the path where the text stops being JSON.
 JSONValue parseJSON(std::string_view text);
 
-}  // namespace foundation
+}  // namespace tarno

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace foundation {
+namespace tarno {
 
 /// Why a suite cannot be opened, read or saved. what() is one sentence without a full stop.
 class SuiteError : public std::runtime_error {
@@ -23,4 +23,4 @@ class SuiteError : public std::runtime_error {
   Kind kind_;
 };
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,4 +1,4 @@
-#include "foundation/suite_folder.hpp"
+#include "tarno/foundation/suite_folder.hpp"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -11,10 +11,10 @@
 #include <system_error>
 #include <utility>
 
-#include "foundation/iso8601.hpp"
-#include "foundation/suite_error.hpp"
+#include "tarno/foundation/iso8601.hpp"
+#include "tarno/foundation/suite_error.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using std::filesystem::path;
@@ -215,4 +215,4 @@ void SuiteFolder::synchronize() const {
   if (fsync(descriptor_.get()) != 0) throw failure("write", location_.directory);
 }
 
-}  // namespace foundation
+}  // namespace tarno

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/file_descriptor.hpp"
-#include "foundation/suite_location.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
+#include "tarno/foundation/suite_location.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// The folder of a suite, held open. Everything in it is reached through this one descriptor, so that what
 /// was looked at is what is used, whatever happens to the path meanwhile. One thread at a time.
@@ -61,4 +61,4 @@ class SuiteFolder {
   std::vector<std::filesystem::path> made_;  ///< by findOrMake(), the innermost last
 };
 
-}  // namespace foundation
+}  // namespace tarno

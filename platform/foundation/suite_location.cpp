@@ -1,4 +1,4 @@
-#include "foundation/suite_location.hpp"
+#include "tarno/foundation/suite_location.hpp"
 
 #include <limits.h>
 #include <pwd.h>
@@ -7,7 +7,7 @@
 #include <array>
 #include <cstdlib>
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using std::filesystem::path;
@@ -51,4 +51,4 @@ std::optional<SuiteLocation> suiteLocation(std::string_view name) {
   return SuiteLocation{directory, directory / "defaults.json"};
 }
 
-}  // namespace foundation
+}  // namespace tarno

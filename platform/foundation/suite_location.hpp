@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-namespace foundation {
+namespace tarno {
 
 /// Where a suite lives: one file in a folder of its own. Every save replaces the file, so that a program that
 /// waits for saves watches the folder.
@@ -17,4 +17,4 @@ struct SuiteLocation {
 /// directory is known, or when `name` is not a plain file name.
 std::optional<SuiteLocation> suiteLocation(std::string_view name);
 
-}  // namespace foundation
+}  // namespace tarno

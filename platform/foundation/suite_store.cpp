@@ -1,14 +1,14 @@
-#include "foundation/suite_store.hpp"
+#include "tarno/foundation/suite_store.hpp"
 
 #include <chrono>
 #include <thread>
 #include <utility>
 
-#include "foundation/coding_error.hpp"
-#include "foundation/defaults_document.hpp"
-#include "foundation/suite_folder.hpp"
+#include "tarno/foundation/coding_error.hpp"
+#include "tarno/foundation/defaults_document.hpp"
+#include "tarno/foundation/suite_folder.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using namespace std::chrono;
@@ -141,4 +141,4 @@ void rehearseSavingToSuite(std::string_view name) {
   inLockedFolder(locate(name), rehearse).removeIfMade();
 }
 
-}  // namespace foundation
+}  // namespace tarno

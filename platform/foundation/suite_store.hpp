@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/suite_error.hpp"
-#include "foundation/suite_location.hpp"
-#include "foundation/user_defaults.hpp"
+#include "tarno/foundation/suite_error.hpp"
+#include "tarno/foundation/suite_location.hpp"
+#include "tarno/foundation/user_defaults.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// What opening a suite led to: a store, or one sentence (no full stop) that says why there is none.
 struct SuiteOpening {
@@ -40,4 +40,4 @@ void saveToSuite(std::string_view name, const DefaultsValues& changes);
 /// SuiteError that a save would throw. Leaves the suite as it is.
 void rehearseSavingToSuite(std::string_view name);
 
-}  // namespace foundation
+}  // namespace tarno

@@ -1,12 +1,12 @@
-#include "foundation/user_defaults.hpp"
+#include "tarno/foundation/user_defaults.hpp"
 
 #include <map>
 #include <mutex>
 #include <utility>
 
-#include "foundation/suite_store.hpp"
+#include "tarno/foundation/suite_store.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 class InMemoryDefaults final : public UserDefaults {
@@ -53,4 +53,4 @@ std::shared_ptr<UserDefaults> UserDefaults::standard() {
 
 std::shared_ptr<UserDefaults> UserDefaults::suite(std::string_view name) { return openSuite(name).store; }
 
-}  // namespace foundation
+}  // namespace tarno

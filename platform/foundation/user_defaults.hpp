@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/defaults_value.hpp"
+#include "tarno/foundation/defaults_value.hpp"
 
-namespace foundation {
+namespace tarno {
 
 /// A store of typed values under text keys. Nothing here throws for what the store holds or for what the disk
 /// does: what cannot be read counts as missing, what cannot be written makes synchronize() answer false.
@@ -46,4 +46,4 @@ class UserDefaults {
   UserDefaults() = default;
 };
 
-}  // namespace foundation
+}  // namespace tarno

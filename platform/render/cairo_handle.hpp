@@ -2,13 +2,13 @@
 
 #include <cairo.h>
 
-#include "render/handle.hpp"
-#include "ui/color.hpp"
+#include "tarno/foundation/handle.hpp"
+#include "tarno/ui/color.hpp"
 
 namespace render {
 
-using Surface = Handle<cairo_surface_t, cairo_surface_destroy>;
-using Context = Handle<cairo_t, cairo_destroy>;
+using Surface = tarno::Handle<cairo_surface_t, cairo_surface_destroy>;
+using Context = tarno::Handle<cairo_t, cairo_destroy>;
 
 /// Each component as ui::byteOf() rounds it: Cairo itself cuts what lies between two of the 256 steps.
 inline void setColor(cairo_t* cairo, const ui::Color& color) {

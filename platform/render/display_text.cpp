@@ -1,4 +1,4 @@
-#include "render/display_text.hpp"
+#include "tarno/render/display_text.hpp"
 
 #include <glib.h>
 

@@ -1,18 +1,18 @@
-#include "render/font_contexts.hpp"
+#include "tarno/render/font_contexts.hpp"
 
 #include <pango/pangocairo.h>
 #include <pango/pangofc-fontmap.h>
 
 #include <cstdlib>
 
-#include "render/font_face.hpp"
+#include "tarno/render/font_face.hpp"
 
 namespace render {
 namespace {
 
-using Config = Handle<FcConfig, FcConfigDestroy>;
+using Config = tarno::Handle<FcConfig, FcConfigDestroy>;
 using FontMap = ObjectHandle<PangoFontMap>;
-using FontOptions = Handle<cairo_font_options_t, cairo_font_options_destroy>;
+using FontOptions = tarno::Handle<cairo_font_options_t, cairo_font_options_destroy>;
 
 /// A configuration of the files that Debian's fonts-quicksand installs, or null where they are not there.
 Config roundedFaceOnly() {

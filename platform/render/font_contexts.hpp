@@ -4,12 +4,12 @@
 
 #include <optional>
 
-#include "render/handle.hpp"
+#include "tarno/foundation/handle.hpp"
 
 namespace render {
 
 template <class T>
-using ObjectHandle = Handle<T, g_object_unref>;
+using ObjectHandle = tarno::Handle<T, g_object_unref>;
 
 /// Where Pango finds faces: everywhere, and, for the many texts that need no other, among the files of the
 /// rounded face alone. Setting fontconfig up for all fonts of a machine takes as long as all else that a

@@ -1,4 +1,4 @@
-#include "render/font_face.hpp"
+#include "tarno/render/font_face.hpp"
 
 #include <hb.h>
 
@@ -68,7 +68,7 @@ const char* familiesOfScript(GUnicodeScript script) {
 
 LineExtent lineExtent(const ui::Font& font, PangoContext* context, const FontDescription& face) {
   if (font.fontDesign == ui::FontDesign::rounded) return {shapingSize, shapingSize / 4};
-  const Handle<PangoFont, g_object_unref> loaded(pango_context_load_font(context, face.get()));
+  const tarno::Handle<PangoFont, g_object_unref> loaded(pango_context_load_font(context, face.get()));
   hb_font_extents_t extents{};
   if (loaded) hb_font_get_h_extents(pango_font_get_hb_font(loaded.get()), &extents);
   return {pango_units_to_double(extents.ascender), -pango_units_to_double(extents.descender)};

@@ -2,12 +2,12 @@
 
 #include <pango/pango.h>
 
-#include "render/handle.hpp"
-#include "ui/font.hpp"
+#include "tarno/foundation/handle.hpp"
+#include "tarno/ui/font.hpp"
 
 namespace render {
 
-using FontDescription = Handle<PangoFontDescription, pango_font_description_free>;
+using FontDescription = tarno::Handle<PangoFontDescription, pango_font_description_free>;
 
 /// Every text is shaped at this size, in points, and scaled from there to the size of its font: unhinted
 /// glyphs and their distances grow evenly, and each size that Pango hears of costs a search through all

@@ -1,4 +1,4 @@
-#include "render/image.hpp"
+#include "tarno/render/image.hpp"
 
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
@@ -12,10 +12,10 @@
 #include <new>
 #include <vector>
 
-#include "render/cairo_handle.hpp"
-#include "render/display_text.hpp"
-#include "render/painter.hpp"
-#include "render/png.hpp"
+#include "tarno/render/cairo_handle.hpp"
+#include "tarno/render/display_text.hpp"
+#include "tarno/render/painter.hpp"
+#include "tarno/render/png.hpp"
 
 namespace render {
 namespace {
@@ -110,7 +110,8 @@ struct Words {
 
 std::string xmlElement(const std::string& name, const std::string& text) {
   if (text.empty()) return {};
-  const Handle<char, g_free> escaped(g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
+  const tarno::Handle<char, g_free> escaped(
+      g_markup_escape_text(text.data(), static_cast<gssize>(text.size())));
   return "<" + name + ">" + escaped.get() + "</" + name + ">\n";
 }
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "render/text_engine.hpp"
-#include "ui/scene.hpp"
+#include "tarno/render/text_engine.hpp"
+#include "tarno/ui/scene.hpp"
 
 namespace render {
 

@@ -1,8 +1,8 @@
-#include "render/painter.hpp"
+#include "tarno/render/painter.hpp"
 
 #include <cmath>
 
-#include "render/cairo_handle.hpp"
+#include "tarno/render/cairo_handle.hpp"
 
 namespace render {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "render/text_engine.hpp"
-#include "ui/scene.hpp"
+#include "tarno/render/text_engine.hpp"
+#include "tarno/ui/scene.hpp"
 
 namespace render {
 

@@ -1,4 +1,4 @@
-#include "render/png.hpp"
+#include "tarno/render/png.hpp"
 
 #include <png.h>
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "render/image.hpp"
+#include "tarno/render/image.hpp"
 
 namespace render {
 

@@ -1,11 +1,11 @@
-#include "render/shaped_text.hpp"
+#include "tarno/render/shaped_text.hpp"
 
 #include <algorithm>
 
 namespace render {
 namespace {
 
-using AttributeList = Handle<PangoAttrList, pango_attr_list_unref>;
+using AttributeList = tarno::Handle<PangoAttrList, pango_attr_list_unref>;
 
 constexpr double points(int units) { return static_cast<double>(units) / PANGO_SCALE; }
 

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "render/display_text.hpp"
-#include "render/font_contexts.hpp"
-#include "render/font_face.hpp"
-#include "ui/text_measurer.hpp"
+#include "tarno/render/display_text.hpp"
+#include "tarno/render/font_contexts.hpp"
+#include "tarno/render/font_face.hpp"
+#include "tarno/ui/text_measurer.hpp"
 
 namespace render {
 

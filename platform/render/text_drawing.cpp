@@ -1,4 +1,4 @@
-#include "render/text_drawing.hpp"
+#include "tarno/render/text_drawing.hpp"
 
 #include <pango/pangocairo.h>
 #include <pango/pangofc-font.h>
@@ -57,7 +57,7 @@ void addOutlines(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& p
 
 /// Cairo draws coloured glyphs without regard to the source's opacity.
 void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
-  const Handle<cairo_pattern_t, cairo_pattern_destroy> source(
+  const tarno::Handle<cairo_pattern_t, cairo_pattern_destroy> source(
       cairo_pattern_reference(cairo_get_source(cairo)));
   double opacity = 1;
   cairo_pattern_get_rgba(source.get(), nullptr, nullptr, nullptr, &opacity);
@@ -152,7 +152,7 @@ std::optional<TextStamp> makeStamp(const ShapedText& text, const cairo_matrix_t&
       cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(width), static_cast<int>(height)));
   const Context filled(cairo_create(stamp.coverage.get()));
   cairo_translate(filled.get(), -left, -top);
-  const Handle<cairo_path_t, cairo_path_destroy> path(cairo_copy_path(outlines.get()));
+  const tarno::Handle<cairo_path_t, cairo_path_destroy> path(cairo_copy_path(outlines.get()));
   cairo_append_path(filled.get(), path.get());
   cairo_fill(filled.get());
   return stamp;

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "render/cairo_handle.hpp"
-#include "render/shaped_text.hpp"
+#include "tarno/render/cairo_handle.hpp"
+#include "tarno/render/shaped_text.hpp"
 
 namespace render {
 

@@ -1,4 +1,4 @@
-#include "render/text_engine.hpp"
+#include "tarno/render/text_engine.hpp"
 
 #include <cairo.h>
 #include <glib.h>
@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "render/cairo_handle.hpp"
-#include "render/display_text.hpp"
-#include "render/font_contexts.hpp"
-#include "render/font_face.hpp"
-#include "render/shaped_text.hpp"
-#include "render/text_drawing.hpp"
+#include "tarno/render/cairo_handle.hpp"
+#include "tarno/render/display_text.hpp"
+#include "tarno/render/font_contexts.hpp"
+#include "tarno/render/font_face.hpp"
+#include "tarno/render/shaped_text.hpp"
+#include "tarno/render/text_drawing.hpp"
 
 namespace render {
 namespace {

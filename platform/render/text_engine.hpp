@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "ui/scene.hpp"
-#include "ui/text_measurer.hpp"
+#include "tarno/ui/scene.hpp"
+#include "tarno/ui/text_measurer.hpp"
 
 typedef struct _cairo cairo_t;  // NOLINT(bugprone-reserved-identifier): Cairo's own name
 

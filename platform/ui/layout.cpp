@@ -1,8 +1,8 @@
-#include "ui/layout.hpp"
+#include "tarno/ui/layout.hpp"
 
 #include <iterator>
 
-#include "ui/layout/placement.hpp"
+#include "tarno/ui/layout/placement.hpp"
 
 namespace ui {
 

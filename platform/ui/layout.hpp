@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/scene.hpp"
-#include "ui/text_measurer.hpp"
-#include "ui/view.hpp"
+#include "tarno/ui/scene.hpp"
+#include "tarno/ui/text_measurer.hpp"
+#include "tarno/ui/view.hpp"
 
 namespace ui {
 

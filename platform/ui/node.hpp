@@ -4,7 +4,7 @@
 #include <variant>
 #include <vector>
 
-#include "ui/view.hpp"
+#include "tarno/ui/view.hpp"
 
 /// What a View holds: one struct a kind, in a closed list. An operation on views (layout, description) is a
 /// visitor with one overload a struct; people who build views need only view.hpp. All numbers are within the

@@ -1,4 +1,4 @@
-#include "ui/path.hpp"
+#include "tarno/ui/path.hpp"
 
 #include <algorithm>
 #include <cmath>

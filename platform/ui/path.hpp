@@ -4,7 +4,7 @@
 #include <variant>
 #include <vector>
 
-#include "ui/geometry.hpp"
+#include "tarno/ui/geometry.hpp"
 
 namespace ui {
 

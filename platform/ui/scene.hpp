@@ -5,10 +5,10 @@
 #include <variant>
 #include <vector>
 
-#include "ui/color.hpp"
-#include "ui/font.hpp"
-#include "ui/geometry.hpp"
-#include "ui/path.hpp"
+#include "tarno/ui/color.hpp"
+#include "tarno/ui/font.hpp"
+#include "tarno/ui/geometry.hpp"
+#include "tarno/ui/path.hpp"
 
 namespace ui {
 

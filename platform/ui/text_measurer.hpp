@@ -3,8 +3,8 @@
 #include <optional>
 #include <string_view>
 
-#include "ui/font.hpp"
-#include "ui/geometry.hpp"
+#include "tarno/ui/font.hpp"
+#include "tarno/ui/geometry.hpp"
 
 namespace ui {
 

@@ -1,10 +1,10 @@
-#include "ui/view.hpp"
+#include "tarno/ui/view.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
-#include "ui/node.hpp"
+#include "tarno/ui/node.hpp"
 
 namespace ui {
 namespace {

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "ui/color.hpp"
-#include "ui/font.hpp"
-#include "ui/geometry.hpp"
-#include "ui/path.hpp"
+#include "tarno/ui/color.hpp"
+#include "tarno/ui/font.hpp"
+#include "tarno/ui/geometry.hpp"
+#include "tarno/ui/path.hpp"
 
 /// Views: descriptions of what to show, as values. Factories make them, modifiers wrap them, layout() places
 /// them.

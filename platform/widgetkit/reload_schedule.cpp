@@ -1,12 +1,12 @@
-#include "widgetkit/reload_schedule.hpp"
+#include "tarno/widgetkit/reload_schedule.hpp"
 
 #include <algorithm>
 
 namespace widgetkit {
 
-foundation::Date nextRequest(foundation::Date now, const std::optional<TimelineReloadPolicy>& answered) {
+tarno::Date nextRequest(tarno::Date now, const std::optional<TimelineReloadPolicy>& answered) {
   if (!answered) return now + retryInterval;
-  return std::max(std::min(answered->date(), foundation::latestDate), now + shortestReload);
+  return std::max(std::min(answered->date(), tarno::latestDate), now + shortestReload);
 }
 
 }  // namespace widgetkit

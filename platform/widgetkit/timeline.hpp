@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/date.hpp"
-#include "ui/geometry.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/ui/geometry.hpp"
 
 namespace widgetkit {
 
@@ -29,21 +29,21 @@ struct TimelineProviderContext {
 /// When the host is to ask for the next timeline.
 class TimelineReloadPolicy {
  public:
-  static TimelineReloadPolicy after(foundation::Date date) { return TimelineReloadPolicy{date}; }
+  static TimelineReloadPolicy after(tarno::Date date) { return TimelineReloadPolicy{date}; }
 
-  foundation::Date date() const { return date_; }
+  tarno::Date date() const { return date_; }
 
   friend bool operator==(const TimelineReloadPolicy&, const TimelineReloadPolicy&) = default;
 
  private:
-  explicit TimelineReloadPolicy(foundation::Date date) : date_(date) {}
+  explicit TimelineReloadPolicy(tarno::Date date) : date_(date) {}
 
-  foundation::Date date_;
+  tarno::Date date_;
 };
 
 template <class T>
 concept TimelineEntry = std::copyable<T> && requires(const T& entry) {
-  { entry.date } -> std::convertible_to<foundation::Date>;
+  { entry.date } -> std::convertible_to<tarno::Date>;
 };
 
 template <TimelineEntry Entry>

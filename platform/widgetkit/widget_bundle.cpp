@@ -1,4 +1,4 @@
-#include "widgetkit/widget_bundle.hpp"
+#include "tarno/widgetkit/widget_bundle.hpp"
 
 namespace widgetkit {
 namespace {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 namespace widgetkit {
 

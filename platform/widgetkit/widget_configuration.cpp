@@ -1,4 +1,4 @@
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 namespace widgetkit {
 

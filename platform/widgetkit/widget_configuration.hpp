@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "ui/view.hpp"
-#include "widgetkit/timeline.hpp"
+#include "tarno/ui/view.hpp"
+#include "tarno/widgetkit/timeline.hpp"
 
 namespace widgetkit {
 
@@ -35,7 +35,7 @@ concept EntryView = std::copy_constructible<T> &&
 
 /// An entry and its view, of types that the host need not know.
 struct AnyTimelineEntry {
-  foundation::Date date;
+  tarno::Date date;
   std::any value;                                             ///< the provider's own entry
   std::function<ui::View(const EnvironmentValues&)> content;  ///< the body of its view
 

@@ -1,4 +1,4 @@
-#include "common/child_process.hpp"
+#include "tarno/common/child_process.hpp"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -19,7 +19,7 @@
 namespace program {
 namespace {
 
-using foundation::FileDescriptor;
+using tarno::FileDescriptor;
 
 constexpr int pipeSize = 1 << 20;
 constexpr int cannotRun = 127;  ///< the exit code of a shell

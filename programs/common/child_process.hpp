@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/file_descriptor.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
 
@@ -48,9 +48,9 @@ class ChildProcess {
  private:
   const std::chrono::seconds limit_;
   const Clock::time_point deadline_;
-  foundation::FileDescriptor output_, errors_;
+  tarno::FileDescriptor output_, errors_;
   pid_t pid_ = -1;
-  foundation::FileDescriptor process_;  ///< a pidfd; none once it was waited for
+  tarno::FileDescriptor process_;  ///< a pidfd; none once it was waited for
 };
 
 }  // namespace program

@@ -1,4 +1,4 @@
-#include "common/command_line.hpp"
+#include "tarno/common/command_line.hpp"
 
 #include <errno.h>  // program_invocation_short_name
 #include <fcntl.h>
@@ -6,7 +6,7 @@
 
 #include <csignal>
 
-#include "common/output.hpp"
+#include "tarno/common/output.hpp"
 
 namespace program {
 namespace {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "common/failure.hpp"
+#include "tarno/common/failure.hpp"
 
 namespace program {
 

@@ -1,6 +1,6 @@
-#include "common/dates.hpp"
+#include "tarno/common/dates.hpp"
 
-#include "foundation/iso8601.hpp"
+#include "tarno/foundation/iso8601.hpp"
 
 namespace program {
 namespace {
@@ -9,10 +9,10 @@ const std::string forms = "a date such as 2026-11-16T15:41:35Z or 2026-11-16T16:
 
 }  // namespace
 
-CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<foundation::Date>& date,
+CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<tarno::Date>& date,
                            const std::string& description) {
   const auto read = [&date, name](const std::string& text) {
-    date = foundation::dateFromRFC3339(text);
+    date = tarno::dateFromRFC3339(text);
     if (!date) throw CLI::ValidationError{name + " takes " + forms + ", not '" + text + "'"};
   };
   return app.add_option_function<std::string>(name, read, description + "; " + forms)->type_name("DATE");
@@ -27,9 +27,9 @@ void ClockOption::apply() {
   if (at_) override_.emplace(*at_);
 }
 
-std::string dateText(foundation::Date date) {
+std::string dateText(tarno::Date date) {
   using namespace std::chrono;
-  using namespace foundation;
+  using namespace tarno;
   const bool isWhole = floor<milliseconds>(date) == floor<seconds>(date);
   return ISO8601DateFormatter{withInternetDateTime | (isWhole ? 0u : withFractionalSeconds)}.string(date);
 }

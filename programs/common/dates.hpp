@@ -5,12 +5,12 @@
 #include <optional>
 #include <string>
 
-#include "foundation/date.hpp"
+#include "tarno/foundation/date.hpp"
 
 namespace program {
 
 /// An option that takes an RFC 3339 date-time, with or without a fraction of a second.
-CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<foundation::Date>& date,
+CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<tarno::Date>& date,
                            const std::string& description);
 
 /// --at DATE, for commands that read the clock: while the command runs, the clock stands still there.
@@ -24,11 +24,11 @@ class ClockOption {
   void apply();
 
  private:
-  std::optional<foundation::Date> at_;
-  std::optional<foundation::ClockOverride> override_;
+  std::optional<tarno::Date> at_;
+  std::optional<tarno::ClockOverride> override_;
 };
 
 /// RFC 3339 in UTC, with milliseconds unless they are zero.
-std::string dateText(foundation::Date date);
+std::string dateText(tarno::Date date);
 
 }  // namespace program

@@ -1,4 +1,4 @@
-#include "common/event_loop.hpp"
+#include "tarno/common/event_loop.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "common/failure.hpp"
+#include "tarno/common/failure.hpp"
 
 #include <errno.h>  // program_invocation_short_name
 
@@ -6,7 +6,7 @@
 #include <new>
 #include <system_error>
 
-#include "common/output.hpp"
+#include "tarno/common/output.hpp"
 
 namespace program {
 namespace {

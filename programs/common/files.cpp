@@ -1,4 +1,4 @@
-#include "common/files.hpp"
+#include "tarno/common/files.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,13 +8,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "common/failure.hpp"
-#include "foundation/file_descriptor.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
 namespace {
 
-using foundation::FileDescriptor;
+using tarno::FileDescriptor;
 
 Failure failed(int exitCode, const std::string& what, const std::filesystem::path& path) {
   return {exitCode, what + " " + path.string() + ": " + std::strerror(errno)};

@@ -1,4 +1,4 @@
-#include "common/memory.hpp"
+#include "tarno/common/memory.hpp"
 
 #include <link.h>
 #include <malloc.h>

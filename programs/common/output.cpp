@@ -1,4 +1,4 @@
-#include "common/output.hpp"
+#include "tarno/common/output.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -8,8 +8,8 @@
 #include <optional>
 #include <utility>
 
-#include "common/failure.hpp"
-#include "common/files.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
 
 namespace program {
 namespace {

@@ -4,8 +4,8 @@
 #include <functional>
 #include <vector>
 
-#include "common/event_loop.hpp"
-#include "foundation/file_descriptor.hpp"
+#include "tarno/common/event_loop.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
 
@@ -31,7 +31,7 @@ class PathWatch final : public EventSource {
   bool watchFolders();
 
   std::function<void()> changed_;
-  foundation::FileDescriptor inotify_;
+  tarno::FileDescriptor inotify_;
   std::filesystem::path path_;
   std::vector<int> watches_;
   bool isExhausted_ = false;

@@ -1,4 +1,4 @@
-#include "common/wall_clock_timer.hpp"
+#include "tarno/common/wall_clock_timer.hpp"
 
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -15,7 +15,7 @@ using namespace std::chrono;
 
 /// Arms the timer for an absolute time of CLOCK_REALTIME. False when the clock was set since it was armed
 /// last, which the kernel then reports here and not by waking the timer; it is armed all the same.
-bool arm(int timer, foundation::Date moment) {
+bool arm(int timer, tarno::Date moment) {
   const auto sinceEpoch = std::max(moment.time_since_epoch(), microseconds{1});  // 0 would disarm
   const auto whole = duration_cast<seconds>(sinceEpoch);
   itimerspec expiry{};
@@ -31,11 +31,11 @@ WallClockTimer::WallClockTimer(std::function<void()> wake)
   if (!timer_) throw std::system_error{errno, std::generic_category(), "no timer"};
 }
 
-void WallClockTimer::sleepUntil(foundation::Date moment) {
+void WallClockTimer::sleepUntil(tarno::Date moment) {
   // The program's clock may stand still, the timer runs on the system's: what counts is the distance.
-  const auto wait = moment - foundation::now();
-  if (!arm(timer_.get(), time_point_cast<foundation::Date::duration>(system_clock::now()) + wait))
-    arm(timer_.get(), foundation::Date{});
+  const auto wait = moment - tarno::now();
+  if (!arm(timer_.get(), time_point_cast<tarno::Date::duration>(system_clock::now()) + wait))
+    arm(timer_.get(), tarno::Date{});
 }
 
 void WallClockTimer::dispatch(short events) {

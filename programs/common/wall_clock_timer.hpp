@@ -2,9 +2,9 @@
 
 #include <functional>
 
-#include "common/event_loop.hpp"
-#include "foundation/date.hpp"
-#include "foundation/file_descriptor.hpp"
+#include "tarno/common/event_loop.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
 
@@ -15,16 +15,16 @@ class WallClockTimer final : public EventSource {
   /// Throws std::system_error when the system has no timer left.
   explicit WallClockTimer(std::function<void()> wake);
 
-  /// Wakes once, when foundation::now() reaches `moment` or when the clock is set; at once when that is past.
+  /// Wakes once, when tarno::now() reaches `moment` or when the clock is set; at once when that is past.
   /// Takes the place of an earlier sleep.
-  void sleepUntil(foundation::Date moment);
+  void sleepUntil(tarno::Date moment);
 
   Wait prepare() override { return {timer_.get()}; }
   void dispatch(short events) override;
 
  private:
   std::function<void()> wake_;
-  foundation::FileDescriptor timer_;
+  tarno::FileDescriptor timer_;
 };
 
 }  // namespace program

@@ -1,4 +1,4 @@
-#include "tarno-desktop/frame.hpp"
+#include "tarno/tarno-desktop/frame.hpp"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -8,13 +8,13 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
-#include "common/dates.hpp"
-#include "foundation/iso8601.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/foundation/iso8601.hpp"
 
 namespace desktop {
 
-using foundation::FileDescriptor;
 using nlohmann::json;
+using tarno::FileDescriptor;
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AccessibleElement, role, label, x, y, width, height)
 
@@ -40,8 +40,8 @@ std::vector<std::string> arguments(const FrameRequest& request, int memory) {
   return words;
 }
 
-foundation::Date readDate(const json& text) {
-  const auto date = foundation::dateFromRFC3339(text.get<std::string>());
+tarno::Date readDate(const json& text) {
+  const auto date = tarno::dateFromRFC3339(text.get<std::string>());
   if (!date) throw std::runtime_error{text.dump() + " is not a date"};
   return *date;
 }

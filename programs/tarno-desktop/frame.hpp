@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "common/child_process.hpp"
-#include "foundation/date.hpp"
-#include "tarno-desktop/picture.hpp"
+#include "tarno/common/child_process.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/tarno-desktop/picture.hpp"
 
 namespace desktop {
 
@@ -27,17 +27,17 @@ struct Frame {
   std::string title;         ///< the widget's name in the user's language
   std::string announcement;  ///< changes only when the status does, not with its age
   std::vector<AccessibleElement> elements;
-  foundation::Date reloadDate;
-  std::optional<foundation::Date> staleDate;  ///< when the status turns stale; nothing when it will not
-  std::filesystem::path storeFile;  ///< absolute, need not exist; empty when nobody knows where it is
+  tarno::Date reloadDate;
+  std::optional<tarno::Date> staleDate;  ///< when the status turns stale; nothing when it will not
+  std::filesystem::path storeFile;       ///< absolute, need not exist; empty when nobody knows where it is
 };
 
 /// What `tarno-widget frame` is asked for.
 struct FrameRequest {
   std::filesystem::path program;  ///< where it cannot be run, the one of its name in PATH takes its place
   std::string family = "medium";
-  double scale = 1;                    ///< pixels per point
-  std::optional<foundation::Date> at;  ///< the tile's clock stands still there
+  double scale = 1;               ///< pixels per point
+  std::optional<tarno::Date> at;  ///< the tile's clock stands still there
 };
 
 /// What became of a frame process.
@@ -62,7 +62,7 @@ class FrameProcess {
 
  private:
   const double scale_;
-  foundation::FileDescriptor memory_;
+  tarno::FileDescriptor memory_;
   program::ChildProcess process_;
 };
 

@@ -1,4 +1,4 @@
-#include "tarno-desktop/host.hpp"
+#include "tarno/tarno-desktop/host.hpp"
 
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -7,12 +7,12 @@
 #include <cstdlib>
 #include <utility>
 
-#include "accessibility/accessible_tile.hpp"
-#include "common/failure.hpp"
-#include "common/memory.hpp"
-#include "tarno-desktop/live_tile.hpp"
-#include "wayland/wayland_surface.hpp"
-#include "x11/x11_surface.hpp"
+#include "tarno/accessibility/accessible_tile.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/memory.hpp"
+#include "tarno/tarno-desktop/live_tile.hpp"
+#include "tarno/wayland/wayland_surface.hpp"
+#include "tarno/x11/x11_surface.hpp"
 
 namespace desktop {
 namespace {
@@ -100,7 +100,7 @@ class Host final : program::EventSource {
 
   const Options& options_;
   program::EventLoop loop_;
-  foundation::FileDescriptor signals_;
+  tarno::FileDescriptor signals_;
   LiveTile tile_;
   OpenedSurface opened_;
   AccessibleTile accessible_;

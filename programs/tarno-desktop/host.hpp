@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "tarno-desktop/surface.hpp"
+#include "tarno/tarno-desktop/surface.hpp"
 
 namespace desktop {
 

@@ -1,14 +1,14 @@
-#include "tarno-desktop/live_tile.hpp"
+#include "tarno/tarno-desktop/live_tile.hpp"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <utility>
 
-#include "common/failure.hpp"
-#include "common/files.hpp"
-#include "common/output.hpp"
-#include "widgetkit/reload_schedule.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/widgetkit/reload_schedule.hpp"
 
 namespace desktop {
 namespace {
@@ -87,7 +87,7 @@ void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
 
 void LiveTile::sleep(const std::optional<Frame>& frame) {
   using widgetkit::TimelineReloadPolicy;
-  const auto now = foundation::now();
+  const auto now = tarno::now();
   auto next = widgetkit::nextRequest(
       now, frame ? std::optional{TimelineReloadPolicy::after(frame->reloadDate)} : std::nullopt);
   // A clock that stands still never gets there.

@@ -3,9 +3,9 @@
 #include <functional>
 #include <string>
 
-#include "common/path_watch.hpp"
-#include "common/wall_clock_timer.hpp"
-#include "tarno-desktop/frame.hpp"
+#include "tarno/common/path_watch.hpp"
+#include "tarno/common/wall_clock_timer.hpp"
+#include "tarno/tarno-desktop/frame.hpp"
 
 namespace desktop {
 

@@ -1,10 +1,10 @@
 #include <sstream>
 
-#include "common/command_line.hpp"
-#include "common/failure.hpp"
-#include "common/output.hpp"
-#include "tarno-desktop/host.hpp"
-#include "tarno-desktop/settings.hpp"
+#include "tarno/common/command_line.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/tarno-desktop/host.hpp"
+#include "tarno/tarno-desktop/settings.hpp"
 
 namespace {
 
@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
       listMonitors(options);
       return EX_OK;
     }
-    std::optional<foundation::ClockOverride> clock;
+    std::optional<tarno::ClockOverride> clock;
     if (options.at) clock.emplace(*options.at);
     return desktop::showTile(options);
   });

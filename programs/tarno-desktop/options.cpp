@@ -1,9 +1,9 @@
-#include "tarno-desktop/options.hpp"
+#include "tarno/tarno-desktop/options.hpp"
 
 #include <charconv>
 #include <map>
 
-#include "common/dates.hpp"
+#include "tarno/common/dates.hpp"
 
 namespace desktop {
 namespace {

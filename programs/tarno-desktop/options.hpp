@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "foundation/date.hpp"
-#include "tarno-desktop/placement.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/tarno-desktop/placement.hpp"
 
 namespace CLI {
 class App;
@@ -27,7 +27,7 @@ struct Options {
   bool plainWindow = false;     ///< on a Wayland compositor without layer-shell: a window among others
   bool listMonitors = false;    ///< on the command line only, as the next one
   std::optional<std::string> autostart;  ///< "on" or "off"
-  std::optional<foundation::Date> at;    ///< the tile's clock stands still there
+  std::optional<tarno::Date> at;         ///< the tile's clock stands still there
 };
 
 /// Makes `app` read its options into `options`, which outlives the parsing.

@@ -1,4 +1,4 @@
-#include "tarno-desktop/picture.hpp"
+#include "tarno/tarno-desktop/picture.hpp"
 
 #include <unistd.h>
 

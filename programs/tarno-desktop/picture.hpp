@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/file_descriptor.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace desktop {
 
@@ -11,10 +11,10 @@ namespace desktop {
 /// order, from the top. Sealed against shrinking, so that a display server may map it without fear. Nobody
 /// writes to it once it is shared with a surface.
 struct Picture {
-  foundation::FileDescriptor memory;  ///< a memfd of at least `stride` * `height` bytes
-  int width = 0, height = 0;          ///< in pixels
-  int stride = 0;                     ///< in bytes, at least 4 * `width`
-  double scale = 1;                   ///< pixels per point
+  tarno::FileDescriptor memory;  ///< a memfd of at least `stride` * `height` bytes
+  int width = 0, height = 0;     ///< in pixels
+  int stride = 0;                ///< in bytes, at least 4 * `width`
+  double scale = 1;              ///< pixels per point
 
   std::size_t size() const { return static_cast<std::size_t>(stride) * static_cast<std::size_t>(height); }
 };

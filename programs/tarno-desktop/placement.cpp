@@ -1,4 +1,4 @@
-#include "tarno-desktop/placement.hpp"
+#include "tarno/tarno-desktop/placement.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,12 @@
-#include "tarno-desktop/settings.hpp"
+#include "tarno/tarno-desktop/settings.hpp"
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
-#include "common/failure.hpp"
-#include "common/files.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
 
 namespace desktop {
 namespace {

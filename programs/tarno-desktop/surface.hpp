@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "common/event_loop.hpp"
-#include "tarno-desktop/options.hpp"
-#include "tarno-desktop/picture.hpp"
+#include "tarno/common/event_loop.hpp"
+#include "tarno/tarno-desktop/options.hpp"
+#include "tarno/tarno-desktop/picture.hpp"
 
 namespace desktop {
 

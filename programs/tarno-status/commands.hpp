@@ -4,15 +4,15 @@
 #include <optional>
 #include <string>
 
-#include "foundation/date.hpp"
-#include "shared/model/mac_status.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/shared/model/mac_status.hpp"
 
 /// The commands of tarno-status. Each returns the program's exit code and throws program::Failure.
 namespace status {
 
 struct SaveOptions {
-  std::filesystem::path file = "-";            ///< "-" is standard input
-  std::optional<foundation::Date> receivedAt;  ///< now when absent
+  std::filesystem::path file = "-";       ///< "-" is standard input
+  std::optional<tarno::Date> receivedAt;  ///< now when absent
   std::optional<std::string> mirrorKey;
 };
 

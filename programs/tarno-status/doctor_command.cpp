@@ -6,13 +6,13 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "commands.hpp"
-#include "common/child_process.hpp"
-#include "common/dates.hpp"
-#include "common/output.hpp"
-#include "foundation/suite_store.hpp"
-#include "shared/persistence/mac_defaults.hpp"
-#include "shared_status.hpp"
+#include "tarno/common/child_process.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/foundation/suite_store.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
+#include "tarno/tarno-status/commands.hpp"
+#include "tarno/tarno-status/shared_status.hpp"
 
 namespace status {
 namespace {
@@ -38,12 +38,12 @@ std::string itemText(const std::filesystem::path& path) {
   return "owner " + name + ", mode " + mode;
 }
 
-std::string valueText(const std::optional<foundation::DefaultsValue>& value) {
+std::string valueText(const std::optional<tarno::DefaultsValue>& value) {
   struct Describer {
-    std::string operator()(const foundation::Data& data) const {
+    std::string operator()(const tarno::Data& data) const {
       return "data, " + std::to_string(data.bytes.size()) + " bytes";
     }
-    std::string operator()(const foundation::Date& date) const { return "date, " + program::dateText(date); }
+    std::string operator()(const tarno::Date& date) const { return "date, " + program::dateText(date); }
     std::string operator()(const std::string& text) const {
       return "string, " + std::to_string(text.size()) + " bytes";
     }
@@ -52,7 +52,7 @@ std::string valueText(const std::optional<foundation::DefaultsValue>& value) {
   return value ? std::visit(Describer{}, *value) : "nothing stored";
 }
 
-std::string ageText(const std::optional<TarnoStoredMacStatus>& status, foundation::Date now) {
+std::string ageText(const std::optional<TarnoStoredMacStatus>& status, tarno::Date now) {
   if (!status) return "no report";
   if (!status->receivedAt) return "unknown: no receipt date is stored";
   if (*status->receivedAt > now) return "received in the future";
@@ -62,9 +62,9 @@ std::string ageText(const std::optional<TarnoStoredMacStatus>& status, foundatio
 /// Why a save would fail; empty when it would not.
 std::string savingFault() {
   try {
-    foundation::rehearseSavingToSuite(TarnoMacDefaults::appGroupIdentifier);
+    tarno::rehearseSavingToSuite(TarnoMacDefaults::appGroupIdentifier);
     return "";
-  } catch (const foundation::SuiteError& error) {
+  } catch (const tarno::SuiteError& error) {
     return error.what();
   }
 }
@@ -97,10 +97,10 @@ std::string verdict(const SharedStatus& shared) {
 }  // namespace
 
 int doctor() {
-  const auto now = foundation::now();
+  const auto now = tarno::now();
   const auto shared = readSharedStatus(now);
   const auto fault = savingFault();
-  const auto location = foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
+  const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
 
   std::string text = line("store", location ? location->file.string() : "nowhere");
   text += line("directory", location ? itemText(location->directory) : "missing");

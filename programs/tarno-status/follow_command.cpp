@@ -7,9 +7,9 @@
 #include <cstring>
 #include <deque>
 
-#include "commands.hpp"
-#include "common/failure.hpp"
-#include "saving.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/tarno-status/commands.hpp"
+#include "tarno/tarno-status/saving.hpp"
 
 namespace status {
 namespace {
@@ -27,7 +27,7 @@ struct Record {
   std::size_t line;  ///< counted from 1
   std::string text;
   TarnoMacStatusSnapshot report;
-  foundation::Date receivedAt;
+  tarno::Date receivedAt;
 };
 
 class Follower {
@@ -81,7 +81,7 @@ class Follower {
     try {
       if (line_.size() > largestRecord)
         throw program::Failure{EX_DATAERR, "is longer than " + std::to_string(largestRecord) + " bytes"};
-      waiting_.push_back({lines_, line_, decodeRecord(line_), foundation::now()});
+      waiting_.push_back({lines_, line_, decodeRecord(line_), tarno::now()});
     } catch (const program::Failure& failure) {
       fail(lines_, failure);
     }

@@ -1,14 +1,14 @@
-#include "line_format.hpp"
+#include "tarno/tarno-status/line_format.hpp"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <vector>
 
-#include "common/dates.hpp"
-#include "common/failure.hpp"
-#include "common/output.hpp"
-#include "shared/freshness/status_freshness.hpp"
-#include "tile_report.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/tarno-status/tile_report.hpp"
 
 namespace status {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "shared/freshness/stored_status.hpp"
+#include "tarno/shared/freshness/stored_status.hpp"
 
 namespace status {
 

@@ -1,7 +1,7 @@
-#include "commands.hpp"
-#include "common/command_line.hpp"
-#include "common/dates.hpp"
-#include "common/output.hpp"
+#include "tarno/common/command_line.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/tarno-status/commands.hpp"
 
 namespace {
 

@@ -1,17 +1,17 @@
-#include "saving.hpp"
+#include "tarno/tarno-status/saving.hpp"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "common/failure.hpp"
-#include "shared/coding/json.hpp"
-#include "shared/persistence/mac_defaults.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
 
 namespace status {
 namespace {
 
-int exitCode(foundation::SuiteError::Kind kind) {
-  using Kind = foundation::SuiteError::Kind;
+int exitCode(tarno::SuiteError::Kind kind) {
+  using Kind = tarno::SuiteError::Kind;
   switch (kind) {
     case Kind::value: return EX_DATAERR;
     case Kind::unusable: return EX_CANTCREAT;
@@ -31,18 +31,18 @@ bool isKnown(const std::string& key) {
 TarnoMacStatusSnapshot decodeRecord(std::string_view record) {
   try {
     return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record);
-  } catch (const foundation::DecodingError& error) {
+  } catch (const tarno::DecodingError& error) {
     const std::string place =
-        error.codingPath.empty() ? "the record" : "key \"" + foundation::description(error.codingPath) + "\"";
+        error.codingPath.empty() ? "the record" : "key \"" + tarno::description(error.codingPath) + "\"";
     throw program::Failure{EX_DATAERR, place + ": " + error.debugDescription + "; nothing was saved"};
   }
 }
 
-void saveReport(const TarnoMacStatusSnapshot& report, foundation::Date receivedAt,
+void saveReport(const TarnoMacStatusSnapshot& report, tarno::Date receivedAt,
                 const std::optional<std::string>& mirrorKey) {
   try {
     TarnoMacDefaults::saveStatus(report, receivedAt, mirrorKey);
-  } catch (const foundation::SuiteError& error) {
+  } catch (const tarno::SuiteError& error) {
     throw program::Failure{exitCode(error.kind()), std::string{"nothing was saved: "} + error.what()};
   }
 }

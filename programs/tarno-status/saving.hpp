@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "foundation/date.hpp"
-#include "shared/model/status_snapshot.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
 
 /// What the two ways to save a record share.
 namespace status {
@@ -17,7 +17,7 @@ inline constexpr std::size_t largestRecord = 1 << 20;
 TarnoMacStatusSnapshot decodeRecord(std::string_view record);
 
 /// Saves a report into the shared store. Throws program::Failure with the code that save() has for it.
-void saveReport(const TarnoMacStatusSnapshot& report, foundation::Date receivedAt,
+void saveReport(const TarnoMacStatusSnapshot& report, tarno::Date receivedAt,
                 const std::optional<std::string>& mirrorKey);
 
 /// One sentence that names the keys of `record`, which decodes, that hold something and that no record has;

@@ -4,23 +4,23 @@
 #include <optional>
 #include <string>
 
-#include "foundation/date.hpp"
-#include "foundation/user_defaults.hpp"
-#include "shared/freshness/stored_status.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/foundation/user_defaults.hpp"
+#include "tarno/shared/freshness/stored_status.hpp"
 
 namespace status {
 
 /// What the shared store says, read the way the widget reads it. Without a status and without a fault,
 /// nothing is stored.
 struct SharedStatus {
-  std::shared_ptr<foundation::UserDefaults> store;  ///< null when it cannot be opened
-  std::optional<TarnoStoredMacStatus> status;       ///< what the tile shows; nothing for "No status"
+  std::shared_ptr<tarno::UserDefaults> store;  ///< null when it cannot be opened
+  std::optional<TarnoStoredMacStatus> status;  ///< what the tile shows; nothing for "No status"
   std::string
       fault;  ///< why the store, or the record in it, cannot be read; one sentence without a full stop
 };
 
 /// The state of this moment, judged for freshness at `now`.
-SharedStatus readSharedStatus(foundation::Date now);
+SharedStatus readSharedStatus(tarno::Date now);
 
 /// Whether there is a report, its age is known and it is not stale.
 bool isFresh(const std::optional<TarnoStoredMacStatus>& status);

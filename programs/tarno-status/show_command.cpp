@@ -1,11 +1,11 @@
 #include <cstdio>
 
-#include "commands.hpp"
-#include "common/dates.hpp"
-#include "common/failure.hpp"
-#include "common/output.hpp"
-#include "shared_status.hpp"
-#include "tile_report.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/tarno-status/commands.hpp"
+#include "tarno/tarno-status/shared_status.hpp"
+#include "tarno/tarno-status/tile_report.hpp"
 
 namespace status {
 namespace {
@@ -36,7 +36,7 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
 
 /// Throws Failure when something is stored that cannot be read.
 std::optional<TarnoStoredMacStatus> readStatus() {
-  const auto shared = readSharedStatus(foundation::now());
+  const auto shared = readSharedStatus(tarno::now());
   if (!shared.status && !shared.fault.empty()) throw program::Failure{EX_UNAVAILABLE, shared.fault};
   return shared.status;
 }

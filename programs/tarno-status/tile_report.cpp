@@ -1,9 +1,9 @@
-#include "tile_report.hpp"
+#include "tarno/tarno-status/tile_report.hpp"
 
 #include <nlohmann/json.hpp>
 
-#include "common/dates.hpp"
-#include "shared/coding/json.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/shared/coding/json.hpp"
 
 namespace status {
 

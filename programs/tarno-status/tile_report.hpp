@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "shared/freshness/stored_status.hpp"
+#include "tarno/shared/freshness/stored_status.hpp"
 
 namespace status {
 
@@ -16,7 +16,7 @@ struct TileReport {
   std::string statusLine, detailLine, presence, device;
   bool isStale = false;
   std::optional<std::int64_t> ageSeconds;
-  std::optional<foundation::Date> receivedAt;
+  std::optional<tarno::Date> receivedAt;
 };
 
 TileReport tileReport(const std::optional<TarnoStoredMacStatus>& stored);

@@ -3,19 +3,19 @@
 #include <cstring>
 #include <utility>
 
-#include "commands.hpp"
-#include "common/event_loop.hpp"
-#include "common/failure.hpp"
-#include "common/files.hpp"
-#include "common/memory.hpp"
-#include "common/output.hpp"
-#include "common/path_watch.hpp"
-#include "common/wall_clock_timer.hpp"
-#include "foundation/suite_location.hpp"
-#include "line_format.hpp"
-#include "shared/freshness/status_freshness.hpp"
-#include "shared/persistence/mac_defaults.hpp"
-#include "shared_status.hpp"
+#include "tarno/common/event_loop.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
+#include "tarno/common/memory.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/common/path_watch.hpp"
+#include "tarno/common/wall_clock_timer.hpp"
+#include "tarno/foundation/suite_location.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
+#include "tarno/tarno-status/commands.hpp"
+#include "tarno/tarno-status/line_format.hpp"
+#include "tarno/tarno-status/shared_status.hpp"
 
 namespace status {
 namespace {
@@ -36,8 +36,8 @@ State stateOf(const SharedStatus& shared) {
 
 /// When to look again if no save comes first. Far ahead where nothing can turn stale: a clock that is set
 /// still ends the sleep.
-foundation::Date nextLook(const std::optional<TarnoStoredMacStatus>& status) {
-  if (!status || !status->receivedAt || status->snapshot.isStale()) return foundation::latestDate;
+tarno::Date nextLook(const std::optional<TarnoStoredMacStatus>& status) {
+  if (!status || !status->receivedAt || status->snapshot.isStale()) return tarno::latestDate;
   return TarnoStatusFreshness::staleFrom(*status->receivedAt);
 }
 
@@ -73,7 +73,7 @@ class Watcher {
   void look() {
     if (!store_.isWatching())
       throw program::Failure{EX_OSERR, "cannot watch the store: the system has no inotify watch left"};
-    const auto shared = readSharedStatus(foundation::now());
+    const auto shared = readSharedStatus(tarno::now());
     timer_.sleepUntil(nextLook(shared.status));
     if (auto state = stateOf(shared); state != last_) {
       if (!state.fault.empty() && (!last_ || last_->fault != state.fault)) program::complain(state.fault);
@@ -102,8 +102,8 @@ class Watcher {
 
 int watch(const std::string& format) {
   Watcher watcher{lineFormat(format)};
-  const auto location = foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
-  if (!location) throw program::Failure{EX_UNAVAILABLE, readSharedStatus(foundation::now()).fault};
+  const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
+  if (!location) throw program::Failure{EX_UNAVAILABLE, readSharedStatus(tarno::now()).fault};
   std::signal(SIGPIPE, SIG_IGN);  // a reader that goes ends the loop
   return watcher.run(location->file);
 }

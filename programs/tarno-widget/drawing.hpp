@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/failure.hpp"
-#include "render/image.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/render/image.hpp"
 
 namespace extension {
 

@@ -1,6 +1,6 @@
-#include "tarno-widget/extension.hpp"
+#include "tarno/tarno-widget/extension.hpp"
 
-#include "widget/extension/status_widget.hpp"
+#include "tarno/widget/extension/status_widget.hpp"
 
 namespace extension {
 

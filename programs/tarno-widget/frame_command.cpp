@@ -1,21 +1,21 @@
-#include "tarno-widget/frame_command.hpp"
+#include "tarno/tarno-widget/frame_command.hpp"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "common/dates.hpp"
-#include "common/output.hpp"
-#include "foundation/suite_store.hpp"
-#include "render/image.hpp"
-#include "shared/freshness/status_freshness.hpp"
-#include "shared/persistence/mac_defaults.hpp"
-#include "tarno-widget/drawing.hpp"
-#include "tarno-widget/inspection.hpp"
-#include "tarno-widget/localization.hpp"
-#include "tarno-widget/shared_pixels.hpp"
-#include "tarno-widget/tile.hpp"
-#include "ui/description/scene_description.hpp"
-#include "widget/timeline/widget_entry.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/foundation/suite_store.hpp"
+#include "tarno/render/image.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
+#include "tarno/tarno-widget/drawing.hpp"
+#include "tarno/tarno-widget/inspection.hpp"
+#include "tarno/tarno-widget/localization.hpp"
+#include "tarno/tarno-widget/shared_pixels.hpp"
+#include "tarno/tarno-widget/tile.hpp"
+#include "tarno/ui/description/scene_description.hpp"
+#include "tarno/widget/timeline/widget_entry.hpp"
 
 namespace extension {
 namespace {
@@ -23,15 +23,15 @@ namespace {
 using nlohmann::ordered_json;
 
 /// A moment to wait for, never too early: rounded up to the millisecond, and no later than a date can say.
-std::string momentText(foundation::Date moment) {
+std::string momentText(tarno::Date moment) {
   using std::chrono::milliseconds;
-  return program::dateText(std::min<foundation::Date>(
-      std::chrono::ceil<milliseconds>(moment), std::chrono::floor<milliseconds>(foundation::latestDate)));
+  return program::dateText(std::min<tarno::Date>(std::chrono::ceil<milliseconds>(moment),
+                                                 std::chrono::floor<milliseconds>(tarno::latestDate)));
 }
 
 /// When the status that `entry` shows turns stale by its age; nothing when it is stale already or never will
 /// be.
-std::optional<foundation::Date> staleFrom(const widgetkit::AnyTimelineEntry& entry) {
+std::optional<tarno::Date> staleFrom(const widgetkit::AnyTimelineEntry& entry) {
   const auto& [date, status, lastRefresh] = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);
   if (!status || status->isStale() || !lastRefresh) return std::nullopt;
   return TarnoStatusFreshness::staleFrom(*lastRefresh);
@@ -54,7 +54,7 @@ std::string announcement(const ui::Scene& scene) {
 }
 
 ordered_json watched() {
-  const auto location = foundation::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
+  const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
   if (!location) return nullptr;
   return {{"folder", location->directory.string()}, {"file", location->file.filename().string()}};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 namespace extension {
 

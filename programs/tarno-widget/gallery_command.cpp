@@ -1,13 +1,13 @@
-#include "tarno-widget/gallery_command.hpp"
+#include "tarno/tarno-widget/gallery_command.hpp"
 
 #include <nlohmann/json.hpp>
 
-#include "common/failure.hpp"
-#include "common/output.hpp"
-#include "foundation/date.hpp"
-#include "tarno-widget/localization.hpp"
-#include "tarno-widget/render_command.hpp"
-#include "tarno-widget/tile.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/tarno-widget/localization.hpp"
+#include "tarno/tarno-widget/render_command.hpp"
+#include "tarno/tarno-widget/tile.hpp"
 
 namespace extension {
 namespace {
@@ -49,7 +49,7 @@ void drawPreviews(const widgetkit::WidgetConfiguration& widget, const std::files
 }  // namespace
 
 int gallery(const widgetkit::WidgetConfiguration& widget, const GalleryOptions& options) {
-  const foundation::ClockOverride oneReading{foundation::now()};
+  const tarno::ClockOverride oneReading{tarno::now()};
   if (options.output) drawPreviews(widget, *options.output, options.scale);
   program::writeOutput(options.asJSON ? jsonText(widget) : textForPeople(widget));
   return EX_OK;

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 namespace extension {
 

@@ -1,15 +1,15 @@
-#include "tarno-widget/inspect_command.hpp"
+#include "tarno/tarno-widget/inspect_command.hpp"
 
 #include <sysexits.h>
 
 #include <nlohmann/json.hpp>
 
-#include "common/dates.hpp"
-#include "common/output.hpp"
-#include "render/text_engine.hpp"
-#include "tarno-widget/inspection.hpp"
-#include "ui/description/scene_description.hpp"
-#include "ui/description/view_description.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/render/text_engine.hpp"
+#include "tarno/tarno-widget/inspection.hpp"
+#include "tarno/ui/description/scene_description.hpp"
+#include "tarno/ui/description/view_description.hpp"
 
 namespace extension {
 namespace {

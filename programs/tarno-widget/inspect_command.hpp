@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tarno-widget/tile.hpp"
+#include "tarno/tarno-widget/tile.hpp"
 
 /// The commands that print what the widget answers and what it is drawn with. Each returns the program's exit
 /// code and throws program::Failure.

@@ -1,13 +1,13 @@
-#include "tarno-widget/inspection.hpp"
+#include "tarno/tarno-widget/inspection.hpp"
 
 #include <nlohmann/json.hpp>
 
-#include "common/dates.hpp"
-#include "foundation/date.hpp"
-#include "shared/coding/json.hpp"
-#include "ui/description/scene_description.hpp"
-#include "ui/description/view_description.hpp"
-#include "widget/timeline/widget_entry.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/ui/description/scene_description.hpp"
+#include "tarno/ui/description/view_description.hpp"
+#include "tarno/widget/timeline/widget_entry.hpp"
 
 namespace extension {
 
@@ -15,7 +15,7 @@ using nlohmann::ordered_json;
 
 Inspection inspection(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile,
                       ui::TextMeasurer& measurer) {
-  const foundation::ClockOverride oneReading{foundation::now()};
+  const tarno::ClockOverride oneReading{tarno::now()};
   const auto entry = entryFor(widget, tile);
   const auto view = entry.content({.widgetFamily = tile.family});
   const auto scene = tileScene(view, tile.family, measurer);

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
-#include "tarno-widget/tile.hpp"
-#include "ui/description/description.hpp"
+#include "tarno/tarno-widget/tile.hpp"
+#include "tarno/ui/description/description.hpp"
 
 namespace extension {
 

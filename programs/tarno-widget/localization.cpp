@@ -1,4 +1,4 @@
-#include "tarno-widget/localization.hpp"
+#include "tarno/tarno-widget/localization.hpp"
 
 #include <libintl.h>
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 namespace extension {
 

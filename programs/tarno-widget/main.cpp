@@ -1,14 +1,14 @@
 #include <cmath>
 
-#include "common/command_line.hpp"
-#include "common/dates.hpp"
-#include "common/output.hpp"
-#include "tarno-widget/extension.hpp"
-#include "tarno-widget/frame_command.hpp"
-#include "tarno-widget/gallery_command.hpp"
-#include "tarno-widget/inspect_command.hpp"
-#include "tarno-widget/localization.hpp"
-#include "tarno-widget/render_command.hpp"
+#include "tarno/common/command_line.hpp"
+#include "tarno/common/dates.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/tarno-widget/extension.hpp"
+#include "tarno/tarno-widget/frame_command.hpp"
+#include "tarno/tarno-widget/gallery_command.hpp"
+#include "tarno/tarno-widget/inspect_command.hpp"
+#include "tarno/tarno-widget/localization.hpp"
+#include "tarno/tarno-widget/render_command.hpp"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "tarno-widget/render_command.hpp"
+#include "tarno/tarno-widget/render_command.hpp"
 
-#include "common/files.hpp"
-#include "common/output.hpp"
-#include "foundation/date.hpp"
-#include "tarno-widget/drawing.hpp"
-#include "tarno-widget/localization.hpp"
+#include "tarno/common/files.hpp"
+#include "tarno/common/output.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/tarno-widget/drawing.hpp"
+#include "tarno/tarno-widget/localization.hpp"
 
 namespace extension {
 namespace {
@@ -22,7 +22,7 @@ render::ImageFormat formatOf(const std::filesystem::path& output) {
 
 int render(const widgetkit::WidgetConfiguration& widget, const RenderOptions& options) {
   const auto format = formatOf(options.output);
-  const foundation::ClockOverride oneReading{foundation::now()};
+  const tarno::ClockOverride oneReading{tarno::now()};
   const auto entry = entryFor(widget, options.tile);
   render::TextEngine text;
   const auto bytes = drawn([&] {

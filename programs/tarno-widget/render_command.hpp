@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "tarno-widget/tile.hpp"
+#include "tarno/tarno-widget/tile.hpp"
 
 namespace extension {
 

@@ -1,4 +1,4 @@
-#include "tarno-widget/shared_pixels.hpp"
+#include "tarno/tarno-widget/shared_pixels.hpp"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string>
 
-#include "common/failure.hpp"
+#include "tarno/common/failure.hpp"
 
 namespace extension {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "render/image.hpp"
+#include "tarno/render/image.hpp"
 
 namespace extension {
 

@@ -1,4 +1,4 @@
-#include "tarno-widget/tile.hpp"
+#include "tarno/tarno-widget/tile.hpp"
 
 namespace extension {
 

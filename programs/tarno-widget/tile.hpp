@@ -3,8 +3,8 @@
 #include <optional>
 #include <string_view>
 
-#include "ui/layout.hpp"
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/ui/layout.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 namespace extension {
 

@@ -1,11 +1,11 @@
-#include "shared/coding/json.hpp"
+#include "tarno/shared/coding/json.hpp"
 
-#include "foundation/iso8601.hpp"
+#include "tarno/foundation/iso8601.hpp"
 
 namespace {
 
-foundation::Date decodeISO8601Date(const foundation::Decoder& decoder) {
-  if (const auto date = foundation::dateFromRFC3339(decoder.as<std::string>())) return *date;
+tarno::Date decodeISO8601Date(const tarno::Decoder& decoder) {
+  if (const auto date = tarno::dateFromRFC3339(decoder.as<std::string>())) return *date;
   throw decoder.dataCorrupted("Invalid ISO8601 date");
 }
 
@@ -13,10 +13,8 @@ foundation::Date decodeISO8601Date(const foundation::Decoder& decoder) {
 
 namespace TarnoJSON {
 
-foundation::JSONEncoder encoder() {
-  return foundation::JSONEncoder{foundation::DateEncodingStrategy::iso8601};
-}
+tarno::JSONEncoder encoder() { return tarno::JSONEncoder{tarno::DateEncodingStrategy::iso8601}; }
 
-foundation::JSONDecoder decoder() { return foundation::JSONDecoder{decodeISO8601Date}; }
+tarno::JSONDecoder decoder() { return tarno::JSONDecoder{decodeISO8601Date}; }
 
 }  // namespace TarnoJSON

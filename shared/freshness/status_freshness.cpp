@@ -1,19 +1,19 @@
-#include "shared/freshness/status_freshness.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
 
 #include <algorithm>
 #include <cmath>
 
 namespace TarnoStatusFreshness {
 
-std::optional<std::int64_t> ageSeconds(std::optional<foundation::Date> receivedAt, foundation::Date now) {
+std::optional<std::int64_t> ageSeconds(std::optional<tarno::Date> receivedAt, tarno::Date now) {
   if (!receivedAt) return std::nullopt;
-  return std::max<std::int64_t>(foundation::wholeSecondsBetween(*receivedAt, now), 0);
+  return std::max<std::int64_t>(tarno::wholeSecondsBetween(*receivedAt, now), 0);
 }
 
-foundation::Date staleFrom(foundation::Date receivedAt) {
+tarno::Date staleFrom(tarno::Date receivedAt) {
   // Ages count in whole seconds, so that the limit is exceeded at the next one.
-  const foundation::TimeInterval firstStaleAge{std::floor(localStaleAfter.count()) + 1};
-  return foundation::addingTimeInterval(receivedAt, firstStaleAge);
+  const tarno::TimeInterval firstStaleAge{std::floor(localStaleAfter.count()) + 1};
+  return tarno::addingTimeInterval(receivedAt, firstStaleAge);
 }
 
 std::string ageText(std::int64_t seconds) {

@@ -4,21 +4,21 @@
 #include <optional>
 #include <string>
 
-#include "foundation/date.hpp"
+#include "tarno/foundation/date.hpp"
 
 /// How old a status may be. Freshness is judged by the local clock, from the moment at which the report was
 /// received.
 namespace TarnoStatusFreshness {
 
 /// A status whose local age exceeds this is stale.
-inline constexpr foundation::TimeInterval localStaleAfter{150};
+inline constexpr tarno::TimeInterval localStaleAfter{150};
 
 /// The whole seconds from `receivedAt` to `now`, 0 when it lies in the future; nothing without `receivedAt`.
-std::optional<std::int64_t> ageSeconds(std::optional<foundation::Date> receivedAt, foundation::Date now);
+std::optional<std::int64_t> ageSeconds(std::optional<tarno::Date> receivedAt, tarno::Date now);
 
 /// The first moment at which a status that was received at `receivedAt`, no later than latestDate, is stale
 /// by its age.
-foundation::Date staleFrom(foundation::Date receivedAt);
+tarno::Date staleFrom(tarno::Date receivedAt);
 
 /// An age in seconds, minutes or hours, rounded down: "59s", "1m", "24h". A negative one is in seconds.
 std::string ageText(std::int64_t seconds);

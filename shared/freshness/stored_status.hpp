@@ -2,14 +2,14 @@
 
 #include <optional>
 
-#include "foundation/date.hpp"
-#include "shared/model/status_snapshot.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
 
 /// What loading hands out: a status report and the local moment at which it was received, where that is
 /// known.
 struct TarnoStoredMacStatus {
   TarnoMacStatusSnapshot snapshot;
-  std::optional<foundation::Date> receivedAt;
+  std::optional<tarno::Date> receivedAt;
 
   friend bool operator==(const TarnoStoredMacStatus&, const TarnoStoredMacStatus&) = default;
 };

@@ -1,4 +1,4 @@
-#include "shared/model/canonical_text.hpp"
+#include "tarno/shared/model/canonical_text.hpp"
 
 #include <utf8proc.h>
 

@@ -1,9 +1,9 @@
-#include "shared/model/mac_status.hpp"
+#include "tarno/shared/model/mac_status.hpp"
 
 #include <string>
 
-#include "foundation/json_decoder.hpp"
-#include "foundation/json_encoder.hpp"
+#include "tarno/foundation/json_decoder.hpp"
+#include "tarno/foundation/json_encoder.hpp"
 
 namespace {
 
@@ -28,9 +28,9 @@ std::string_view TarnoMacStatus::rawValue() const { return words[case_].rawValue
 
 std::string_view TarnoMacStatus::displayName() const { return words[case_].displayName; }
 
-void encode(foundation::Encoder& encoder, TarnoMacStatus status) { encoder.write(status.rawValue()); }
+void encode(tarno::Encoder& encoder, TarnoMacStatus status) { encoder.write(status.rawValue()); }
 
-void decode(const foundation::Decoder& decoder, TarnoMacStatus& status) {
+void decode(const tarno::Decoder& decoder, TarnoMacStatus& status) {
   const auto text = decoder.as<std::string>();
   const auto named = TarnoMacStatus::fromRawValue(text);
   if (!named) throw decoder.dataCorrupted("\"" + text + "\" is not a status");

@@ -7,10 +7,10 @@
 #include <optional>
 #include <string_view>
 
-namespace foundation {
+namespace tarno {
 class Decoder;
 class Encoder;
-}  // namespace foundation
+}  // namespace tarno
 
 /// The lock state of the user's Mac as the companion application reports it. `unknown` is a state that a
 /// writer may report; where a status is optional, its absence is something else.
@@ -49,8 +49,8 @@ struct std::hash<TarnoMacStatus> {
 };
 
 /// One JSON string, the raw value.
-void encode(foundation::Encoder& encoder, TarnoMacStatus status);
+void encode(tarno::Encoder& encoder, TarnoMacStatus status);
 
-/// Throws foundation::DecodingError: typeMismatch for what is not a string, dataCorrupted for any text but a
+/// Throws tarno::DecodingError: typeMismatch for what is not a string, dataCorrupted for any text but a
 /// raw value.
-void decode(const foundation::Decoder& decoder, TarnoMacStatus& status);
+void decode(const tarno::Decoder& decoder, TarnoMacStatus& status);

@@ -1,11 +1,11 @@
-#include "shared/model/status_snapshot.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
 
 #include <tuple>
 
-#include "foundation/json_decoder.hpp"
-#include "foundation/json_encoder.hpp"
-#include "shared/freshness/status_freshness.hpp"
-#include "shared/model/canonical_text.hpp"
+#include "tarno/foundation/json_decoder.hpp"
+#include "tarno/foundation/json_encoder.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/shared/model/canonical_text.hpp"
 
 namespace {
 
@@ -71,9 +71,9 @@ std::string TarnoMacStatusSnapshot::detailLine() const {
   return "Waiting for Tarno status.";
 }
 
-TarnoMacStatusSnapshot TarnoMacStatusSnapshot::withLocalFreshness(std::optional<foundation::Date> receivedAt,
-                                                                  foundation::Date now,
-                                                                  foundation::TimeInterval staleAfter) const {
+TarnoMacStatusSnapshot TarnoMacStatusSnapshot::withLocalFreshness(std::optional<tarno::Date> receivedAt,
+                                                                  tarno::Date now,
+                                                                  tarno::TimeInterval staleAfter) const {
   auto judged = *this;
   const auto age = TarnoStatusFreshness::ageSeconds(receivedAt, now);
   if (!age) return judged;
@@ -87,14 +87,14 @@ bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b
                     fields);
 }
 
-void encode(foundation::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot) {
+void encode(tarno::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot) {
   encoder.beginObject();
   std::apply([&](const auto&... field) { (encoder.encodeIfPresent(field.key, snapshot.*field.member), ...); },
              fields);
   encoder.endObject();
 }
 
-void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot) {
+void decode(const tarno::Decoder& decoder, TarnoMacStatusSnapshot& snapshot) {
   decoder.requireObject();
   TarnoMacStatusSnapshot read;
   const auto readField = [&]<class Value>(const Field<Value>& field) {

@@ -6,19 +6,19 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/date.hpp"
-#include "shared/model/mac_status.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/shared/model/mac_status.hpp"
 
 /// One status report about the user's Mac. In its JSON form, schema "tarno.remote.v1", it is what the
 /// companion application and the widget exchange. Every field is optional and starts absent. Copies are
 /// independent; any thread.
 struct TarnoMacStatusSnapshot {
-  std::optional<std::string> schema;       ///< the record format; not checked when reading
-  std::optional<std::string> app;          ///< the writing application
-  std::optional<std::string> event;        ///< a token for what led to the report
-  std::optional<std::string> deviceID;     ///< which Mac
-  std::optional<std::string> deviceName;   ///< which Mac, for people
-  std::optional<foundation::Date> seenAt;  ///< when the writer saw the status, by the writer's clock
+  std::optional<std::string> schema;      ///< the record format; not checked when reading
+  std::optional<std::string> app;         ///< the writing application
+  std::optional<std::string> event;       ///< a token for what led to the report
+  std::optional<std::string> deviceID;    ///< which Mac
+  std::optional<std::string> deviceName;  ///< which Mac, for people
+  std::optional<tarno::Date> seenAt;      ///< when the writer saw the status, by the writer's clock
   std::optional<TarnoMacStatus> status;
   std::optional<std::string> reason;       ///< a short explanation for people
   std::optional<std::string> source;       ///< the part of the writer that produced the status
@@ -50,20 +50,20 @@ struct TarnoMacStatusSnapshot {
   /// A copy judged by the local clock: its age counted from `receivedAt`, and `stale` set when that age in
   /// whole seconds exceeds `staleAfter`. A stale snapshot is never made fresh. Without `receivedAt` the copy
   /// is unchanged.
-  TarnoMacStatusSnapshot withLocalFreshness(std::optional<foundation::Date> receivedAt, foundation::Date now,
-                                            foundation::TimeInterval staleAfter) const;
+  TarnoMacStatusSnapshot withLocalFreshness(std::optional<tarno::Date> receivedAt, tarno::Date now,
+                                            tarno::TimeInterval staleAfter) const;
 };
 
 /// Field by field: texts by Unicode canonical equivalence, everything else exactly.
 bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b);
 
-/// One JSON object; absent fields are left out. Throws foundation::EncodingError for an `inputIdleSeconds`
+/// One JSON object; absent fields are left out. Throws tarno::EncodingError for an `inputIdleSeconds`
 /// that is not finite and for a text that is not UTF-8.
-void encode(foundation::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot);
+void encode(tarno::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot);
 
 /// From one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
-/// foundation::DecodingError for the first field that does not fit; `snapshot` is then unchanged.
-void decode(const foundation::Decoder& decoder, TarnoMacStatusSnapshot& snapshot);
+/// tarno::DecodingError for the first field that does not fit; `snapshot` is then unchanged.
+void decode(const tarno::Decoder& decoder, TarnoMacStatusSnapshot& snapshot);
 
 /// The name of the Mac that `report` is about, for people; "Mac" when there is no report or it names none.
 std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report);

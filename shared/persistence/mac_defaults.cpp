@@ -1,19 +1,19 @@
-#include "shared/persistence/mac_defaults.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
 
 #include <cstdio>
 #include <mutex>
 #include <utility>
 #include <vector>
 
-#include "foundation/suite_store.hpp"
-#include "shared/coding/json.hpp"
-#include "shared/freshness/status_freshness.hpp"
+#include "tarno/foundation/suite_store.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
 
 namespace TarnoMacDefaults {
 namespace {
 
-using foundation::Date;
-using foundation::UserDefaults;
+using tarno::Date;
+using tarno::UserDefaults;
 
 std::mutex& appGroupFallbackLock() {
   static std::mutex lock;
@@ -37,12 +37,12 @@ void reportFallbackOnce() {
   std::fflush(stdout);
 }
 
-using Entry = std::pair<std::string_view, foundation::DefaultsValue>;
+using Entry = std::pair<std::string_view, tarno::DefaultsValue>;
 
 /// What a report is saved as, in the order in which it is written. Throws EncodingError.
 std::vector<Entry> entriesOf(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
                              const std::optional<std::string>& mirrorKey) {
-  std::vector<Entry> entries{{lastStatus, foundation::Data{TarnoJSON::encoder().encode(snapshot)}},
+  std::vector<Entry> entries{{lastStatus, tarno::Data{TarnoJSON::encoder().encode(snapshot)}},
                              {lastStatusAt, receivedAt},
                              {lastStatusValue, std::string{snapshot.resolvedStatus().rawValue()}}};
   if (mirrorKey) entries.emplace_back(lastStatusMirrorKey, *mirrorKey);
@@ -61,7 +61,7 @@ std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store) {
   if (!record) return std::nullopt;
   try {
     return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record->bytes);
-  } catch (const foundation::DecodingError&) {
+  } catch (const tarno::DecodingError&) {
     return std::nullopt;
   }
 }
@@ -82,10 +82,10 @@ std::optional<TarnoMacStatusSnapshot> snapshotOfPlainValue(const UserDefaults& s
 
 }  // namespace
 
-std::shared_ptr<foundation::UserDefaults> store() {
-  if (auto shared = foundation::UserDefaults::suite(appGroupIdentifier)) return shared;
+std::shared_ptr<tarno::UserDefaults> store() {
+  if (auto shared = tarno::UserDefaults::suite(appGroupIdentifier)) return shared;
   reportFallbackOnce();
-  return foundation::UserDefaults::standard();
+  return tarno::UserDefaults::standard();
 }
 
 void persistStatus(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
@@ -93,7 +93,7 @@ void persistStatus(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
   std::vector<Entry> entries;
   try {
     entries = entriesOf(snapshot, receivedAt, mirrorKey);
-  } catch (const foundation::EncodingError&) {
+  } catch (const tarno::EncodingError&) {
     return;
   }
   for (auto& [key, value] : entries) store.set(key, std::move(value));
@@ -104,9 +104,9 @@ void saveStatus(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
                 const std::optional<std::string>& mirrorKey) {
   try {
     const auto entries = entriesOf(snapshot, receivedAt, mirrorKey);
-    foundation::saveToSuite(appGroupIdentifier, {entries.begin(), entries.end()});
-  } catch (const foundation::EncodingError& error) {
-    throw foundation::SuiteError{foundation::SuiteError::Kind::value, error.what()};
+    tarno::saveToSuite(appGroupIdentifier, {entries.begin(), entries.end()});
+  } catch (const tarno::EncodingError& error) {
+    throw tarno::SuiteError{tarno::SuiteError::Kind::value, error.what()};
   }
 }
 

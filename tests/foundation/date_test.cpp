@@ -2,10 +2,10 @@
 
 #include <sstream>
 
-#include "foundation/date.hpp"
-#include "foundation/iso8601.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/foundation/iso8601.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using namespace std::chrono;
@@ -62,4 +62,4 @@ TEST(Date, ArithmeticIsExactAndNeverOverflows) {
 }
 
 }  // namespace
-}  // namespace foundation
+}  // namespace tarno

@@ -1,12 +1,12 @@
-#include "foundation/defaults_document.hpp"
+#include "tarno/foundation/defaults_document.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "foundation/coding_error.hpp"
+#include "tarno/foundation/coding_error.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using namespace std::literals;
@@ -56,4 +56,4 @@ TEST(DefaultsDocument, HasLimits) {
 }
 
 }  // namespace
-}  // namespace foundation
+}  // namespace tarno

@@ -6,11 +6,11 @@
 #include <fstream>
 #include <limits>
 
-#include "foundation/json_decoder.hpp"
-#include "foundation/json_encoder.hpp"
 #include "support/temporary_store.hpp"
+#include "tarno/foundation/json_decoder.hpp"
+#include "tarno/foundation/json_encoder.hpp"
 
-namespace foundation {
+namespace tarno {
 namespace {
 
 using namespace std::string_view_literals;
@@ -98,4 +98,4 @@ TEST(JSON, KeepsItsDecimalPointInEveryLocale) {
 }
 
 }  // namespace
-}  // namespace foundation
+}  // namespace tarno

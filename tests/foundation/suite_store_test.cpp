@@ -1,4 +1,4 @@
-#include "foundation/suite_store.hpp"
+#include "tarno/foundation/suite_store.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@
 #include "support/system_calls.hpp"
 #include "support/temporary_store.hpp"
 
-using namespace foundation;
+using namespace tarno;
 
 namespace {
 

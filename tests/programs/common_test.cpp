@@ -3,11 +3,11 @@
 
 #include <functional>
 
-#include "common/command_line.hpp"
-#include "common/failure.hpp"
-#include "common/files.hpp"
-#include "common/output.hpp"
 #include "support/temporary_store.hpp"
+#include "tarno/common/command_line.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
+#include "tarno/common/output.hpp"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "common/path_watch.hpp"
+#include "tarno/common/path_watch.hpp"
 
 #include <gtest/gtest.h>
 

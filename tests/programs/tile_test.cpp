@@ -1,4 +1,4 @@
-#include "tarno-widget/tile.hpp"
+#include "tarno/tarno-widget/tile.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,12 @@
 #include <numeric>
 #include <sstream>
 
-#include "render/image.hpp"
-#include "shared/coding/json.hpp"
 #include "support/pixels.hpp"
-#include "tarno-widget/extension.hpp"
-#include "ui/symbols/symbol.hpp"
-#include "widget/views/widget_view.hpp"
+#include "tarno/render/image.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/tarno-widget/extension.hpp"
+#include "tarno/ui/symbols/symbol.hpp"
+#include "tarno/widget/views/widget_view.hpp"
 
 namespace {
 
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono;
 using widgetkit::WidgetFamily;
 
-constexpr foundation::Date now = sys_days{2026y / November / 16} + 15h;
+constexpr tarno::Date now = sys_days{2026y / November / 16} + 15h;
 
 void write(const fs::path& path, const std::string& bytes) {
   fs::create_directories(path.parent_path());
@@ -40,7 +40,7 @@ int difference(const Pixels::Pixel& a, const Pixels::Pixel& b) {
 /// may differ by what an edge does that moves by a twentieth of a pixel, and one in 10,000 by more. What does
 /// not match is written to the folder "reference-failures" in the working directory.
 void expectReference(const std::string& png, const std::string& name) {
-  const fs::path reference = fs::path(__FILE__).parent_path().parent_path() / "references" / (name + ".png");
+  const fs::path reference = fs::path{TARNO_REFERENCES} / (name + ".png");
   if (const char* renew = std::getenv("TARNO_RENEW_REFERENCES"); renew && *renew == '1')
     return write(reference, png);
   const Pixels expected = Pixels::decode((std::stringstream{} << std::ifstream{reference}.rdbuf()).str());
@@ -57,7 +57,7 @@ void expectReference(const std::string& png, const std::string& name) {
 }
 
 /// The entry that shows a record, received some time ago; that shows none where `json` is empty.
-widgetkit::AnyTimelineEntry entryOf(const std::string& json, foundation::Date::duration age) {
+widgetkit::AnyTimelineEntry entryOf(const std::string& json, tarno::Date::duration age) {
   TarnoMacWidgetEntry entry{.date = now};
   if (!json.empty()) {
     entry.status = TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(json);
@@ -67,9 +67,9 @@ widgetkit::AnyTimelineEntry entryOf(const std::string& json, foundation::Date::d
 }
 
 TEST(Tile, LooksAsItDid) {
-  const foundation::ClockOverride clock{now};
+  const tarno::ClockOverride clock{now};
   render::TextEngine text;
-  const std::tuple<const char*, WidgetFamily, double, foundation::Date::duration, const char*> rows[] = {
+  const std::tuple<const char*, WidgetFamily, double, tarno::Date::duration, const char*> rows[] = {
       {"locked-medium", WidgetFamily::systemMedium, 2, 4s,
        R"({"device_name": "Kivo's Mac", "status": "locked", "reason": "Mac locked.", "face_present": true,
            "companion_present": true, "input_idle_seconds": 3})"},

@@ -1,4 +1,4 @@
-#include "common/wall_clock_timer.hpp"
+#include "tarno/common/wall_clock_timer.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/timerfd.h>
@@ -54,32 +54,32 @@ struct WallClockTimer : testing::Test {
 
 TEST_F(WallClockTimer, WakesOnceWhenTheLastMomentItWasGivenHasCome) {
   EXPECT_FALSE(wakesIn(0ms));
-  const auto moment = foundation::now() + 30ms;
-  timer.sleepUntil(foundation::now());
+  const auto moment = tarno::now() + 30ms;
+  timer.sleepUntil(tarno::now());
   timer.sleepUntil(moment);
   EXPECT_FALSE(wakesIn(0ms));
   EXPECT_TRUE(wakesIn(5s));
-  EXPECT_GE(foundation::now(), moment);
+  EXPECT_GE(tarno::now(), moment);
   EXPECT_FALSE(wakesIn(20ms));
-  for (const auto past : {foundation::now(), foundation::earliestDate}) {
+  for (const auto past : {tarno::now(), tarno::earliestDate}) {
     timer.sleepUntil(past);
     EXPECT_TRUE(wakesIn(5s));
   }
-  timer.sleepUntil(foundation::latestDate);
+  timer.sleepUntil(tarno::latestDate);
   EXPECT_FALSE(wakesIn(20ms));
   timer.dispatch(POLLIN);  // for no reason
   EXPECT_EQ(wakes, 0);
 }
 
 TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
-  timer.sleepUntil(foundation::latestDate);
+  timer.sleepUntil(tarno::latestDate);
   EXPECT_TRUE(wantsToKnow);
   const itimerspec soon{{}, {0, 1}};
   __real_timerfd_settime(timer.prepare().descriptor, 0, &soon, nullptr);
   tellsReader = true;
   EXPECT_TRUE(wakesIn(5s));
   tellsSetter = true;  // that it was set while the timer was not read
-  timer.sleepUntil(foundation::latestDate);
+  timer.sleepUntil(tarno::latestDate);
   EXPECT_TRUE(wakesIn(5s));
 }
 

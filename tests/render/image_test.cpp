@@ -1,4 +1,4 @@
-#include "render/image.hpp"
+#include "tarno/render/image.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <set>
 #include <sstream>
 
-#include "render/png.hpp"
 #include "support/pixels.hpp"
+#include "tarno/render/png.hpp"
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "render/text_engine.hpp"
+#include "tarno/render/text_engine.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "render/cairo_handle.hpp"
-#include "render/display_text.hpp"
-#include "render/image.hpp"
-#include "render/painter.hpp"
 #include "support/pixels.hpp"
+#include "tarno/render/cairo_handle.hpp"
+#include "tarno/render/display_text.hpp"
+#include "tarno/render/image.hpp"
+#include "tarno/render/painter.hpp"
 
 namespace {
 

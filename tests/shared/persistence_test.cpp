@@ -3,23 +3,23 @@
 #include <cmath>
 #include <thread>
 
-#include "shared/coding/json.hpp"
-#include "shared/persistence/mac_defaults.hpp"
 #include "support/temporary_store.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
 
 namespace {
 
 using namespace std::chrono;
 using namespace TarnoMacDefaults;
-using foundation::Data;
-using foundation::Date;
-using foundation::DefaultsValue;
+using tarno::Data;
+using tarno::Date;
+using tarno::DefaultsValue;
 using Snapshot = TarnoMacStatusSnapshot;
 
 constexpr Date now = sys_days{2026y / November / 16} + 15h + 41min + 35s + 250ms;
 
 /// A store that remembers what was asked of it, in order.
-class RecordingStore : public foundation::UserDefaults {
+class RecordingStore : public tarno::UserDefaults {
  public:
   std::optional<DefaultsValue> object(std::string_view key) const override {
     return values.contains(key) ? std::optional{values.find(key)->second} : std::nullopt;
@@ -34,7 +34,7 @@ class RecordingStore : public foundation::UserDefaults {
   }
 
   std::string calls;
-  foundation::DefaultsValues values;
+  tarno::DefaultsValues values;
 };
 
 TEST(PersistStatus, WritesInOrderAndSynchronizesOnce) {
@@ -43,10 +43,10 @@ TEST(PersistStatus, WritesInOrderAndSynchronizesOnce) {
   EXPECT_EQ(store.calls,
             "set tarno.lastStatus; set tarno.lastStatusAt; set tarno.lastStatusValue; "
             "set tarno.lastStatusMirrorKey; synchronize");
-  const foundation::DefaultsValues written{{"tarno.lastStatus", Data{R"({"status":"locked"})"}},
-                                           {"tarno.lastStatusAt", now},
-                                           {"tarno.lastStatusMirrorKey", "mirror"},
-                                           {"tarno.lastStatusValue", "locked"}};
+  const tarno::DefaultsValues written{{"tarno.lastStatus", Data{R"({"status":"locked"})"}},
+                                      {"tarno.lastStatusAt", now},
+                                      {"tarno.lastStatusMirrorKey", "mirror"},
+                                      {"tarno.lastStatusValue", "locked"}};
   EXPECT_EQ(store.values, written);
   store.calls.clear();
   persistStatus({.inputIdleSeconds = std::nan("")}, now + 1h, "other", store);
@@ -94,8 +94,8 @@ TEST(MacDefaults, WhatIsSavedIsLoadedAndWhatCannotBeStoredIsRefused) {
     try {
       saveStatus(snapshot, receivedAt);
       ADD_FAILURE();
-    } catch (const foundation::SuiteError& error) {
-      EXPECT_EQ(error.kind(), foundation::SuiteError::Kind::value);
+    } catch (const tarno::SuiteError& error) {
+      EXPECT_EQ(error.kind(), tarno::SuiteError::Kind::value);
     }
   EXPECT_EQ(loadStatus(*store(), now), loaded);
 }
@@ -106,13 +106,13 @@ TEST(MacDefaults, FallsBackAndSaysSoOnce) {
   std::filesystem::create_symlink("/", shared);
   testing::internal::CaptureStdout();
   for (std::vector<std::jthread> threads(8); auto& thread : threads)
-    thread = std::jthread{[] { EXPECT_EQ(store(), foundation::UserDefaults::standard()); }};
+    thread = std::jthread{[] { EXPECT_EQ(store(), tarno::UserDefaults::standard()); }};
   EXPECT_EQ(
       testing::internal::GetCapturedStdout(),
       "ERROR: TarnoMacDefaults could not initialise app-group UserDefaults 'K7T2M9Q4XW.dev.tarno.group'. "
       "Widget/app status sharing is broken — check entitlements and code signing.\n");
   std::filesystem::remove(shared);
-  EXPECT_NE(store(), foundation::UserDefaults::standard());
+  EXPECT_NE(store(), tarno::UserDefaults::standard());
 }
 
 }  // namespace

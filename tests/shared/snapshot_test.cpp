@@ -2,13 +2,13 @@
 
 #include <cmath>
 
-#include "shared/coding/json.hpp"
-#include "shared/freshness/status_freshness.hpp"
-#include "shared/model/status_snapshot.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
 
 namespace {
 
-using foundation::Date;
+using tarno::Date;
 using Snapshot = TarnoMacStatusSnapshot;
 using namespace std::chrono;
 
@@ -17,7 +17,7 @@ std::string encoded(const Snapshot& snapshot) { return TarnoJSON::encoder().enco
 
 std::string errorOfEncoding(const Snapshot& snapshot) try {
   return encoded(snapshot);
-} catch (const foundation::EncodingError& error) {
+} catch (const tarno::EncodingError& error) {
   return error.what();
 }
 
@@ -65,8 +65,8 @@ TEST(Snapshot, WhatHasNoJSONFormRefusesTheRecord) {
 TEST(Snapshot, DatesAreWrittenInWholeSecondsOfTheYearsThatReadBack) {
   EXPECT_EQ(decoded(R"({"seen_at":"2026-11-16T17:41:35.500+02:00"})").seenAt, moment + 500ms);
   for (const auto& [date, written] : {std::pair{moment + 500ms, "2026-11-16T15:41:35Z"},
-                                      {foundation::earliestDate - 1us, "0001-01-01T00:00:00Z"},
-                                      {foundation::latestDate + 1us, "9999-12-31T23:59:59Z"},
+                                      {tarno::earliestDate - 1us, "0001-01-01T00:00:00Z"},
+                                      {tarno::latestDate + 1us, "9999-12-31T23:59:59Z"},
                                       {Date::max(), "9999-12-31T23:59:59Z"}})
     EXPECT_EQ(encoded({.seenAt = date}), "{\"seen_at\":\"" + std::string{written} + "\"}");
 }

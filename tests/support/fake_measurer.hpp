@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "ui/text_measurer.hpp"
+#include "tarno/ui/text_measurer.hpp"
 
 /// Sets every character half an em wide on lines 1.2 em high, with the baseline at 0.9 em. Breaks at blanks,
 /// and inside a word that is too long for a line. A width that is short by the last bit is short.

@@ -1,4 +1,4 @@
-#include "ui/layout.hpp"
+#include "tarno/ui/layout.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,11 +6,11 @@
 #include <sstream>
 
 #include "support/fake_measurer.hpp"
-#include "ui/description/path_bounds.hpp"
-#include "ui/description/scene_description.hpp"
-#include "ui/description/view_description.hpp"
-#include "ui/layout/sizing.hpp"
-#include "ui/layout/text_fitting.hpp"
+#include "tarno/ui/description/path_bounds.hpp"
+#include "tarno/ui/description/scene_description.hpp"
+#include "tarno/ui/description/view_description.hpp"
+#include "tarno/ui/layout/sizing.hpp"
+#include "tarno/ui/layout/text_fitting.hpp"
 
 using namespace ui;
 

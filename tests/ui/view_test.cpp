@@ -1,14 +1,14 @@
-#include "ui/view.hpp"
+#include "tarno/ui/view.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "support/fake_measurer.hpp"
-#include "ui/description/path_bounds.hpp"
-#include "ui/description/scene_description.hpp"
-#include "ui/description/view_description.hpp"
-#include "ui/layout.hpp"
+#include "tarno/ui/description/path_bounds.hpp"
+#include "tarno/ui/description/scene_description.hpp"
+#include "tarno/ui/description/view_description.hpp"
+#include "tarno/ui/layout.hpp"
 
 using namespace ui;
 

@@ -1,15 +1,15 @@
 #include <gtest/gtest.h>
 
-#include "shared/coding/json.hpp"
-#include "shared/persistence/mac_defaults.hpp"
 #include "support/temporary_store.hpp"
-#include "widget/extension/status_widget.hpp"
-#include "widget/timeline/widget_entry.hpp"
+#include "tarno/shared/coding/json.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
+#include "tarno/widget/extension/status_widget.hpp"
+#include "tarno/widget/timeline/widget_entry.hpp"
 
 namespace {
 
 using namespace std::chrono;
-using foundation::Date;
+using tarno::Date;
 using widgetkit::NSExtensionMain;
 using Entry = TarnoMacWidgetEntry;
 
@@ -18,7 +18,7 @@ constexpr Date start = sys_days{2026y / November / 16} + 15h;
 /// A clock that runs one second further at every reading.
 struct TickingClock {
   int readings = 0;
-  foundation::ClockOverride clock{[this] { return start + seconds{readings++}; }};
+  tarno::ClockOverride clock{[this] { return start + seconds{readings++}; }};
 };
 
 /// The provider as a host sees it.

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "support/fake_measurer.hpp"
-#include "ui/description/scene_description.hpp"
-#include "ui/description/view_description.hpp"
-#include "ui/layout.hpp"
-#include "widget/views/dial_view.hpp"
-#include "widget/views/widget_view.hpp"
+#include "tarno/ui/description/scene_description.hpp"
+#include "tarno/ui/description/view_description.hpp"
+#include "tarno/ui/layout.hpp"
+#include "tarno/widget/views/dial_view.hpp"
+#include "tarno/widget/views/widget_view.hpp"
 
 namespace {
 
@@ -13,7 +13,7 @@ using namespace std::chrono;
 using widgetkit::WidgetFamily;
 using Snapshot = TarnoMacStatusSnapshot;
 
-constexpr foundation::Date now = sys_days{2026y / November / 16} + 15h;
+constexpr tarno::Date now = sys_days{2026y / November / 16} + 15h;
 
 /// The values of `attribute` of all nodes called `name` as they are drawn in turn, a bar after each.
 std::string valuesOf(const ui::Description& description, std::string_view name, std::string_view attribute) {
@@ -96,7 +96,7 @@ ui::Scene laidOut(const ui::View& view, ui::Size size) {
 }
 
 TEST(WidgetView, IsADialBesideTheTextsAndPillsAndSmallTheDialAlone) {
-  const foundation::ClockOverride clock{now};
+  const tarno::ClockOverride clock{now};
   const auto small = tile(TarnoMacWidgetEntry::placeholder(), WidgetFamily::systemSmall);
   EXPECT_EQ(valuesOf(small, "containerBackground", "color"), "#F7FAF8|");
   EXPECT_EQ(outline(describeAccessibility(laidOut(small, {200, 150}))),
@@ -116,7 +116,7 @@ TEST(WidgetView, IsADialBesideTheTextsAndPillsAndSmallTheDialAlone) {
 }
 
 TEST(WidgetView, TextsShrinkBeforeTheyAreCut) {
-  const foundation::ClockOverride clock{now};
+  const tarno::ClockOverride clock{now};
   const TarnoMacWidgetEntry entry{
       now, Snapshot{.deviceName = "Kivo's Mac", .reason = "Mac locked.", .stale = true}, {}};
   std::string fonts;
@@ -130,7 +130,7 @@ TEST(WidgetView, TextsShrinkBeforeTheyAreCut) {
 }
 
 TEST(WidgetView, TextsFollowTheEntryAndTheClock) {
-  const foundation::ClockOverride clock{now};
+  const tarno::ClockOverride clock{now};
   const std::pair<TarnoMacWidgetEntry, const char*> cases[] = {
       {{.date = now - 1h}, "No status|Mac|No status|Waiting for Tarno status.|Not synced|Presence quiet|"},
       {{now, Snapshot{.deviceName = "", .companionPresent = true}, now},

@@ -1,7 +1,7 @@
-#include "widget/extension/status_widget.hpp"
+#include "tarno/widget/extension/status_widget.hpp"
 
-#include "widget/timeline/widget_provider.hpp"
-#include "widget/views/widget_view.hpp"
+#include "tarno/widget/timeline/widget_provider.hpp"
+#include "tarno/widget/views/widget_view.hpp"
 
 widgetkit::WidgetConfiguration TarnoMacStatusWidget::body() const {
   using enum widgetkit::WidgetFamily;

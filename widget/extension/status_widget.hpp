@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "widgetkit/widget_bundle.hpp"
+#include "tarno/widgetkit/widget_bundle.hpp"
 
 /// The one widget of the extension: what the host learns about it, its provider and its content rule.
 struct TarnoMacStatusWidget {

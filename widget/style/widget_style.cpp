@@ -1,4 +1,4 @@
-#include "widget/style/widget_style.hpp"
+#include "tarno/widget/style/widget_style.hpp"
 
 #include <array>
 

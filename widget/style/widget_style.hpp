@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "shared/model/status_snapshot.hpp"
-#include "ui/color.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
+#include "tarno/ui/color.hpp"
 
 /// The widget's colours, and which colour and symbol stand for a status.
 namespace TarnoMacWidgetStyle {

@@ -1,13 +1,13 @@
-#include "widget/timeline/widget_entry.hpp"
+#include "tarno/widget/timeline/widget_entry.hpp"
 
 TarnoMacWidgetEntry TarnoMacWidgetEntry::placeholder() {
   TarnoMacWidgetEntry entry;
-  entry.date = foundation::now();
+  entry.date = tarno::now();
   entry.status = TarnoMacStatusSnapshot{.schema = "tarno.remote.v1",
                                         .app = "Tarno",
                                         .event = "locked",
                                         .deviceName = "Kivo's Mac",
-                                        .seenAt = foundation::now(),
+                                        .seenAt = tarno::now(),
                                         .status = TarnoMacStatus::locked,
                                         .reason = "Mac locked.",
                                         .source = "Tarno",
@@ -16,6 +16,6 @@ TarnoMacWidgetEntry TarnoMacWidgetEntry::placeholder() {
                                         .inputIdleSeconds = 3.0,
                                         .stale = false,
                                         .ageSeconds = 0};
-  entry.lastRefresh = foundation::now();
+  entry.lastRefresh = tarno::now();
   return entry;
 }

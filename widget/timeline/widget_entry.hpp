@@ -2,14 +2,14 @@
 
 #include <optional>
 
-#include "foundation/date.hpp"
-#include "shared/model/status_snapshot.hpp"
+#include "tarno/foundation/date.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
 
 /// Everything that is needed to draw one tile at one moment.
 struct TarnoMacWidgetEntry {
-  foundation::Date date;                         ///< the moment that the entry is for
+  tarno::Date date;                              ///< the moment that the entry is for
   std::optional<TarnoMacStatusSnapshot> status;  ///< the last report; absent when there is none
-  std::optional<foundation::Date> lastRefresh;   ///< when that report was received; absent when unknown
+  std::optional<tarno::Date> lastRefresh;        ///< when that report was received; absent when unknown
 
   /// A locked Mac with its presence signals on, for galleries. Built anew at every call, which reads the
   /// clock once for each of its three dates.

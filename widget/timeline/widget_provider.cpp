@@ -1,10 +1,10 @@
-#include "widget/timeline/widget_provider.hpp"
+#include "tarno/widget/timeline/widget_provider.hpp"
 
-#include "shared/persistence/mac_defaults.hpp"
+#include "tarno/shared/persistence/mac_defaults.hpp"
 
 namespace {
 
-constexpr foundation::TimeInterval reloadInterval{30.0};
+constexpr tarno::TimeInterval reloadInterval{30.0};
 
 }  // namespace
 
@@ -14,19 +14,19 @@ TarnoMacWidgetEntry TarnoMacWidgetProvider::placeholder(const widgetkit::Timelin
 
 void TarnoMacWidgetProvider::getSnapshot(const widgetkit::TimelineProviderContext& context,
                                          const std::function<void(Entry)>& completion) const {
-  completion(context.isPreview ? TarnoMacWidgetEntry::placeholder() : readEntry(foundation::now()));
+  completion(context.isPreview ? TarnoMacWidgetEntry::placeholder() : readEntry(tarno::now()));
 }
 
 void TarnoMacWidgetProvider::getTimeline(
     const widgetkit::TimelineProviderContext&,
     const std::function<void(widgetkit::Timeline<Entry>)>& completion) const {
-  auto entry = readEntry(foundation::now());
+  auto entry = readEntry(tarno::now());
   // Counted from after the store was read, so that a slow read does not shorten the interval.
-  const auto reload = foundation::addingTimeInterval(foundation::now(), reloadInterval);
+  const auto reload = tarno::addingTimeInterval(tarno::now(), reloadInterval);
   completion({{std::move(entry)}, widgetkit::TimelineReloadPolicy::after(reload)});
 }
 
-TarnoMacWidgetEntry TarnoMacWidgetProvider::readEntry(foundation::Date now) {
+TarnoMacWidgetEntry TarnoMacWidgetProvider::readEntry(tarno::Date now) {
   const auto loaded = TarnoMacDefaults::loadStatus(*TarnoMacDefaults::store(), now);
   if (!loaded) return {.date = now};
   return {.date = now, .status = loaded->snapshot, .lastRefresh = loaded->receivedAt};

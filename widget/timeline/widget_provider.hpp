@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "widget/timeline/widget_entry.hpp"
-#include "widgetkit/timeline.hpp"
+#include "tarno/widget/timeline/widget_entry.hpp"
+#include "tarno/widgetkit/timeline.hpp"
 
 /// Answers the host's requests from the last report in the shared store. Keeps nothing between requests;
 /// every timeline and every snapshot that is not a preview reads the store once. Completions are called
@@ -22,5 +22,5 @@ struct TarnoMacWidgetProvider {
                    const std::function<void(widgetkit::Timeline<Entry>)>& completion) const;
 
  private:
-  static Entry readEntry(foundation::Date now);
+  static Entry readEntry(tarno::Date now);
 };

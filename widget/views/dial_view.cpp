@@ -1,8 +1,8 @@
-#include "widget/views/dial_view.hpp"
+#include "tarno/widget/views/dial_view.hpp"
 
 #include <algorithm>
 
-#include "widget/style/widget_style.hpp"
+#include "tarno/widget/style/widget_style.hpp"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "shared/model/status_snapshot.hpp"
-#include "ui/view.hpp"
+#include "tarno/shared/model/status_snapshot.hpp"
+#include "tarno/ui/view.hpp"
 
 /// A round gauge: a track ring, an arc whose length and colour tell the lock status, and inside it the status
 /// symbol, the status line and, when wanted, three dots for the presence signals. One element to a screen

@@ -1,8 +1,8 @@
-#include "widget/views/widget_view.hpp"
+#include "tarno/widget/views/widget_view.hpp"
 
-#include "shared/freshness/status_freshness.hpp"
-#include "widget/style/widget_style.hpp"
-#include "widget/views/dial_view.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/widget/style/widget_style.hpp"
+#include "tarno/widget/views/dial_view.hpp"
 
 namespace {
 
@@ -60,7 +60,7 @@ View TarnoMacWidgetView::pill(std::string title, std::string systemImage, Color 
 }
 
 std::string TarnoMacWidgetView::ageLine() const {
-  const auto age = TarnoStatusFreshness::ageSeconds(entry.lastRefresh, foundation::now());
+  const auto age = TarnoStatusFreshness::ageSeconds(entry.lastRefresh, tarno::now());
   return age ? TarnoStatusFreshness::ageText(*age) + " ago" : "Not synced";
 }
 

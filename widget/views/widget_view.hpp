@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "ui/view.hpp"
-#include "widget/timeline/widget_entry.hpp"
-#include "widgetkit/widget_configuration.hpp"
+#include "tarno/ui/view.hpp"
+#include "tarno/widget/timeline/widget_entry.hpp"
+#include "tarno/widgetkit/widget_configuration.hpp"
 
 /// The tile of one entry: the dial alone when small; otherwise the dial beside the device's name, the status,
 /// its detail and two pills, the age of the report and the presence signal.

@@ -1,4 +1,4 @@
-#include "ui/description/description.hpp"
+#include "tarno/ui/description/description.hpp"
 
 #include <array>
 #include <charconv>

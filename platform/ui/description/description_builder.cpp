@@ -1,4 +1,4 @@
-#include "ui/description/description_builder.hpp"
+#include "tarno/ui/description/description_builder.hpp"
 
 #include <algorithm>
 #include <cmath>

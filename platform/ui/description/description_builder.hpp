@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-#include "ui/color.hpp"
-#include "ui/description/description.hpp"
-#include "ui/font.hpp"
-#include "ui/geometry.hpp"
-#include "ui/path.hpp"
+#include "tarno/ui/color.hpp"
+#include "tarno/ui/description/description.hpp"
+#include "tarno/ui/font.hpp"
+#include "tarno/ui/geometry.hpp"
+#include "tarno/ui/path.hpp"
 
 namespace ui {
 

@@ -1,4 +1,4 @@
-#include "ui/description/path_bounds.hpp"
+#include "tarno/ui/description/path_bounds.hpp"
 
 #include <algorithm>
 #include <cmath>

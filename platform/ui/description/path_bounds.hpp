@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/path.hpp"
+#include "tarno/ui/path.hpp"
 
 namespace ui {
 

@@ -1,7 +1,7 @@
-#include "ui/description/scene_description.hpp"
+#include "tarno/ui/description/scene_description.hpp"
 
-#include "ui/description/description_builder.hpp"
-#include "ui/description/path_bounds.hpp"
+#include "tarno/ui/description/description_builder.hpp"
+#include "tarno/ui/description/path_bounds.hpp"
 
 namespace ui {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/description/description.hpp"
-#include "ui/scene.hpp"
+#include "tarno/ui/description/description.hpp"
+#include "tarno/ui/scene.hpp"
 
 namespace ui {
 

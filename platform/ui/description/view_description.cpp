@@ -1,9 +1,9 @@
-#include "ui/description/view_description.hpp"
+#include "tarno/ui/description/view_description.hpp"
 
 #include <array>
 
-#include "ui/description/description_builder.hpp"
-#include "ui/node.hpp"
+#include "tarno/ui/description/description_builder.hpp"
+#include "tarno/ui/node.hpp"
 
 namespace ui {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/description/description.hpp"
-#include "ui/view.hpp"
+#include "tarno/ui/description/description.hpp"
+#include "tarno/ui/view.hpp"
 
 namespace ui {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/color.hpp"
-#include "ui/font.hpp"
-#include "ui/node.hpp"
+#include "tarno/ui/color.hpp"
+#include "tarno/ui/font.hpp"
+#include "tarno/ui/node.hpp"
 
 namespace ui {
 

@@ -1,9 +1,9 @@
-#include "ui/layout/frame_layout.hpp"
+#include "tarno/ui/layout/frame_layout.hpp"
 
 #include <algorithm>
 #include <array>
 
-#include "ui/layout/sizing.hpp"
+#include "tarno/ui/layout/sizing.hpp"
 
 namespace ui {
 namespace {

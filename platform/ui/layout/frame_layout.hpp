@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/layout/environment.hpp"
-#include "ui/layout/layout_pass.hpp"
+#include "tarno/ui/layout/environment.hpp"
+#include "tarno/ui/layout/layout_pass.hpp"
 
 namespace ui {
 

@@ -4,9 +4,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "ui/geometry.hpp"
-#include "ui/layout/environment.hpp"
-#include "ui/text_measurer.hpp"
+#include "tarno/ui/geometry.hpp"
+#include "tarno/ui/layout/environment.hpp"
+#include "tarno/ui/text_measurer.hpp"
 
 namespace ui {
 

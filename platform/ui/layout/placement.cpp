@@ -1,12 +1,12 @@
-#include "ui/layout/placement.hpp"
+#include "tarno/ui/layout/placement.hpp"
 
 #include <algorithm>
 
-#include "ui/layout/frame_layout.hpp"
-#include "ui/layout/sizing.hpp"
-#include "ui/layout/stack_layout.hpp"
-#include "ui/layout/text_fitting.hpp"
-#include "ui/symbols/symbol.hpp"
+#include "tarno/ui/layout/frame_layout.hpp"
+#include "tarno/ui/layout/sizing.hpp"
+#include "tarno/ui/layout/stack_layout.hpp"
+#include "tarno/ui/layout/text_fitting.hpp"
+#include "tarno/ui/symbols/symbol.hpp"
 
 namespace ui {
 namespace {

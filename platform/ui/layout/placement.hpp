@@ -3,10 +3,10 @@
 #include <optional>
 #include <vector>
 
-#include "ui/layout/environment.hpp"
-#include "ui/layout/layout_pass.hpp"
-#include "ui/scene.hpp"
-#include "ui/view.hpp"
+#include "tarno/ui/layout/environment.hpp"
+#include "tarno/ui/layout/layout_pass.hpp"
+#include "tarno/ui/scene.hpp"
+#include "tarno/ui/view.hpp"
 
 namespace ui {
 

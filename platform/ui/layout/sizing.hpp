@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/layout/environment.hpp"
-#include "ui/layout/layout_pass.hpp"
-#include "ui/view.hpp"
+#include "tarno/ui/layout/environment.hpp"
+#include "tarno/ui/layout/layout_pass.hpp"
+#include "tarno/ui/view.hpp"
 
 namespace ui {
 

@@ -1,9 +1,9 @@
-#include "ui/layout/stack_layout.hpp"
+#include "tarno/ui/layout/stack_layout.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-#include "ui/layout/sizing.hpp"
+#include "tarno/ui/layout/sizing.hpp"
 
 namespace ui {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/layout/layout_pass.hpp"
-#include "ui/node.hpp"
+#include "tarno/ui/layout/layout_pass.hpp"
+#include "tarno/ui/node.hpp"
 
 namespace ui {
 

@@ -1,4 +1,4 @@
-#include "ui/layout/text_fitting.hpp"
+#include "tarno/ui/layout/text_fitting.hpp"
 
 #include <cmath>
 

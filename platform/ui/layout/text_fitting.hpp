@@ -3,8 +3,8 @@
 #include <optional>
 #include <string_view>
 
-#include "ui/layout/environment.hpp"
-#include "ui/text_measurer.hpp"
+#include "tarno/ui/layout/environment.hpp"
+#include "tarno/ui/text_measurer.hpp"
 
 namespace ui {
 

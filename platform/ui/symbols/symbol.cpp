@@ -1,9 +1,9 @@
-#include "ui/symbols/symbol.hpp"
+#include "tarno/ui/symbols/symbol.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-#include "ui/symbols/symbol_pen.hpp"
+#include "tarno/ui/symbols/symbol_pen.hpp"
 
 namespace ui {
 namespace {

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ui/path.hpp"
+#include "tarno/ui/path.hpp"
 
 namespace ui {
 

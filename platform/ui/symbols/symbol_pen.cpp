@@ -1,4 +1,4 @@
-#include "ui/symbols/symbol_pen.hpp"
+#include "tarno/ui/symbols/symbol_pen.hpp"
 
 #include <algorithm>
 #include <cmath>

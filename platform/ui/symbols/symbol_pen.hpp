@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "ui/path.hpp"
-#include "ui/symbols/symbol.hpp"
+#include "tarno/ui/path.hpp"
+#include "tarno/ui/symbols/symbol.hpp"
 
 /// What the symbols are drawn with. Lengths are grid units, 20 to the em, from the centre of the symbol's
 /// box; y points downwards. Everything that a function returns is a value; any thread.

@@ -1,4 +1,4 @@
-#include "accessibility/accessible_objects.hpp"
+#include "tarno/accessibility/accessible_objects.hpp"
 
 #include <algorithm>
 #include <cmath>

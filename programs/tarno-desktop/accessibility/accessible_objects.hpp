@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tarno-desktop/frame.hpp"
-#include "tarno-desktop/placement.hpp"
+#include "tarno/tarno-desktop/frame.hpp"
+#include "tarno/tarno-desktop/placement.hpp"
 
 namespace desktop {
 

@@ -1,4 +1,4 @@
-#include "accessibility/accessible_tile.hpp"
+#include "tarno/accessibility/accessible_tile.hpp"
 
 #include <cerrno>
 #include <cstdint>

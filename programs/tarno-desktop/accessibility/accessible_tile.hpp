@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "accessibility/accessible_objects.hpp"
-#include "common/event_loop.hpp"
+#include "tarno/accessibility/accessible_objects.hpp"
+#include "tarno/common/event_loop.hpp"
 
 namespace desktop {
 

@@ -1,4 +1,4 @@
-#include "wayland/display.hpp"
+#include "tarno/wayland/display.hpp"
 
 #include <sys/epoll.h>
 
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "common/failure.hpp"
+#include "tarno/common/failure.hpp"
 
 namespace desktop::wayland {
 namespace {

@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "tarno-desktop/surface.hpp"
-#include "wayland/proxy.hpp"
+#include "tarno/tarno-desktop/surface.hpp"
+#include "tarno/wayland/proxy.hpp"
 
 namespace desktop::wayland {
 
@@ -76,8 +76,8 @@ struct Display {
   void remove(std::uint32_t id);
   void check(int result) const;
 
-  foundation::FileDescriptor events_;  ///< an epoll of the display's and the bus's
-  std::shared_ptr<sd_bus> bus_;        ///< null for none
+  tarno::FileDescriptor events_;  ///< an epoll of the display's and the bus's
+  std::shared_ptr<sd_bus> bus_;   ///< null for none
   bool isKWin_ = false;
   int isDesktopShown_ = 0;
 };

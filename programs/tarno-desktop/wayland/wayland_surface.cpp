@@ -1,4 +1,4 @@
-#include "wayland/wayland_surface.hpp"
+#include "tarno/wayland/wayland_surface.hpp"
 
 #include <linux/input-event-codes.h>
 #include <sys/mman.h>
@@ -9,7 +9,7 @@
 #include <cmath>
 #include <system_error>
 
-#include "wayland/display.hpp"
+#include "tarno/wayland/display.hpp"
 
 namespace desktop {
 namespace {
@@ -48,7 +48,7 @@ std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int 
                                     const Anchor& anchor) {
   if (width == picture->width && height == picture->height) return picture;
   auto larger = std::make_shared<Picture>(
-      Picture{foundation::FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC)}, width, height, 4 * width});
+      Picture{tarno::FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC)}, width, height, 4 * width});
   const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, 0);
   const auto from = pixelsOf(*picture);
   std::vector<std::uint32_t> pixels(larger->size() / 4);

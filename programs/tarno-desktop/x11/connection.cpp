@@ -1,9 +1,9 @@
-#include "x11/connection.hpp"
+#include "tarno/x11/connection.hpp"
 
 #include <xcb/randr.h>
 #include <xcb/xfixes.h>
 
-#include "common/failure.hpp"
+#include "tarno/common/failure.hpp"
 
 namespace desktop::x11 {
 

@@ -1,4 +1,4 @@
-#include "x11/screen.hpp"
+#include "tarno/x11/screen.hpp"
 
 #include <xcb/randr.h>
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tarno-desktop/surface.hpp"
-#include "x11/connection.hpp"
+#include "tarno/tarno-desktop/surface.hpp"
+#include "tarno/x11/connection.hpp"
 
 namespace desktop::x11 {
 

@@ -1,4 +1,4 @@
-#include "x11/tile_window.hpp"
+#include "tarno/x11/tile_window.hpp"
 
 #include <xcb/xfixes.h>
 

@@ -3,9 +3,9 @@
 #include <memory>
 #include <string>
 
-#include "tarno-desktop/options.hpp"
-#include "tarno-desktop/picture.hpp"
-#include "x11/connection.hpp"
+#include "tarno/tarno-desktop/options.hpp"
+#include "tarno/tarno-desktop/picture.hpp"
+#include "tarno/x11/connection.hpp"
 
 namespace desktop::x11 {
 

@@ -1,4 +1,4 @@
-#include "x11/x11_surface.hpp"
+#include "tarno/x11/x11_surface.hpp"
 
 #include <xcb/randr.h>
 #include <xcb/xfixes.h>
@@ -7,8 +7,8 @@
 #include <array>
 #include <cmath>
 
-#include "x11/screen.hpp"
-#include "x11/tile_window.hpp"
+#include "tarno/x11/screen.hpp"
+#include "tarno/x11/tile_window.hpp"
 
 namespace desktop {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tarno-desktop/surface.hpp"
+#include "tarno/tarno-desktop/surface.hpp"
 
 namespace desktop {
 

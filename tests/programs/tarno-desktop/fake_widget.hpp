@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string>
 
-#include "common/event_loop.hpp"
+#include "tarno/common/event_loop.hpp"
 
 /// A folder of its own for a test, removed in the end.
 struct TemporaryFolder {

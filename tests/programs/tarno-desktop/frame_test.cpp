@@ -4,7 +4,7 @@
 #include <csignal>
 
 #include "fake_widget.hpp"
-#include "tarno-desktop/frame.hpp"
+#include "tarno/tarno-desktop/frame.hpp"
 
 namespace {
 
@@ -29,7 +29,7 @@ TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
       "os.pwrite(fd, bytes(range(64)), 0); draw(stale_from='2026-11-16T15:44:02.25Z',"
       "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])\n"
       "os.fork() or time.sleep(5)",
-      {.family = "small", .scale = 1.25, .at = foundation::Date{std::chrono::seconds{1794843695}}});
+      {.family = "small", .scale = 1.25, .at = tarno::Date{std::chrono::seconds{1794843695}}});
   ASSERT_TRUE(answer.frame) << answer.failure;
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{10}) << "waits for a child of it";
   EXPECT_EQ(answer.log, "frame --family small --scale 1.25 --fd N --at 2026-11-16T15:41:35Z\n");
@@ -103,7 +103,7 @@ TEST(FrameProcess, HandsOnTheEnvironmentAndNoSignalsOrDescriptors) {
   sigset_t all;
   sigfillset(&all);
   sigprocmask(SIG_BLOCK, &all, nullptr);
-  const foundation::FileDescriptor ours{memfd_create("ours", MFD_CLOEXEC)};
+  const tarno::FileDescriptor ours{memfd_create("ours", MFD_CLOEXEC)};
   const auto answer = answerOf(
       "import signal\n"
       "files = [os.path.realpath(f'/proc/self/fd/{number}') for number in range(100)]\n"

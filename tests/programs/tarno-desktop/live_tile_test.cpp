@@ -1,4 +1,4 @@
-#include "tarno-desktop/live_tile.hpp"
+#include "tarno/tarno-desktop/live_tile.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 /// A live tile with a program of its own, and what it showed.
 struct Fixture {
-  explicit Fixture(const std::string& behaviour, std::optional<foundation::Date> at = {}) {
+  explicit Fixture(const std::string& behaviour, std::optional<tarno::Date> at = {}) {
     writeFakeWidget(folder, behaviour);
     tile.emplace(desktop::FrameRequest{folder.path / "tarno-widget", "medium", 1, at},
                  [this](const desktop::Frame& frame) {
@@ -62,11 +62,11 @@ TEST(LiveTile, ShowsTheLastOfManySavesAndFewOfThem) {
 TEST(LiveTile, AsksAgainInTime) {
   const struct {
     const char *what, *behaviour;
-    std::optional<foundation::Date> at;
+    std::optional<tarno::Date> at;
     std::ptrdiff_t least, most;
   } cases[] = {{"turns stale", "draw(stale_from=date(2))", {}, 3, 4},
                {"is stale in vain", "draw(stale_from=date(-60))", {}, 4, 6},
-               {"stands still", "draw(stale_from=date(2))", foundation::now(), 2, 2},
+               {"stands still", "draw(stale_from=date(2))", tarno::now(), 2, 2},
                {"has a reload date", "draw(reload_after=date(30))", {}, 2, 2},
                {"has a reload date that is past", "draw(reload_after=date(-30))", {}, 2, 2}};
   program::EventLoop all;

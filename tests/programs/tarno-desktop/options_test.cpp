@@ -2,10 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
-#include "common/failure.hpp"
 #include "fake_widget.hpp"
-#include "tarno-desktop/options.hpp"
-#include "tarno-desktop/settings.hpp"
+#include "tarno/common/failure.hpp"
+#include "tarno/tarno-desktop/options.hpp"
+#include "tarno/tarno-desktop/settings.hpp"
 
 namespace {
 

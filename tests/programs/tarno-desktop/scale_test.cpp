@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "wayland/display.hpp"
+#include "tarno/wayland/display.hpp"
 
 namespace desktop::wayland {
 namespace {

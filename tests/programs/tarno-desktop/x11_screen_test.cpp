@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "x11/screen.hpp"
+#include "tarno/x11/screen.hpp"
 
 namespace desktop::x11 {
 namespace {
