@@ -1,26 +1,46 @@
-# How every target of the project is made. The only way in is tarno_library() and tarno_program().
+# How every target of the project is made. The only way in is tarno_library(), tarno_program() and tarno_test().
+include(CheckCXXCompilerFlag)
+include(CheckPIESupported)
 
-if(TARNO_DEVELOPER)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # a companion may be a shared library
+check_pie_supported(LANGUAGES CXX)
+
+if(PROJECT_IS_TOP_LEVEL)
   find_program(TARNO_CCACHE ccache)
   if(TARNO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${TARNO_CCACHE}")
   endif()
 endif()
 
-# Compiler settings that hold for all of our own code and for nobody else's.
+# What Debian hardens its packages with (hardening=+all). Some flags exist for some processors only.
+set(TARNO_HARDENING -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+foreach(flag -fcf-protection -mbranch-protection=standard -fstack-clash-protection)
+  string(MAKE_C_IDENTIFIER "TARNO_HAS${flag}" has)
+  check_cxx_compiler_flag("${flag}" ${has})
+  if(${has})
+    list(APPEND TARNO_HARDENING "${flag}")
+  endif()
+endforeach()
+
+# Compiler settings that hold for all of our own code and for nobody else's. CMAKE_COMPILE_WARNING_AS_ERROR makes errors
+# of warnings: only developers set it, because a newer compiler with new warnings must not keep anybody from building.
 function(tarno_compile_options target)
-  if(TARNO_DEVELOPER)
+  if(PROJECT_IS_TOP_LEVEL)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
-                                             -Wold-style-cast -Wcast-qual -Woverloaded-virtual -Werror)
+                                             -Wold-style-cast -Wcast-qual -Woverloaded-virtual)
     # Options are structs with a default on every field; naming only some of them is the point.
     target_compile_options(${target} PRIVATE -Wno-missing-field-initializers)
     # g++ 12 sees overlaps in std::string's operator+ that cannot be (GCC bug 105651).
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
   endif()
+  # The linker leaves out the sections that nothing refers to.
+  target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
   if(TARNO_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${TARNO_SANITIZE} -fno-sanitize-recover=all
                                              -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${TARNO_SANITIZE})
+  else()
+    target_compile_options(${target} PRIVATE "$<$<CONFIG:Release>:${TARNO_HARDENING}>")
   endif()
   if(TARNO_FUZZ)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)

@@ -85,7 +85,9 @@ TEST(JSON, KeepsItsDecimalPointInEveryLocale) {
   const auto folder = temporary.folder().string();
   std::ofstream{folder + "/source"} << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3\n"
                                        "END LC_NUMERIC\n";  // Debian installs no such locale by default
-  std::system(("cd " + folder + " && localedef -c --no-archive -i source ./comma 2>/dev/null").c_str());
+  ASSERT_NE(
+      std::system(("cd " + folder + " && localedef -c --no-archive -i source ./comma 2>/dev/null").c_str()),
+      -1);
   setenv("LOCPATH", folder.c_str(), 1);
   std::setlocale(LC_ALL, "comma");
   ASSERT_STREQ(std::localeconv()->decimal_point, ",");

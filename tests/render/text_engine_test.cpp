@@ -33,10 +33,10 @@ Ink ink(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
   Ink found{pixels.width, pixels.height, 0, 0, false};
   for (int i = 0; i < pixels.width * pixels.height; ++i) {
     const int x = i % pixels.width, y = i / pixels.width;
-    const auto [red, green, blue, alpha] = pixels.at(x, y);
-    if (alpha < 64) continue;
+    const auto [r, g, b, a] = pixels.at(x, y);
+    if (a < 64) continue;
     found = {std::min(found.left, x), std::min(found.top, y), std::max(found.right, x + 1),
-             std::max(found.bottom, y + 1), found.colored || red != green || green != blue};
+             std::max(found.bottom, y + 1), found.colored || r != g || g != b};
   }
   return found;
 }

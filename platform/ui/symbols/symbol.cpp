@@ -19,7 +19,7 @@ struct Legs {
 };
 
 /// The shackle of a padlock, turned as a whole.
-Arcs shackle(const Circle& arch, Legs legs, double width, const Rotation& turn = {}) {
+Arcs shackle(const GuideCircle& arch, Legs legs, double width, const Rotation& turn = {}) {
   const double left = arch.center.x - arch.radius;
   const double right = arch.center.x + arch.radius;
   const double y = arch.center.y;
@@ -39,7 +39,7 @@ Arcs body(Point top) { return roundedRect({{top.x - 9, top.y}, {18, 13}}, 3); }
 Arcs keyhole(Point top) { return line({top.x, top.y + 5.2}, {top.x, top.y + 7.9}, weight); }
 
 /// The head of an arrow that follows `ring` clockwise; its back stands at angle `back`.
-Arcs arrowhead(const Circle& ring, Angle back) {
+Arcs arrowhead(const GuideCircle& ring, Angle back) {
   const Point base = ring.at(back);
   const Rotation turn{back, base};
   return polygon({turn.apply({base.x + 3.9, base.y - 0.6}), turn.apply({base.x - 0.3, base.y + 5.8}),
@@ -55,14 +55,14 @@ Symbol lock() {
 
 Symbol openLock() {
   const Point top{-0.2, -0.7};
-  const Circle arch{{top.x - 0.2, top.y - 3.9}, 4.8};
+  const GuideCircle arch{{top.x - 0.2, top.y - 3.9}, 4.8};
   const Rotation turn{Angle::degrees(24), {arch.center.x + arch.radius, top.y}};
   return symbol("lock.open.fill", {20, 25},
                 compose({body(top), shackle(arch, {3.9, 5}, weight, turn)}, {keyhole(top)}));
 }
 
 Symbol turningLock() {
-  const Circle ring{{0, 0}, 10.4};
+  const GuideCircle ring{{0, 0}, 10.4};
   const Angle back = Angle::degrees(-52);
   return symbol(
       "lock.rotation", {24, 24},
@@ -73,19 +73,19 @@ Symbol turningLock() {
 // The round signs and those with a badge.
 
 /// The circle that stands inside `rim` when it is drawn as a ring.
-Circle inside(const Circle& rim) { return {rim.center, rim.radius - weight}; }
+GuideCircle inside(const GuideCircle& rim) { return {rim.center, rim.radius - weight}; }
 
 /// Eight o'clock: the hands leave the lower right free, where a badge may stand.
 Arcs hands(Point pivot, double minute, double hour) {
-  const Point tip = Circle{pivot, hour}.at(Angle::degrees(150));
+  const Point tip = GuideCircle{pivot, hour}.at(Angle::degrees(150));
   return stroke(course({{pivot.x, pivot.y - minute}, pivot, tip}, weight / 2), weight);
 }
 
 /// What the symbols with a badge at the lower right have in common.
-constexpr Circle badge{{7.2, 6}, 5.8};
-constexpr Circle margin{badge.center, badge.radius + 1.7};
-constexpr Circle reach{badge.center, margin.radius + weight / 2};
-constexpr Circle frame{{-1.6, -0.6}, 10};
+constexpr GuideCircle badge{{7.2, 6}, 5.8};
+constexpr GuideCircle margin{badge.center, badge.radius + 1.7};
+constexpr GuideCircle reach{badge.center, margin.radius + weight / 2};
+constexpr GuideCircle frame{{-1.6, -0.6}, 10};
 constexpr Size badgedBox{26.5, 24};
 constexpr double badgeWeight = 1.9;
 
@@ -93,15 +93,15 @@ Arcs ringWithRoomForBadge() {
   return stroke({frame.clockwise(frame.leaving(reach), frame.entering(reach))}, weight);
 }
 
-constexpr Circle rim{{0, 0}, 11.6};
+constexpr GuideCircle rim{{0, 0}, 11.6};
 constexpr Size rimBox{24, 24};
 
 Symbol question() {
-  const Circle bow{{0, -3.9}, 3.3};
+  const GuideCircle bow{{0, -3.9}, 3.3};
   const Angle turn = Angle::degrees(64);
   // The counter-bend that leads the bow down onto the axis.
   const double bend = bow.radius * std::cos(turn.radians) / (1 - std::cos(turn.radians));
-  const Circle neck{{bend, bow.center.y + (bow.radius + bend) * std::sin(turn.radians)}, bend};
+  const GuideCircle neck{{bend, bow.center.y + (bow.radius + bend) * std::sin(turn.radians)}, bend};
   const Arcs mark = stroke({bow.clockwise(Angle::degrees(-175), turn),
                             neck.counterclockwise(Angle::degrees(64 + 180), Angle::degrees(180))},
                            weight);
@@ -120,8 +120,8 @@ Symbol clockWithAlarm() {
 }
 
 Symbol personWithCheckMark() {
-  const Circle head{{frame.center.x, -3.9}, 3.4};
-  const Circle shoulders{{frame.center.x, 9.2}, 7};
+  const GuideCircle head{{frame.center.x, -3.9}, 3.4};
+  const GuideCircle shoulders{{frame.center.x, 9.2}, 7};
   // Passes from the margin into the ring's round end where the two touch.
   const Arcs bust{shoulders.clockwise(shoulders.entering(frame), shoulders.entering(margin)),
                   margin.counterclockwise(margin.leaving(shoulders), reach.entering(frame)),
@@ -135,8 +135,8 @@ Symbol personWithCheckMark() {
 // multiples of that wherever the shape allows.
 
 Symbol smile() {
-  const Circle face{{0, 0}, 12.5};
-  const Circle mouth{{0, 1}, 5.25};
+  const GuideCircle face{{0, 0}, 12.5};
+  const GuideCircle mouth{{0, 1}, 5.25};
   return symbol("face.smiling", {25, 25},
                 compose({disc(face), disc({{-3.75, -3.5}, 1.7}), disc({{3.75, -3.5}, 1.7}),
                          stroke({mouth.counterclockwise(Angle::degrees(160), Angle::degrees(20))}, weight)},
@@ -144,7 +144,7 @@ Symbol smile() {
 }
 
 Symbol watch() {
-  const Circle dial{{0, 0}, 10};
+  const GuideCircle dial{{0, 0}, 10};
   // Each strap end runs to a point under the rim, so that its corners there stay covered and off the dial's
   // hole.
   const Arcs upper = polygon({{-4.6, -12.5}, {4.6, -12.5}, {6.4, -6}, {0, -8.8}, {-6.4, -6}}, 1);

@@ -45,7 +45,7 @@ Path::Arc offset(Path::Arc arc, double distance) {
 double withinTurn(double angle) { return angle - 2 * pi * std::floor(angle / (2 * pi)); }
 
 /// Half of the angle that the part of `circle` within `other` takes up.
-double halfSpan(const Circle& circle, const Circle& other) {
+double halfSpan(const GuideCircle& circle, const GuideCircle& other) {
   const double apart = std::hypot(other.center.x - circle.center.x, other.center.y - circle.center.y);
   const double r = circle.radius;
   return std::acos(
@@ -71,7 +71,7 @@ void append(Path& path, const Arcs& outline) {
 
 }  // namespace
 
-Arcs disc(const Circle& circle) { return {{circle.center, circle.radius, {0}, {2 * pi}}}; }
+Arcs disc(const GuideCircle& circle) { return {{circle.center, circle.radius, {0}, {2 * pi}}}; }
 
 Arcs roundedRect(const Rect& rect, double radius) {
   return polygon({rect.origin,
@@ -118,21 +118,21 @@ Arcs course(const std::vector<Point>& points, double radius) {
   return result;
 }
 
-Point Circle::at(Angle angle) const { return polar(center, radius, angle.radians); }
+Point GuideCircle::at(Angle angle) const { return polar(center, radius, angle.radians); }
 
-Path::Arc Circle::clockwise(Angle from, Angle to) const {
+Path::Arc GuideCircle::clockwise(Angle from, Angle to) const {
   return {center, radius, from, {from.radians + withinTurn(to.radians - from.radians)}};
 }
 
-Path::Arc Circle::counterclockwise(Angle from, Angle to) const {
+Path::Arc GuideCircle::counterclockwise(Angle from, Angle to) const {
   return {center, radius, from, {from.radians - withinTurn(from.radians - to.radians)}};
 }
 
-Angle Circle::entering(const Circle& other) const {
+Angle GuideCircle::entering(const GuideCircle& other) const {
   return {direction(center, other.center) - halfSpan(*this, other)};
 }
 
-Angle Circle::leaving(const Circle& other) const {
+Angle GuideCircle::leaving(const GuideCircle& other) const {
   return {direction(center, other.center) + halfSpan(*this, other)};
 }
 

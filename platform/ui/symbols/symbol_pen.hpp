@@ -16,7 +16,7 @@ inline constexpr double weight = 2.5;
 /// piece as such a run makes it simple to offset and to reverse.
 using Arcs = std::vector<Path::Arc>;
 
-struct Circle {
+struct GuideCircle {
   Point center;
   double radius;
 
@@ -25,12 +25,12 @@ struct Circle {
   Path::Arc clockwise(Angle from, Angle to) const;
   Path::Arc counterclockwise(Angle from, Angle to) const;
   /// Where this circle enters and leaves `other`, one that it crosses, when followed clockwise.
-  Angle entering(const Circle& other) const;
-  Angle leaving(const Circle& other) const;
+  Angle entering(const GuideCircle& other) const;
+  Angle leaving(const GuideCircle& other) const;
 };
 
 /// Closed outlines, clockwise on the screen.
-Arcs disc(const Circle& circle);
+Arcs disc(const GuideCircle& circle);
 Arcs roundedRect(const Rect& rect, double radius);
 /// The polygon through `corners`, each bent with `radius`, both the ones that point outwards and the notches.
 Arcs polygon(const std::vector<Point>& corners, double radius);
