@@ -8,7 +8,6 @@
 #include "tarno/common/failure.hpp"
 #include "tarno/common/files.hpp"
 #include "tarno/common/output.hpp"
-#include "tarno/widgetkit/reload_schedule.hpp"
 
 namespace desktop {
 namespace {
@@ -21,7 +20,18 @@ constexpr auto shortestInterval = 250ms;
 /// A status that should be stale by now but is not, by the extension's clock, is asked for again after this.
 constexpr auto shortestStaleWait = 1s;
 
+/// If the reload date is past or nearer than this, the next request waits this long.
+constexpr auto shortestReload = 5s;
+
+/// A request that failed is made again after this long.
+constexpr auto retryInterval = 30s;
+
 }  // namespace
+
+tarno::Date nextRequest(tarno::Date now, const std::optional<tarno::Date>& reloadDate) {
+  if (!reloadDate) return now + retryInterval;
+  return std::max<tarno::Date>(std::min(*reloadDate, tarno::latestDate), now + shortestReload);
+}
 
 LiveTile::LiveTile(FrameRequest request, std::function<void(const Frame&)> show)
     : request_(std::move(request)),
@@ -86,10 +96,8 @@ void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
 }
 
 void LiveTile::sleep(const std::optional<Frame>& frame) {
-  using widgetkit::TimelineReloadPolicy;
   const auto now = tarno::now();
-  auto next = widgetkit::nextRequest(
-      now, frame ? std::optional{TimelineReloadPolicy::after(frame->reloadDate)} : std::nullopt);
+  auto next = nextRequest(now, frame ? std::optional{frame->reloadDate} : std::nullopt);
   // A clock that stands still never gets there.
   if (frame && frame->staleDate && !request_.at)
     next = std::min(next, std::max(*frame->staleDate, now + shortestStaleWait));

@@ -9,6 +9,10 @@
 
 namespace desktop {
 
+/// Returns when to make the next request, after the one at `now` was answered with `reloadDate`, or failed
+/// (no value). Always later than `now`, so that no answer keeps the tile busy.
+tarno::Date nextRequest(tarno::Date now, const std::optional<tarno::Date>& reloadDate);
+
 /// Keeps a picture of the tile up to date: asks the extension's process for one at the start, at the reload
 /// date, when the status turns stale, when the store's file, the clock or the time zone changes. What goes
 /// wrong is said on standard error, once for as long as it stays the same, and tried again after 30 s.

@@ -40,6 +40,21 @@ struct Fixture {
 constexpr auto showStore =
     "draw(title=open(folder + '/store').read() if os.path.exists(folder + '/store') else 'none')";
 
+TEST(NextRequest, WaitsForTheReloadDateAndAtLeastFiveSeconds) {
+  constexpr tarno::Date now = std::chrono::sys_days{std::chrono::days{20'000}};
+  const struct {
+    const char* what;
+    std::optional<tarno::Date> reloadDate;
+    tarno::Date next;
+  } cases[] = {{"no answer", {}, now + 30s},
+               {"later", now + 31s, now + 31s},
+               {"soon", now + 4999ms, now + 5s},
+               {"past", now - 1h, now + 5s},
+               {"after all dates", tarno::Date::max(), tarno::latestDate}};
+  for (const auto& [what, reloadDate, next] : cases)
+    EXPECT_EQ(desktop::nextRequest(now, reloadDate), next) << what;
+}
+
 TEST(LiveTile, ShowsTheLastOfManySavesAndFewOfThem) {
   Fixture fixture{showStore};
   ASSERT_TRUE(fixture.waitFor([&] { return !fixture.shown.empty(); }));
