@@ -10,7 +10,6 @@
 
 #include "tarno/render/painter.hpp"
 #include "tarno/render/text_engine.hpp"
-#include "tarno/tarno-widget/extension.hpp"
 #include "tarno/tarno-widget/tile.hpp"
 
 namespace {
@@ -143,26 +142,26 @@ double microseconds(const Work& work) {
 
 void redrawAgainstBareCalls(benchmark::State& state) {
   using enum widgetkit::WidgetFamily;
-  extension::withWidget([&](const widgetkit::WidgetConfiguration& widget) {
-    const auto entry = widget.provider->placeholder(extension::requestContext(systemMedium));
-    render::TextEngine text;
-    Canvas ourCanvas(extension::tileSize(systemMedium));
-    Canvas bareCanvas(extension::tileSize(systemMedium));
-    const BareCalls bareCalls(extension::tileScene(entry, systemMedium, text), bareCanvas.clear());
-    std::vector<double> ours;
-    std::vector<double> floor;
-    for (auto _ : state) {
-      cairo_t* cairo = ourCanvas.clear();
-      ours.push_back(
-          microseconds([&] { render::paint(extension::tileScene(entry, systemMedium, text), text, cairo); }));
-      bareCanvas.clear();
-      floor.push_back(microseconds([&] { bareCalls.draw(); }));
-    }
-    state.counters["ours_us"] = median(ours);
-    state.counters["floor_us"] = median(floor);
-    state.counters["ours/floor"] = median(ours) / median(floor);
-    return 0;
-  });
+  const auto widget = TarnoMacStatusWidget{}.body();
+  const auto entry = widget.provider.placeholder({});
+  render::TextEngine text;
+  const auto scene = [&] {
+    return extension::tileScene(widget.content(entry, {systemMedium}), systemMedium, text);
+  };
+  Canvas ourCanvas(extension::tileSize(systemMedium));
+  Canvas bareCanvas(extension::tileSize(systemMedium));
+  const BareCalls bareCalls(scene(), bareCanvas.clear());
+  std::vector<double> ours;
+  std::vector<double> floor;
+  for (auto _ : state) {
+    cairo_t* cairo = ourCanvas.clear();
+    ours.push_back(microseconds([&] { render::paint(scene(), text, cairo); }));
+    bareCanvas.clear();
+    floor.push_back(microseconds([&] { bareCalls.draw(); }));
+  }
+  state.counters["ours_us"] = median(ours);
+  state.counters["floor_us"] = median(floor);
+  state.counters["ours/floor"] = median(ours) / median(floor);
 }
 BENCHMARK(redrawAgainstBareCalls)->MinTime(2.0);
 

@@ -7,7 +7,6 @@
 
 #include "tarno/render/image.hpp"
 #include "tarno/tarno-widget/tile.hpp"
-#include "tarno/widget/views/widget_view.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static render::TextEngine text;
@@ -15,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto half = size / 2;
   const TarnoMacWidgetEntry entry{
       {}, TarnoMacStatusSnapshot{.deviceName = bytes.substr(0, half), .reason = bytes.substr(half)}, {}};
-  const auto any = widgetkit::AnyTimelineEntry::of(entry, TarnoMacWidgetView{entry});
-  const auto scene = extension::tileScene(any, widgetkit::WidgetFamily::systemMedium, text);
+  const auto scene =
+      extension::tileScene(TarnoMacWidgetView{entry}.body({}), widgetkit::WidgetFamily::systemMedium, text);
   for (const auto& item : scene.items) {
     const auto* const run = std::get_if<ui::TextRun>(&item);
     if (run != nullptr && run->box.right() > scene.size.width - extension::contentMargin + 0.01) std::abort();

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <any>
 #include <concepts>
-#include <functional>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,99 +18,64 @@ struct EnvironmentValues {
 /// The key of a text that a host may have in the user's language; shown itself where there is none.
 struct LocalizedStringKey {
   std::string key;
-
-  friend bool operator==(const LocalizedStringKey&, const LocalizedStringKey&) = default;
 };
 
-/// What an entry looks like. It is made from the entry alone; its body is built anew, in the environment of
-/// the host, each time the entry is drawn, and may read the clock.
-template <class T>
-concept EntryView = std::copy_constructible<T> &&
-    requires(const T& view, const EnvironmentValues& environment) {
-  { view.body(environment) } -> std::same_as<ui::View>;
+/// The view of an entry. It is made from the entry alone; its body is built anew, in the environment of the
+/// host, each time the entry is drawn, and may read the clock.
+template <class T, class Entry>
+concept EntryView = requires(const Entry& entry, const EnvironmentValues& environment) {
+  { T{entry}.body(environment) } -> std::same_as<ui::View>;
 };
 
-/// An entry and its view, of types that the host need not know.
-struct AnyTimelineEntry {
-  tarno::Date date;
-  std::any value;                                             ///< the provider's own entry
-  std::function<ui::View(const EnvironmentValues&)> content;  ///< the body of its view
-
-  template <TimelineEntry Entry, EntryView View>
-  static AnyTimelineEntry of(const Entry& entry, const View& view) {
-    return {entry.date, entry,
-            [view](const EnvironmentValues& environment) { return view.body(environment); }};
-  }
-};
-
-struct AnyTimeline {
-  std::vector<AnyTimelineEntry> entries;
-  TimelineReloadPolicy policy;
-};
-
-/// A provider and a content rule, without their types. Immutable.
-class AnyTimelineProvider {
- public:
-  virtual ~AnyTimelineProvider() = default;
-  virtual AnyTimelineEntry placeholder(const TimelineProviderContext& context) const = 0;
-  virtual AnyTimelineEntry snapshot(const TimelineProviderContext& context) const = 0;
-  virtual AnyTimeline timeline(const TimelineProviderContext& context) const = 0;
-};
-
-/// What a widget tells the host about itself. Made by StaticConfiguration, extended by the modifiers.
-struct WidgetConfiguration {
-  std::string kind;
-  std::shared_ptr<const AnyTimelineProvider> provider;
-  LocalizedStringKey displayName;
-  LocalizedStringKey widgetDescription;
-  std::vector<WidgetFamily> families;
-
-  WidgetConfiguration configurationDisplayName(LocalizedStringKey key) const;
-  WidgetConfiguration description(LocalizedStringKey key) const;
-  WidgetConfiguration supportedFamilies(std::vector<WidgetFamily> supported) const;
-};
-
-/// Ties a provider to a content rule.
-template <TimelineProvider Provider, class Content>
-class StaticTimelineProvider final : public AnyTimelineProvider {
- public:
-  StaticTimelineProvider(Provider provider, Content content)
-      : provider_(std::move(provider)), content_(std::move(content)) {}
-
-  AnyTimelineEntry placeholder(const TimelineProviderContext& context) const override {
-    return wrap(provider_.placeholder(context));
-  }
-
-  AnyTimelineEntry snapshot(const TimelineProviderContext& context) const override {
-    AnyTimelineEntry result;
-    provider_.getSnapshot(context, [&](const Entry& entry) { result = wrap(entry); });
-    return result;
-  }
-
-  AnyTimeline timeline(const TimelineProviderContext& context) const override {
-    AnyTimeline result{{}, TimelineReloadPolicy::after({})};
-    provider_.getTimeline(context, [&](const Timeline<Entry>& timeline) {
-      result.policy = timeline.policy;
-      for (const Entry& entry : timeline.entries) result.entries.push_back(wrap(entry));
-    });
-    return result;
-  }
-
- private:
+/// What a widget without options for the user tells the host: its kind, the provider of its entries, the view
+/// of an entry (a `Content`), its texts and its sizes. Each modifier returns a changed copy.
+template <TimelineProvider Provider, EntryView<typename Provider::Entry> Content>
+struct StaticConfiguration {
   using Entry = typename Provider::Entry;
 
-  AnyTimelineEntry wrap(const Entry& entry) const { return AnyTimelineEntry::of(entry, content_(entry)); }
+  std::string kind;
+  Provider provider{};
+  LocalizedStringKey displayName{}, widgetDescription{};
+  std::vector<WidgetFamily> families{};
 
-  Provider provider_;
-  Content content_;
+  StaticConfiguration configurationDisplayName(LocalizedStringKey key) const {
+    auto changed = *this;
+    changed.displayName = std::move(key);
+    return changed;
+  }
+  StaticConfiguration description(LocalizedStringKey key) const {
+    auto changed = *this;
+    changed.widgetDescription = std::move(key);
+    return changed;
+  }
+  StaticConfiguration supportedFamilies(std::vector<WidgetFamily> supported) const {
+    auto changed = *this;
+    changed.families = std::move(supported);
+    return changed;
+  }
+
+  /// Builds what `entry` looks like now.
+  ui::View content(const Entry& entry, const EnvironmentValues& environment) const {
+    return Content{entry}.body(environment);
+  }
 };
 
-/// A configuration that the user cannot edit. `content(entry)` is the view of an entry.
-template <TimelineProvider Provider, class Content>
-WidgetConfiguration StaticConfiguration(const std::string& kind, Provider provider, Content content) {
-  return {.kind = kind,
-          .provider = std::make_shared<const StaticTimelineProvider<Provider, Content>>(std::move(provider),
-                                                                                        std::move(content))};
+/// Asks the widget's provider for an entry to show now, or in a gallery.
+template <class Provider, class Content>
+typename Provider::Entry snapshot(const StaticConfiguration<Provider, Content>& widget,
+                                  const TimelineProviderContext& context) {
+  typename Provider::Entry answer;
+  widget.provider.getSnapshot(context, [&](auto entry) { answer = std::move(entry); });
+  return answer;
+}
+
+/// Asks the widget's provider for entries, and when to ask again.
+template <class Provider, class Content>
+Timeline<typename Provider::Entry> timeline(const StaticConfiguration<Provider, Content>& widget,
+                                            const TimelineProviderContext& context) {
+  Timeline<typename Provider::Entry> answer;
+  widget.provider.getTimeline(context, [&](auto timeline) { answer = std::move(timeline); });
+  return answer;
 }
 
 }  // namespace widgetkit

@@ -1,5 +1,3 @@
-#include "tarno/tarno-widget/frame_command.hpp"
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -9,13 +7,12 @@
 #include "tarno/render/image.hpp"
 #include "tarno/shared/freshness/status_freshness.hpp"
 #include "tarno/shared/persistence/mac_defaults.hpp"
+#include "tarno/tarno-widget/commands.hpp"
+#include "tarno/tarno-widget/description_json.hpp"
 #include "tarno/tarno-widget/drawing.hpp"
-#include "tarno/tarno-widget/inspection.hpp"
 #include "tarno/tarno-widget/localization.hpp"
 #include "tarno/tarno-widget/shared_pixels.hpp"
-#include "tarno/tarno-widget/tile.hpp"
 #include "tarno/ui/description/scene_description.hpp"
-#include "tarno/widget/timeline/widget_entry.hpp"
 
 namespace extension {
 namespace {
@@ -31,8 +28,8 @@ std::string momentText(tarno::Date moment) {
 
 /// When the status that `entry` shows turns stale by its age; nothing when it is stale already or never will
 /// be.
-std::optional<tarno::Date> staleFrom(const widgetkit::AnyTimelineEntry& entry) {
-  const auto& [date, status, lastRefresh] = std::any_cast<const TarnoMacWidgetEntry&>(entry.value);
+std::optional<tarno::Date> staleFrom(const TarnoMacWidgetEntry& entry) {
+  const auto& [date, status, lastRefresh] = entry;
   if (!status || status->isStale() || !lastRefresh) return std::nullopt;
   return TarnoStatusFreshness::staleFrom(*lastRefresh);
 }
@@ -60,13 +57,14 @@ ordered_json watched() {
 }
 
 /// The answer for a host; throws what keeps it from having a picture.
-ordered_json drawFrame(const widgetkit::WidgetConfiguration& widget, const FrameOptions& options) {
+ordered_json drawFrame(const Widget& widget, const FrameOptions& options) {
   const auto size = drawn([&] { return render::pixelSize(tileSize(options.family), options.scale); });
   const SharedPixels pixels{options.descriptor, size};
-  const auto timeline = widget.provider->timeline(requestContext(options.family));
+  const auto timeline = widgetkit::timeline(widget, {.family = options.family});
   const auto& entry = timeline.entries.front();
   render::TextEngine text;
-  const auto scene = tileScene(entry, options.family, text);
+  const auto view = widget.content(entry, {.widgetFamily = options.family});
+  const auto scene = tileScene(view, options.family, text);
   drawn([&] { drawPixels(scene, text, options.scale, pixels.data(), pixels.stride()); });
 
   ordered_json answer{{"width", size.width}, {"height", size.height}, {"stride", pixels.stride()}};
@@ -75,7 +73,7 @@ ordered_json drawFrame(const widgetkit::WidgetConfiguration& widget, const Frame
   answer["title"] = localized(widget.displayName);
   answer["announcement"] = announcement(scene);
   answer["accessibility"] = elements(scene);
-  answer["reload_after"] = momentText(timeline.policy.date());
+  answer["reload_after"] = momentText(timeline.policy.date);
   answer["stale_from"] = nullptr;
   if (const auto stale = staleFrom(entry)) answer["stale_from"] = momentText(*stale);
   answer["watch"] = watched();
@@ -89,7 +87,7 @@ void print(const ordered_json& answer) {
 
 }  // namespace
 
-int frame(const widgetkit::WidgetConfiguration& widget, const FrameOptions& options) {
+int frame(const Widget& widget, const FrameOptions& options) {
   ordered_json answer;
   int exitCode = EX_OK;
   try {

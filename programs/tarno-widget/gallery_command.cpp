@@ -1,18 +1,15 @@
-#include "tarno/tarno-widget/gallery_command.hpp"
-
 #include <nlohmann/json.hpp>
 
 #include "tarno/common/failure.hpp"
 #include "tarno/common/output.hpp"
 #include "tarno/foundation/date.hpp"
+#include "tarno/tarno-widget/commands.hpp"
 #include "tarno/tarno-widget/localization.hpp"
-#include "tarno/tarno-widget/render_command.hpp"
-#include "tarno/tarno-widget/tile.hpp"
 
 namespace extension {
 namespace {
 
-std::string jsonText(const widgetkit::WidgetConfiguration& widget) {
+std::string jsonText(const Widget& widget) {
   nlohmann::ordered_json result{{"kind", widget.kind},
                                 {"display_name", localized(widget.displayName)},
                                 {"description", localized(widget.widgetDescription)},
@@ -21,7 +18,7 @@ std::string jsonText(const widgetkit::WidgetConfiguration& widget) {
   return result.dump(2) + "\n";
 }
 
-std::string textForPeople(const widgetkit::WidgetConfiguration& widget) {
+std::string textForPeople(const Widget& widget) {
   std::string families;
   for (const auto family : widget.families) {
     const auto size = tileSize(family);
@@ -34,8 +31,7 @@ std::string textForPeople(const widgetkit::WidgetConfiguration& widget) {
                                  "\nkind " + widget.kind + "\n" + families);
 }
 
-void drawPreviews(const widgetkit::WidgetConfiguration& widget, const std::filesystem::path& folder,
-                  double scale) {
+void drawPreviews(const Widget& widget, const std::filesystem::path& folder, double scale) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error)
@@ -48,7 +44,7 @@ void drawPreviews(const widgetkit::WidgetConfiguration& widget, const std::files
 
 }  // namespace
 
-int gallery(const widgetkit::WidgetConfiguration& widget, const GalleryOptions& options) {
+int gallery(const Widget& widget, const GalleryOptions& options) {
   const tarno::ClockOverride oneReading{tarno::now()};
   if (options.output) drawPreviews(widget, *options.output, options.scale);
   program::writeOutput(options.asJSON ? jsonText(widget) : textForPeople(widget));

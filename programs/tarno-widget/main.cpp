@@ -3,12 +3,8 @@
 #include "tarno/common/command_line.hpp"
 #include "tarno/common/dates.hpp"
 #include "tarno/common/output.hpp"
-#include "tarno/tarno-widget/extension.hpp"
-#include "tarno/tarno-widget/frame_command.hpp"
-#include "tarno/tarno-widget/gallery_command.hpp"
-#include "tarno/tarno-widget/inspect_command.hpp"
+#include "tarno/tarno-widget/commands.hpp"
 #include "tarno/tarno-widget/localization.hpp"
-#include "tarno/tarno-widget/render_command.hpp"
 
 namespace {
 
@@ -110,12 +106,18 @@ int main(int argc, char** argv) {
   return program::run(app, argc, argv, [&] {
     clock.apply();
     if (fonts.parsed()) return extension::fonts();
-    return extension::withWidget([&](const widgetkit::WidgetConfiguration& widget) {
+    const auto serve = [&](const extension::Widget& widget) {
       if (render.parsed()) return extension::render(widget, rendering);
       if (frame.parsed()) return extension::frame(widget, framing);
       if (timeline.parsed()) return extension::timeline(widget, timelineFamily);
       if (inspect.parsed()) return extension::inspect(widget, inspecting);
       return extension::gallery(widget, browsing);
+    };
+    int exitCode = EX_OK;
+    widgetkit::NSExtensionMain<TarnoMacWidgetBundle>(TarnoMacWidget_main, [&](const auto& bundle) {
+      const auto [widget] = bundle.body();
+      exitCode = serve(widget.body());
     });
+    return exitCode;
   });
 }

@@ -1,8 +1,7 @@
-#include "tarno/tarno-widget/render_command.hpp"
-
 #include "tarno/common/files.hpp"
 #include "tarno/common/output.hpp"
 #include "tarno/foundation/date.hpp"
+#include "tarno/tarno-widget/commands.hpp"
 #include "tarno/tarno-widget/drawing.hpp"
 #include "tarno/tarno-widget/localization.hpp"
 
@@ -20,14 +19,15 @@ render::ImageFormat formatOf(const std::filesystem::path& output) {
 
 }  // namespace
 
-int render(const widgetkit::WidgetConfiguration& widget, const RenderOptions& options) {
+int render(const Widget& widget, const RenderOptions& options) {
   const auto format = formatOf(options.output);
   const tarno::ClockOverride oneReading{tarno::now()};
+  const auto family = options.tile.family;
   const auto entry = entryFor(widget, options.tile);
   render::TextEngine text;
   const auto bytes = drawn([&] {
-    return encodeImage(tileScene(entry, options.tile.family, text), text, format, options.scale,
-                       localized(widget.displayName));
+    const auto scene = tileScene(widget.content(entry, {.widgetFamily = family}), family, text);
+    return encodeImage(scene, text, format, options.scale, localized(widget.displayName));
   });
   if (options.output == "-") {
     program::writeOutput(bytes);

@@ -20,28 +20,19 @@ std::optional<WidgetFamily> familyNamed(std::string_view word) {
   return std::nullopt;
 }
 
-widgetkit::TimelineProviderContext requestContext(WidgetFamily family, bool isPreview) {
-  return {.family = family, .isPreview = isPreview, .displaySize = tileSize(family)};
-}
-
-widgetkit::AnyTimelineEntry entryFor(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile) {
+TarnoMacWidgetEntry entryFor(const Widget& widget, const TileOptions& tile) {
   switch (tile.request) {
-    case Request::placeholder: return widget.provider->placeholder(requestContext(tile.family));
-    case Request::preview: return widget.provider->snapshot(requestContext(tile.family, true));
+    case Request::placeholder: return widget.provider.placeholder({.family = tile.family});
+    case Request::preview: return snapshot(widget, {.family = tile.family, .isPreview = true});
     case Request::timeline: break;
   }
-  return widget.provider->timeline(requestContext(tile.family)).entries.front();
+  return timeline(widget, {.family = tile.family}).entries.front();
 }
 
 ui::Scene tileScene(const ui::View& view, WidgetFamily family, ui::TextMeasurer& measurer) {
   return ui::layout(view,
                     {.size = tileSize(family), .contentMargin = contentMargin, .cornerRadius = cornerRadius},
                     measurer);
-}
-
-ui::Scene tileScene(const widgetkit::AnyTimelineEntry& entry, WidgetFamily family,
-                    ui::TextMeasurer& measurer) {
-  return tileScene(entry.content({.widgetFamily = family}), family, measurer);
 }
 
 }  // namespace extension

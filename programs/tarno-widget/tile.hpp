@@ -4,9 +4,12 @@
 #include <string_view>
 
 #include "tarno/ui/layout.hpp"
-#include "tarno/widgetkit/widget_configuration.hpp"
+#include "tarno/widget/extension/status_widget.hpp"
 
 namespace extension {
+
+/// The widget that the extension's bundle hands to this program.
+using Widget = TarnoMacStatusWidget::Configuration;
 
 /// The space between a tile's edge and its content, on every side, in points.
 inline constexpr double contentMargin = 16;
@@ -23,9 +26,6 @@ inline constexpr std::string_view familyWords = "small, medium or large";
 /// The family that one of these words names; nothing for any other word.
 std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
 
-/// What a host tells the provider about a request for a tile of `family`.
-widgetkit::TimelineProviderContext requestContext(widgetkit::WidgetFamily family, bool isPreview = false);
-
 /// What to ask the provider for.
 enum class Request { timeline, placeholder, preview };
 
@@ -36,13 +36,9 @@ struct TileOptions {
 };
 
 /// The entry that answers a request; of a timeline, the first.
-widgetkit::AnyTimelineEntry entryFor(const widgetkit::WidgetConfiguration& widget, const TileOptions& tile);
+TarnoMacWidgetEntry entryFor(const Widget& widget, const TileOptions& tile);
 
 /// Lays out an entry's view as a tile.
 ui::Scene tileScene(const ui::View& view, widgetkit::WidgetFamily family, ui::TextMeasurer& measurer);
-
-/// An entry's tile as it is now: builds the view anew (which may read the clock) and lays it out.
-ui::Scene tileScene(const widgetkit::AnyTimelineEntry& entry, widgetkit::WidgetFamily family,
-                    ui::TextMeasurer& measurer);
 
 }  // namespace extension

@@ -11,9 +11,7 @@
 #include "support/pixels.hpp"
 #include "tarno/render/image.hpp"
 #include "tarno/shared/coding/json.hpp"
-#include "tarno/tarno-widget/extension.hpp"
 #include "tarno/ui/symbols/symbol.hpp"
-#include "tarno/widget/views/widget_view.hpp"
 
 namespace {
 
@@ -57,13 +55,13 @@ void expectReference(const std::string& png, const std::string& name) {
 }
 
 /// The entry that shows a record, received some time ago; that shows none where `json` is empty.
-widgetkit::AnyTimelineEntry entryOf(const std::string& json, tarno::Date::duration age) {
+TarnoMacWidgetEntry entryOf(const std::string& json, tarno::Date::duration age) {
   TarnoMacWidgetEntry entry{.date = now};
   if (!json.empty()) {
     entry.status = TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(json);
     entry.lastRefresh = now - age;
   }
-  return widgetkit::AnyTimelineEntry::of(entry, TarnoMacWidgetView{entry});
+  return entry;
 }
 
 TEST(Tile, LooksAsItDid) {
@@ -81,7 +79,8 @@ TEST(Tile, LooksAsItDid) {
       {"none-medium", WidgetFamily::systemMedium, 1, 0s, ""},
       {"unlocked-small", WidgetFamily::systemSmall, 3, 0s, R"({"status": "unlocked"})"}};
   for (const auto& [name, family, scale, age, json] : rows) {
-    const auto scene = extension::tileScene(entryOf(json, age), family, text);
+    const auto view = TarnoMacWidgetView{entryOf(json, age)}.body({family});
+    const auto scene = extension::tileScene(view, family, text);
     expectReference(encodeImage(scene, text, render::ImageFormat::png, scale), name);
   }
 }

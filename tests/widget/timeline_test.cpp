@@ -10,7 +10,6 @@ namespace {
 
 using namespace std::chrono;
 using tarno::Date;
-using widgetkit::NSExtensionMain;
 using Entry = TarnoMacWidgetEntry;
 
 constexpr Date start = sys_days{2026y / November / 16} + 15h;
@@ -21,8 +20,8 @@ struct TickingClock {
   tarno::ClockOverride clock{[this] { return start + seconds{readings++}; }};
 };
 
-/// The provider as a host sees it.
-const auto provider = TarnoMacStatusWidget{}.body().provider;
+/// What a host gets of the bundle: its one widget.
+const auto widget = std::get<0>(TarnoMacWidgetBundle{}.body()).body();
 
 TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
   TickingClock clock;
@@ -40,29 +39,28 @@ TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
 TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
   const TemporaryStore temporary;
   TickingClock clock;
-  const auto empty = provider->timeline({});
+  const auto empty = timeline(widget, {});
   EXPECT_EQ(clock.readings, 2);
   ASSERT_EQ(empty.entries.size(), 1u);
-  EXPECT_EQ(empty.entries[0].date, start);
-  EXPECT_EQ(std::any_cast<Entry>(empty.entries[0].value), (Entry{.date = start}));
-  EXPECT_EQ(empty.policy.date(), start + 1s + 30s);  // counted from the second reading
+  EXPECT_EQ(empty.entries[0], (Entry{.date = start}));
+  EXPECT_EQ(empty.policy.date, start + 1s + 30s);  // counted from the second reading
 
   TarnoMacDefaults::saveStatus({.status = TarnoMacStatus::unlocked}, start - 200s);
   const TarnoMacStatusSnapshot stale{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202};
-  EXPECT_EQ(std::any_cast<Entry>(provider->timeline({}).entries.at(0).value),
-            (Entry{start + 2s, stale, start - 200s}));
+  EXPECT_EQ(timeline(widget, {}).entries.at(0), (Entry{start + 2s, stale, start - 200s}));
 }
 
 TEST(Extension, ServesOnlyTheHostThatStartedIt) {
   int calls = 0;
-  const widgetkit::ExtensionHost failing = [&](const auto&) {
+  const TarnoMacWidgetBundle::Host failing = [&](const auto&) {
     ++calls;
     throw std::runtime_error{"host"};
   };
-  EXPECT_THROW(NSExtensionMain(TarnoMacWidget_main, failing), std::runtime_error);
+  const auto run = widgetkit::NSExtensionMain<TarnoMacWidgetBundle>;
+  EXPECT_THROW(run(TarnoMacWidget_main, failing), std::runtime_error);
+  EXPECT_EQ(run([] { return 7; }, failing), 7);
   EXPECT_EQ(TarnoMacWidget_main(), 0);
   EXPECT_EQ(calls, 1);
-  EXPECT_EQ(NSExtensionMain([] { return 7; }, failing), 7);
 }
 
 }  // namespace

@@ -1,19 +1,24 @@
 #pragma once
 
 #include <string>
+#include <tuple>
 
+#include "tarno/widget/timeline/widget_provider.hpp"
+#include "tarno/widget/views/widget_view.hpp"
 #include "tarno/widgetkit/widget_bundle.hpp"
 
-/// The one widget of the extension: what the host learns about it, its provider and its content rule.
+/// The one widget of the extension: what the host learns about it, its provider and its view.
 struct TarnoMacStatusWidget {
+  using Configuration = widgetkit::StaticConfiguration<TarnoMacWidgetProvider, TarnoMacWidgetView>;
+
   const std::string kind = "TarnoMacWidget";
 
-  widgetkit::WidgetConfiguration body() const;
+  Configuration body() const;
 };
 
 /// The extension's main type.
-struct TarnoMacWidgetBundle {
-  widgetkit::WidgetConfigurations body() const;
+struct TarnoMacWidgetBundle : widgetkit::WidgetBundle<TarnoMacWidgetBundle> {
+  std::tuple<TarnoMacStatusWidget> body() const;
 };
 
 /// The extension's main function, for widgetkit::NSExtensionMain: hands control to the bundle, returns 0.

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "tarno/ui/description/description.hpp"
+
+namespace extension {
+
+/// The attributes of one node, as an object.
+nlohmann::ordered_json attributes(const ui::Description& description);
+
+/// "name", then the attributes, then "children" where there are any.
+nlohmann::ordered_json json(const ui::Description& description);
+
+}  // namespace extension
