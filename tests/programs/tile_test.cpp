@@ -54,16 +54,6 @@ void expectReference(const std::string& png, const std::string& name) {
   ADD_FAILURE() << found << " differs from " << reference;
 }
 
-/// The entry that shows a record, received some time ago; that shows none where `json` is empty.
-TarnoMacWidgetEntry entryOf(const std::string& json, tarno::Date::duration age) {
-  TarnoMacWidgetEntry entry{.date = now};
-  if (!json.empty()) {
-    entry.status = TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(json);
-    entry.lastRefresh = now - age;
-  }
-  return entry;
-}
-
 TEST(Tile, LooksAsItDid) {
   const tarno::ClockOverride clock{now};
   render::TextEngine text;
@@ -79,8 +69,9 @@ TEST(Tile, LooksAsItDid) {
       {"none-medium", WidgetFamily::systemMedium, 1, 0s, ""},
       {"unlocked-small", WidgetFamily::systemSmall, 3, 0s, R"({"status": "unlocked"})"}};
   for (const auto& [name, family, scale, age, json] : rows) {
-    const auto view = TarnoMacWidgetView{entryOf(json, age)}.body({family});
-    const auto scene = extension::tileScene(view, family, text);
+    TarnoMacWidgetEntry entry{.date = now};
+    if (*json) entry = {now, TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(json), now - age};
+    const auto scene = extension::tileScene(TarnoMacWidgetView{entry}.body({family}), family, text);
     expectReference(encodeImage(scene, text, render::ImageFormat::png, scale), name);
   }
 }

@@ -8,6 +8,7 @@ import struct
 import subprocess
 import sys
 import unittest
+from pathlib import Path
 
 from program_test_case import BIN, MOMENT, ProgramTest
 
@@ -143,15 +144,26 @@ class Widget(ProgramTest):
         self.assertEqual(answer["title"], "Tarno-Kachel")
 
     def test_fonts_tell_when_the_rounded_face_is_missing(self):
-        self.assertEqual(self.widget("fonts"), b"Quicksand\n")
-        (self.folder / "fonts.conf").write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont>"
-                                                "<rejectfont><glob>/*quicksand*</glob></rejectfont></selectfont></fontconfig>")
-        environment = {"FONTCONFIG_FILE": str(self.folder / "fonts.conf")}
-        done = self.call("tarno-widget", "fonts", environment=environment)
-        self.assertEqual((done.returncode, done.stderr), (69, b""))
-        self.assertRegex(done.stdout.decode(), r"\AQuicksand is missing[^\n]*fonts-quicksand\n\Z")
+        rejecting, bare, other, fonts = (self.folder / name for name in ("fonts.conf", "bare", "other", "fonts"))
+        rejecting.write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>"
+                             "<glob>/*quicksand*</glob></rejectfont></selectfont></fontconfig>")
+        # Fontconfig lists the fonts below its root, but 2.14 then reads the files of the same names outside of it.
+        for root in (bare, other):
+            (root / "etc/fonts").mkdir(parents=True)
+            (root / "etc/fonts/fonts.conf").write_text(f"<fontconfig><dir>{fonts}</dir><cachedir>/c</cachedir></fontconfig>")
+        for folder in (fonts, Path(f"{other}{fonts}")):
+            folder.mkdir(parents=True)
+            shutil.copy(next(Path("/usr/share/fonts").rglob("Quicksand-Bold.*")), folder)
+        for variable, value, code, printed in (
+                ("FONTCONFIG_FILE", rejecting, 69, r"\AQuicksand is missing[^\n]*fonts-quicksand\n\Z"),
+                ("FONTCONFIG_SYSROOT", bare, 69, r"\AQuicksand is missing"),  # nowhere
+                ("FONTCONFIG_SYSROOT", other, 0, r"\AQuicksand\n\Z"),  # not where Debian has it
+                ("LC_ALL", "C", 0, r"\AQuicksand\n\Z")):
+            done = self.call("tarno-widget", "fonts", environment={variable: str(value)})
+            self.assertEqual((done.returncode, done.stderr), (code, b""), value)
+            self.assertRegex(done.stdout.decode(), printed, value)
         draw = ("render", "--output", "-", "--at", MOMENT)
-        self.assertNotEqual(self.widget(*draw, **environment), self.widget(*draw))
+        self.assertNotEqual(self.widget(*draw, FONTCONFIG_FILE=str(rejecting)), self.widget(*draw))
 
     def test_help_and_version(self):
         for command in ([], ["frame"], ["render"], ["timeline"], ["gallery"], ["inspect"], ["fonts"]):
@@ -160,10 +172,13 @@ class Widget(ProgramTest):
             self.assertRegex(self.run_program(program, "--version").stdout.decode(), rf"\A{program} \d+\.\d+\.\d+\n\Z")
 
     def test_wrong_command_lines_make_nothing(self):
-        for words in ("", "--output tile.gif", "--output /", "--output a.png --family huge", "--output a.png --scale 0",
-                      "--output a.png --scale nan", "--output a.png --scale inf", "--output a.png --scale 100000",
-                      "--output a.png --at yesterday", "--output a.png --preview --placeholder"):
-            self.widget("render", *words.split(), code=64)
+        for words, reason in (("", "--output"), ("--output tile.gif", "tile.gif"), ("--output /", "format of /"),
+                              ("--output a.png --family huge", "'huge'"), ("--output a.png --scale 100000", "16384 pixels"),
+                              ("--output a.png --at yesterday", "'yesterday'"), ("--output a.png --preview --placeholder", "excl"),
+                              *((f"--output a.png --scale {number}", f"'{number}' is not a number above 0")
+                                for number in ("0", "-1", "nan", "inf", "-inf", "1e400", "2x"))):
+            done = self.run_program("tarno-widget", "render", *words.split(), code=64)
+            self.assertIn(reason, done.stderr.decode(), words)
         self.run_program("tarno-widget", code=64)
         self.assertEqual(os.listdir(self.folder), [])
 

@@ -36,7 +36,7 @@ TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
       R"("face_present":true,"companion_present":true,"input_idle_seconds":3.0,"stale":false,"age_seconds":0})");
 }
 
-TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
+TEST(Provider, ReadsTheStoreAnewUnlessForAPreview) {
   const TemporaryStore temporary;
   TickingClock clock;
   const auto empty = timeline(widget, {});
@@ -46,8 +46,11 @@ TEST(Provider, ReadsTheStoreAnewForEveryTimeline) {
   EXPECT_EQ(empty.policy.date, start + 1s + 30s);  // counted from the second reading
 
   TarnoMacDefaults::saveStatus({.status = TarnoMacStatus::unlocked}, start - 200s);
-  const TarnoMacStatusSnapshot stale{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202};
+  TarnoMacStatusSnapshot stale{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202};
   EXPECT_EQ(timeline(widget, {}).entries.at(0), (Entry{start + 2s, stale, start - 200s}));
+  stale.ageSeconds = 204;
+  EXPECT_EQ(snapshot(widget, {}), (Entry{start + 4s, stale, start - 200s}));
+  EXPECT_EQ(snapshot(widget, {.isPreview = true}).status->statusLine(), "Locked");
 }
 
 TEST(Extension, ServesOnlyTheHostThatStartedIt) {
