@@ -32,7 +32,7 @@ def commands(program):
                 left, _, text = entry[2].rpartition("  ")
                 text = re.split(r"[.:;] | \(" if section == "Options:" else ": ", text.strip())[0].replace(":", " ")
                 if section == "Options:":
-                    argument = re.match(r" ?(?!Excludes:|REQUIRED)([A-Z]*)", left)[1]
+                    argument = re.match(r" ?(?!Excludes:|Needs:|REQUIRED)([A-Z]*)", left)[1]
                     words = re.search(r":\{([\w,-]+)\}", left) or re.search(r": (\w+(?:, \w+)* or \w+)$", line)
                     words = re.split(r",\s*| or ", words[1]) if words else WORDS.get(entry[1], [])
                     options.append((entry[1].split(","), argument, words, text))

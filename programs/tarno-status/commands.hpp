@@ -25,10 +25,11 @@ int save(const SaveOptions& options);
 /// Saves each line of standard input, one record in JSON, as save() does and as it arrives, until the input
 /// ends. A line that cannot be saved is one line on standard error and the next goes on. At most 16 records
 /// wait to be saved; more than that give way, the oldest first, and how many is said at most once a minute
-/// and at the end. Blank lines count for nothing, a last line without a line feed is not saved. Returns the
-/// code of the first line that failed, as save() would; giving way is no failure. From now on the process
-/// does not die of SIGPIPE.
-int follow(const std::optional<std::string>& mirrorKey);
+/// and at the end. Blank lines count for nothing, a last line without a line feed is not saved. Where it
+/// `acknowledges`, each save is one line on standard output, unless nobody reads them. Returns the code of
+/// the first line that failed, as save() would; giving way is no failure. From now on the process does not
+/// die of SIGPIPE.
+int follow(const std::optional<std::string>& mirrorKey, bool acknowledges);
 
 /// Prints the last saved report, judged for freshness, for people or as JSON; null in JSON when nothing was
 /// saved yet. Fails with EX_UNAVAILABLE when something is stored that cannot be read.

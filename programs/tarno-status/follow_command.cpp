@@ -8,6 +8,8 @@
 #include <deque>
 
 #include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
+#include "tarno/common/output.hpp"
 #include "tarno/tarno-status/commands.hpp"
 #include "tarno/tarno-status/saving.hpp"
 
@@ -32,7 +34,8 @@ struct Record {
 
 class Follower {
  public:
-  explicit Follower(const std::optional<std::string>& mirrorKey) : mirrorKey_(mirrorKey) {}
+  Follower(const std::optional<std::string>& mirrorKey, bool acknowledges)
+      : mirrorKey_(mirrorKey), acknowledges_(acknowledges) {}
 
   int run() {
     while (!hasEnded_ || !waiting_.empty()) {
@@ -99,9 +102,16 @@ class Follower {
     } catch (const program::Failure& failure) {
       return fail(record.line, failure);
     }
+    if (acknowledges_) acknowledge(record.line);
     const auto text = unknownKeysText(record.text);
     if (!text.empty() && text != unknownKeys_) program::complain(lineText(record.line) + text);
     unknownKeys_ = text;
+  }
+
+  /// Drops what nobody reads: the next report must not wait for a reader.
+  static void acknowledge(std::size_t line) {
+    pollfd output{program::outputDescriptor(), POLLOUT, 0};
+    if (poll(&output, 1, 0) == 1) program::writeAll(output.fd, lineText(line) + "saved\n");
   }
 
   void tellOfSkipping() {
@@ -119,6 +129,7 @@ class Follower {
   static std::string lineText(std::size_t line) { return "line " + std::to_string(line) + ": "; }
 
   const std::optional<std::string>& mirrorKey_;
+  const bool acknowledges_;
   std::string chunk_ = std::string(chunkSize, '\0');
   std::string line_;  ///< the one being read
   std::size_t lines_ = 0;
@@ -132,9 +143,9 @@ class Follower {
 
 }  // namespace
 
-int follow(const std::optional<std::string>& mirrorKey) {
-  std::signal(SIGPIPE, SIG_IGN);  // the reader of standard error may go; reports still arrive
-  return Follower{mirrorKey}.run();
+int follow(const std::optional<std::string>& mirrorKey, bool acknowledges) {
+  std::signal(SIGPIPE, SIG_IGN);  // the readers of both outputs may go; reports still arrive
+  return Follower{mirrorKey, acknowledges}.run();
 }
 
 }  // namespace status

@@ -8,6 +8,7 @@ namespace {
 struct Saving {
   status::SaveOptions options;
   bool isFollowing = false;
+  bool acknowledges = false;
 };
 
 CLI::App& addSave(CLI::App& app, Saving& saving) {
@@ -18,13 +19,17 @@ CLI::App& addSave(CLI::App& app, Saving& saving) {
                                             "When the report was received (default: now)");
   save.add_option("--mirror-key", saving.options.mirrorKey, "A key to keep beside the report")
       ->type_name("KEY");
-  save.add_flag(
-          "--follow", saving.isFollowing,
-          "Save each line of standard input, one record per line, as it arrives. A bad line is named on "
-          "standard error and the next one goes on. When records arrive faster than they can be saved, "
-          "the oldest are skipped")
-      ->excludes(file)
-      ->excludes(date);
+  auto* const follow =
+      save.add_flag(
+              "--follow", saving.isFollowing,
+              "Save each line of standard input, one record per line, as it arrives. A bad line is named on "
+              "standard error and the next one goes on. When records arrive faster than they can be saved, "
+              "the oldest are skipped")
+          ->excludes(file)
+          ->excludes(date);
+  save.add_flag("--acknowledge", saving.acknowledges,
+                "Print the number of each line that was saved, as in 'line 1: saved'")
+      ->needs(follow);
   program::setExample(save,
                       "tarno-status save report.json --received-at 2026-11-16T15:41:35Z\n"
                       "  mosquitto_sub -h localhost -t mac/status | tarno-status save --follow");
@@ -97,7 +102,8 @@ int main(int argc, char** argv) {
   return program::run(app, argc, argv, [&] {
     clock.apply();
     if (save.parsed())
-      return saving.isFollowing ? status::follow(saving.options.mirrorKey) : status::save(saving.options);
+      return saving.isFollowing ? status::follow(saving.options.mirrorKey, saving.acknowledges)
+                                : status::save(saving.options);
     if (show.parsed()) return status::show(asJSON);
     if (check.parsed()) return status::check(expected);
     if (watch.parsed()) return status::watch(format);

@@ -60,6 +60,17 @@ class Follow(ProgramTest):
         follower.stdin.close()
         self.assertEqual(follower.wait(20), 65)
 
+    def test_saves_are_acknowledged_to_who_reads_them(self):
+        text = '{"status": "locked"}\n[]\n{"status": "unlocked"}\n'
+        done = self.call(*FOLLOW, "--acknowledge", stdin=text)
+        self.assertEqual((done.returncode, done.stdout), (65, b"line 1: saved\nline 3: saved\n"))
+        reader, writer = os.pipe()
+        with open(reader, "rb"), open(writer, "wb", 0) as full:
+            fcntl.fcntl(full, fcntl.F_SETPIPE_SZ, 4096)
+            full.write(b"-" * 4096)
+            self.assertEqual(self.call(*FOLLOW, "--acknowledge", stdin=text, stdout=full).returncode, 65)
+        self.run_program("tarno-status", "save", "--acknowledge", code=64)
+
     def test_a_flood_gives_way_to_the_newest(self):
         records = [json.dumps({"status": "locked", "confidence": i}) + "\n" for i in range(10000)]
         code, said = self.follow("".join(records), "--mirror-key", "desk")

@@ -22,7 +22,7 @@ class ManPages(ProgramTest):
         """The options as listed() gives them, and the commands."""
         text = self.run_program(program, *filter(None, [command]), "--help").stdout.decode()
         options, _, commands = text.partition("\nSubcommands:\n")
-        found = re.findall(r"^  (?:-h,)?(--[\w-]+)(?: (?!Excludes|REQUIRED)([A-Z]+)(?::\{(.*?)\})?)?", options, re.M)
+        found = re.findall(r"^  (?:-h,)?(--[\w-]+)(?: (?!Excludes|Needs|REQUIRED)([A-Z]+)(?::\{(.*?)\})?)?", options, re.M)
         return ({name: set(words.split(",") if words else argument.split()) for name, argument, words in found},
                 re.findall(r"^  ([a-z]+)  ", commands.partition("\n\n")[0], re.M))
 
