@@ -91,6 +91,7 @@ class Companion(ProgramTest):
         self.wait_for(arrives)
 
     def test_no_command_is_left_out(self):
-        run = ["A shell over ssh", "One ssh connection", "MQTT", "MQTT", "In C++", "In C++",  # those in examples/
+        run = [*["A Mac that reports by itself"] * 3,  # those in tests/companion/
+               "A shell over ssh", "One ssh connection", "MQTT", "MQTT", "In C++", "In C++",  # those in examples/
                *["Ask from a script"] * 3, "When the tile does not follow"]
         self.assertEqual([heading for heading, _ in blocks("sh")], run)

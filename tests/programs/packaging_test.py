@@ -1,5 +1,6 @@
 """What is installed beside the programs, as the desktop's own tools judge it; starting at login."""
 
+import os
 import shutil
 import subprocess
 import unittest
@@ -33,6 +34,7 @@ class Packaging(ProgramTest):
         for side in (16, 22, 24, 32, 48, 64, 128, 256):
             png = (share / f"icons/hicolor/{side}x{side}/apps/tarno-desktop.png").read_bytes()
             self.assertEqual(png[16:24], side.to_bytes(4, "big") * 2, side)
+        self.assertTrue(os.access(share / "tarno/tarno-report", os.X_OK))
         drawn = self.folder / "icon.svg"
         subprocess.run([BIN / "draw_icon", drawn, "128"], check=True)
         self.assertEqual(drawn.read_text(), (share / "icons/hicolor/scalable/apps/tarno-desktop.svg").read_text())

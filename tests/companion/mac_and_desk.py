@@ -1,0 +1,126 @@
+"""What the tests of the reporter run on: a Mac, whose commands are stand-ins, and a desk with a real sshd."""
+
+import os
+import pwd
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+from pathlib import Path
+
+from program_test_case import BIN, ProgramTest
+
+REPORTER = Path(__file__).resolve().parents[2] / "companion/mac/tarno-report"
+SSHD = shutil.which("sshd", path=os.environ["PATH"] + ":/usr/sbin")
+
+# What `ioreg -n Root -d1` prints. The words to look for also stand where they mean something else, here and below.
+ROOT = """+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>
+    {
+      "IOKitBuildVersion" = "Darwin Kernel Version 23.1.0: root:xnu-10002.41.9~6/RELEASE_ARM64_T6000"
+      "OSKernelCPUSubtype" = 18446744073709551615
+%s      "IORegistryPlanes" = {"IOPower"="IOPower","IOService"="IOService","IOUSB"="IOUSB"}
+      "IOKitDiagnostics" = {"Classes"={"IOConsoleLocked" = Yes,"IOHIDSystem"=1""" + ',"IOUserClient"=7' * 5000 + """}}
+      "IOMaximumMappedIOByteCount" = 268435456
+    }
+"""
+SESSION = ('{{"kCGSSessionOnConsoleKey"={},"kSCSecuritySessionID"=100007,"kCGSSessionUserNameKey"="kivo"{},'
+           '"kCGSessionLongUserNameKey"="Kivo, the first","kCGSSessionIDKey"=257,"kCGSSessionUserIDKey"=501}}')
+# What `ioreg -c IOHIDSystem` prints.
+HID = "+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>\n" + """\
+  | +-o AppleARMPE  <class AppleARMPE, id 0x100000246, registered, matched, active, busy 0 (35 ms), retain 42>
+""" * 2000 + """  | +-o IOHIDSystem  <class IOHIDSystem, id 0x1000004a2, registered, matched, active, busy 0 (0 ms), retain 22>
+  | | | {
+  | | |   "HIDParameters" = {"HIDPointerAcceleration"=45056,"HIDIdleTime" = 1,"HIDClickTime"=500000000}
+%s  | | |   "IOProviderClass" = "IOResources"
+  | | | }
+"""
+STAND_INS = {
+    "ioreg": 'case "$*" in "-n Root -d1") cat "$MAC/root";; "-c IOHIDSystem") cat "$MAC/hid";; *) exit 64;; esac',
+    "scutil": '[ "$*" = "--get ComputerName" ] && cat "$MAC/name"',
+    "launchctl": f'exec {sys.executable} -B {Path(__file__).parent}/launchctl.py "$@"',
+    "sleep": '[ "$1" != 1 ] || set 5; exec /bin/sleep "0.$1"',  # the Mac's seconds are short
+    "scp": f'[ "$1" = desk:/usr/share/tarno/tarno-report ] && cp "{REPORTER}" "$2"',
+    # The person at the keyboard knows a password. In batch mode, nobody does.
+    "ssh": 'case $* in *BatchMode*) ;; *) set -- -i "$MAC/person" "$@";; esac; exec /usr/bin/ssh -F "$MAC/config" "$@"',
+}
+
+
+def processes(of_session=None, of_parent=None):
+    """The ids of those that run, without those that have ended."""
+    for stat in Path("/proc").glob("[0-9]*/stat"):
+        try:
+            state, parent, _, session = stat.read_text().rpartition(")")[2].split()[:4]
+        except OSError:
+            continue
+        if state != "Z" and (int(session) == of_session or int(parent) == of_parent):
+            yield int(stat.parent.name)
+
+
+class MacTest(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.mac, self.home = self.folder / "mac", self.folder / "Kivo & <sons>"
+        self.home.mkdir()
+        (self.mac / "bin").mkdir(parents=True)
+        for name, text in STAND_INS.items():
+            (self.mac / "bin" / name).write_text(f"#!/bin/sh\n{text}\n")
+            (self.mac / "bin" / name).chmod(0o755)
+        self.environment |= {"PATH": f"{self.mac}/bin:/usr/bin:/bin:{BIN}", "HOME": str(self.home), "MAC": str(self.mac),
+                             "TMPDIR": str(self.folder)}
+        self.set()
+
+    def set(self, console="No", screen="", idle=0.5, name="Kivo's Mac", more=""):
+        """What the Mac's commands say from now on. `screen` is part of a session, and `more` follows it."""
+        root = f'      "IOConsoleUsers" = ({SESSION.format("Yes", screen)}{more})\n' if console else ""
+        root += f'      "IOConsoleLocked" = {console}\n' if console else ""
+        hid = f'  | | |   "HIDIdleTime" = {int(idle * 1e9)}\n' if idle is not None else ""
+        for file, text in (("root", ROOT % root), ("hid", HID % hid), ("name", f"{name}\n")):
+            (self.mac / "new").write_text(text)
+            (self.mac / "new").rename(self.mac / file)
+
+    def reporter(self, *words, code=0):
+        """What it prints, on standard error for a `code`. Without a terminal, so that ssh asks nothing."""
+        done = self.call("sh", REPORTER, *words, start_new_session=True)
+        self.assertEqual(done.returncode, code, (words, done.stdout, done.stderr))
+        return (done.stderr if code else done.stdout).decode()
+
+
+class DeskTest(MacTest):
+    def setUp(self):
+        super().setUp()
+        if not SSHD:
+            self.skipTest("sshd is not installed")
+        if os.geteuid() == 0:
+            os.makedirs("/run/sshd", exist_ok=True)  # as its service does
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            self.port = free.getsockname()[1]
+        for key in ("person", "host_key"):
+            subprocess.run(["ssh-keygen", "-q", "-t", "ecdsa", "-N", "", "-f", self.mac / key], check=True)
+        self.desk = self.folder / "desk"
+        self.keys, self.known_hosts = self.desk / ".ssh/authorized_keys", self.home / ".ssh/known_hosts"
+        for file, text in ((self.keys, "# mine\n" + (self.mac / "person.pub").read_text().strip()),  # the line does not end
+                           (self.known_hosts, f"[127.0.0.1]:{self.port} " + (self.mac / "host_key.pub").read_text()),
+                           (self.mac / "config", f"Host desk\nHostName 127.0.0.1\nPort {self.port}\nIdentitiesOnly yes\n"
+                            f'User {pwd.getpwuid(os.geteuid()).pw_name}\nUserKnownHostsFile "{self.known_hosts}"\n')):
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text(text)
+        self.start_sshd()
+        self.addCleanup(lambda: self.call("launchctl", "bootout", f"gui/{os.getuid()}/dev.tarno.report"))
+
+    def start_sshd(self, setting="", path=f"{BIN}:/usr/bin:/bin"):
+        (self.mac / "sshd_config").write_text(f"""Port {self.port}\nListenAddress 127.0.0.1\nHostKey {self.mac}/host_key
+            PidFile none\nAuthorizedKeysFile {self.keys}\nStrictModes no\nPermitRootLogin yes\nPasswordAuthentication no
+            SetEnv HOME={self.desk} XDG_DATA_HOME={self.folder}/data PATH={path}\n{setting}\n""")
+        self.sshd = self.start(SSHD, "-D", "-e", "-f", self.mac / "sshd_config", stderr=subprocess.PIPE)
+        self.addCleanup(self.stop_sshd, self.sshd)
+        self.assertIn(b"listening", self.sshd.stderr.readline())
+
+    def stop_sshd(self, sshd=None):
+        """With its connections, which have sessions of their own."""
+        ending = [(sshd or self.sshd).pid]
+        for process in ending:
+            ending += processes(of_parent=process)
+        for process in ending if (sshd or self.sshd).poll() is None else []:
+            os.kill(process, signal.SIGKILL)
+        (sshd or self.sshd).wait()

@@ -1,0 +1,165 @@
+"""The Mac's reporter: what it prints, and the road to a desk."""
+
+import json
+import os
+import shutil
+import signal
+import subprocess
+
+from document import blocks
+from mac_and_desk import REPORTER, SESSION, DeskTest, MacTest, processes
+
+LOCKED = ',"CGSSessionScreenIsLocked"=Yes'
+NAME = 'a "b\\\\c\\n"\t\x01\x7f\né 🦊 \\&'
+TAKEN = "desk takes the reports of this Mac.\n"
+
+
+class Reports(MacTest):
+    def report(self, *shell, **options):
+        return self.start(*(shell or ["sh"]), str(REPORTER), stdout=subprocess.PIPE, **options)
+
+    def test_the_state_of_the_screen_and_the_input(self):
+        other = "," + SESSION.format("No", LOCKED)
+        for console, screen, more, idle, expected in (
+                ("No", "", "", 0, ("unlocked", "Screen unlocked", 0.0)),
+                ("Yes", LOCKED, "", 11.99, ("locked", "Screen locked", 11.9)),
+                ("No", LOCKED, other, 9e9, ("locked", "Screen locked", 9e9)),
+                ("Yes", "", "", 86400.25, ("locked", "Screen locked", 86400.2)),
+                ("No", "", other, None, ("unlocked", "Screen unlocked", None)),
+                (None, "", "", 12, ("unknown", "Nobody is logged in", 12))):
+            self.set(console, screen, idle, more=more)
+            record = json.loads(self.report().stdout.readline())
+            found = tuple(record.get(key) for key in ("status", "reason", "input_idle_seconds"))
+            self.assertEqual(found, expected, (console, screen, more))
+
+    def test_what_calls_for_a_report(self):
+        lines = self.report().stdout
+        for idle, console, name, event in (
+                (3, "No", "One", "unlocked"), (3, "No", "Two", "unchanged"), (12, "No", "Two", "input_idle"),
+                (13, "Yes", "Two", "locked"), (99, "Yes", "Three", "unchanged"), (0, "Yes", "Four", "input_active")):
+            self.set(console, idle=idle, name=name)
+            record = json.loads(lines.readline())
+            while record["event"] == "unchanged" and record["device_name"] != name:
+                record = json.loads(lines.readline())
+            self.assertEqual([record[key] for key in ("event", "input_idle_seconds", "device_name")], [event, idle, name])
+
+    def test_every_shell_and_awk_prints_the_same_and_ends_with_its_reader(self):
+        expected = None
+        for awk in filter(shutil.which, ("original-awk", "gawk", "mawk", "busybox")):
+            (self.mac / "bin/awk").unlink(missing_ok=True)
+            (self.mac / "bin/awk").symlink_to(shutil.which(awk))
+            for shell in ("dash", "bash --posix", "zsh --emulate sh", "mksh", "busybox sh"):
+                if not shutil.which(shell.split()[0]):
+                    continue
+                self.set(name=NAME)
+                # Python ignores SIGPIPE; every run but the first does, too.
+                process = self.report(*shell.split(), stderr=subprocess.PIPE, restore_signals=expected is None)
+                line = process.stdout.readline().decode()
+                self.assertEqual(self.run_program("tarno-status", "save", stdin=line).stderr, b"")
+                record = json.loads(line)
+                self.assertRegex(record.pop("seen_at"), r"\A\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ\Z")
+                expected = expected or record | {"device_name": NAME}
+                self.assertEqual(record, expected, (awk, shell))
+                process.stdout.close()
+                self.set("Yes")
+                self.assertEqual((process.wait(60), process.stderr.read()), (0, b""), (awk, shell))
+
+    def test_command_lines(self):
+        self.assertIn("sh tarno-report install desk", self.reporter("--help"))
+        version = self.run_program("tarno-status", "--version").stdout.decode()
+        self.assertEqual(self.reporter("--version"), version.replace("status", "report"))
+        for words in ("shout", "send", "status now", "install -oProxyCommand=ls", "install desk a;b"):
+            self.assertRegex(self.reporter(*words.split(), code=64), r"\Atarno-report: [^\n]+\n\Z")
+        for words in ("status", "uninstall"):
+            self.assertEqual(self.reporter(words, code=69), "tarno-report: nothing is installed\n")
+        (self.mac / "bin/ioreg").unlink()
+        self.assertIn("'ioreg' is missing", self.reporter(code=69))
+
+
+class Road(DeskTest):
+    def homes(self):
+        """Every file of both homes but for the one that each report changes."""
+        return {path: path.is_file() and (path.read_bytes(), path.stat().st_mode) for home in (self.home, self.desk)
+                for path in home.rglob("*") if path.name != "last"}
+
+    def wait_for_report(self, key, value):
+        self.wait_for(lambda: (self.shown() or {"snapshot": {}})["snapshot"].get(key) == value)
+
+    def logs(self, text, times):
+        log = self.home / "Library/Application Support/Tarno/log"
+        return log.exists() and log.read_text().count(text) == times
+
+    def agent(self):
+        return int((self.mac / "agent").read_text().split()[1])
+
+    def test_two_lines_lead_to_a_tile_that_follows_and_one_leads_back(self):
+        (self.desk / ".ssh").rename(self.desk / "dotfiles")
+        (self.desk / ".ssh").symlink_to("dotfiles")
+        before = self.homes()
+        install, status, uninstall = [code for heading, code in blocks("sh") if heading == "A Mac that reports by itself"]
+        self.assertEqual(self.call("sh", "-e", "-c", install).stdout, TAKEN.encode())
+        self.assertTrue(self.keys.read_text().startswith(
+            'restrict,command="tarno-status save --follow --acknowledge" ssh-ed25519 '))
+        watch = self.start("tarno-status", "watch", "--format", "{status} {device}", stdout=subprocess.PIPE).stdout
+        for console, state in (("Yes", "locked"), ("No", "unlocked")):
+            self.set(console)
+            while watch.readline().decode() != f"{state} Kivo's Mac\n":
+                pass
+        self.set(name=NAME)
+        self.wait_for_report("device_name", NAME)
+        homes, agent = self.homes(), self.agent()
+        self.assertEqual(self.reporter("install", "desk"), TAKEN)
+        self.assertEqual((self.homes(), self.agent()), (homes, agent))
+        self.assertIn("the reports go to desk", self.reporter("install", "other", code=64))
+        self.assertRegex(self.call("sh", "-e", "-c", status).stdout.decode(),
+                         r"\AThe agent runs\.\ndesk took the last report \d+ s ago\.\n\Z")
+        self.assertEqual(self.call("sh", "-e", "-c", uninstall).stderr, b"")
+        self.assertEqual(self.homes(), before)
+        self.wait_for(lambda: not list(processes(of_session=agent)))
+        self.assertEqual(list(self.folder.glob("tarno-report.*")), [])
+
+    def test_connections_that_drop_are_made_again(self):
+        self.reporter("install", "desk")
+        for times, console, state in ((1, "Yes", "locked"), (2, "No", "unlocked")):
+            self.stop_sshd()
+            self.set(console)
+            self.wait_for(lambda: self.logs("Connection refused", times))
+            self.start_sshd()
+            self.wait_for(lambda: self.logs("desk takes reports again", times))
+            self.assertTrue(self.logs("no connection to desk", times) and self.logs("Connection refused", times))
+            self.wait_for_report("status", state)
+        os.kill(self.agent(), signal.SIGKILL)
+        self.wait_for(lambda: not list(processes(of_session=self.agent())))  # what it had started ends by itself
+        self.reporter("status", code=69)
+        self.stop_sshd()
+        self.assertIn(self.keys.read_text().split()[4], self.reporter("uninstall", code=69))  # what is left on the desk
+        self.assertEqual(list(self.home.iterdir()), [self.home / ".ssh"])
+
+    def test_what_fails_is_said_and_undone(self):
+        def fails_with(text, **desk):
+            before = self.homes()
+            self.stop_sshd()
+            self.start_sshd(**desk)
+            self.assertIn(text, self.reporter("install", "desk", code=69))
+            self.assertEqual(self.homes(), before, text)
+
+        fails_with("Permission denied (publickey", setting="PubkeyAcceptedAlgorithms ecdsa-sha2-nistp256")
+        fails_with("the desk has no tarno-status\n", path="/usr/bin:/bin")
+        self.group.mkdir(parents=True)
+        self.group.chmod(0o777)
+        fails_with("nothing was saved: ")
+        (self.mac / "agent").write_text("another 1")
+        fails_with("Bootstrap failed: 5: Input/output error\n")
+        self.known_hosts.write_text("")
+        fails_with("Host key verification failed.")
+
+    def test_a_person_sends_to_a_program_that_ssh_does_not_find(self):
+        (self.folder / "there").symlink_to(shutil.which("tarno-status", path=self.environment["PATH"]))
+        with (self.mac / "config").open("a") as config:
+            config.write(f"IdentityFile {self.mac}/person\n")
+        self.stop_sshd()
+        self.start_sshd(path="/usr/bin:/bin")
+        sender = self.start("sh", REPORTER, "send", "desk", self.folder / "there", stderr=subprocess.PIPE)
+        self.wait_for_report("status", "unlocked")
+        sender.terminate()
+        self.assertEqual((sender.wait(), sender.stderr.read()), (143, b""))
