@@ -1,5 +1,6 @@
 """Stands in for the Mac's launchctl, for one agent: bootstrap gui/UID PLIST, print and bootout gui/UID/LABEL."""
 
+import contextlib
 import os
 import plistlib
 import subprocess
@@ -25,6 +26,7 @@ elif command == "print":
     print(f"{name} = {{\n\tstate = {'running' if int(pid) in processes(int(pid)) else 'spawn scheduled'}\n}}")
 elif command == "bootout":
     while int(pid) in processes(int(pid)):  # only the agent itself is told to end
-        os.kill(int(pid), 15)
+        with contextlib.suppress(ProcessLookupError):
+            os.kill(int(pid), 15)
         time.sleep(0.1)
     file.unlink()

@@ -1,5 +1,6 @@
 """What the tests of the reporter run on: a Mac, whose commands are stand-ins, and a desk with a real sshd."""
 
+import contextlib
 import os
 import pwd
 import shutil
@@ -7,6 +8,7 @@ import signal
 import socket
 import subprocess
 import sys
+import tempfile
 from pathlib import Path
 
 from program_test_case import BIN, ProgramTest
@@ -36,8 +38,8 @@ HID = "+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>\n" + """\
   | | | }
 """
 STAND_INS = {
-    "ioreg": 'case "$*" in "-n Root -d1") cat "$MAC/root";; "-c IOHIDSystem") cat "$MAC/hid";; *) exit 64;; esac',
-    "scutil": '[ "$*" = "--get ComputerName" ] && cat "$MAC/name"',
+    "ioreg": 'case "$*" in "-n Root -d1") cat "$MAC/now/root";; "-c IOHIDSystem") cat "$MAC/now/hid";; *) exit 64;; esac',
+    "scutil": '[ "$*" = "--get ComputerName" ] && cat "$MAC/now/name"',
     "launchctl": f'exec {sys.executable} -B {Path(__file__).parent}/launchctl.py "$@"',
     "sleep": '[ "$1" != 1 ] || set 5; exec /bin/sleep "0.$1"',  # the Mac's seconds are short
     "scp": f'[ "$1" = desk:/usr/share/tarno/tarno-report ] && cp "{REPORTER}" "$2"',
@@ -64,7 +66,7 @@ class MacTest(ProgramTest):
         self.home.mkdir()
         (self.mac / "bin").mkdir(parents=True)
         for name, text in STAND_INS.items():
-            (self.mac / "bin" / name).write_text(f"#!/bin/sh\n{text}\n")
+            (self.mac / "bin" / name).write_text(f'#!/bin/sh\necho >>"$MAC/{name} calls"\n{text}\n')
             (self.mac / "bin" / name).chmod(0o755)
         self.environment |= {"PATH": f"{self.mac}/bin:/usr/bin:/bin:{BIN}", "HOME": str(self.home), "MAC": str(self.mac),
                              "TMPDIR": str(self.folder)}
@@ -72,12 +74,17 @@ class MacTest(ProgramTest):
 
     def set(self, console="No", screen="", idle=0.5, name="Kivo's Mac", more=""):
         """What the Mac's commands say from now on. `screen` is part of a session, and `more` follows it."""
+        now = Path(tempfile.mkdtemp(dir=self.mac))
         root = f'      "IOConsoleUsers" = ({SESSION.format("Yes", screen)}{more})\n' if console else ""
         root += f'      "IOConsoleLocked" = {console}\n' if console else ""
         hid = f'  | | |   "HIDIdleTime" = {int(idle * 1e9)}\n' if idle is not None else ""
         for file, text in (("root", ROOT % root), ("hid", HID % hid), ("name", f"{name}\n")):
-            (self.mac / "new").write_text(text)
-            (self.mac / "new").rename(self.mac / file)
+            (now / file).write_text(text)
+        (now / "now").symlink_to(now)
+        (now / "now").rename(self.mac / "now")
+
+    def calls(self, name):
+        return len((self.mac / f"{name} calls").read_text())
 
     def reporter(self, *words, code=0):
         """What it prints, on standard error for a `code`. Without a terminal, so that ssh asks nothing."""
@@ -102,6 +109,9 @@ class DeskTest(MacTest):
         for file, text in ((self.keys, "# mine\n" + (self.mac / "person.pub").read_text().strip()),  # the line does not end
                            (self.known_hosts, f"[127.0.0.1]:{self.port} " + (self.mac / "host_key.pub").read_text()),
                            (self.mac / "config", f"Host desk\nHostName 127.0.0.1\nPort {self.port}\nIdentitiesOnly yes\n"
+                            # What a person may have configured, and what must not hold for the reports.
+                            f"ControlMaster auto\nControlPath {self.mac}/control\nRemoteCommand false\n"
+                            f"LocalForward {self.port} desk:1\nExitOnForwardFailure yes\nRequestTTY force\n"
                             f'User {pwd.getpwuid(os.geteuid()).pw_name}\nUserKnownHostsFile "{self.known_hosts}"\n')):
             file.parent.mkdir(parents=True, exist_ok=True)
             file.write_text(text)
@@ -113,14 +123,15 @@ class DeskTest(MacTest):
             PidFile none\nAuthorizedKeysFile {self.keys}\nStrictModes no\nPermitRootLogin yes\nPasswordAuthentication no
             SetEnv HOME={self.desk} XDG_DATA_HOME={self.folder}/data PATH={path}\n{setting}\n""")
         self.sshd = self.start(SSHD, "-D", "-e", "-f", self.mac / "sshd_config", stderr=subprocess.PIPE)
-        self.addCleanup(self.stop_sshd, self.sshd)
+        self.addCleanup(self.stop, self.sshd)
         self.assertIn(b"listening", self.sshd.stderr.readline())
 
-    def stop_sshd(self, sshd=None):
+    def stop(self, sshd):
         """With its connections, which have sessions of their own."""
-        ending = [(sshd or self.sshd).pid]
+        ending = [sshd.pid] if sshd.poll() is None else []
         for process in ending:
             ending += processes(of_parent=process)
-        for process in ending if (sshd or self.sshd).poll() is None else []:
-            os.kill(process, signal.SIGKILL)
-        (sshd or self.sshd).wait()
+        for process in ending:
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(process, signal.SIGKILL)
+        sshd.wait()

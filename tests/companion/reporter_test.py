@@ -18,30 +18,28 @@ class Reports(MacTest):
     def report(self, *shell, **options):
         return self.start(*(shell or ["sh"]), str(REPORTER), stdout=subprocess.PIPE, **options)
 
-    def test_the_state_of_the_screen_and_the_input(self):
+    def test_what_calls_for_a_report_and_what_it_says(self):
         other = "," + SESSION.format("No", LOCKED)
-        for console, screen, more, idle, expected in (
-                ("No", "", "", 0, ("unlocked", "Screen unlocked", 0.0)),
-                ("Yes", LOCKED, "", 11.99, ("locked", "Screen locked", 11.9)),
-                ("No", LOCKED, other, 9e9, ("locked", "Screen locked", 9e9)),
-                ("Yes", "", "", 86400.25, ("locked", "Screen locked", 86400.2)),
-                ("No", "", other, None, ("unlocked", "Screen unlocked", None)),
-                (None, "", "", 12, ("unknown", "Nobody is logged in", 12))):
-            self.set(console, screen, idle, more=more)
-            record = json.loads(self.report().stdout.readline())
-            found = tuple(record.get(key) for key in ("status", "reason", "input_idle_seconds"))
-            self.assertEqual(found, expected, (console, screen, more))
-
-    def test_what_calls_for_a_report(self):
         lines = self.report().stdout
-        for idle, console, name, event in (
-                (3, "No", "One", "unlocked"), (3, "No", "Two", "unchanged"), (12, "No", "Two", "input_idle"),
-                (13, "Yes", "Two", "locked"), (99, "Yes", "Three", "unchanged"), (0, "Yes", "Four", "input_active")):
-            self.set(console, idle=idle, name=name)
+        for name, said, event, status, reason in (
+                ("One", {"idle": 0}, "unlocked", "unlocked", "Screen unlocked"),
+                ("Two", {"idle": 11.9}, "unchanged", "unlocked", "Screen unlocked"),
+                ("Three", {"idle": 12}, "input_idle", "unlocked", "Screen unlocked"),
+                ("Four", {"idle": 9e9, "console": "Yes", "screen": LOCKED}, "locked", "locked", "Screen locked"),
+                ("Five", {"idle": 86400.2, "console": "Yes"}, "unchanged", "locked", "Screen locked"),
+                ("Six", {"idle": 99, "more": other}, "unlocked", "unlocked", "Screen unlocked"),
+                ("Seven", {"idle": 99, "screen": LOCKED, "more": other}, "locked", "locked", "Screen locked"),
+                ("Eight", {"idle": None, "screen": LOCKED}, "input_none", "locked", "Screen locked"),
+                ("Nine", {"idle": None, "console": None}, "unknown", "unknown", "Nobody is logged in")):
+            self.set(name=name, **said)
             record = json.loads(lines.readline())
             while record["event"] == "unchanged" and record["device_name"] != name:
                 record = json.loads(lines.readline())
-            self.assertEqual([record[key] for key in ("event", "input_idle_seconds", "device_name")], [event, idle, name])
+            self.assertEqual([record["device_name"], record.get("input_idle_seconds")], [name, said["idle"]])
+            self.assertEqual([record[key] for key in ("event", "status", "reason")], [event, status, reason])
+        self.assertGreater(self.calls("ioreg"), 2 * 20)  # between a report and one that is unchanged
+        self.set(idle=11.99)
+        self.assertIn(b'"input_idle_seconds": 11.9}', lines.readline())
 
     def test_every_shell_and_awk_prints_the_same_and_ends_with_its_reader(self):
         expected = None
@@ -86,8 +84,8 @@ class Road(DeskTest):
         self.wait_for(lambda: (self.shown() or {"snapshot": {}})["snapshot"].get(key) == value)
 
     def logs(self, text, times):
-        log = self.home / "Library/Application Support/Tarno/log"
-        return log.exists() and log.read_text().count(text) == times
+        self.log = self.home / "Library/Application Support/Tarno/log"
+        return self.log.exists() and self.log.read_text().count(text) == times
 
     def agent(self):
         return int((self.mac / "agent").read_text().split()[1])
@@ -103,8 +101,7 @@ class Road(DeskTest):
         watch = self.start("tarno-status", "watch", "--format", "{status} {device}", stdout=subprocess.PIPE).stdout
         for console, state in (("Yes", "locked"), ("No", "unlocked")):
             self.set(console)
-            while watch.readline().decode() != f"{state} Kivo's Mac\n":
-                pass
+            self.assertIn(f"{state} Kivo's Mac\n".encode(), watch)
         self.set(name=NAME)
         self.wait_for_report("device_name", NAME)
         homes, agent = self.homes(), self.agent()
@@ -121,24 +118,31 @@ class Road(DeskTest):
     def test_connections_that_drop_are_made_again(self):
         self.reporter("install", "desk")
         for times, console, state in ((1, "Yes", "locked"), (2, "No", "unlocked")):
-            self.stop_sshd()
+            self.stop(self.sshd)
             self.set(console)
-            self.wait_for(lambda: self.logs("Connection refused", times))
+            tried = self.calls("ssh")
+            self.wait_for(lambda: self.calls("ssh") > tried + 2)
             self.start_sshd()
             self.wait_for(lambda: self.logs("desk takes reports again", times))
             self.assertTrue(self.logs("no connection to desk", times) and self.logs("Connection refused", times))
             self.wait_for_report("status", state)
+            self.log.write_text("old\n" * 999 + self.log.read_text())
+        self.assertEqual(len(self.log.read_text().splitlines()), 999 + 200)
+        (self.log.parent / "tarno-report").write_text("#!/bin/false\n")  # an older one
+        agent = self.agent()
+        self.assertEqual(self.reporter("install", "desk"), TAKEN)
+        self.assertNotEqual(self.agent(), agent)
         os.kill(self.agent(), signal.SIGKILL)
         self.wait_for(lambda: not list(processes(of_session=self.agent())))  # what it had started ends by itself
         self.reporter("status", code=69)
-        self.stop_sshd()
+        self.stop(self.sshd)
         self.assertIn(self.keys.read_text().split()[4], self.reporter("uninstall", code=69))  # what is left on the desk
         self.assertEqual(list(self.home.iterdir()), [self.home / ".ssh"])
 
     def test_what_fails_is_said_and_undone(self):
         def fails_with(text, **desk):
             before = self.homes()
-            self.stop_sshd()
+            self.stop(self.sshd)
             self.start_sshd(**desk)
             self.assertIn(text, self.reporter("install", "desk", code=69))
             self.assertEqual(self.homes(), before, text)
@@ -157,7 +161,7 @@ class Road(DeskTest):
         (self.folder / "there").symlink_to(shutil.which("tarno-status", path=self.environment["PATH"]))
         with (self.mac / "config").open("a") as config:
             config.write(f"IdentityFile {self.mac}/person\n")
-        self.stop_sshd()
+        self.stop(self.sshd)
         self.start_sshd(path="/usr/bin:/bin")
         sender = self.start("sh", REPORTER, "send", "desk", self.folder / "there", stderr=subprocess.PIPE)
         self.wait_for_report("status", "unlocked")
