@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <utility>
 
 namespace tarno {
@@ -31,5 +32,8 @@ class [[nodiscard]] FileDescriptor {
 
   int value_ = -1;
 };
+
+/// Writes all of `bytes` to a descriptor; false, with errno set, when it cannot.
+bool writeAll(int descriptor, std::string_view bytes);
 
 }  // namespace tarno

@@ -74,19 +74,14 @@ void makeDirectory(const path& directory, std::vector<path>& made) {
     throw failure("set the permissions of", directory);
 }
 
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(file, bytes.data(), bytes.size());
-    if (count < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
-
 }  // namespace
 
 SuiteFolder::SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor, std::vector<path> made)
     : location_(location), descriptor_(std::move(descriptor)), made_(std::move(made)) {}
+
+SuiteFolder::~SuiteFolder() {
+  if (isLocked_ && descriptor_) flock(descriptor_.get(), LOCK_UN);
+}
 
 std::optional<SuiteFolder> SuiteFolder::find(const SuiteLocation& location) {
   auto descriptor = openSafely(AT_FDCWD, location.directory, location.directory, S_IFDIR);
@@ -110,9 +105,9 @@ bool SuiteFolder::isInPlace() const {
          held.st_dev == there.st_dev && held.st_ino == there.st_ino;
 }
 
-bool SuiteFolder::tryLock() const {
-  if (flock(descriptor_.get(), LOCK_EX | LOCK_NB) == 0) return true;
-  if (errno == EWOULDBLOCK) return false;
+bool SuiteFolder::tryLock() {
+  isLocked_ = flock(descriptor_.get(), LOCK_EX | LOCK_NB) == 0;
+  if (isLocked_ || errno == EWOULDBLOCK) return isLocked_;
   throw failure("lock", location_.directory);
 }
 

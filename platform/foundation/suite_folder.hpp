@@ -18,6 +18,10 @@ namespace tarno {
 /// by group or others is not used. Members throw SuiteError.
 class SuiteFolder {
  public:
+  SuiteFolder(SuiteFolder&&) = default;
+  /// Gives the lock back, even where a child process of fork() still holds a copy of the descriptor.
+  ~SuiteFolder();
+
   /// Nothing when there is none.
   static std::optional<SuiteFolder> find(const SuiteLocation& location);
 
@@ -28,7 +32,7 @@ class SuiteFolder {
   bool isInPlace() const;
 
   /// Takes the lock that orders those who save, until this object goes; false when another has it.
-  bool tryLock() const;
+  bool tryLock();
 
   /// The content of the file, or nothing when there is none. Needs no lock and waits for nobody, because a
   /// save never writes into a file that has its name.
@@ -58,6 +62,7 @@ class SuiteFolder {
 
   SuiteLocation location_;
   FileDescriptor descriptor_;
+  bool isLocked_ = false;
   std::vector<std::filesystem::path> made_;  ///< by findOrMake(), the innermost last
 };
 

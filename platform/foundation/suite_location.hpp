@@ -13,8 +13,7 @@ struct SuiteLocation {
   std::filesystem::path file;       ///< defaults.json in it, mode 0600
 };
 
-/// Nothing when neither XDG_DATA_HOME (absolute, as the XDG base directory specification asks) nor a home
-/// directory is known, or when `name` is not a plain file name.
+/// Nothing when dataHome() is not known, or when `name` is not a plain file name.
 std::optional<SuiteLocation> suiteLocation(std::string_view name);
 
 }  // namespace tarno

@@ -15,6 +15,7 @@ namespace program {
 namespace {
 
 using tarno::FileDescriptor;
+using tarno::writeAll;
 
 Failure failed(int exitCode, const std::string& what, const std::filesystem::path& path) {
   return {exitCode, what + " " + path.string() + ": " + std::strerror(errno)};
@@ -60,16 +61,6 @@ void replaceFile(const std::filesystem::path& path, std::string_view bytes, mode
 }
 
 }  // namespace
-
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
 
 std::string readFile(const std::filesystem::path& path, std::size_t limit) {
   const bool isInput = path == "-";

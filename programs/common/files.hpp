@@ -17,7 +17,4 @@ std::string readFile(const std::filesystem::path& path, std::size_t limit);
 /// there, EX_IOERR when writing fails.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
-/// Writes all of `bytes` to a descriptor; false, with errno set, when it cannot.
-bool writeAll(int descriptor, std::string_view bytes);
-
 }  // namespace program

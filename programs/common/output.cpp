@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "tarno/common/failure.hpp"
-#include "tarno/common/files.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
 namespace {
@@ -53,7 +53,7 @@ void reserveStandardOutput() {
 }
 
 void writeOutput(std::string_view bytes) {
-  if (!writeAll(output, bytes))
+  if (!tarno::writeAll(output, bytes))
     throw Failure{EX_IOERR, std::string{"cannot write to standard output: "} + std::strerror(errno)};
 }
 

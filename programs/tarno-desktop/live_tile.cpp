@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "tarno/common/failure.hpp"
-#include "tarno/common/files.hpp"
 #include "tarno/common/output.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 
 namespace desktop {
 namespace {
@@ -90,7 +90,7 @@ void LiveTile::dispatch(short events) {
 
 void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
   if (std::exchange(errors_, errors) != errors && !errors.empty())
-    program::writeAll(STDERR_FILENO, program::printableLines(errors) + (errors.ends_with('\n') ? "" : "\n"));
+    tarno::writeAll(STDERR_FILENO, program::printableLines(errors) + (errors.ends_with('\n') ? "" : "\n"));
   if (std::exchange(failure_, failure) != failure && !failure.empty())
     program::complain("no new picture: " + failure);
 }

@@ -1,23 +1,20 @@
 #include "tarno/tarno-desktop/settings.hpp"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
 #include "tarno/common/failure.hpp"
 #include "tarno/common/files.hpp"
+#include "tarno/foundation/base_directories.hpp"
 
 namespace desktop {
 namespace {
 
-/// A file in ${XDG_CONFIG_HOME:-~/.config}; empty where the environment does not say where that is.
+/// A file in the configuration home; empty where that is not known.
 std::filesystem::path configurationFile(const char* name) {
-  const char* const config = std::getenv("XDG_CONFIG_HOME");
-  const char* const home = std::getenv("HOME");
-  // The XDG base directory specification: a path that is not absolute is to be ignored.
-  if (config && *config == '/') return std::filesystem::path{config} / name;
-  return home && *home == '/' ? std::filesystem::path{home} / ".config" / name : std::filesystem::path{};
+  const auto home = tarno::configurationHome();
+  return home ? *home / name : std::filesystem::path{};
 }
 
 /// `text` with `mark` before each of `characters`.

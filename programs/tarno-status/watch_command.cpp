@@ -5,11 +5,11 @@
 
 #include "tarno/common/event_loop.hpp"
 #include "tarno/common/failure.hpp"
-#include "tarno/common/files.hpp"
 #include "tarno/common/memory.hpp"
 #include "tarno/common/output.hpp"
 #include "tarno/common/path_watch.hpp"
 #include "tarno/common/wall_clock_timer.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 #include "tarno/foundation/suite_location.hpp"
 #include "tarno/shared/freshness/status_freshness.hpp"
 #include "tarno/shared/persistence/mac_defaults.hpp"
@@ -83,7 +83,7 @@ class Watcher {
   }
 
   void print(const std::string& line) {
-    if (program::writeAll(program::outputDescriptor(), line + "\n")) return;
+    if (tarno::writeAll(program::outputDescriptor(), line + "\n")) return;
     if (errno != EPIPE)
       throw program::Failure{EX_IOERR,
                              std::string{"cannot write to standard output: "} + std::strerror(errno)};

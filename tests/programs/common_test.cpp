@@ -48,6 +48,7 @@ TEST(Program, EndsWithTheCodeOfWhatHappened) {
       {failing(std::bad_alloc{}), EX_OSERR, "out of memory\n"},
       {failing(std::logic_error{"odd"}), EX_SOFTWARE, "odd\n"}};
   for (const auto& [command, code, said] : rows) {
+    SCOPED_TRACE(said);
     CLI::App app;
     char* arguments[] = {program_invocation_short_name, nullptr};
     testing::internal::CaptureStderr();
@@ -73,6 +74,18 @@ TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {
   EXPECT_EQ(program::readFile(at("file"), 8), "replaced");
   EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{0604});
   EXPECT_EQ(std::distance(fs::directory_iterator{at("")}, {}), 3);
+  fs::create_symlink("loop", at("loop"));
+  for (const auto& [path, code, reason] :
+       {std::tuple{at("loop"), EX_CANTCREAT, "Too many levels of symbolic links"},
+        {at("none/file"), EX_CANTCREAT, "No such file or directory"},
+        {"/dev/full", EX_IOERR, "No space left on device"}})
+    try {
+      program::writeFile(path, "bytes");
+      ADD_FAILURE() << path;
+    } catch (const program::Failure& failure) {
+      EXPECT_EQ(failure.exitCode(), code) << path;
+      EXPECT_TRUE(std::string_view{failure.what()}.ends_with(reason)) << failure.what();
+    }
 }
 
 }  // namespace

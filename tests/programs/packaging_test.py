@@ -52,7 +52,7 @@ class Packaging(ProgramTest):
                 self.assertEqual(self.version_by(entry), 1)
                 self.assertIn("\nTryExec=" + str(program).replace("\\", "\\\\") + "\n", entry.read_text())
         (self.folder / "file").touch()
-        for words, home, code in [("on", "/proc", 73), ("off", "", 73), ("off", self.folder / "file", 74),
+        for words, home, code in [("on", "/proc", 73), ("off", self.folder / "file", 74),
                                   ("on --margin 3", "/x", 64)]:
             self.run_program("tarno-desktop", "--autostart", *words.split(), code=code,
                              XDG_CONFIG_HOME=str(home), HOME="")

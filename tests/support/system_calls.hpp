@@ -13,11 +13,11 @@ namespace system_calls {
 
 inline std::string made;  ///< the names of the calls that were made, a space after each
 inline int callsLeft = 0;
-inline std::function<bool()> pending;
+inline std::function<int()> pending;
 
-/// Runs `event` before call `number`, counted from 0 from now on. When it answers true the call is not made
-/// and fails with EIO.
-inline void intercept(int number, std::function<bool()> event) {
+/// Runs `event` before call `number`, counted from 0 from now on. When it answers with an error, such as EIO,
+/// the call is not made and fails with that.
+inline void intercept(int number, std::function<int()> event) {
   callsLeft = number;
   pending = std::move(event);
 }
@@ -27,9 +27,10 @@ inline bool wasReached() { return std::exchange(pending, nullptr) == nullptr; }
 
 inline bool fails(const char* name) {
   made += std::string{name} + ' ';
-  if (!pending || callsLeft-- > 0 || !std::exchange(pending, nullptr)()) return false;
-  errno = EIO;
-  return true;
+  if (!pending || callsLeft-- > 0) return false;
+  const int error = std::exchange(pending, nullptr)();
+  if (error != 0) errno = error;
+  return error != 0;
 }
 
 }  // namespace system_calls
