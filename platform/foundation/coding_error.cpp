@@ -26,9 +26,8 @@ DecodingError::DecodingError(Kind kind_, CodingPath codingPath_, std::string deb
       codingPath(std::move(codingPath_)),
       debugDescription(std::move(debugDescription_)) {}
 
-EncodingError::EncodingError(Kind kind_, CodingPath codingPath_, std::string debugDescription_)
+EncodingError::EncodingError(CodingPath codingPath_, std::string debugDescription_)
     : runtime_error(message(codingPath_, debugDescription_)),
-      kind(kind_),
       codingPath(std::move(codingPath_)),
       debugDescription(std::move(debugDescription_)) {}
 

@@ -29,11 +29,8 @@ class DecodingError : public std::runtime_error {
 /// A value that has no form in the document. what() is one line: the path, then the text.
 class EncodingError : public std::runtime_error {
  public:
-  enum class Kind { invalidValue };
+  EncodingError(CodingPath codingPath, std::string debugDescription);
 
-  EncodingError(Kind kind, CodingPath codingPath, std::string debugDescription);
-
-  Kind kind;
   CodingPath codingPath;
   std::string debugDescription;
 };

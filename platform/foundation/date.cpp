@@ -15,15 +15,12 @@ Date now() {
   return std::chrono::time_point_cast<Date::duration>(std::chrono::system_clock::now());
 }
 
-TimeInterval secondsBetween(Date start, Date end) {
+std::int64_t wholeSecondsBetween(Date start, Date end) {
   Date::rep difference = 0;
   if (__builtin_sub_overflow(end.time_since_epoch().count(), start.time_since_epoch().count(), &difference))
-    return TimeInterval{end.time_since_epoch()} - TimeInterval{start.time_since_epoch()};
-  return TimeInterval{Date::duration{difference}};
-}
-
-std::int64_t wholeSecondsBetween(Date start, Date end) {
-  return static_cast<std::int64_t>(secondsBetween(start, end).count());
+    return static_cast<std::int64_t>(
+        TimeInterval{end.time_since_epoch() / 2 - start.time_since_epoch() / 2}.count() * 2);
+  return std::chrono::duration_cast<std::chrono::seconds>(Date::duration{difference}).count();
 }
 
 Date addingTimeInterval(Date date, TimeInterval interval) {

@@ -22,12 +22,8 @@ inline constexpr Date latestDate{std::chrono::sys_days{std::chrono::year{10000} 
 /// Any thread.
 Date now();
 
-/// The seconds from `start` to `end`, negative when `end` lies before `start`. Exact to the microsecond for
-/// dates within 285 years of each other, to a double's precision beyond that, for any two dates whatever.
-TimeInterval secondsBetween(Date start, Date end);
-
-/// The same in whole seconds, truncated towards zero. Fits for any two dates: they lie less than 2^45 seconds
-/// apart.
+/// The whole seconds from `start` to `end`, truncated towards zero, negative when `end` lies before `start`.
+/// Any two dates; beyond 292,000 years from each other it may be off by one.
 std::int64_t wholeSecondsBetween(Date start, Date end);
 
 /// `date` moved by `interval`, whose part below a microsecond is dropped. The interval must be finite and

@@ -146,7 +146,7 @@ std::string encodeDefaults(const DefaultsValues& values) {
   for (const auto& [key, value] : values) {
     const auto name = quoted(key);
     const auto fault = name ? std::visit(Fault{}, value) : "is a key that is not UTF-8";
-    if (!fault.empty()) throw EncodingError{EncodingError::Kind::invalidValue, {key}, std::string{fault}};
+    if (!fault.empty()) throw EncodingError{{key}, std::string{fault}};
     document += (document.empty() ? "{\n  " : ",\n  ") + *name + ": " + std::visit(Writer{}, value);
   }
   return document.empty() ? "{}\n" : document + "\n}\n";

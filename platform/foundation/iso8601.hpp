@@ -38,8 +38,6 @@ class ISO8601DateFormatter {
   /// is.
   constexpr explicit ISO8601DateFormatter(unsigned options) : options_(options) {}
 
-  constexpr unsigned formatOptions() const { return options_; }
-
   /// The moment that `text` names, or nothing. With withFractionalSeconds a fraction of one digit or more is
   /// required, without it none is allowed.
   std::optional<Date> date(std::string_view text) const;

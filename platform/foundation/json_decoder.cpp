@@ -14,6 +14,8 @@ std::string_view kindName(const JSONValue& value) {
   return names[value.content.index()];
 }
 
+bool isNull(const JSONValue& value) { return std::holds_alternative<std::nullptr_t>(value.content); }
+
 /// The whole number that a JSON number's text names, exactly; nothing when it is not whole or does not fit.
 std::optional<std::int64_t> wholeNumber(std::string_view text) {
   const auto exponentAt = std::min(text.find_first_of("eE"), text.size());
@@ -70,13 +72,16 @@ void Decoder::requireObject() const {
   if (!std::holds_alternative<JSONValue::Object>(value_.content)) throw typeMismatch("an object");
 }
 
-void Decoder::forEachElement(const std::function<void(const Decoder&)>& use) const {
-  const auto* const elements = std::get_if<JSONValue::Array>(&value_.content);
-  if (elements == nullptr) throw typeMismatch("an array");
-  for (std::size_t i = 0; i < elements->size(); ++i) {
-    const auto index = std::to_string(i);
-    use(Decoder{(*elements)[i], this, index, dates_});
+std::set<std::string> Decoder::presentKeys() const {
+  requireObject();
+  std::set<std::string> keys;
+  for (const auto& [key, value] : std::get<JSONValue::Object>(value_.content)) {
+    if (isNull(value))
+      keys.erase(key);
+    else
+      keys.insert(key);
   }
+  return keys;
 }
 
 const JSONValue* Decoder::find(std::string_view key) const {
@@ -84,37 +89,39 @@ const JSONValue* Decoder::find(std::string_view key) const {
   const auto& members = std::get<JSONValue::Object>(value_.content);
   const auto found =
       std::find_if(members.rbegin(), members.rend(), [key](const auto& member) { return member.key == key; });
-  if (found == members.rend() || std::holds_alternative<std::nullptr_t>(found->value.content)) return nullptr;
-  return &found->value;
+  return found == members.rend() || isNull(found->value) ? nullptr : &found->value;
 }
 
-void decode(const Decoder& decoder, bool& result) {
-  const bool* const value = std::get_if<bool>(&decoder.value_.content);
-  if (value == nullptr) throw decoder.typeMismatch("true or false");
-  result = *value;
+template <>
+bool Decoder::as() const {
+  const bool* const value = std::get_if<bool>(&value_.content);
+  return value != nullptr ? *value : throw typeMismatch("true or false");
 }
 
-void decode(const Decoder& decoder, double& result) {
-  const auto* const number = std::get_if<JSONValue::Number>(&decoder.value_.content);
-  if (number == nullptr) throw decoder.typeMismatch("a number");
-  result = number->value;
+template <>
+double Decoder::as() const {
+  const auto* const number = std::get_if<JSONValue::Number>(&value_.content);
+  return number != nullptr ? number->value : throw typeMismatch("a number");
 }
 
-void decode(const Decoder& decoder, std::int64_t& result) {
-  const auto* const number = std::get_if<JSONValue::Number>(&decoder.value_.content);
-  if (number == nullptr) throw decoder.typeMismatch("a whole number");
+template <>
+std::int64_t Decoder::as() const {
+  const auto* const number = std::get_if<JSONValue::Number>(&value_.content);
+  if (number == nullptr) throw typeMismatch("a whole number");
   const auto whole = wholeNumber(number->text);
-  if (!whole) throw decoder.dataCorrupted(number->text + " is not a whole number of 64 bits");
-  result = *whole;
+  return whole ? *whole : throw dataCorrupted(number->text + " is not a whole number of 64 bits");
 }
 
-void decode(const Decoder& decoder, std::string& result) {
-  const auto* const text = std::get_if<std::string>(&decoder.value_.content);
-  if (text == nullptr) throw decoder.typeMismatch("a string");
-  result = *text;
+template <>
+std::string Decoder::as() const {
+  const auto* const text = std::get_if<std::string>(&value_.content);
+  return text != nullptr ? *text : throw typeMismatch("a string");
 }
 
-void decode(const Decoder& decoder, Date& result) { result = decoder.dates_(decoder); }
+template <>
+Date Decoder::as() const {
+  return dates_(*this);
+}
 
 void JSONDecoder::read(std::string_view json, const std::function<void(const Decoder&)>& use) const {
   const JSONValue top = parseJSON(json);

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "tarno/foundation/coding_error.hpp"
 #include "tarno/foundation/date.hpp"
@@ -19,10 +19,10 @@ class Decoder;
 /// How a decoder reads a date from the value that stands for it; throws DecodingError when it cannot.
 using DateDecodingStrategy = std::function<Date(const Decoder&)>;
 
-/// One value of a document while it is read: what it is, and the path that leads to it. Lives no longer than
-/// the JSONDecoder::decode call that handed it out.
+/// One value of a document while it is read: what it is, and the path that leads to it. Valid only until the
+/// JSONDecoder::decode call that handed it out returns.
 ///
-/// A type takes part in decoding by a function `decode(const Decoder&, T&)` beside it.
+/// A type takes part in decoding by a static member `T decode(const Decoder&)`.
 class Decoder {
  public:
   Decoder(const JSONValue& value, const Decoder* parent, std::string_view key,
@@ -35,13 +35,14 @@ class Decoder {
   /// dataCorrupted when it is of the right kind but T cannot hold it.
   template <class T>
   T as() const {
-    T result{};
-    decode(*this, result);
-    return result;
+    return T::decode(*this);
   }
 
   /// Throws DecodingError (typeMismatch) unless this value is an object.
   void requireObject() const;
+
+  /// The keys of this object whose values are not null; throws like requireObject().
+  std::set<std::string> presentKeys() const;
 
   /// The value under `key` of this object as T; nothing when the key is missing or its value is null.
   template <class T>
@@ -51,19 +52,10 @@ class Decoder {
     return Decoder{*member, this, key, dates_}.as<T>();
   }
 
-  /// Calls `use` with each element of this array; throws DecodingError (typeMismatch) when it is not one.
-  void forEachElement(const std::function<void(const Decoder&)>& use) const;
-
   /// An error at this value, for a strategy or a type that refuses it.
   DecodingError dataCorrupted(std::string debugDescription) const;
 
  private:
-  friend void decode(const Decoder&, bool&);
-  friend void decode(const Decoder&, double&);
-  friend void decode(const Decoder&, std::int64_t&);
-  friend void decode(const Decoder&, std::string&);
-  friend void decode(const Decoder&, Date&);
-
   const JSONValue* find(std::string_view key) const;
   DecodingError typeMismatch(std::string_view expected) const;
 
@@ -74,19 +66,19 @@ class Decoder {
 };
 
 /// Only true and false.
-void decode(const Decoder& decoder, bool& result);
+template <>
+bool Decoder::as() const;
 /// Any number.
-void decode(const Decoder& decoder, double& result);
+template <>
+double Decoder::as() const;
 /// A number whose value is whole and fits, however it is written: 3, 3.0 and 3e0 are the same number.
-void decode(const Decoder& decoder, std::int64_t& result);
-void decode(const Decoder& decoder, std::string& result);
+template <>
+std::int64_t Decoder::as() const;
+template <>
+std::string Decoder::as() const;
 /// By the JSONDecoder's date strategy.
-void decode(const Decoder& decoder, Date& result);
-/// An array whose elements are all a T.
-template <class T>
-void decode(const Decoder& decoder, std::vector<T>& result) {
-  decoder.forEachElement([&result](const Decoder& element) { result.push_back(element.as<T>()); });
-}
+template <>
+Date Decoder::as() const;
 
 /// Reads JSON (RFC 8259, UTF-8). Of a key that an object holds twice, the last counts. Nesting deeper than
 /// 512 levels and numbers beyond a double's range are refused. One caller at a time; cheap to make.

@@ -26,9 +26,7 @@ void Encoder::write(bool value) { text_ += value ? "true" : "false"; }
 void Encoder::write(std::int64_t value) { text_ += std::to_string(value); }
 
 void Encoder::write(double value) {
-  if (!std::isfinite(value))
-    throw EncodingError{EncodingError::Kind::invalidValue, path_,
-                        "a number that is not finite has no JSON form"};
+  if (!std::isfinite(value)) throw EncodingError{path_, "a number that is not finite has no JSON form"};
   text_ += nlohmann::json(value).dump();
 }
 
@@ -36,17 +34,13 @@ void Encoder::write(std::string_view value) {
   try {
     text_ += nlohmann::json(value).dump();
   } catch (const nlohmann::json::type_error&) {
-    throw EncodingError{EncodingError::Kind::invalidValue, path_, "text that is not UTF-8 has no JSON form"};
+    throw EncodingError{path_, "text that is not UTF-8 has no JSON form"};
   }
 }
 
 void Encoder::write(Date value) {
-  switch (dates_) {
-    case DateEncodingStrategy::secondsSince1970: return write(TimeInterval{value.time_since_epoch()}.count());
-    case DateEncodingStrategy::iso8601:
-      const auto date = std::clamp(value, earliestDate, latestDate);
-      return write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(date)});
-  }
+  const auto date = std::clamp(value, earliestDate, latestDate);
+  write(std::string_view{ISO8601DateFormatter{withInternetDateTime}.string(date)});
 }
 
 }  // namespace tarno

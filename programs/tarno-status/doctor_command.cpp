@@ -81,17 +81,18 @@ std::string fontText() {
 
 /// What the tile shows and, unless all is well, why.
 std::string verdict(const SharedStatus& shared) {
-  if (!shared.status && shared.fault.empty())
-    return "Nothing was saved yet, so the tile says \"No status\"; save a report with tarno-status save.";
-  if (!shared.status) return "The tile says \"No status\": " + shared.fault + ".";
-  const auto tile = "the tile says \"" + shared.status->snapshot.statusLine() + "\"";
+  const auto& status = shared.status;
+  const auto says = " tile says \"" + tileReport(status).statusLine + "\"";
+  if (!status && shared.fault.empty())
+    return "Nothing was saved yet, so the" + says + "; save a report with tarno-status save.";
+  if (!status) return "The" + says + ": " + shared.fault + ".";
   if (!shared.fault.empty())
-    return "Only the plain value is used, so " + tile + ": " + shared.fault + "; the next save mends it.";
-  if (!shared.status->receivedAt)
-    return "The receipt date is missing, so that the report's age is unknown; " + tile + ".";
-  if (shared.status->snapshot.isStale())
-    return "The last report is stale, so " + tile + " until the companion application saves a new one.";
-  return "The report is fresh: " + tile + ".";
+    return "Only the plain value is used, so the" + says + ": " + shared.fault + "; the next save mends it.";
+  if (!status->receivedAt)
+    return "The receipt date is missing, so that the report's age is unknown; the" + says + ".";
+  if (status->snapshot.isStale())
+    return "The last report is stale, so the" + says + " until the companion application saves a new one.";
+  return "The report is fresh: the" + says + ".";
 }
 
 }  // namespace
@@ -114,11 +115,8 @@ int doctor() {
 
   const bool isWell = isFresh(shared.status) && fault.empty();
   const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";
-  text +=
-      "\n" +
-      program::printable((isWell && shared.fault.empty() ? "All is well. " : "") + verdict(shared) + saving) +
-      "\n";
-  program::writeOutput(text);
+  const auto praise = isWell && shared.fault.empty() ? "All is well. " : "";
+  program::writeOutput(text + "\n" + program::printable(praise + verdict(shared) + saving) + "\n");
   return isWell ? EX_OK : EX_UNAVAILABLE;
 }
 

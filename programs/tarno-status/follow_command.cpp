@@ -25,10 +25,9 @@ constexpr std::size_t mostChunks = 16;
 constexpr std::size_t chunkSize = 1 << 16;
 constexpr std::chrono::minutes quietAboutSkipping{1};
 
-struct Record {
+struct Arrival {
   std::size_t line;  ///< counted from 1
-  std::string text;
-  TarnoMacStatusSnapshot report;
+  Record record;
   tarno::Date receivedAt;
 };
 
@@ -84,7 +83,7 @@ class Follower {
     try {
       if (line_.size() > largestRecord)
         throw program::Failure{EX_DATAERR, "is longer than " + std::to_string(largestRecord) + " bytes"};
-      waiting_.push_back({lines_, line_, decodeRecord(line_), tarno::now()});
+      waiting_.push_back({lines_, decodeRecord(line_), tarno::now()});
     } catch (const program::Failure& failure) {
       fail(lines_, failure);
     }
@@ -95,23 +94,23 @@ class Follower {
 
   void saveOldest() {
     if (waiting_.empty()) return;
-    const auto record = std::move(waiting_.front());
+    const auto [line, record, receivedAt] = std::move(waiting_.front());
     waiting_.pop_front();
     try {
-      saveReport(record.report, record.receivedAt, mirrorKey_);
+      saveReport(record.report, receivedAt, mirrorKey_);
     } catch (const program::Failure& failure) {
-      return fail(record.line, failure);
+      return fail(line, failure);
     }
-    if (acknowledges_) acknowledge(record.line);
-    const auto text = unknownKeysText(record.text);
-    if (!text.empty() && text != unknownKeys_) program::complain(lineText(record.line) + text);
-    unknownKeys_ = text;
+    if (acknowledges_) acknowledge(line);
+    if (!record.complaint.empty() && record.complaint != complaint_)
+      program::complain(lineText(line) + record.complaint);
+    complaint_ = record.complaint;
   }
 
   /// Drops what nobody reads: the next report must not wait for a reader.
   static void acknowledge(std::size_t line) {
     pollfd output{program::outputDescriptor(), POLLOUT, 0};
-    if (poll(&output, 1, 0) == 1) program::writeAll(output.fd, lineText(line) + "saved\n");
+    if (poll(&output, 1, 0) == 1) tarno::writeAll(output.fd, lineText(line) + "saved\n");
   }
 
   void tellOfSkipping() {
@@ -133,10 +132,10 @@ class Follower {
   std::string chunk_ = std::string(chunkSize, '\0');
   std::string line_;  ///< the one being read
   std::size_t lines_ = 0;
-  std::deque<Record> waiting_;
+  std::deque<Arrival> waiting_;
   std::size_t skipped_ = 0;
   Clock::time_point lastToldOfSkipping_ = Clock::now();
-  std::string unknownKeys_;  ///< what was said of the last record; the same is said once
+  std::string complaint_;  ///< of the last record; the same is said once
   bool hasEnded_ = false;
   int exitCode_ = EX_OK;
 };

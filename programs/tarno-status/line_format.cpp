@@ -7,8 +7,9 @@
 #include "tarno/common/dates.hpp"
 #include "tarno/common/failure.hpp"
 #include "tarno/common/output.hpp"
+#include "tarno/shared/coding/json.hpp"
 #include "tarno/shared/freshness/status_freshness.hpp"
-#include "tarno/tarno-status/tile_report.hpp"
+#include "tarno/tarno-status/shared_status.hpp"
 
 namespace status {
 namespace {
@@ -102,6 +103,19 @@ std::string waybarLine(const std::optional<TarnoStoredMacStatus>& stored) {
 }
 
 }  // namespace
+
+std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored, int indent) {
+  if (!stored) return "null";
+  const auto report = tileReport(stored);
+  nlohmann::ordered_json json{
+      {"status", report.status},     {"status_line", report.statusLine}, {"detail_line", report.detailLine},
+      {"presence", report.presence}, {"is_stale", report.isStale},       {"age_seconds", nullptr},
+      {"received_at", nullptr}};
+  if (report.ageSeconds) json["age_seconds"] = *report.ageSeconds;
+  if (report.receivedAt) json["received_at"] = program::dateText(*report.receivedAt);
+  json["snapshot"] = nlohmann::ordered_json::parse(TarnoJSON::encoder().encode(stored->snapshot));
+  return json.dump(indent);
+}
 
 LineFormat lineFormat(const std::string& text) {
   if (text == "json")

@@ -8,6 +8,10 @@
 
 namespace status {
 
+/// What the tile says as a JSON object, beside the record itself; null when there is no status. `indent` is
+/// the number of spaces for each level, -1 for all on one line.
+std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored, int indent);
+
 /// Writes what the tile says on one line, without a line feed.
 using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacStatus>&)>;
 

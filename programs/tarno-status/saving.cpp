@@ -1,11 +1,12 @@
 #include "tarno/tarno-status/saving.hpp"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "tarno/common/failure.hpp"
+#include "tarno/common/files.hpp"
 #include "tarno/shared/coding/json.hpp"
 #include "tarno/shared/persistence/mac_defaults.hpp"
+#include "tarno/tarno-status/commands.hpp"
 
 namespace status {
 namespace {
@@ -21,16 +22,22 @@ int exitCode(tarno::SuiteError::Kind kind) {
   return EX_SOFTWARE;
 }
 
-bool isKnown(const std::string& key) {
-  const auto& known = TarnoMacStatusSnapshot::CodingKeys::all;
-  return std::find(known.begin(), known.end(), key) != known.end();
-}
-
 }  // namespace
 
-TarnoMacStatusSnapshot decodeRecord(std::string_view record) {
+Record Record::decode(const tarno::Decoder& decoder) {
+  const auto& known = TarnoMacStatusSnapshot::CodingKeys::all;
+  Record record{.report = decoder.as<TarnoMacStatusSnapshot>()};
+  for (const auto& key : decoder.presentKeys()) {
+    if (std::find(known.begin(), known.end(), key) != known.end()) continue;
+    record.complaint += record.complaint.empty() ? "the report was saved without its unknown keys: " : ", ";
+    record.complaint += '"' + key + '"';
+  }
+  return record;
+}
+
+Record decodeRecord(std::string_view text) {
   try {
-    return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record);
+    return TarnoJSON::decoder().decode<Record>(text);
   } catch (const tarno::DecodingError& error) {
     const std::string place =
         error.codingPath.empty() ? "the record" : "key \"" + tarno::description(error.codingPath) + "\"";
@@ -47,12 +54,11 @@ void saveReport(const TarnoMacStatusSnapshot& report, tarno::Date receivedAt,
   }
 }
 
-std::string unknownKeysText(const std::string& record) {
-  std::string names;
-  const auto document = nlohmann::json::parse(record);
-  for (const auto& [key, value] : document.items())
-    if (!value.is_null() && !isKnown(key)) names += (names.empty() ? "\"" : ", \"") + key + '"';
-  return names.empty() ? "" : "the report was saved without its unknown keys: " + names;
+int save(const SaveOptions& options) {
+  const auto record = decodeRecord(program::readFile(options.file, largestRecord));
+  saveReport(record.report, options.receivedAt.value_or(tarno::now()), options.mirrorKey);
+  if (!record.complaint.empty()) program::complain(record.complaint);
+  return EX_OK;
 }
 
 }  // namespace status

@@ -13,15 +13,20 @@ namespace status {
 /// Far more than any record; keeps a wrong file from being swallowed whole.
 inline constexpr std::size_t largestRecord = 1 << 20;
 
-/// The report in a record. Throws program::Failure, EX_DATAERR, which names the place.
-TarnoMacStatusSnapshot decodeRecord(std::string_view record);
+/// A record that was read, and one sentence that names the keys in it that hold something and that no record
+/// has; empty when there are none.
+struct Record {
+  TarnoMacStatusSnapshot report;
+  std::string complaint;
+
+  static Record decode(const tarno::Decoder& decoder);
+};
+
+/// Throws program::Failure, EX_DATAERR, which names the place.
+Record decodeRecord(std::string_view text);
 
 /// Saves a report into the shared store. Throws program::Failure with the code that save() has for it.
 void saveReport(const TarnoMacStatusSnapshot& report, tarno::Date receivedAt,
                 const std::optional<std::string>& mirrorKey);
-
-/// One sentence that names the keys of `record`, which decodes, that hold something and that no record has;
-/// empty when there are none.
-std::string unknownKeysText(const std::string& record);
 
 }  // namespace status

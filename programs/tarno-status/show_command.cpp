@@ -3,9 +3,10 @@
 #include "tarno/common/dates.hpp"
 #include "tarno/common/failure.hpp"
 #include "tarno/common/output.hpp"
+#include "tarno/shared/model/status_display.hpp"
 #include "tarno/tarno-status/commands.hpp"
+#include "tarno/tarno-status/line_format.hpp"
 #include "tarno/tarno-status/shared_status.hpp"
-#include "tarno/tarno-status/tile_report.hpp"
 
 namespace status {
 namespace {
@@ -21,7 +22,7 @@ std::string presence(const TarnoMacStatusSnapshot& snapshot) {
 }
 
 std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
-  if (!stored) return "No status\nNothing was saved yet.\n";
+  if (!stored) return std::string{TarnoStatusDisplay::noStatus} + "\nNothing was saved yet.\n";
   const auto& snapshot = stored->snapshot;
   std::string age = "unknown";
   if (snapshot.ageSeconds) age = std::to_string(*snapshot.ageSeconds) + " s";
@@ -30,7 +31,7 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
   text += program::printable(snapshot.detailLine()) + "\n";
   text += "age       " + age + "\n";
   text += "presence  " + presence(snapshot) + "\n";
-  text += "device    " + program::printable(displayedDeviceName(snapshot)) + "\n";
+  text += "device    " + program::printable(TarnoStatusDisplay::deviceName(snapshot)) + "\n";
   return text;
 }
 

@@ -13,7 +13,7 @@ tarno::Date decodeISO8601Date(const tarno::Decoder& decoder) {
 
 namespace TarnoJSON {
 
-tarno::JSONEncoder encoder() { return tarno::JSONEncoder{tarno::DateEncodingStrategy::iso8601}; }
+tarno::JSONEncoder encoder() { return {}; }
 
 tarno::JSONDecoder decoder() { return tarno::JSONDecoder{decodeISO8601Date}; }
 

@@ -11,5 +11,5 @@ struct TarnoStoredMacStatus {
   TarnoMacStatusSnapshot snapshot;
   std::optional<tarno::Date> receivedAt;
 
-  friend bool operator==(const TarnoStoredMacStatus&, const TarnoStoredMacStatus&) = default;
+  bool operator==(const TarnoStoredMacStatus&) const = default;
 };

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+namespace TarnoText {
 namespace {
 
 using CodePoints = std::vector<utf8proc_int32_t>;
@@ -58,3 +59,5 @@ bool canonicallyEquivalent(std::string_view a, std::string_view b) {
   const auto first = decomposed(a);
   return first && first == decomposed(b);
 }
+
+}  // namespace TarnoText

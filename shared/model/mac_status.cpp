@@ -28,11 +28,10 @@ std::string_view TarnoMacStatus::rawValue() const { return words[case_].rawValue
 
 std::string_view TarnoMacStatus::displayName() const { return words[case_].displayName; }
 
-void encode(tarno::Encoder& encoder, TarnoMacStatus status) { encoder.write(status.rawValue()); }
+void TarnoMacStatus::encode(tarno::Encoder& encoder) const { encoder.write(rawValue()); }
 
-void decode(const tarno::Decoder& decoder, TarnoMacStatus& status) {
+TarnoMacStatus TarnoMacStatus::decode(const tarno::Decoder& decoder) {
   const auto text = decoder.as<std::string>();
-  const auto named = TarnoMacStatus::fromRawValue(text);
-  if (!named) throw decoder.dataCorrupted("\"" + text + "\" is not a status");
-  status = *named;
+  const auto status = fromRawValue(text);
+  return status ? *status : throw decoder.dataCorrupted("\"" + text + "\" is not a status");
 }

@@ -33,6 +33,13 @@ class TarnoMacStatus {
   /// In English, for people: "Locked" and so on.
   std::string_view displayName() const;
 
+  /// Writes one JSON string, the raw value.
+  void encode(tarno::Encoder& encoder) const;
+
+  /// Reads it. Throws tarno::DecodingError: typeMismatch for what is not a string, dataCorrupted for any text
+  /// but a raw value.
+  static TarnoMacStatus decode(const tarno::Decoder& decoder);
+
  private:
   Case case_;
 };
@@ -47,10 +54,3 @@ struct std::hash<TarnoMacStatus> {
     return std::hash<std::string_view>{}(status.rawValue());
   }
 };
-
-/// One JSON string, the raw value.
-void encode(tarno::Encoder& encoder, TarnoMacStatus status);
-
-/// Throws tarno::DecodingError: typeMismatch for what is not a string, dataCorrupted for any text but a
-/// raw value.
-void decode(const tarno::Decoder& decoder, TarnoMacStatus& status);

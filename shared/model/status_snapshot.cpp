@@ -6,6 +6,7 @@
 #include "tarno/foundation/json_encoder.hpp"
 #include "tarno/shared/freshness/status_freshness.hpp"
 #include "tarno/shared/model/canonical_text.hpp"
+#include "tarno/shared/model/status_display.hpp"
 
 namespace {
 
@@ -44,7 +45,7 @@ bool same(const std::optional<Value>& a, const std::optional<Value>& b) {
 }
 
 bool same(const std::optional<std::string>& a, const std::optional<std::string>& b) {
-  return a && b ? canonicallyEquivalent(*a, *b) : a.has_value() == b.has_value();
+  return a && b ? TarnoText::canonicallyEquivalent(*a, *b) : a.has_value() == b.has_value();
 }
 
 bool hasText(const std::optional<std::string>& text) { return text && !text->empty(); }
@@ -68,7 +69,7 @@ std::string TarnoMacStatusSnapshot::detailLine() const {
   if (isStale()) return TarnoStatusFreshness::staleDetail(ageSeconds);
   if (hasText(reason)) return *reason;
   if (hasText(message)) return *message;
-  return "Waiting for Tarno status.";
+  return std::string{TarnoStatusDisplay::waiting};
 }
 
 TarnoMacStatusSnapshot TarnoMacStatusSnapshot::withLocalFreshness(std::optional<tarno::Date> receivedAt,
@@ -82,34 +83,24 @@ TarnoMacStatusSnapshot TarnoMacStatusSnapshot::withLocalFreshness(std::optional<
   return judged;
 }
 
-bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b) {
-  return std::apply([&](const auto&... field) { return (same(a.*field.member, b.*field.member) && ...); },
-                    fields);
+bool Snapshot::operator==(const Snapshot& other) const {
+  return std::apply(
+      [&](const auto&... field) { return (same(this->*field.member, other.*field.member) && ...); }, fields);
 }
 
-void encode(tarno::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot) {
+void Snapshot::encode(tarno::Encoder& encoder) const {
   encoder.beginObject();
-  std::apply([&](const auto&... field) { (encoder.encodeIfPresent(field.key, snapshot.*field.member), ...); },
+  std::apply([&](const auto&... field) { (encoder.encodeIfPresent(field.key, this->*field.member), ...); },
              fields);
   encoder.endObject();
 }
 
-void decode(const tarno::Decoder& decoder, TarnoMacStatusSnapshot& snapshot) {
+Snapshot Snapshot::decode(const tarno::Decoder& decoder) {
   decoder.requireObject();
-  TarnoMacStatusSnapshot read;
+  Snapshot read;
   const auto readField = [&]<class Value>(const Field<Value>& field) {
     read.*field.member = decoder.decodeIfPresent<Value>(field.key);
   };
   std::apply([&](const auto&... field) { (readField(field), ...); }, fields);
-  snapshot = std::move(read);
-}
-
-std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report) {
-  return report ? report->deviceName.value_or("Mac") : "Mac";
-}
-
-std::string displayedPresence(const std::optional<TarnoMacStatusSnapshot>& report) {
-  if (report && report->facePresent.value_or(false)) return "Face seen";
-  if (report && report->companionPresent.value_or(false)) return "Watch near";
-  return "Presence quiet";
+  return read;
 }

@@ -52,22 +52,15 @@ struct TarnoMacStatusSnapshot {
   /// is unchanged.
   TarnoMacStatusSnapshot withLocalFreshness(std::optional<tarno::Date> receivedAt, tarno::Date now,
                                             tarno::TimeInterval staleAfter) const;
+
+  /// Field by field: texts by Unicode canonical equivalence, everything else exactly.
+  bool operator==(const TarnoMacStatusSnapshot& other) const;
+
+  /// Writes one JSON object; absent fields are left out. Throws tarno::EncodingError for an
+  /// `inputIdleSeconds` that is not finite and for a text that is not UTF-8.
+  void encode(tarno::Encoder& encoder) const;
+
+  /// Reads one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
+  /// tarno::DecodingError for the first field that does not fit.
+  static TarnoMacStatusSnapshot decode(const tarno::Decoder& decoder);
 };
-
-/// Field by field: texts by Unicode canonical equivalence, everything else exactly.
-bool operator==(const TarnoMacStatusSnapshot& a, const TarnoMacStatusSnapshot& b);
-
-/// One JSON object; absent fields are left out. Throws tarno::EncodingError for an `inputIdleSeconds`
-/// that is not finite and for a text that is not UTF-8.
-void encode(tarno::Encoder& encoder, const TarnoMacStatusSnapshot& snapshot);
-
-/// From one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
-/// tarno::DecodingError for the first field that does not fit; `snapshot` is then unchanged.
-void decode(const tarno::Decoder& decoder, TarnoMacStatusSnapshot& snapshot);
-
-/// The name of the Mac that `report` is about, for people; "Mac" when there is no report or it names none.
-std::string displayedDeviceName(const std::optional<TarnoMacStatusSnapshot>& report);
-
-/// The strongest sign of a person that `report` holds, for people: "Face seen", "Watch near", or "Presence
-/// quiet" when it holds neither or there is no report. Asks not how old the report is.
-std::string displayedPresence(const std::optional<TarnoMacStatusSnapshot>& report);

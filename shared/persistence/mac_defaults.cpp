@@ -56,12 +56,20 @@ std::optional<Date> storedReceiptDate(const UserDefaults& store) {
   return date != nullptr ? std::optional{*date} : std::nullopt;
 }
 
-std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store) {
+/// The snapshot in the record; without one, `fault` says why where there is anything at all.
+std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store, std::string& fault) {
   const auto record = store.data(lastStatus);
-  if (!record) return std::nullopt;
+  if (!record) {
+    if (store.object(lastStatus))
+      fault = "the record is not data";
+    else if (store.object(lastStatusValue))
+      fault = "there is no record beside the plain value";
+    return std::nullopt;
+  }
   try {
     return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record->bytes);
-  } catch (const tarno::DecodingError&) {
+  } catch (const tarno::DecodingError& error) {
+    fault = std::string{"the record does not decode: "} + error.what();
     return std::nullopt;
   }
 }
@@ -111,12 +119,18 @@ void saveStatus(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
 }
 
 std::optional<TarnoStoredMacStatus> loadStatus(const UserDefaults& store, Date now) {
+  return diagnoseStatus(store, now).status;
+}
+
+Diagnosis diagnoseStatus(const UserDefaults& store, Date now) {
+  Diagnosis diagnosis;
   const auto receivedAt = storedReceiptDate(store);
-  auto snapshot = storedRecord(store);
+  auto snapshot = storedRecord(store, diagnosis.fault);
   if (!snapshot) snapshot = snapshotOfPlainValue(store, receivedAt);
-  if (!snapshot) return std::nullopt;
-  return TarnoStoredMacStatus{
-      snapshot->withLocalFreshness(receivedAt, now, TarnoStatusFreshness::localStaleAfter), receivedAt};
+  if (snapshot)
+    diagnosis.status = {snapshot->withLocalFreshness(receivedAt, now, TarnoStatusFreshness::localStaleAfter),
+                        receivedAt};
+  return diagnosis;
 }
 
 }  // namespace TarnoMacDefaults

@@ -45,4 +45,14 @@ void saveStatus(const TarnoMacStatusSnapshot& snapshot, tarno::Date receivedAt,
 /// may use `store`.
 std::optional<TarnoStoredMacStatus> loadStatus(const tarno::UserDefaults& store, tarno::Date now);
 
+/// What loadStatus() finds, and why.
+struct Diagnosis {
+  std::optional<TarnoStoredMacStatus> status;
+  std::string
+      fault;  ///< why the record could not be used, without a full stop; empty where nothing is stored, too
+};
+
+/// Loads like loadStatus(), for a program that tells people why there is no status, or not all of it.
+Diagnosis diagnoseStatus(const tarno::UserDefaults& store, tarno::Date now);
+
 }  // namespace TarnoMacDefaults

@@ -27,10 +27,34 @@ class CompanionExample(ProgramTest):
         self.assertEqual(block("cpp", "In C++"), (EXAMPLE / "companion.cpp").read_text(encoding="utf-8"))
         self.assertEqual(block("cmake", "In C++"), (EXAMPLE / "CMakeLists.txt").read_text(encoding="utf-8"))
 
-    def test_an_installed_library_is_found_by_cmake_and_by_pkg_config(self):
+    def install(self):
         prefix = self.folder / "prefix"
         self.run_command("cmake", "--install", BIN.parent, "--component", "development", "--prefix", prefix)
         self.environment |= {"CMAKE_PREFIX_PATH": str(prefix), "PKG_CONFIG_PATH": f"{prefix}/lib/pkgconfig"}
+        return prefix
+
+    def test_an_installed_library_takes_no_name_of_its_users(self):
+        prefix = self.install()
+        symbols = self.call("nm", "--defined-only", "--extern-only", "--format=just-symbols",
+                            *prefix.rglob("*.a")).stdout.decode()
+        self.assertNotRegex(symbols, r"(?m)^(?!_Z)\w+$")  # a name in C
+        self.assertNotRegex(symbols, r"(?m)^_Z(eq|ne|ss|ls)")  # an operator
+        names = re.findall(r"(?m)^_Z(?:T[ISV]|GV|Z)*N?[KRO]*(\d+)(\w+)", symbols)
+        others = {name[:int(length)] for length, name in names if not name.lower().startswith("tarno")}
+        self.assertLessEqual(others, {"nlohmann", "__gnu_cxx"})
+        for header in prefix.rglob("*.hpp"):
+            with self.subTest(header.name):
+                code = re.sub(r"^namespace (tarno|Tarno\w+) \{.*?^\}  // namespace", "", header.read_text(), flags=re.M | re.S)
+                names = re.findall(r"^(?!#|//|template|inline .* Tarno\w+::|\w+ (?:std::hash<)?Tarno)\w.*", code, re.M)
+                self.assertEqual(names, [])
+
+    def test_a_shared_object_can_contain_it(self):
+        self.install()
+        self.run_command("sh", "-c", "c++ -std=c++20 -shared -fPIC -Wl,--no-undefined companion.cpp -o companion.so "
+                         "$(pkg-config --cflags --libs tarno)")
+
+    def test_an_installed_library_is_found_by_cmake_and_by_pkg_config(self):
+        self.install()
         for code in [code for heading, code in blocks("sh") if heading == "In C++"]:
             self.run_command("sh", "-e", "-c", code)
         for program, reason in ("build/companion", "Lid closed"), ("./companion", "Touch ID"):

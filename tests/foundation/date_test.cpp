@@ -1,8 +1,10 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 #include "tarno/foundation/date.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 #include "tarno/foundation/iso8601.hpp"
 
 namespace tarno {
@@ -55,10 +57,25 @@ TEST(ISO8601, WritesInUTCAndCutsTowardsThePast) {
 }
 
 TEST(Date, ArithmeticIsExactAndNeverOverflows) {
-  EXPECT_EQ(secondsBetween(moment, moment + 90500ms).count(), 90.5);
+  EXPECT_EQ(wholeSecondsBetween(moment, moment + 90900ms), 90);
   EXPECT_EQ(wholeSecondsBetween(moment, moment - 1900ms), -1);
   EXPECT_EQ(addingTimeInterval(moment, TimeInterval{-1.5}), moment - 1500ms);
-  EXPECT_GT(secondsBetween(Date::min(), Date::max()).count(), 1e13);
+  EXPECT_NEAR(static_cast<double>(wholeSecondsBetween(Date::min(), Date::max())), 18446744073709.6, 1);
+}
+
+TEST(Date, OfSeveralOverridesTheLatestCountsAndThenTheOneBefore) {
+  const ClockOverride outer{moment};
+  EXPECT_EQ((ClockOverride{moment + 1h}, now()), moment + 1h);
+  EXPECT_EQ(now(), moment);
+}
+
+TEST(FileDescriptor, ClosesWhatItHeldWhenItIsGivenAnother) {
+  FileDescriptor held{open("/dev/null", O_RDONLY | O_CLOEXEC)},
+      other{open("/dev/null", O_RDONLY | O_CLOEXEC)};
+  const int first = held.get(), second = other.get();
+  held = std::move(other);
+  EXPECT_EQ(fcntl(first, F_GETFD), -1);
+  EXPECT_EQ(fcntl(second, F_GETFD), FD_CLOEXEC);
 }
 
 }  // namespace

@@ -37,6 +37,8 @@ TEST(DefaultsDocument, MayComeFromOtherProgramsAndAnyWrongValueIsDamage) {
   };
   EXPECT_EQ(read(R"({"value": 3, "type": "number", "more": 1})"), DefaultsValue{3.0});
   EXPECT_EQ(read(R"({"type": "date", "value": "1970-01-01T01:00:00.5+01:00"})"), DefaultsValue{Date{500ms}});
+  EXPECT_EQ(read(R"({"type": "number", "value": 1}, "key": {"type": "string", "value": "last"})"),
+            DefaultsValue{"last"});
   for (const auto* const wrong :
        {R"({"type": "data", "base64": "YR=="})", R"({"type": "data", "base64": "Y*=="})",
         R"({"type": "date", "value": 1})", R"({"type": "date", "value": "0000-12-31T23:59:59Z"})",
@@ -47,12 +49,13 @@ TEST(DefaultsDocument, MayComeFromOtherProgramsAndAnyWrongValueIsDamage) {
 TEST(DefaultsDocument, HasLimits) {
   const std::string longest(4 << 20, 'x');
   EXPECT_EQ(decodeDefaults(encodeDefaults({{"key", longest}})).at("key"), DefaultsValue{longest});
-  const std::pair<const char*, DefaultsValue> rows[] = {{"key", longest + 'x'},
-                                                        {"key", NAN},
-                                                        {"key", latestDate + 1us},
-                                                        {"key", earliestDate - 1us},
-                                                        {"\xFF", 1.0}};
-  for (const auto& [key, value] : rows) EXPECT_THROW(encodeDefaults({{key, value}}), EncodingError);
+  const DefaultsValue wrong[] = {longest + 'x', Data{longest + 'x'}, NAN,
+                                 -HUGE_VAL,     latestDate + 1us,    earliestDate - 1us};
+  for (const auto& value : wrong)
+    EXPECT_THROW(encodeDefaults({{"key", value}}), EncodingError) << &value - wrong;
+  EXPECT_THROW(encodeDefaults({{"\xFF", 1.0}}), EncodingError);
+  // What could not be saved again is not read either.
+  EXPECT_THROW(decodeDefaults(R"({"key": {"type": "string", "value": ")" + longest + "x\"}}"), DecodingError);
 }
 
 }  // namespace

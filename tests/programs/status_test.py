@@ -32,8 +32,8 @@ class Status(ProgramTest):
                               ('{"status": "Lock\\ned"}', '"status": "Lock?ed" is not a status'),
                               ('{"seen_at": "2026-11-16"}', '"seen_at": Invalid ISO8601 date'),
                               (" " * (1 << 20) + "{}", "is larger than")):
-            done = self.run_program("tarno-status", "save", stdin=record, code=65)
-            self.assertIn(words, done.stderr.decode())
+            with self.subTest(words):
+                self.assertIn(words, self.run_program("tarno-status", "save", stdin=record, code=65).stderr.decode())
         self.run_program("tarno-status", "save", "no-such-file", code=66)
         self.assertEqual(self.shown(), before)
 
@@ -77,43 +77,56 @@ class Status(ProgramTest):
         document = {keys[name]: dict(zip(("type", "value"), value)) for name, value in values.items()}
         (self.group / "defaults.json").write_text(json.dumps(document))
 
-    def test_doctor_and_show_agree_on_what_is_stored(self):
-        self.assertIn("Nothing was saved yet", self.doctor()[""])
+    def test_doctor_says_where_the_store_is_and_what_it_holds(self):
+        self.assertEqual(self.doctor()[""], 'Nothing was saved yet, so the tile says "No status"; '
+                         "save a report with tarno-status save.")
         self.assertFalse(self.group.exists())
-        self.save(at="2026-11-16T15:39:04Z")
-        self.assertEqual(self.doctor()[""], 'The last report is stale, so the tile says "Status stale" until the companion '
-                         "application saves a new one.")
         self.save()
         report = self.doctor(code=0)
-        self.assertEqual(report[""], 'All is well. The report is fresh: the tile says "Locked".')
-        self.assertRegex(report["file"], r"\Aowner \S+, mode 0600\Z")
-        self.assertEqual(report["directory"], report["file"].replace("0600", "0700"))
-        self.assertEqual(report["tarno.lastStatusAt"], "date, " + MOMENT)
-        self.assertEqual(report["tarno.lastStatusValue"], "string, 6 bytes")
-        self.assertEqual(report["tarno.lastStatusMirrorKey"], "nothing stored")
-        self.assertEqual(report["report's age"], "0 s")
-        self.assertEqual(report["font"], self.run_program("tarno-widget", "fonts").stdout.decode().split("\n")[0])
+        for label, text in (("store", str(self.group / "defaults.json")), ("file", r"owner \S+, mode 0600"),
+                            ("directory", r"owner \S+, mode 0700"), ("tarno.lastStatus", r"data, \d+ bytes"),
+                            ("tarno.lastStatusAt", "date, " + MOMENT), ("tarno.lastStatusValue", "string, 6 bytes"),
+                            ("tarno.lastStatusMirrorKey", "nothing stored"), ("report's age", "0 s"),
+                            ("reading", "works"), ("saving", "works"),
+                            ("font", self.run_program("tarno-widget", "fonts").stdout.decode().split("\n")[0])):
+            with self.subTest(label):
+                self.assertRegex(report[label], rf"\A{text}\Z")
+
+    def test_doctor_and_show_agree_on_what_is_stored(self):
+        self.save()
         at, record, plain = ("date", MOMENT), ("data", '{"status": "locked"}'), ("string", "locked")
-        for code, status, words, values in (
-                (69, "Locked", "age is unknown", {"record": record}),
-                (0, "Locked", "there is no record", {"at": at, "plain": plain}),
-                (0, "Locked", "the record is not data", {"at": at, "plain": plain, "record": plain}),
-                (0, "Locked", 'does not decode: stale: expected true or false',
-                 {"at": at, "plain": plain, "record": ("data", '{"stale": 3}')}),
-                (69, None, "does not decode", {"at": at, "record": ("data", "{")}),
-                (69, None, "there is no record", {"at": at, "plain": ("string", "Locked")}),
-                (69, None, "is damaged", {"at": at, "record": ("data", 5)}),
-                (0, "Locked", "All is well", {"at": ("date", "2026-11-16T15:41:36Z"), "record": record})):
-            self.write(**values)
-            verdict = self.doctor(code)[""]
-            self.assertIn(words, verdict)
-            self.assertIn(f'the tile says "{status or "No status"}"', verdict.replace("The", "the"))
-            if status:
-                self.assertIn(status + "\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode())
-            else:
-                self.run_program("tarno-status", "show", code=69)
+        only, mended = "Only the plain value is used, so the tile says \"Locked\": ", "; the next save mends it."
+        kind = "the record does not decode: stale: expected true or false, found a number"
+        for code, verdict, values in (
+                (0, 'All is well. The report is fresh: the tile says "Locked".', {"at": at, "record": record}),
+                (0, 'All is well. The report is fresh: the tile says "Locked".',
+                 {"at": ("date", "2026-11-16T15:41:36Z"), "record": record}),
+                (69, 'The last report is stale, so the tile says "Status stale" until the companion application '
+                 "saves a new one.", {"at": ("date", "2026-11-16T15:39:04Z"), "record": record}),
+                (69, "The receipt date is missing, so that the report's age is unknown; the tile says \"Locked\".",
+                 {"record": record}),
+                (0, only + "there is no record beside the plain value" + mended, {"at": at, "plain": plain}),
+                (0, only + "the record is not data" + mended, {"at": at, "plain": plain, "record": plain}),
+                (0, only + kind + mended, {"at": at, "plain": plain, "record": ("data", '{"stale": 3}')}),
+                (69, 'The tile says "No status": the record does not decode: not valid JSON near byte 2.',
+                 {"at": at, "record": ("data", "{")}),
+                (69, 'The tile says "No status": there is no record beside the plain value.',
+                 {"at": at, "plain": ("string", "Locked")}),
+                (69, f'The tile says "No status": {self.group}/defaults.json is damaged: tarno.lastStatus: has no value '
+                 "of its type; the next save sets it aside.", {"at": at, "record": ("data", 5)})):
+            with self.subTest(values):
+                self.write(**values)
+                self.assertEqual(self.doctor(code)[""], verdict)
+                shown = self.call("tarno-status", "show", "--at", MOMENT)
+                self.assertEqual(shown.returncode, 69 if "No status" in verdict else 0)
+                if shown.stdout:
+                    self.assertIn('the tile says "' + shown.stdout.decode().split("\n")[0], verdict)
+
+    def test_show_and_doctor_say_what_is_odd_about_a_report(self):
+        self.save(at="2026-11-16T15:41:36Z")
         self.assertEqual(self.doctor(0)["report's age"], "received in the future")
         self.write(record=("data", '{"status": "locked", "reason": "a\\u001bb"}'))
+        self.assertEqual(self.doctor()["report's age"], "unknown: no receipt date is stored")
         self.assertIsNone(self.shown()["received_at"])
         self.assertIn("\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode())
 
@@ -142,6 +155,14 @@ class Status(ProgramTest):
             self.assertIn(b"File too large", done.stdout + done.stderr)
         self.assertEqual(self.shown()["snapshot"]["status"], "locked")
         self.assertEqual(os.listdir(self.group), ["defaults.json"])
+
+    def test_a_closed_standard_descriptor_is_neither_written_nor_read(self):
+        for command, code, said in (("show >&-", 74, b"standard output"), ("save <&-", 66, b"standard input"),
+                                    ("save no-such-file 2>&-", 66, b""), ("save 2>&-", 65, b"")):
+            with self.subTest(command):
+                done = self.call("sh", "-c", "exec tarno-status " + command)
+                self.assertEqual((done.returncode, done.stdout), (code, b""))
+                self.assertIn(said, done.stderr)
 
     def test_wrong_command_lines(self):
         for words in ("", "shout", "show --at now", "save --received-at 2026-02-30T00:00:00Z"):

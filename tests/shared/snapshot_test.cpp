@@ -31,27 +31,42 @@ TEST(MacStatus, IsReadByItsRawValueOnly) {
     EXPECT_EQ(std::hash<TarnoMacStatus>{}(status), std::hash<std::string_view>{}(status.rawValue()));
   }
   EXPECT_EQ(words, "locked Locked; unlocked Unlocked; locking Locking; unknown Unknown; ");
+  for (const auto* const wrong : {"", "Locked", "LOCKED", " locked", "locked ", "lockedx", "lock", "stale"})
+    EXPECT_EQ(TarnoMacStatus::fromRawValue(wrong), std::nullopt) << wrong;
+  EXPECT_THROW(decoded(R"({"status":"Locked"})"), tarno::DecodingError);
 }
 
 TEST(Snapshot, EveryFieldSurvivesAndCounts) {
-  const std::string json =
-      R"({"schema":"tarno.remote.v1","app":"Tarno","event":"locked","device_id":"m1",)"
-      R"("device_name":"Kivo's Mac","seen_at":"2026-11-16T15:41:35Z","status":"locking","reason":"r",)"
-      R"("source":"s","confidence":-7,"face_present":false,"companion_present":true,)"
-      R"("input_idle_seconds":0.25,"stale":true,"age_seconds":4611686018427387904,"message":"m\"\n\u0000é"})";
+  const std::string members[] = {R"("schema":"tarno.remote.v1")",
+                                 R"("app":"Tarno")",
+                                 R"("event":"locked")",
+                                 R"("device_id":"m1")",
+                                 R"("device_name":"Kivo's Mac")",
+                                 R"("seen_at":"2026-11-16T15:41:35Z")",
+                                 R"("status":"locking")",
+                                 R"("reason":"r")",
+                                 R"("source":"s")",
+                                 R"("confidence":-7)",
+                                 R"("face_present":false)",
+                                 R"("companion_present":true)",
+                                 R"("input_idle_seconds":0.25)",
+                                 R"("stale":true)",
+                                 R"("age_seconds":4611686018427387904)",
+                                 R"("message":"m\"\n\u0000é")"};
   Snapshot full{"tarno.remote.v1",       "Tarno", "locked", "m1", "Kivo's Mac", moment,
                 TarnoMacStatus::locking, "r",     "s"};
   full.confidence = -7, full.facePresent = false, full.companionPresent = true, full.inputIdleSeconds = 0.25;
   full.stale = true, full.ageSeconds = std::int64_t{1} << 62, full.message = std::string{"m\"\n\0é", 6};
-  EXPECT_EQ(encoded(full), json);
-  EXPECT_EQ(decoded(json), full);
-  std::string empty;
-  for (const auto key : Snapshot::CodingKeys::all) {
-    const auto null = "\"" + std::string{key} + "\":null";
-    empty += null + ",";
-    EXPECT_NE(decoded(json.substr(0, json.size() - 1) + "," + null + "}"), full) << key;  // the last counts
+  std::string all, nulls = R"("deviceName":1,"extra":{"a":[1]})";
+  for (const auto& member : members) {
+    all += (all.empty() ? "" : ",") + member;
+    nulls += "," + member.substr(0, member.find(':')) + ":null";  // the last of a key counts
+    EXPECT_EQ(encoded(decoded("{" + member + "}")), "{" + member + "}");
+    EXPECT_NE(decoded("{" + member + "}"), Snapshot{}) << member;
   }
-  EXPECT_EQ(encoded(decoded("{" + empty + R"("deviceName":1,"extra":{"a":[1]}})")), "{}");
+  EXPECT_EQ(encoded(full), "{" + all + "}");
+  EXPECT_EQ(decoded("{" + all + "}"), full);
+  EXPECT_EQ(decoded("{" + all + "," + nulls + "}"), Snapshot{});
   EXPECT_EQ(encoded(decoded(R"({"confidence":3.0,"age_seconds":3e0,"input_idle_seconds":7})")),
             R"({"confidence":3,"input_idle_seconds":7.0,"age_seconds":3})");
 }
@@ -100,21 +115,24 @@ TEST(Snapshot, DisplayLines) {
       {{.status = locked, .reason = "r", .stale = true, .ageSeconds = 3599, .message = "m"},
        "unknown, Status stale, Mac status is 59m old. Refresh Tarno before trusting it."}};
   for (const auto& [snapshot, lines] : rows) {
+    SCOPED_TRACE(lines);
     const std::string resolved{snapshot.resolvedStatus().rawValue()};
     EXPECT_EQ(resolved + ", " + snapshot.statusLine() + ", " + snapshot.detailLine(), lines);
   }
 }
 
 TEST(Freshness, OldMakesStaleButNothingMakesFresh) {
-  const std::tuple<Snapshot, std::optional<Date>, Snapshot> rows[] = {
-      {{.ageSeconds = 999}, {}, {.ageSeconds = 999}},
-      {{.ageSeconds = 999}, moment - 150999ms, {.ageSeconds = 150}},
-      {{.stale = false}, moment - 151s, {.stale = true, .ageSeconds = 151}},
-      {{.stale = true}, moment - 5s, {.stale = true, .ageSeconds = 5}},
-      {{.status = TarnoMacStatus::locked}, moment + 1h, {.status = TarnoMacStatus::locked, .ageSeconds = 0}},
-      {{}, Date::max(), {.ageSeconds = 0}}};
-  for (const auto& [before, receivedAt, after] : rows)
-    EXPECT_EQ(before.withLocalFreshness(receivedAt, moment, TarnoStatusFreshness::localStaleAfter), after);
+  const auto locked = TarnoMacStatus::locked;
+  const std::tuple<const char*, Snapshot, std::optional<Date>, Snapshot> rows[] = {
+      {"received no one knows when", {.ageSeconds = 999}, {}, {.ageSeconds = 999}},
+      {"at the limit", {.ageSeconds = 999}, moment - 150999ms, {.ageSeconds = 150}},
+      {"beyond it", {.stale = false}, moment - 151s, {.stale = true, .ageSeconds = 151}},
+      {"stale when it came", {.stale = true}, moment - 5s, {.stale = true, .ageSeconds = 5}},
+      {"in the future", {.status = locked}, moment + 1h, {.status = locked, .ageSeconds = 0}},
+      {"at the end of time", {}, Date::max(), {.ageSeconds = 0}}};
+  for (const auto& [name, before, receivedAt, after] : rows)
+    EXPECT_EQ(before.withLocalFreshness(receivedAt, moment, TarnoStatusFreshness::localStaleAfter), after)
+        << name;
   EXPECT_GT(TarnoStatusFreshness::ageSeconds(Date::min(), Date::max()), 0);
   EXPECT_EQ(TarnoStatusFreshness::staleFrom(moment), moment + 151s);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tarno/shared/model/status_display.hpp"
 #include "tarno/widget/style/widget_style.hpp"
 
 namespace {
@@ -44,7 +45,7 @@ View TarnoMacDialView::body() const {
                        Image(statusIcon(status))
                            .font(Font::system(0.18 * size).weight(bold))
                            .foregroundStyle(accent),
-                       Text(status ? status->statusLine() : "No status")
+                       Text(TarnoStatusDisplay::statusLine(status))
                            .font(Font::system(0.13 * size).weight(bold).rounded())
                            .foregroundStyle(ink)
                            .lineLimit(1)
@@ -69,7 +70,8 @@ double TarnoMacDialView::progress() const {
 }
 
 std::string TarnoMacDialView::accessibilityLabel() const {
-  return displayedDeviceName(status) + " " + (status ? lowercased(status->statusLine()) : "status unknown");
+  return TarnoStatusDisplay::deviceName(status) + " " +
+         (status ? lowercased(status->statusLine()) : "status unknown");
 }
 
 View TarnoMacDialView::signalDots() const {

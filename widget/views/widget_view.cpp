@@ -1,6 +1,7 @@
 #include "tarno/widget/views/widget_view.hpp"
 
 #include "tarno/shared/freshness/status_freshness.hpp"
+#include "tarno/shared/model/status_display.hpp"
 #include "tarno/widget/style/widget_style.hpp"
 #include "tarno/widget/views/dial_view.hpp"
 
@@ -28,16 +29,16 @@ View TarnoMacWidgetView::expandedView() const {
   const auto& status = entry.status;
   return HStack({.alignment = center, .spacing = 14}, TarnoMacDialView{status, 124, true}.body(),
                 VStack({.alignment = leading, .spacing = 8},
-                       Text(displayedDeviceName(status))
+                       Text(TarnoStatusDisplay::deviceName(status))
                            .font(Font::system(caption).rounded().weight(semibold))
                            .foregroundStyle(muted)
                            .lineLimit(1),
-                       Text(status ? status->statusLine() : "No status")
+                       Text(TarnoStatusDisplay::statusLine(status))
                            .font(Font::system(title3).rounded().weight(bold))
                            .foregroundStyle(ink)
                            .lineLimit(1)
                            .minimumScaleFactor(0.85),
-                       Text(status ? status->detailLine() : "Waiting for Tarno status.")
+                       Text(TarnoStatusDisplay::detailLine(status))
                            .font(Font::system(caption).rounded().weight(medium))
                            .foregroundStyle(muted)
                            .lineLimit(2)
@@ -64,4 +65,4 @@ std::string TarnoMacWidgetView::ageLine() const {
   return age ? TarnoStatusFreshness::ageText(*age) + " ago" : "Not synced";
 }
 
-std::string TarnoMacWidgetView::presenceLine() const { return displayedPresence(entry.status); }
+std::string TarnoMacWidgetView::presenceLine() const { return TarnoStatusDisplay::presence(entry.status); }
