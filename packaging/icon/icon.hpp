@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "tarno/ui/scene.hpp"
 
 /// The application's icon: the tile's ring and its lock, in the tile's colours.
@@ -9,8 +7,5 @@ namespace icon {
 
 /// The icon for a square of `side` pixels, a point each. What a small one has no pixels for is left out.
 ui::Scene scene(int side);
-
-/// A scene of outlines as an SVG file that people can read. Texts are left out: an icon has none.
-std::string svg(const ui::Scene& scene, const std::string& title);
 
 }  // namespace icon

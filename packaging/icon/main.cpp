@@ -11,9 +11,8 @@ int main(int argc, char** argv) try {
   const std::filesystem::path file{argv[1]};
   const auto scene = icon::scene(std::atoi(argv[2]));
   render::TextEngine text;
-  program::writeFile(file, file.extension() == ".svg"
-                               ? icon::svg(scene, "Tarno")
-                               : encodeImage(scene, text, render::ImageFormat::png, 1));
+  const auto format = file.extension() == ".svg" ? render::ImageFormat::svg : render::ImageFormat::png;
+  program::writeFile(file, encodeImage(scene, text, format, 1, "Tarno"));
   return EX_OK;
 } catch (...) {
   const auto failure = program::currentFailure();
