@@ -97,9 +97,6 @@ class BareCalls {
   }
   void add(const ui::Path::Move& e) const { cairo_move_to(cairo_, e.to.x, e.to.y); }
   void add(const ui::Path::Line& e) const { cairo_line_to(cairo_, e.to.x, e.to.y); }
-  void add(const ui::Path::Curve& e) const {
-    cairo_curve_to(cairo_, e.control1.x, e.control1.y, e.control2.x, e.control2.y, e.to.x, e.to.y);
-  }
   void add(const ui::Path::Arc& e) const {
     const auto arc = e.end.radians > e.start.radians ? cairo_arc : cairo_arc_negative;
     arc(cairo_, e.center.x, e.center.y, e.radius, e.start.radians, e.end.radians);

@@ -63,11 +63,11 @@ ui::View view(Bytes& bytes, int depth);
 ui::View stack(Bytes& bytes, int depth) {
   std::vector<ui::View> children;
   for (unsigned count = bytes.below(4); count > 0; --count) children.push_back(view(bytes, depth));
-  const double fraction = number(bytes);
-  switch (bytes.below(3)) {
-    case 0: return makeHStack({.alignment = {fraction}, .spacing = number(bytes)}, children);
-    case 1: return makeVStack({.alignment = {fraction}, .spacing = number(bytes)}, children);
-    default: return makeZStack({.alignment = {{fraction}, {number(bytes)}}}, children);
+  switch (bytes.below(4)) {
+    case 0: return makeHStack({.spacing = number(bytes)}, children);
+    case 1: return makeVStack({.spacing = number(bytes)}, children);
+    case 2: return makeVStack({.alignment = ui::leading, .spacing = number(bytes)}, children);
+    default: return makeZStack(children);
   }
 }
 
@@ -100,8 +100,7 @@ ui::View modified(Bytes& bytes, int depth) {
       return content.frame({.width = optionalNumber(bytes),
                             .height = optionalNumber(bytes),
                             .maxWidth = optionalNumber(bytes),
-                            .maxHeight = optionalNumber(bytes),
-                            .alignment = {{number(bytes)}, {number(bytes)}}});
+                            .maxHeight = optionalNumber(bytes)});
   }
 }
 

@@ -23,15 +23,4 @@ inline bool isVector(cairo_t* cairo) {
          type == CAIRO_SURFACE_TYPE_RECORDING;
 }
 
-/// From user space to pixels.
-inline cairo_matrix_t pixelMatrix(cairo_t* cairo) {
-  cairo_matrix_t pixels, deviceScale;
-  double scaleX, scaleY;
-  cairo_surface_get_device_scale(cairo_get_group_target(cairo), &scaleX, &scaleY);
-  cairo_matrix_init_scale(&deviceScale, scaleX, scaleY);
-  cairo_get_matrix(cairo, &pixels);
-  cairo_matrix_multiply(&pixels, &pixels, &deviceScale);
-  return pixels;
-}
-
 }  // namespace render

@@ -12,9 +12,6 @@ struct PathBuilder {
 
   void operator()(const ui::Path::Move& e) const { cairo_move_to(cairo, e.to.x, e.to.y); }
   void operator()(const ui::Path::Line& e) const { cairo_line_to(cairo, e.to.x, e.to.y); }
-  void operator()(const ui::Path::Curve& e) const {
-    cairo_curve_to(cairo, e.control1.x, e.control1.y, e.control2.x, e.control2.y, e.to.x, e.to.y);
-  }
   void operator()(const ui::Path::Arc& e) const {
     const auto add = e.end.radians > e.start.radians ? cairo_arc : cairo_arc_negative;
     add(cairo, e.center.x, e.center.y, e.radius, e.start.radians, e.end.radians);
@@ -28,15 +25,11 @@ void setPath(cairo_t* cairo, const ui::Path& path) {
 }
 
 /// Moves user space by half a pixel at most so that `anchor` stands on a corner of a pixel.
-void snap(cairo_t* cairo, const ui::Point& anchor) {
-  cairo_matrix_t pixels = pixelMatrix(cairo);
-  double x = anchor.x;
-  double y = anchor.y;
-  cairo_matrix_transform_point(&pixels, &x, &y);
-  double right = std::floor(x + 0.5) - x;
-  double down = std::floor(y + 0.5) - y;
-  if (cairo_matrix_invert(&pixels) != CAIRO_STATUS_SUCCESS) return;
-  cairo_matrix_transform_distance(&pixels, &right, &down);
+void snap(cairo_t* cairo, ui::Point anchor) {
+  cairo_user_to_device(cairo, &anchor.x, &anchor.y);
+  double right = std::floor(anchor.x + 0.5) - anchor.x;
+  double down = std::floor(anchor.y + 0.5) - anchor.y;
+  cairo_device_to_user_distance(cairo, &right, &down);
   cairo_translate(cairo, right, down);
 }
 

@@ -10,6 +10,8 @@
 #include <new>
 #include <vector>
 
+#include "tarno/foundation/handle.hpp"
+
 namespace render {
 namespace {
 
@@ -22,14 +24,12 @@ struct PngWriter {
   std::vector<png_byte> row = std::vector<png_byte>(static_cast<std::size_t>(size.width) * 4);
   std::string file;
   std::exception_ptr failure;
-  png_structp png = nullptr;
   png_infop info = nullptr;
 
-  PngWriter(const std::uint32_t* source, PixelSize sourceSize, png_uint_32 density)
-      : pixels(source), size(sourceSize), dotsPerMetre(density) {}
-  ~PngWriter() { png_destroy_write_struct(&png, &info); }
-  PngWriter(const PngWriter&) = delete;
-  PngWriter& operator=(const PngWriter&) = delete;
+  static void destroy(png_struct* png) {
+    png_destroy_write_struct(&png, &static_cast<PngWriter*>(png_get_error_ptr(png))->info);
+  }
+  tarno::Handle<png_struct, destroy> png{nullptr};  ///< with `info`
 };
 
 void rememberError(png_structp png, png_const_charp message) {
@@ -69,8 +69,8 @@ void convert(const std::uint32_t* pixels, int count, png_byte* target) {
 
 /// Whether all of it could be written; else `writer.failure` says why not.
 bool write(PngWriter& writer) {
-  if (setjmp(png_jmpbuf(writer.png))) return false;
-  const png_structp png = writer.png;
+  if (setjmp(png_jmpbuf(writer.png.get()))) return false;
+  const png_structp png = writer.png.get();
   const png_infop info = writer.info;
   png_set_write_fn(png, &writer, append, flushNothing);
   png_set_user_limits(png, largestImageSide, largestImageSide);
@@ -106,9 +106,9 @@ std::uint32_t unpremultiplied(std::uint32_t pixel) {
 
 std::string encodePng(const std::uint32_t* pixels, PixelSize size, double dotsPerInch) {
   constexpr double inchesPerMetre = 1 / 0.0254;
-  PngWriter writer(pixels, size, static_cast<png_uint_32>(std::lround(dotsPerInch * inchesPerMetre)));
-  writer.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &writer, rememberError, ignoreWarning);
-  writer.info = writer.png ? png_create_info_struct(writer.png) : nullptr;
+  PngWriter writer{pixels, size, static_cast<png_uint_32>(std::lround(dotsPerInch * inchesPerMetre))};
+  writer.png.reset(png_create_write_struct(PNG_LIBPNG_VER_STRING, &writer, rememberError, ignoreWarning));
+  writer.info = writer.png ? png_create_info_struct(writer.png.get()) : nullptr;
   if (!writer.info) throw std::bad_alloc();
   if (!write(writer)) std::rethrow_exception(writer.failure);
   return std::move(writer.file);

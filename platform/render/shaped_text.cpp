@@ -112,7 +112,6 @@ void ShapedText::placeLines() {
   }
   rightToLeft_ = lines_.front().glyphs->resolved_dir == PANGO_DIRECTION_RTL;
   for (Line& line : lines_) line.x = rightToLeft_ ? points(narrowest_) - line.x : 0;
-  metrics_.lines = count;
   metrics_.size = {points(narrowest_), count * lineHeight_};
 }
 

@@ -28,16 +28,14 @@ bool hasPictures(const PangoGlyphItem* run) {
   return color || !outline;
 }
 
-bool isUpright(const cairo_matrix_t& matrix) { return matrix.xy == 0 && matrix.yx == 0; }
-
 /// Calls `visit(line, run)` for every run of glyphs, with the current point of `cairo` at its start. Runs
 /// stand on one baseline; where Pango lifts one script against another, it does so in the middle of a word.
-/// With `pixels`, baselines stand on whole pixels.
+/// Baselines stand on whole pixels, `scale` of which make a unit; where it is 0, they stand anywhere.
 template <class Visit>
-void visitRuns(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t* pixels, const Visit& visit) {
+void visitRuns(const ShapedText& text, cairo_t* cairo, double scale, const Visit& visit) {
   double y = 0;
   for (const ShapedText::Line& line : text.lines()) {
-    const double baseline = pixels && isUpright(*pixels) ? std::round(y * pixels->yy) / pixels->yy : y;
+    const double baseline = scale > 0 ? std::round(y * scale) / scale : y;
     double x = line.x;
     for (const GSList* node = line.glyphs->runs; node; node = node->next) {
       auto* run = static_cast<PangoGlyphItem*>(node->data);
@@ -49,8 +47,8 @@ void visitRuns(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t* pix
   }
 }
 
-void addOutlines(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& pixels) {
-  visitRuns(text, cairo, &pixels, [&](const ShapedText::Line&, PangoGlyphItem* run) {
+void addOutlines(const ShapedText& text, cairo_t* cairo, double scale) {
+  visitRuns(text, cairo, scale, [&](const ShapedText::Line&, PangoGlyphItem* run) {
     if (!hasPictures(run)) pango_cairo_glyph_string_path(cairo, run->item->analysis.font, run->glyphs);
   });
 }
@@ -82,8 +80,8 @@ void clipToLines(const ShapedText& text, cairo_t* cairo) {
   cairo_clip(cairo);
 }
 
-void drawPictures(const ShapedText& text, cairo_t* cairo, const cairo_matrix_t& pixels) {
-  visitRuns(text, cairo, &pixels, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
+void drawPictures(const ShapedText& text, cairo_t* cairo, double scale) {
+  visitRuns(text, cairo, scale, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
     if (hasPictures(run)) showPictures(line, run, cairo);
   });
   cairo_new_path(cairo);
@@ -117,7 +115,7 @@ void showPicturesAsImage(const ShapedText::Line& line, PangoGlyphItem* run, cair
 
 void drawAsVector(const ShapedText& text, cairo_t* cairo) {
   clipToLines(text, cairo);
-  visitRuns(text, cairo, nullptr, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
+  visitRuns(text, cairo, 0, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
     if (hasPictures(run))
       showPicturesAsImage(line, run, cairo);
     else
@@ -126,14 +124,15 @@ void drawAsVector(const ShapedText& text, cairo_t* cairo) {
   cairo_new_path(cairo);
 }
 
-/// The stamp of `text` for `matrix`; none when it would be too large.
-std::optional<TextStamp> makeStamp(const ShapedText& text, const cairo_matrix_t& matrix) {
+/// None when it would be too large.
+std::optional<TextStamp> makeStamp(const ShapedText& text, double scale, double start) {
   // Without bounds, because Cairo leaves out glyphs that lie far outside of a surface.
   const Surface sheet(cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr));
   const Context outlines(cairo_create(sheet.get()));
-  cairo_set_matrix(outlines.get(), &matrix);
+  cairo_translate(outlines.get(), start, 0);
+  cairo_scale(outlines.get(), scale, scale);
   clipToLines(text, outlines.get());
-  addOutlines(text, outlines.get(), matrix);
+  addOutlines(text, outlines.get(), scale);
   cairo_identity_matrix(outlines.get());
   double left, top, right, bottom;
   cairo_path_extents(outlines.get(), &left, &top, &right, &bottom);
@@ -145,8 +144,7 @@ std::optional<TextStamp> makeStamp(const ShapedText& text, const cairo_matrix_t&
   const double height = std::ceil(std::min(bottom, clipBottom)) - top;
   if (width * height > largestStamp) return std::nullopt;
 
-  TextStamp stamp{
-      .matrix = matrix, .coverage = nullptr, .left = static_cast<int>(left), .top = static_cast<int>(top)};
+  TextStamp stamp{scale, start, nullptr, static_cast<int>(left), static_cast<int>(top)};
   if (width < 1 || height < 1) return stamp;
   stamp.coverage.reset(
       cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(width), static_cast<int>(height)));
@@ -158,54 +156,38 @@ std::optional<TextStamp> makeStamp(const ShapedText& text, const cairo_matrix_t&
   return stamp;
 }
 
-bool sameMatrix(const cairo_matrix_t& a, const cairo_matrix_t& b) {
-  return a.xx == b.xx && a.yx == b.yx && a.xy == b.xy && a.yy == b.yy && a.x0 == b.x0 && a.y0 == b.y0;
-}
-
 /// Null when it would be too large. Valid until the next call.
-const TextStamp* findStamp(TextStamps& stamps, const ShapedText& text, const cairo_matrix_t& matrix) {
-  const auto found = std::find_if(stamps.begin(), stamps.end(),
-                                  [&](const TextStamp& stamp) { return sameMatrix(stamp.matrix, matrix); });
+const TextStamp* findStamp(TextStamps& stamps, const ShapedText& text, double scale, double start) {
+  const auto found = std::find_if(stamps.begin(), stamps.end(), [&](const TextStamp& stamp) {
+    return stamp.scale == scale && stamp.start == start;
+  });
   if (found != stamps.end()) return &*found;
-  std::optional<TextStamp> made = makeStamp(text, matrix);
+  std::optional<TextStamp> made = makeStamp(text, scale, start);
   if (!made) return nullptr;
   if (stamps.size() == keptStamps) stamps.erase(stamps.begin());
   return &stamps.emplace_back(std::move(*made));
 }
 
-/// User space to pixels, moved by less than a pixel: up or down to set the text upon whole pixels, and
-/// sideways by a sixteenth at most, so that rounding errors do not ask for a new stamp.
-cairo_matrix_t snappedPixels(cairo_t* cairo) {
-  cairo_matrix_t pixels = pixelMatrix(cairo);
-  if (isUpright(pixels)) {
-    pixels.x0 = std::round(pixels.x0 * 8) / 8;
-    pixels.y0 = std::round(pixels.y0);
-  }
-  return pixels;
-}
-
 void drawOnPixels(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
-  double scaleX, scaleY;
-  cairo_surface_get_device_scale(cairo_get_group_target(cairo), &scaleX, &scaleY);
-  const cairo_matrix_t pixels = snappedPixels(cairo);
-  cairo_matrix_t fraction = pixels;
-  fraction.x0 -= std::floor(pixels.x0);
-  fraction.y0 -= std::floor(pixels.y0);
+  cairo_matrix_t pixels;
+  cairo_get_matrix(cairo, &pixels);
+  // Sideways by a sixteenth of a pixel at most, so that rounding errors do not ask for a new stamp.
+  pixels.x0 = std::round(pixels.x0 * 8) / 8;
+  pixels.y0 = std::round(pixels.y0);
+  const double scale = pixels.xx;
+  const double left = std::floor(pixels.x0);
 
-  // From here on a unit of user space is a pixel.
   cairo_identity_matrix(cairo);
-  cairo_scale(cairo, 1 / scaleX, 1 / scaleY);
-  const TextStamp* stamp = findStamp(stamps, text, fraction);
+  const TextStamp* stamp = findStamp(stamps, text, scale, pixels.x0 - left);
   if (stamp && stamp->coverage)
-    cairo_mask_surface(cairo, stamp->coverage.get(), std::floor(pixels.x0) + stamp->left,
-                       std::floor(pixels.y0) + stamp->top);
-  cairo_transform(cairo, &pixels);
+    cairo_mask_surface(cairo, stamp->coverage.get(), left + stamp->left, pixels.y0 + stamp->top);
+  cairo_set_matrix(cairo, &pixels);
   if (!stamp) {
     clipToLines(text, cairo);
-    addOutlines(text, cairo, pixels);
+    addOutlines(text, cairo, scale);
     cairo_fill(cairo);
   }
-  drawPictures(text, cairo, pixels);
+  drawPictures(text, cairo, scale);
 }
 
 }  // namespace

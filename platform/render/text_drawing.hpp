@@ -11,9 +11,10 @@ namespace render {
 
 /// The coverage of a text's outlines on a raster surface, kept from one drawing to the next.
 struct TextStamp {
-  cairo_matrix_t matrix{};  ///< what it was made for, its origin less than a pixel from 0
-  Surface coverage;         ///< nothing when the text has no outlines
-  int left = 0;             ///< of `coverage`, in pixels from the whole pixel that the text starts in
+  double scale = 1;  ///< pixels to the unit that it was made for
+  double start = 0;  ///< where in a pixel the text starts, from 0 to 1
+  Surface coverage;  ///< nothing when the text has no outlines
+  int left = 0;      ///< of `coverage`, in pixels from the whole pixel that the text starts in
   int top = 0;
 };
 
@@ -21,8 +22,8 @@ struct TextStamp {
 using TextStamps = std::vector<TextStamp>;
 
 /// Draws `text`, at the shaping size, in the source colour of `cairo`, with its widest line starting at the
-/// origin of user space and its first baseline on it. On a raster surface, baselines move to the nearest
-/// whole pixel unless the text is turned.
+/// origin of user space and its first baseline on it. User space is scaled alike both ways and not turned. On
+/// a raster surface, baselines move to the nearest whole pixel.
 ///
 /// There, text is filled as outlines: Cairo's glyphs stand on whole pixels only, and at 11 or 12 points their
 /// spacing would jump from letter to letter. Outlines are slow to fill, hence the stamps. Vector surfaces get

@@ -128,7 +128,6 @@ void TextEngine::draw(const ui::TextRun& run, cairo_t* cairo) {
   const double slack = run.box.size.width - kept.shaped.metrics().size.width * scale;
   cairo_save(cairo);
   cairo_translate(cairo, run.box.origin.x, run.box.origin.y);
-  cairo_rotate(cairo, run.rotation.radians);
   cairo_translate(cairo, kept.shaped.rightToLeft() ? slack : 0, run.baseline);
   cairo_scale(cairo, scale, scale);
   setColor(cairo, run.color);

@@ -5,22 +5,17 @@
 
 namespace ui {
 
-enum class RGBColorSpace { sRGB };
-
-/// A colour in a named space; components from 0 to 1, not multiplied by alpha.
+/// A colour in the sRGB space; components from 0 to 1, not multiplied by alpha.
 struct Color {
-  RGBColorSpace colorSpace = RGBColorSpace::sRGB;
   double red = 0;
   double green = 0;
   double blue = 0;
   double alpha = 1;  ///< its opacity
 
-  static constexpr Color sRGB(double red, double green, double blue) {
-    return {RGBColorSpace::sRGB, red, green, blue, 1};
-  }
+  static constexpr Color sRGB(double red, double green, double blue) { return {red, green, blue, 1}; }
 
   /// The same colour with its opacity multiplied by `factor`.
-  constexpr Color opacity(double factor) const { return {colorSpace, red, green, blue, alpha * factor}; }
+  constexpr Color opacity(double factor) const { return {red, green, blue, alpha * factor}; }
 
   friend bool operator==(const Color&, const Color&) = default;
 };

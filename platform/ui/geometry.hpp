@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 
 /// Geometry in points, x to the right and y downwards.
 namespace ui {
@@ -47,74 +46,19 @@ struct Rect {
   friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// What a parent offers a child: a length on each axis, infinity for "as much as you like", or nothing for
-/// "your own ideal size".
-struct ProposedSize {
-  std::optional<double> width;
-  std::optional<double> height;
+/// Where the children of a vertical stack, or the content of a frame, stand from left to right.
+enum class HorizontalAlignment { leading, center };
 
-  friend bool operator==(const ProposedSize&, const ProposedSize&) = default;
-};
+/// Where the children of a horizontal stack stand from top to bottom.
+enum class VerticalAlignment { center };
 
-/// One of the two directions, for rules that are the same along both.
-struct Axis {
-  double Size::*length;
-  std::optional<double> ProposedSize::*offer;
-  double Point::*position;
-};
-
-inline constexpr Axis horizontalAxis{&Size::width, &ProposedSize::width, &Point::x};
-inline constexpr Axis verticalAxis{&Size::height, &ProposedSize::height, &Point::y};
-
-/// Where a child stands in a wider parent: 0 at the leading (left) edge, 1 at the trailing one.
-struct HorizontalAlignment {
-  double fraction = 0.5;
-
-  friend bool operator==(const HorizontalAlignment&, const HorizontalAlignment&) = default;
-};
-
-/// Where a child stands in a higher parent: 0 at the top, 1 at the bottom.
-struct VerticalAlignment {
-  double fraction = 0.5;
-
-  friend bool operator==(const VerticalAlignment&, const VerticalAlignment&) = default;
-};
-
-struct Alignment {
-  HorizontalAlignment horizontal;
-  VerticalAlignment vertical;
-
-  friend bool operator==(const Alignment&, const Alignment&) = default;
-};
-
-/// The names that alignments go by in a view. Each converts only to the axes that it speaks of, so that
-/// `.alignment = leading` does not compile for a horizontal stack.
-namespace alignment_names {
-
+/// The middle, along either axis.
 struct Center {
-  constexpr operator HorizontalAlignment() const { return {0.5}; }
-  constexpr operator VerticalAlignment() const { return {0.5}; }
-  constexpr operator Alignment() const { return {}; }
+  constexpr operator HorizontalAlignment() const { return HorizontalAlignment::center; }
+  constexpr operator VerticalAlignment() const { return VerticalAlignment::center; }
 };
 
-struct Horizontal {
-  double fraction;
-  constexpr operator HorizontalAlignment() const { return {fraction}; }
-  constexpr operator Alignment() const { return {{fraction}, {}}; }
-};
-
-struct Vertical {
-  double fraction;
-  constexpr operator VerticalAlignment() const { return {fraction}; }
-  constexpr operator Alignment() const { return {{}, {fraction}}; }
-};
-
-}  // namespace alignment_names
-
-inline constexpr alignment_names::Center center;
-inline constexpr alignment_names::Horizontal leading{0};
-inline constexpr alignment_names::Horizontal trailing{1};
-inline constexpr alignment_names::Vertical top{0};
-inline constexpr alignment_names::Vertical bottom{1};
+inline constexpr Center center;
+inline constexpr HorizontalAlignment leading = HorizontalAlignment::leading;
 
 }  // namespace ui

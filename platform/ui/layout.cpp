@@ -12,7 +12,7 @@ Scene layout(const View& view, const ContainerShape& container, TextMeasurer& me
   const Rect room = whole.inset(length(container.contentMargin));
   LayoutPass pass{measurer};
   DisplayList placed;
-  placeAligned(view, {}, {room.size.width, room.size.height}, room, center, pass, placed);
+  placeCentered(view, {}, room.size, room, pass, placed);
 
   Scene scene{.size = whole.size, .items = {}, .accessibility = std::move(placed.accessibility)};
   scene.items.reserve(placed.items.size() + 1);

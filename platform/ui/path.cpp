@@ -18,9 +18,6 @@ Path transformed(const Path& path, const Move& move, Angle turn, double factor) 
 
     Path::Element operator()(const Path::Move& e) const { return Path::Move{move(e.to)}; }
     Path::Element operator()(const Path::Line& e) const { return Path::Line{move(e.to)}; }
-    Path::Element operator()(const Path::Curve& e) const {
-      return Path::Curve{move(e.control1), move(e.control2), move(e.to)};
-    }
     Path::Element operator()(const Path::Arc& e) const {
       return Path::Arc{move(e.center),
                        e.radius * factor,
@@ -44,14 +41,8 @@ Point Rotation::apply(Point point) const {
   return {center.x + dx * c - dy * s, center.y + dx * s + dy * c};
 }
 
-Path Path::rect(const Rect& rect) {
-  return {{Move{rect.origin}, Line{{rect.right(), rect.origin.y}}, Line{{rect.right(), rect.bottom()}},
-           Line{{rect.origin.x, rect.bottom()}}, Close{}}};
-}
-
 Path Path::roundedRect(const Rect& rect, double radius) {
   const double r = std::clamp(radius, 0.0, std::min(rect.size.width, rect.size.height) / 2);
-  if (r == 0) return Path::rect(rect);
   const auto corner = [r](double x, double y, double start) {
     return Arc{{x, y}, r, Angle::degrees(start), Angle::degrees(start + 90)};
   };

@@ -18,7 +18,7 @@ struct Angle {
   friend bool operator==(const Angle&, const Angle&) = default;
 };
 
-/// A turn about a point, then a move: what can be done to a path without changing its shape.
+/// A turn about a point.
 struct Rotation {
   Angle angle;
   Point center;
@@ -36,12 +36,6 @@ struct Path {
     Point to;
     friend bool operator==(const Line&, const Line&) = default;
   };
-  struct Curve {  ///< cubic Bézier
-    Point control1;
-    Point control2;
-    Point to;
-    friend bool operator==(const Curve&, const Curve&) = default;
-  };
   /// A circular arc from `start` to `end`, both measured clockwise from 3 o'clock: clockwise when `end` is
   /// the larger, else counter-clockwise. A line leads to its start when the outline has begun elsewhere.
   struct Arc {
@@ -54,11 +48,10 @@ struct Path {
   struct Close {
     friend bool operator==(const Close&, const Close&) = default;
   };
-  using Element = std::variant<Move, Line, Curve, Arc, Close>;
+  using Element = std::variant<Move, Line, Arc, Close>;
 
   std::vector<Element> elements;
 
-  static Path rect(const Rect& rect);
   /// Corner radius cut to half of the shorter side.
   static Path roundedRect(const Rect& rect, double radius);
   /// The outline of the circle inscribed in `rect`, from fraction `from` to `to` of its length, measured

@@ -37,11 +37,10 @@ struct TextRun {
   std::string text;
   Font font;
   Color color;
-  Rect box;             ///< before rotation
+  Rect box;
   double baseline = 0;  ///< of the first line, from the top of the box
   int maxLines = 1;
   bool truncated = false;
-  Angle rotation;  ///< about box.origin
 
   friend bool operator==(const TextRun&, const TextRun&) = default;
 };

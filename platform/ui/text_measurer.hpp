@@ -10,9 +10,8 @@ namespace ui {
 
 /// How much room a text takes.
 struct TextMetrics {
-  Size size;            ///< the box around its lines; never wider than the width that was given
-  double baseline = 0;  ///< of the first line, from the top of the box
-  int lines = 1;
+  Size size;               ///< the box around its lines; never wider than the width that was given
+  double baseline = 0;     ///< of the first line, from the top of the box
   bool truncated = false;  ///< cut with an ellipsis because it did not fit
 };
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "tarno/ui/node.hpp"
+#include "tarno/ui/layout/node.hpp"
 
 namespace ui {
 namespace {
@@ -27,12 +27,8 @@ double boundedDistance(double length) { return bounded(length, -longestLength, l
 double boundedFraction(double fraction) { return bounded(fraction, 0, 1); }
 
 Color boundedColor(const Color& color) {
-  return {color.colorSpace, boundedFraction(color.red), boundedFraction(color.green),
-          boundedFraction(color.blue), boundedFraction(color.alpha)};
-}
-
-Alignment boundedAlignment(const Alignment& alignment) {
-  return {{boundedFraction(alignment.horizontal.fraction)}, {boundedFraction(alignment.vertical.fraction)}};
+  return {boundedFraction(color.red), boundedFraction(color.green), boundedFraction(color.blue),
+          boundedFraction(color.alpha)};
 }
 
 Angle boundedAngle(Angle angle) {
@@ -81,7 +77,7 @@ View View::frame(FrameOptions options) const {
                             .height = boundedFixedLength(options.height),
                             .maxWidth = boundedMaximum(options.maxWidth),
                             .maxHeight = boundedMaximum(options.maxHeight),
-                            .alignment = boundedAlignment(options.alignment)}}};
+                            .alignment = options.alignment}}};
 }
 
 View View::background(View content) const { return View{nodes::Background{*this, std::move(content)}}; }
@@ -109,18 +105,14 @@ View Label(std::string title, std::string systemImage) {
 }
 
 View makeHStack(HStackOptions options, std::vector<View> children) {
-  return View{nodes::HStack{{{boundedFraction(options.alignment.fraction)}, boundedDistance(options.spacing)},
-                            std::move(children)}};
+  return View{nodes::HStack{{options.alignment, boundedDistance(options.spacing)}, std::move(children)}};
 }
 
 View makeVStack(VStackOptions options, std::vector<View> children) {
-  return View{nodes::VStack{{{boundedFraction(options.alignment.fraction)}, boundedDistance(options.spacing)},
-                            std::move(children)}};
+  return View{nodes::VStack{{options.alignment, boundedDistance(options.spacing)}, std::move(children)}};
 }
 
-View makeZStack(ZStackOptions options, std::vector<View> children) {
-  return View{nodes::ZStack{{boundedAlignment(options.alignment)}, std::move(children)}};
-}
+View makeZStack(std::vector<View> children) { return View{nodes::ZStack{std::move(children)}}; }
 
 Circle Circle::trim(double from, double to) const {
   const auto along = [this](double fraction) { return from_ + boundedFraction(fraction) * (to_ - from_); };
@@ -139,8 +131,6 @@ View Circle::stroke(Color color, StrokeStyle style) const {
       nodes::Circle{from_, to_}, boundedColor(color), {boundedLength(style.lineWidth), style.lineCap}}};
 }
 
-View Capsule::fill(Color color) const {
-  return View{nodes::Fill{nodes::Capsule{style_}, boundedColor(color)}};
-}
+View Capsule::fill(Color color) const { return View{nodes::Fill{nodes::Capsule{}, boundedColor(color)}}; }
 
 }  // namespace ui

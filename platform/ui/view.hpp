@@ -25,11 +25,11 @@ struct Node;
 
 /// A length that is negative or NaN counts as absent; so does a fixed length that is infinite.
 struct FrameOptions {
-  std::optional<double> width;      ///< fixed
-  std::optional<double> height;     ///< fixed
-  std::optional<double> maxWidth;   ///< grows up to this; may be infinity
-  std::optional<double> maxHeight;  ///< grows up to this; may be infinity
-  Alignment alignment = center;     ///< of the content in the frame
+  std::optional<double> width;             ///< fixed
+  std::optional<double> height;            ///< fixed
+  std::optional<double> maxWidth;          ///< grows up to this; may be infinity
+  std::optional<double> maxHeight;         ///< grows up to this; may be infinity
+  HorizontalAlignment alignment = center;  ///< of the content in the frame
 
   friend bool operator==(const FrameOptions&, const FrameOptions&) = default;
 };
@@ -61,7 +61,8 @@ class View {
   View frame(FrameOptions options) const;
   /// `content` behind this view, in this view's size.
   View background(View content) const;
-  /// Turns what is drawn, clockwise about the centre; the layout stays as it was.
+  /// Turns the strokes in this view, clockwise about its centre. Fills, texts and the layout stay as they
+  /// are.
   View rotationEffect(Angle angle) const;
   /// The colour of the whole container that shows this view, margins included. For the outermost view.
   View containerBackground(Color color) const;
@@ -108,12 +109,6 @@ struct VStackOptions {
   friend bool operator==(const VStackOptions&, const VStackOptions&) = default;
 };
 
-struct ZStackOptions {
-  Alignment alignment = center;
-
-  friend bool operator==(const ZStackOptions&, const ZStackOptions&) = default;
-};
-
 /// A text shown verbatim, not a localisation key.
 View Text(std::string text);
 
@@ -125,7 +120,7 @@ View Label(std::string title, std::string systemImage);
 
 View makeHStack(HStackOptions options, std::vector<View> children);
 View makeVStack(VStackOptions options, std::vector<View> children);
-View makeZStack(ZStackOptions options, std::vector<View> children);
+View makeZStack(std::vector<View> children);
 
 template <class... Views>
 View HStack(HStackOptions options, const Views&... children) {
@@ -137,10 +132,10 @@ View VStack(VStackOptions options, const Views&... children) {
   return makeVStack(options, Children{children...}.views);
 }
 
-/// Children over one another, the first at the bottom.
+/// Children over one another and centred, the first at the bottom.
 template <class... Views>
-View ZStack(ZStackOptions options, const Views&... children) {
-  return makeZStack(options, Children{children...}.views);
+View ZStack(const Views&... children) {
+  return makeZStack(Children{children...}.views);
 }
 
 /// A shape becomes a view when it is filled or stroked; it takes the size that it is offered. Strokes
@@ -158,15 +153,12 @@ class Circle {
 };
 
 /// How a corner's curve meets the straight side. The ends of a capsule are half circles either way.
-enum class RoundedCornerStyle { circular, continuous };
+enum class RoundedCornerStyle { continuous };
 
 class Capsule {
  public:
-  explicit Capsule(RoundedCornerStyle style) : style_(style) {}
+  explicit Capsule(RoundedCornerStyle) {}
   View fill(Color color) const;
-
- private:
-  RoundedCornerStyle style_;
 };
 
 }  // namespace ui

@@ -16,6 +16,8 @@ using ui::Path;
 
 constexpr ui::Color red = ui::Color::sRGB(1, 0, 0);
 
+Path rectangle(const ui::Rect& rect) { return Path::roundedRect(rect, 0); }
+
 std::string encode(const ui::Scene& scene, ImageFormat format, double scale = 1) {
   render::TextEngine text;
   return render::encodeImage(scene, text, format, scale);
@@ -38,7 +40,7 @@ ui::Scene tile() {
   const ui::Rect whole{{0, 0}, {10, 7}};
   const ui::TextRun text{"Mac", ui::Font::system(2).rounded(), red.opacity(0.5), {{2, 1}, {5, 2}}, 1.5};
   const ui::FillPath pane{Path::roundedRect(whole, 3), ui::Color::sRGB(1, 1, 0).opacity(0.5)};
-  const ui::FillPath stripe{Path::rect({{4, 0}, {6, 1}}), ui::Color::sRGB(0.5, 0.08, 2)};
+  const ui::FillPath stripe{rectangle({{4, 0}, {6, 1}}), ui::Color::sRGB(0.5, 0.08, 2)};
   return {whole.size, {pane, text, stripe}, {}};
 }
 
@@ -66,8 +68,8 @@ TEST(Image, hasTheColoursOfTheSceneRoundedHalfUpAndKeepsToItsRows) {
       {10, 9, {255, 255, 0, 128}, 0x80808000},
       {19, 0, {128, 20, 255, 255}, 0xFF8014FF}};
   for (const auto& [x, y, straight, premultiplied] : table) {
-    EXPECT_EQ(png.at(static_cast<int>(x), static_cast<int>(y)), straight);
-    EXPECT_EQ(pixels.at(y * stride + x), premultiplied);
+    EXPECT_EQ(png.at(static_cast<int>(x), static_cast<int>(y)), straight) << x << ',' << y;
+    EXPECT_EQ(pixels.at(y * stride + x), premultiplied) << x << ',' << y;
   }
   for (std::size_t y = 0; y < height; ++y) EXPECT_EQ(pixels.at(y * stride + width), 0u);
 }
@@ -80,7 +82,7 @@ TEST(Image, pngSaysItsColourSpaceAndResolution) {
   const std::pair<std::uint32_t, std::uint32_t> table[] = {
       {0x00000000, 0x00000000}, {0xFF123456, 0xFF123456}, {0x80402001, 0x80804002}, {0x01010001, 0x01FF00FF}};
   for (const auto& [premultiplied, straight] : table)
-    EXPECT_EQ(render::unpremultiplied(premultiplied), straight);
+    EXPECT_EQ(render::unpremultiplied(premultiplied), straight) << std::hex << premultiplied;
 }
 
 bool has(const std::string& file, const std::string& text) { return file.find(text) != std::string::npos; }
@@ -128,7 +130,7 @@ TEST(Image, pdfTakesEveryText) {
 }
 
 ui::Scene squareOfTen(std::optional<ui::Point> anchor) {
-  return {{20, 20}, {ui::FillPath{Path::rect({{5.3, 5.6}, {10, 10}}), red, anchor}}, {}};
+  return {{20, 20}, {ui::FillPath{rectangle({{5.3, 5.6}, {10, 10}}), red, anchor}}, {}};
 }
 
 /// A letter for each pixel of the diagonal: "#" covered whole, "+" in part, "." not at all.
@@ -151,8 +153,8 @@ TEST(Painter, setsSmallSignsOnWholePixels) {
 }
 
 TEST(Painter, fillsByTheNonzeroRuleAndStrokesWithCapsAndMitres) {
-  Path twice = Path::rect({{0, 0}, {40, 40}});
-  for (const auto& element : Path::rect({{10, 10}, {20, 20}}).elements) twice.elements.push_back(element);
+  Path twice = rectangle({{0, 0}, {40, 40}});
+  for (const auto& element : rectangle({{10, 10}, {20, 20}}).elements) twice.elements.push_back(element);
   EXPECT_EQ(marks(ui::FillPath{twice, red}, {{20, 20}, {5, 5}}), "##");
   // Before the end, where a round cap reaches, and in the corner that it leaves out.
   const auto points = {std::pair{29, 16}, {32, 20}, {34, 15}};

@@ -43,7 +43,7 @@ Ink ink(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
 
 ui::TextRun place(render::TextEngine& engine, const std::string& text, double width = 1e9, int lines = 1) {
   const auto m = engine.measure(text, caption, width, lines);
-  return {text, caption, ui::black, {{50, 10}, m.size}, m.baseline, lines, m.truncated, {}};
+  return {text, caption, ui::black, {{50, 10}, m.size}, m.baseline, lines, m.truncated};
 }
 
 TEST(TextEngine, fitsWhatItWasGivenAndStaysAsItIsAtTheWidthThatItReturned) {
@@ -66,27 +66,35 @@ TEST(TextEngine, fitsWhatItWasGivenAndStaysAsItIsAtTheWidthThatItReturned) {
       for (const auto width : {std::optional<double>{}, {0.0}, {20.3}, {77.7}, {194.0}, {1e9}}) {
         const auto m = engine.measure(text, caption, width, maxLines);
         SCOPED_TRACE(text.substr(0, 50) + " in " + std::to_string(width.value_or(-1)));
-        EXPECT_TRUE(m.lines <= maxLines && m.size.width <= width.value_or(ui::infinity));
-        EXPECT_DOUBLE_EQ(m.size.height, m.lines * lineHeight);
+        EXPECT_LE(m.size.width, width.value_or(ui::infinity));
+        const double lines = std::round(m.size.height / lineHeight);
+        EXPECT_TRUE(1 <= lines && lines <= maxLines) << lines;
+        EXPECT_DOUBLE_EQ(m.size.height, lines * lineHeight);
         const auto again = render::TextEngine{}.measure(text, caption, m.size.width, maxLines);
-        EXPECT_TRUE(again.lines == m.lines && again.truncated == m.truncated && again.size == m.size);
+        EXPECT_TRUE(again.truncated == m.truncated && again.size == m.size);
       }
 }
 
+/// By an engine that has not kept a layout from before.
+ui::TextMetrics measured(const std::string& text, std::optional<double> width, int maxLines) {
+  return render::TextEngine{}.measure(text, caption, width, maxLines);
+}
+
 TEST(TextEngine, cutsWhereMoreWouldFollow) {
-  render::TextEngine engine;
   const std::tuple<const char*, std::optional<double>, int, int, bool> table[] = {
       {"one two", {}, 1, 1, false},  {"one\ntwo", {}, 1, 1, false},     {"one\ntwo", {}, 2, 2, false},
       {"a\nb\nc", {}, 2, 2, true},   {"a\nb\nc", 100, 2, 2, true},      {"a\r\nb\n", 100, 2, 2, false},
       {"one two", 30, 2, 2, false},  {"one two three", 30, 2, 2, true}, {"onetwothreefour", 40, 3, 3, false},
       {"one two\nx", 30, 2, 2, true}};
+  const double lineHeight = measured("x", {}, 1).size.height;
   for (const auto& [text, width, maxLines, lines, truncated] : table) {
-    const auto m = engine.measure(text, caption, width, maxLines);
-    EXPECT_TRUE(m.lines == lines && m.truncated == truncated) << text;
+    SCOPED_TRACE(text);
+    EXPECT_NEAR(measured(text, width, maxLines).size.height, lines * lineHeight, 1e-9);
+    EXPECT_EQ(measured(text, width, maxLines).truncated, truncated);
   }
-  EXPECT_TRUE(engine.measure(std::string(100'000, 'x'), caption, {}, 1).truncated);
-  EXPECT_GT(engine.measure("a\nb\nc", caption, {}, 2).size.width,
-            engine.measure("a\nb", caption, {}, 2).size.width);
+  EXPECT_TRUE(measured(std::string(100'000, 'x'), {}, 1).truncated);
+  for (const auto width : {std::optional<double>{}, {100}})
+    EXPECT_EQ(measured("a\nb\nc", width, 2).size, measured("a\nb…", {}, 2).size);
 }
 
 double width(const std::string& text, const ui::Font& font = caption) {
@@ -162,7 +170,7 @@ TEST(DisplayText, isValidAndBounded) {
   EXPECT_EQ(displayText("a\tb\x7F\u009F\u0085\r\nc\v", false).text, "a b  \u2028\u2028c\u2028");
 }
 
-TEST(TextEngine, drawsInsideTheBoxAtEveryScaleAndTurnsAboutItsCorner) {
+TEST(TextEngine, drawsInsideTheBoxAtEveryScale) {
   render::TextEngine engine;
   auto run = place(engine, "HHHHHH");
   for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
@@ -174,13 +182,6 @@ TEST(TextEngine, drawsInsideTheBoxAtEveryScaleAndTurnsAboutItsCorner) {
   run.box.origin.x = 50.5;
   render::TextEngine other;
   EXPECT_TRUE(png(engine, run) == png(other, run));
-  run.box.origin.x = 50;
-  run.rotation = ui::Angle::degrees(90);
-  const auto turned = ink(engine, run);
-  EXPECT_NEAR(turned.left, 50 - run.baseline, 0.5);
-  EXPECT_NEAR(turned.top, 10, 2);
-  EXPECT_LE(turned.right, 50);
-
   const ui::Font huge = ui::Font::system(1000);
   const std::string letters(10, 'H');
   const auto m = engine.measure(letters, huge, {}, 1);

@@ -17,17 +17,18 @@ class FakeMeasurer final : public ui::TextMeasurer {
 
     std::string rest{text};
     if (maxLines == 1) std::replace(rest.begin(), rest.end(), '\n', ' ');
-    ui::TextMetrics metrics{.baseline = 0.9 * font.size, .lines = 0};
+    ui::TextMetrics metrics{.baseline = 0.9 * font.size};
+    int lines = 0;
     do {
       const std::size_t paragraph = std::min(rest.find('\n'), rest.size());
       std::size_t length = paragraph <= capacity ? paragraph : std::min(rest.rfind(' ', capacity), capacity);
-      ++metrics.lines;
-      metrics.truncated = length < rest.size() && (metrics.lines == maxLines || capacity == 0);
+      ++lines;
+      metrics.truncated = length < rest.size() && (lines == maxLines || capacity == 0);
       if (metrics.truncated) length = std::min(capacity, paragraph + 1);  // the last an ellipsis
       widest = std::max(widest, length);
       rest.erase(0, rest.find_first_of(" \n", length) == length ? length + 1 : length);
     } while (!rest.empty() && !metrics.truncated);
-    metrics.size = {static_cast<double>(widest) * advance, 1.2 * font.size * metrics.lines};
+    metrics.size = {static_cast<double>(widest) * advance, 1.2 * font.size * lines};
     return metrics;
   }
 };

@@ -14,15 +14,12 @@ using namespace ui;
 
 namespace {
 
-static_assert(!std::is_convertible_v<decltype(leading), VerticalAlignment>);
-static_assert(!std::is_convertible_v<decltype(top), HorizontalAlignment>);
-
 /// A view of every kind, with what is usual and what is not.
 View tile(const std::string& title) {
   const View arc =
       Circle{}.trim(0.08, 0.92).stroke(white.opacity(0.5), {.lineWidth = 6, .lineCap = LineCap::round});
-  const View dial = ZStack({.alignment = {{0}, {1}}}, Circle{}.stroke(black, {.lineWidth = 6}),
-                           arc.rotationEffect(Angle::degrees(126)), HStack({.alignment = {0.25}}));
+  const View dial =
+      ZStack(Circle{}.stroke(black, {.lineWidth = 6}), arc.rotationEffect(Angle::degrees(126)), HStack({}));
   const View pill = Label(title, "no.such.symbol")
                         .font(Font::system(11).rounded().weight(FontWeight::semibold))
                         .foregroundStyle(Color::sRGB(0.18, 0.56, 0.576))
@@ -31,10 +28,10 @@ View tile(const std::string& title) {
                         .padding(EdgeSet::horizontal, 8)
                         .padding(EdgeSet::vertical, -1e-9)
                         .background(Capsule{RoundedCornerStyle::continuous}.fill(black.opacity(0.12)));
-  const View named = dial.frame({.width = 50, .maxHeight = 1e-9, .alignment = bottom});
-  return VStack({.alignment = trailing, .spacing = 1.0 / 3}, named.accessibilityElement("Mac \"locked\""),
+  const View named = dial.frame({.width = 50, .maxHeight = 1e-9, .alignment = leading});
+  return VStack({.alignment = leading, .spacing = 1.0 / 3}, named.accessibilityElement("Mac \"locked\""),
                 std::optional<View>{}, pill.accessibilityHidden())
-      .frame({.maxWidth = infinity, .maxHeight = infinity, .alignment = leading})
+      .frame({.maxWidth = infinity, .maxHeight = infinity})
       .containerBackground(white);
 }
 
@@ -71,7 +68,6 @@ TEST(View, KeepsItsNumbersWithinTheirBounds) {
       {spaced(-infinity), spaced(-10'000)},
       {text.frame({.width = -1, .height = NAN, .maxWidth = -1, .maxHeight = NAN}), text.frame({})},
       {text.frame({.width = infinity, .height = infinity}), text.frame({})},
-      {text.frame({.alignment = {{-1}, {2}}}), text.frame({.alignment = {{0}, {1}}})},
       {text.rotationEffect({NAN}), text.rotationEffect({})},
       {text.rotationEffect({4 * std::numbers::pi}), text.rotationEffect({})},
       {Circle{}.stroke(black, {.lineWidth = -1}), Circle{}.stroke(black, {.lineWidth = 0})},
@@ -84,15 +80,15 @@ TEST(View, KeepsItsNumbersWithinTheirBounds) {
 
 TEST(Description, OfAViewReadsAsItWasWritten) {
   EXPECT_EQ(outline(describe(tile("now\n"))), R"(containerBackground color=#FFFFFF
-  frame maxWidth=infinity maxHeight=infinity alignment=leading
-    VStack alignment=trailing spacing=0.333
+  frame maxWidth=infinity maxHeight=infinity
+    VStack alignment=leading spacing=0.333
       accessibilityElement label="Mac \"locked\""
-        frame width=50 maxHeight=0 alignment=bottom
-          ZStack alignment="leading bottom"
+        frame width=50 maxHeight=0 alignment=leading
+          ZStack
             Circle stroke=#000000 lineWidth=6
             rotationEffect degrees=126
               Circle from=0.08 to=0.92 stroke=#FFFFFF@0.5 lineWidth=6 lineCap=round
-            HStack alignment=0.250000 spacing=8
+            HStack spacing=8
       accessibilityHidden
         background
           padding edges=vertical length=0
@@ -108,19 +104,28 @@ TEST(Description, OfAViewReadsAsItWasWritten) {
 )");
 }
 
+TEST(Description, OfAFontLeavesOutWhatIsUsual) {
+  const std::pair<FontWeight, const char*> weights[] = {{FontWeight::regular, ""},
+                                                        {FontWeight::medium, " weight=medium"},
+                                                        {FontWeight::semibold, " weight=semibold"},
+                                                        {FontWeight::bold, " weight=bold"}};
+  for (const auto& [weight, words] : weights)
+    EXPECT_EQ(outline(describe(Text("a").font(Font::system(TextStyle::title3).weight(weight)))),
+              std::string("font size=20") + words + "\n  Text text=\"a\"\n");
+}
+
 TEST(Description, OfASceneListsWhatIsDrawn) {
   FakeMeasurer measurer;
   const View text = Text("a \\ \x1B\x7F b").font(Font::system(10).weight(FontWeight::medium)).lineLimit(1);
   const View arc = Circle{}.trim(0, 0.5).stroke(white.opacity(0.5), {.lineCap = LineCap::round});
-  const View all = ZStack({}, Circle{}.fill(black), Circle{}.stroke(black, {}), arc,
-                          text.rotationEffect(Angle::degrees(270)));
+  const View all = ZStack(Circle{}.fill(black), Circle{}.stroke(black, {}), arc, text);
   const Scene scene = layout(all.containerBackground(white), {.size = {20, 12}}, measurer);
   EXPECT_EQ(outline(describe(scene)), R"(Scene width=20 height=12
   fill color=#FFFFFF outline=path x=0 y=0 width=20 height=12
   fill color=#000000 outline=circle centerX=10 centerY=6 radius=6
   stroke color=#000000 lineWidth=1 outline=circle centerX=10 centerY=6 radius=6
   stroke color=#FFFFFF@0.5 lineWidth=1 lineCap=round outline=arc centerX=10 centerY=6 radius=6 start=0 end=180
-  text text="a \\ \u001b\u007f b" font="10 medium" color=#000000 x=4 y=16 width=20 height=12 baseline=9 maxLines=1 truncated=true rotation=270
+  text text="a \\ \u001b\u007f b" font="10 medium" color=#000000 x=0 y=0 width=20 height=12 baseline=9 maxLines=1 truncated=true
 )");
   EXPECT_EQ(outline(describeAccessibility(scene)), R"(accessibility
   staticText label="a \\ \u001b\u007f b" x=0 y=0 width=20 height=12
@@ -130,7 +135,7 @@ TEST(Description, OfASceneListsWhatIsDrawn) {
 TEST(Path, RoundsCornersByAtMostHalfOfTheShorterSide) {
   const Rect rect{{1, 2}, {20, 10}};
   EXPECT_EQ(Path::roundedRect(rect, 22), Path::roundedRect(rect, 5));
-  EXPECT_EQ(Path::roundedRect(rect, -1), Path::rect(rect));
+  EXPECT_EQ(Path::roundedRect(rect, -1), Path::roundedRect(rect, 0));
 }
 
 TEST(Path, ClosesWholeCirclesOnly) {
@@ -139,17 +144,15 @@ TEST(Path, ClosesWholeCirclesOnly) {
 }
 
 TEST(Path, BoundsAreThoseOfTheCurveItself) {
-  const Path curve{{Path::Move{{0, 0}}, Path::Curve{{0, 40}, {30, 40}, {30, 0}}}};
-  EXPECT_EQ(bounds(curve), (Rect{{0, 0}, {30, 30}}));
-  EXPECT_EQ(curve.placed(2, {1, 0}).elements.at(1), (Path::Element{Path::Curve{{1, 80}, {61, 80}, {61, 0}}}));
-  const Path wave{{Path::Move{{0, 0}}, Path::Curve{{0, 40}, {30, -40}, {30, 0}}}};
-  EXPECT_NEAR(bounds(wave).origin.y, -11.547, 1e-3);
-  EXPECT_NEAR(bounds(wave).bottom(), 11.547, 1e-3);
   const Path arc{{Path::Move{{10, 0}}, Path::Arc{{0, 0}, 10, {}, Angle::degrees(-150)}}};
   EXPECT_NEAR(bounds(arc).origin.x, -8.66, 1e-3);
   EXPECT_NEAR(bounds(arc).origin.y, -10, 1e-9);
   EXPECT_NEAR(bounds(arc).bottom(), 0, 1e-9);
   EXPECT_EQ(bounds({}), Rect{});
+  const Path piece{{Path::Move{{1, 2}}, Path::Line{{3, 4}}, Path::Arc{{5, 6}, 7, {8}, {9}}, Path::Close{}}};
+  const Path placed{
+      {Path::Move{{3, 4}}, Path::Line{{7, 8}}, Path::Arc{{11, 12}, 14, {8}, {9}}, Path::Close{}}};
+  EXPECT_EQ(piece.placed(2, {1, 0}), placed);
 }
 
 }  // namespace

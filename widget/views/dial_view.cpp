@@ -35,7 +35,7 @@ View TarnoMacDialView::body() const {
   const Color accent = statusColor(status);
   const double disc = 0.7 * size;
 
-  return ZStack({}, Circle{}.stroke(line.opacity(0.72), track),
+  return ZStack(Circle{}.stroke(line.opacity(0.72), track),
                 Circle{}
                     .trim(arcStart, arcStart + arcSpan * progress())
                     .stroke(accent, arc)

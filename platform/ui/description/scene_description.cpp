@@ -49,7 +49,6 @@ struct ItemDescriber {
         .number("baseline", item.baseline)
         .number("maxLines", item.maxLines)
         .flag("truncated", item.truncated);
-    if (item.rotation != Angle{}) builder.number("rotation", item.rotation.inDegrees());
     return builder;
   }
 };

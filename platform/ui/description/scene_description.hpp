@@ -5,7 +5,7 @@
 
 namespace ui {
 
-/// What is drawn; the items inside a clip are its children.
+/// What is drawn, from bottom to top.
 Description describe(const Scene& scene);
 
 /// What a screen reader stops at.

@@ -1,36 +1,15 @@
 #include "tarno/ui/description/view_description.hpp"
 
-#include <array>
-
 #include "tarno/ui/description/description_builder.hpp"
-#include "tarno/ui/node.hpp"
+#include "tarno/ui/layout/node.hpp"
 
 namespace ui {
 namespace {
 
 using Builder = DescriptionBuilder;
 
-/// The name of a place on an axis whose ends go by `names`.
-std::string nameOfPlace(double fraction, const std::array<std::string_view, 3>& names) {
-  if (fraction == 0 || fraction == 0.5 || fraction == 1)
-    return std::string{names[static_cast<std::size_t>(fraction * 2)]};
-  return std::to_string(fraction);
-}
-
-std::string nameOf(HorizontalAlignment alignment) {
-  return nameOfPlace(alignment.fraction, {"leading", "center", "trailing"});
-}
-
-std::string nameOf(VerticalAlignment alignment) {
-  return nameOfPlace(alignment.fraction, {"top", "center", "bottom"});
-}
-
-/// The name that fits both axes where there is one, as in code; "leading top" where there is none.
-std::string nameOf(const Alignment& alignment) {
-  std::string horizontal = nameOf(alignment.horizontal);
-  std::string vertical = nameOf(alignment.vertical);
-  if (vertical == "center") return horizontal;
-  return horizontal == "center" ? vertical : horizontal + ' ' + vertical;
+std::string_view word(HorizontalAlignment alignment) {
+  return alignment == HorizontalAlignment::leading ? "leading" : "center";
 }
 
 struct OutlineBuilder {
@@ -39,10 +18,9 @@ struct OutlineBuilder {
     if (circle.from != 0 || circle.to != 1) builder.number("from", circle.from).number("to", circle.to);
     return builder;
   }
-  Builder operator()(const nodes::Capsule& capsule) const {
+  Builder operator()(const nodes::Capsule&) const {
     Builder builder{"Capsule"};
-    return builder.choice(
-        "style", capsule.style == RoundedCornerStyle::continuous ? "continuous" : "circular", "circular");
+    return builder.text("style", "continuous");
   }
 };
 
@@ -57,18 +35,24 @@ struct ViewDescriber {
     return std::visit(OutlineBuilder{}, node.outline).text("fill", describe(node.color)).take();
   }
   Description operator()(const nodes::Stroke& node) const {
-    return std::visit(OutlineBuilder{}, node.outline)
+    return OutlineBuilder{}(node.circle)
         .text("stroke", describe(node.color))
         .number("lineWidth", node.style.lineWidth)
         .choice("lineCap", word(node.style.lineCap), "butt")
         .take();
   }
 
-  Description operator()(const nodes::HStack& node) const { return stack("HStack", node); }
-  Description operator()(const nodes::VStack& node) const { return stack("VStack", node); }
+  Description operator()(const nodes::HStack& node) const {
+    return children(Builder{"HStack"}.number("spacing", node.options.spacing), node.children);
+  }
+  Description operator()(const nodes::VStack& node) const {
+    return children(Builder{"VStack"}
+                        .choice("alignment", word(node.options.alignment), "center")
+                        .number("spacing", node.options.spacing),
+                    node.children);
+  }
   Description operator()(const nodes::ZStack& node) const {
     Builder builder{"ZStack"};
-    builder.choice("alignment", nameOf(node.options.alignment), "center");
     return children(builder, node.children);
   }
 
@@ -108,7 +92,7 @@ struct ViewDescriber {
         .number("height", options.height)
         .number("maxWidth", options.maxWidth)
         .number("maxHeight", options.maxHeight)
-        .choice("alignment", nameOf(options.alignment), "center")
+        .choice("alignment", word(options.alignment), "center")
         .child(describe(node.content))
         .take();
   }
@@ -136,14 +120,6 @@ struct ViewDescriber {
   }
 
  private:
-  template <class Stack>
-  static Description stack(const char* name, const Stack& node) {
-    Builder builder{name};
-    builder.choice("alignment", nameOf(node.options.alignment), "center")
-        .number("spacing", node.options.spacing);
-    return children(builder, node.children);
-  }
-
   static Description children(Builder& builder, const std::vector<View>& views) {
     for (const View& view : views) builder.child(describe(view));
     return builder.take();

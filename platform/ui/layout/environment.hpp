@@ -2,7 +2,7 @@
 
 #include "tarno/ui/color.hpp"
 #include "tarno/ui/font.hpp"
-#include "tarno/ui/node.hpp"
+#include "tarno/ui/layout/node.hpp"
 
 namespace ui {
 
@@ -18,7 +18,7 @@ struct Environment {
   friend bool operator==(const Environment&, const Environment&) = default;
 };
 
-/// The environment inside each of the modifiers that set one.
+/// The environment inside each of the modifiers that change it.
 inline Environment inside(const nodes::WithFont& node, Environment environment) {
   environment.font = node.font;
   return environment;
@@ -38,5 +38,21 @@ inline Environment inside(const nodes::WithMinimumScaleFactor& node, Environment
   environment.minimumScaleFactor = node.factor;
   return environment;
 }
+
+inline Environment inside(const nodes::AccessibilityLabelled&, Environment environment) {
+  environment.accessibilityHidden = true;
+  return environment;
+}
+
+inline Environment inside(const nodes::AccessibilityHidden&, Environment environment) {
+  environment.accessibilityHidden = true;
+  return environment;
+}
+
+/// A node that is its content in an environment of its own.
+template <class Node>
+concept EnvironmentModifier = requires(const Node& node, const Environment& environment) {
+  inside(node, environment);
+};
 
 }  // namespace ui

@@ -9,31 +9,24 @@ namespace ui {
 namespace {
 
 struct FrameAxis {
-  Axis axis;
+  double Size::*along;
   std::optional<double> fixed;
   std::optional<double> maximum;
 
-  std::optional<double> offer(const ProposedSize& proposal) const {
-    const auto& proposed = proposal.*axis.offer;
-    if (fixed) return fixed;
-    return proposed && maximum ? std::min(*proposed, *maximum) : proposed;
-  }
-
-  bool needsLimit(const FrameLayout& result) const {
-    return maximum && !(result.offer.*axis.offer) && result.content.*axis.length > *maximum;
+  double offer(const Size& proposal) const {
+    return fixed.value_or(std::min(proposal.*along, maximum.value_or(infinity)));
   }
 
   /// Of the frame.
-  double length(const FrameLayout& result, const ProposedSize& proposal) const {
+  double length(const FrameLayout& frame) const {
     if (fixed) return *fixed;
-    const double content = result.content.*axis.length;
-    return maximum && proposal.*axis.offer ? std::max(content, *(result.offer.*axis.offer)) : content;
+    return maximum ? std::max(frame.content.*along, frame.offer.*along) : frame.content.*along;
   }
 };
 
 std::array<FrameAxis, 2> axesOf(const FrameOptions& options) {
   return {
-      {{horizontalAxis, options.width, options.maxWidth}, {verticalAxis, options.height, options.maxHeight}}};
+      {{&Size::width, options.width, options.maxWidth}, {&Size::height, options.height, options.maxHeight}}};
 }
 
 }  // namespace
@@ -44,19 +37,13 @@ std::optional<Size> fixedSize(const nodes::Frame& frame) {
   return Size{*horizontal.fixed, *vertical.fixed};
 }
 
-FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment,
-                        const ProposedSize& proposal, LayoutPass& pass) {
+FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment, const Size& proposal,
+                        LayoutPass& pass) {
   const auto axes = axesOf(frame.options);
   FrameLayout result;
-  const auto measure = [&] { result.content = sizeThatFits(frame.content, environment, result.offer, pass); };
-  for (const FrameAxis& along : axes) result.offer.*along.axis.offer = along.offer(proposal);
-  measure();
-  for (const FrameAxis& along : axes) {
-    if (!along.needsLimit(result)) continue;
-    result.offer.*along.axis.offer = along.maximum;
-    measure();
-  }
-  for (const FrameAxis& along : axes) result.size.*along.axis.length = along.length(result, proposal);
+  for (const FrameAxis& axis : axes) result.offer.*axis.along = axis.offer(proposal);
+  result.content = sizeThatFits(frame.content, environment, result.offer, pass);
+  for (const FrameAxis& axis : axes) result.size.*axis.along = axis.length(result);
   return result;
 }
 

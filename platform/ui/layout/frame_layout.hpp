@@ -6,9 +6,9 @@
 namespace ui {
 
 struct FrameLayout {
-  ProposedSize offer;  ///< to the content
-  Size content;        ///< what the content takes of it; may be larger than the frame, and then sticks out
-  Size size;           ///< of the frame
+  Size offer;    ///< to the content
+  Size content;  ///< what the content takes of it; may be larger than the frame, and then sticks out
+  Size size;     ///< of the frame
 };
 
 /// The size of a frame that is fixed both ways; its content then says nothing about it and need not be asked.
@@ -19,14 +19,11 @@ std::optional<Size> fixedSize(const nodes::Frame& frame);
 /// A fixed length is what the content is offered and what the frame measures; a maximum beside it says
 /// nothing.
 ///
-/// A maximum, with a proposal: the content is offered the smaller of the two; the frame takes that too,
-/// unless its content is longer.
-///
-/// A maximum, without a proposal: the frame measures what its content does, and content whose ideal length is
-/// above the maximum is offered the maximum.
+/// A maximum: the content is offered the smaller of it and the proposal; the frame takes that too, unless its
+/// content is longer.
 ///
 /// Neither: the frame passes the proposal on and measures what its content does.
-FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment,
-                        const ProposedSize& proposal, LayoutPass& pass);
+FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment, const Size& proposal,
+                        LayoutPass& pass);
 
 }  // namespace ui

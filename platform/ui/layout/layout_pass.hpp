@@ -10,10 +10,19 @@
 
 namespace ui {
 
+/// One of the two directions, for rules that are the same along both.
+struct Axis {
+  double Size::*length;
+  double Point::*position;
+};
+
+inline constexpr Axis horizontalAxis{&Size::width, &Point::x};
+inline constexpr Axis verticalAxis{&Size::height, &Point::y};
+
 /// The layout of a stack for one proposal.
 struct StackLayout {
   struct Child {
-    ProposedSize offer;
+    Size offer;
     Size size;     ///< what the child takes of it
     Point origin;  ///< from the stack's corner
   };
@@ -33,7 +42,7 @@ struct LayoutPass {
   /// The layout of `stack` for this environment and proposal; `make` is called where it is not known yet. The
   /// result stays valid as long as the pass.
   template <class Make>
-  const StackLayout& cached(const void* stack, const Environment& environment, const ProposedSize& proposal,
+  const StackLayout& cached(const void* stack, const Environment& environment, const Size& proposal,
                             const Make& make) {
     auto& entries = stacks_[stack];
     for (const Entry& entry : entries)
@@ -46,7 +55,7 @@ struct LayoutPass {
  private:
   struct Entry {
     Environment environment;
-    ProposedSize proposal;
+    Size proposal;
     StackLayout layout;
   };
   std::unordered_map<const void*, std::forward_list<Entry>> stacks_;

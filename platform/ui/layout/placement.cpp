@@ -11,42 +11,23 @@
 namespace ui {
 namespace {
 
-Rect aligned(const Size& size, const Rect& area, const Alignment& alignment) {
-  return {{area.origin.x + (area.size.width - size.width) * alignment.horizontal.fraction,
-           area.origin.y + (area.size.height - size.height) * alignment.vertical.fraction},
+Rect aligned(const Size& size, const Rect& area, HorizontalAlignment alignment) {
+  return {{area.origin.x + (area.size.width - size.width) * fraction(alignment),
+           area.origin.y + (area.size.height - size.height) * fraction(VerticalAlignment::center)},
           size};
 }
 
-struct Outliner {
-  const Rect& rect;
+Path outline(const nodes::Circle& circle, const Rect& rect) {
+  return circle.from < circle.to ? Path::circle(rect, circle.from, circle.to) : Path{};
+}
 
-  Path operator()(const nodes::Circle& circle) const {
-    return circle.from < circle.to ? Path::circle(rect, circle.from, circle.to) : Path{};
-  }
-  Path operator()(const nodes::Capsule&) const {
-    return Path::roundedRect(rect, std::min(rect.size.width, rect.size.height) / 2);
-  }
-};
+Path outline(const nodes::Capsule&, const Rect& rect) { return Path::roundedRect(rect, infinity); }
 
 /// Drawn for an unknown symbol: an empty box with round corners, so that the gap is noticed.
 StrokePath unknownSymbol(const Rect& rect, const Color& color) {
   const double em = rect.size.width;
   return {Path::roundedRect(rect.inset(em * 0.12), em * 0.16), {.lineWidth = em * 0.08}, color};
 }
-
-struct ItemRotation {
-  const Rotation& rotation;
-
-  void operator()(FillPath& item) const {
-    item.path = item.path.rotated(rotation);
-    if (item.anchor) item.anchor = rotation.apply(*item.anchor);
-  }
-  void operator()(StrokePath& item) const { item.path = item.path.rotated(rotation); }
-  void operator()(TextRun& item) const {
-    item.box.origin = rotation.apply(item.box.origin);
-    item.rotation.radians += rotation.angle.radians;
-  }
-};
 
 struct Placer {
   const Environment& environment;
@@ -55,7 +36,9 @@ struct Placer {
   DisplayList& list;
 
   void give(const View& content) const { place(content, environment, where, pass, list); }
-  void give(const View& content, const Environment& inner) const { place(content, inner, where, pass, list); }
+  void give(const View& content, const Size& offer) const {
+    placeCentered(content, environment, offer, where.rect, pass, list);
+  }
 
   void announce(AccessibilityElement::Role role, const std::string& label) const {
     if (!environment.accessibilityHidden) list.accessibility.push_back({role, label, where.rect});
@@ -81,8 +64,7 @@ struct Placer {
                                     .box = {where.rect.origin, metrics.size},
                                     .baseline = metrics.baseline,
                                     .maxLines = environment.lineLimit,
-                                    .truncated = metrics.truncated,
-                                    .rotation = {}});
+                                    .truncated = metrics.truncated});
   }
   void operator()(const nodes::Image& node) const {
     const Color& color = environment.foreground;
@@ -95,12 +77,12 @@ struct Placer {
   }
   void operator()(const nodes::Fill& node) const {
     const bool isCircle = std::holds_alternative<nodes::Circle>(node.outline);
-    list.items.emplace_back(FillPath{std::visit(Outliner{where.rect}, node.outline), node.color,
-                                     isCircle ? std::optional{where.rect.center()} : std::nullopt});
+    list.items.emplace_back(
+        FillPath{std::visit([&](const auto& shape) { return outline(shape, where.rect); }, node.outline),
+                 node.color, isCircle ? std::optional{where.rect.center()} : std::nullopt});
   }
   void operator()(const nodes::Stroke& node) const {
-    list.items.emplace_back(
-        StrokePath{std::visit(Outliner{where.rect}, node.outline), node.style, node.color});
+    list.items.emplace_back(StrokePath{outline(node.circle, where.rect), node.style, node.color});
   }
 
   void operator()(const nodes::HStack& node) const {
@@ -110,22 +92,20 @@ struct Placer {
     placeStack(layoutStack(node, environment, where.offer, pass), node.children);
   }
   void operator()(const nodes::ZStack& node) const {
-    for (const View& child : node.children)
-      placeAligned(child, environment, where.offer, where.rect, node.options.alignment, pass, list);
+    for (const View& child : node.children) give(child, where.offer);
   }
 
-  void operator()(const nodes::WithFont& node) const { give(node.content, inside(node, environment)); }
-  void operator()(const nodes::WithForegroundStyle& node) const {
-    give(node.content, inside(node, environment));
+  template <EnvironmentModifier Modifier>
+  void operator()(const Modifier& node) const {
+    place(node.content, inside(node, environment), where, pass, list);
   }
-  void operator()(const nodes::WithLineLimit& node) const { give(node.content, inside(node, environment)); }
-  void operator()(const nodes::WithMinimumScaleFactor& node) const {
-    give(node.content, inside(node, environment));
+  void operator()(const nodes::AccessibilityLabelled& node) const {
+    announce(AccessibilityElement::Role::image, node.label);
+    place(node.content, inside(node, environment), where, pass, list);
   }
 
   void operator()(const nodes::Padding& node) const {
-    placeAligned(node.content, environment, reduced(where.offer, paddingSize(node)), where.rect, center, pass,
-                 list);
+    give(node.content, reduced(where.offer, paddingSize(node)));
   }
   void operator()(const nodes::Frame& node) const {
     const FrameLayout frame = layoutFrame(node, environment, where.offer, pass);
@@ -133,8 +113,7 @@ struct Placer {
           {frame.offer, aligned(frame.content, where.rect, node.options.alignment)}, pass, list);
   }
   void operator()(const nodes::Background& node) const {
-    const Size& size = where.rect.size;
-    placeAligned(node.background, environment, {size.width, size.height}, where.rect, center, pass, list);
+    give(node.background, where.rect.size);
     give(node.content);
   }
   void operator()(const nodes::RotationEffect& node) const {
@@ -142,23 +121,12 @@ struct Placer {
     give(node.content);
     const Rotation rotation{node.angle, where.rect.center()};
     for (std::size_t i = before; i < list.items.size(); ++i)
-      std::visit(ItemRotation{rotation}, list.items[i]);
+      if (auto* stroke = std::get_if<StrokePath>(&list.items[i]))
+        stroke->path = stroke->path.rotated(rotation);
   }
   void operator()(const nodes::ContainerBackground& node) const {
     if (!list.containerBackground) list.containerBackground = node.color;
     give(node.content);
-  }
-
-  void operator()(const nodes::AccessibilityLabelled& node) const {
-    announce(AccessibilityElement::Role::image, node.label);
-    giveHidden(node.content);
-  }
-  void operator()(const nodes::AccessibilityHidden& node) const { giveHidden(node.content); }
-
-  void giveHidden(const View& content) const {
-    Environment hidden = environment;
-    hidden.accessibilityHidden = true;
-    give(content, hidden);
   }
 };
 
@@ -169,10 +137,10 @@ void place(const View& view, const Environment& environment, const Placement& wh
   std::visit(Placer{environment, where, pass, list}, view.node());
 }
 
-void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
-                  const Rect& area, const Alignment& alignment, LayoutPass& pass, DisplayList& list) {
+void placeCentered(const View& view, const Environment& environment, const Size& offer, const Rect& area,
+                   LayoutPass& pass, DisplayList& list) {
   const Size size = sizeThatFits(view, environment, offer, pass);
-  place(view, environment, {offer, aligned(size, area, alignment)}, pass, list);
+  place(view, environment, {offer, aligned(size, area, center)}, pass, list);
 }
 
 }  // namespace ui

@@ -20,7 +20,7 @@ struct DisplayList {
 /// Where a view goes: what it was offered, and the space that it took. Both are needed, because a view that
 /// is offered what it took may take less.
 struct Placement {
-  ProposedSize offer;
+  Size offer;
   Rect rect;
 };
 
@@ -28,8 +28,8 @@ struct Placement {
 void place(const View& view, const Environment& environment, const Placement& where, LayoutPass& pass,
            DisplayList& list);
 
-/// Offers `offer` to `view` and aligns it in `area`. The view may be larger than `area`.
-void placeAligned(const View& view, const Environment& environment, const ProposedSize& offer,
-                  const Rect& area, const Alignment& alignment, LayoutPass& pass, DisplayList& list);
+/// Offers `offer` to `view` and centres it in `area`. The view may be larger than `area`.
+void placeCentered(const View& view, const Environment& environment, const Size& offer, const Rect& area,
+                   LayoutPass& pass, DisplayList& list);
 
 }  // namespace ui

@@ -15,13 +15,13 @@ struct Stack {
   double alignment;  ///< across, as a fraction of the room left over
   const std::vector<View>& views;
   const Environment& environment;
-  const ProposedSize& proposal;
+  const Size& proposal;
   LayoutPass& pass;
 
-  StackLayout::Child ask(std::size_t index, std::optional<double> length) const {
+  StackLayout::Child ask(std::size_t index, double length) const {
     StackLayout::Child child;
     child.offer = proposal;
-    child.offer.*along.offer = length;
+    child.offer.*along.length = length;
     child.size = sizeThatFits(views[index], environment, child.offer, pass);
     return child;
   }
@@ -54,14 +54,12 @@ struct Stack {
   }
 
   std::vector<StackLayout::Child> sized() const {
-    const std::optional<double> offered = proposal.*along.offer;
-    const double left = offered.value_or(0) - spacing * static_cast<double>(views.size() - 1);
-    if (offered && left > 0 && std::isfinite(left) && views.size() > 1) return shareOut(left);
+    const double left = proposal.*along.length - spacing * static_cast<double>(views.size() - 1);
+    if (left > 0 && std::isfinite(left) && views.size() > 1) return shareOut(left);
 
     std::vector<StackLayout::Child> children;
     children.reserve(views.size());
-    for (std::size_t i = 0; i < views.size(); ++i)
-      children.push_back(ask(i, offered ? std::optional{std::max(left, 0.0)} : std::nullopt));
+    for (std::size_t i = 0; i < views.size(); ++i) children.push_back(ask(i, std::max(left, 0.0)));
     return children;
   }
 
@@ -83,11 +81,10 @@ struct Stack {
 
 template <class Node>
 const StackLayout& layoutAlong(const Axis& along, const Axis& across, const Node& stack,
-                               const Environment& environment, const ProposedSize& proposal,
-                               LayoutPass& pass) {
+                               const Environment& environment, const Size& proposal, LayoutPass& pass) {
   return pass.cached(&stack, environment, proposal, [&] {
     const auto& [alignment, spacing] = stack.options;
-    return Stack{along, across, spacing, alignment.fraction, stack.children, environment, proposal, pass}
+    return Stack{along, across, spacing, fraction(alignment), stack.children, environment, proposal, pass}
         .layout();
   });
 }
@@ -95,12 +92,12 @@ const StackLayout& layoutAlong(const Axis& along, const Axis& across, const Node
 }  // namespace
 
 const StackLayout& layoutStack(const nodes::HStack& stack, const Environment& environment,
-                               const ProposedSize& proposal, LayoutPass& pass) {
+                               const Size& proposal, LayoutPass& pass) {
   return layoutAlong(horizontalAxis, verticalAxis, stack, environment, proposal, pass);
 }
 
 const StackLayout& layoutStack(const nodes::VStack& stack, const Environment& environment,
-                               const ProposedSize& proposal, LayoutPass& pass) {
+                               const Size& proposal, LayoutPass& pass) {
   return layoutAlong(verticalAxis, horizontalAxis, stack, environment, proposal, pass);
 }
 

@@ -64,11 +64,11 @@ class Fitting {
 
 }  // namespace
 
-FittedText fitText(std::string_view text, const Environment& environment, std::optional<double> width,
+FittedText fitText(std::string_view text, const Environment& environment, double width,
                    TextMeasurer& measurer) {
   if (environment.font.size == 0) return {environment.font, {}};
-  const Fitting fitting{text, environment, width.value_or(infinity), measurer};
-  const bool mayShrink = environment.minimumScaleFactor < 1 && width && std::isfinite(*width);
+  const Fitting fitting{text, environment, width, measurer};
+  const bool mayShrink = environment.minimumScaleFactor < 1 && std::isfinite(width);
   if (mayShrink && environment.lineLimit == 1) return fitting.shrunkOnOneLine();
   FittedText whole = fitting.atScale(1);
   return mayShrink && whole.metrics.truncated ? fitting.shrunkOnSeveralLines() : whole;

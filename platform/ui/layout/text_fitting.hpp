@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 #include "tarno/ui/layout/environment.hpp"
@@ -14,13 +13,13 @@ struct FittedText {
   TextMetrics metrics;
 };
 
-/// Sets `text` within `width` (absent or infinite: as wide as it likes), in the environment's font and line
+/// Sets `text` within `width` (infinite: as wide as it likes), in the environment's font and line
 /// limit. Where not all of it fits it shrinks, to the largest scale at which it does but not below the
 /// minimum scale factor; what does not fit even then is cut at that factor. Heights are not limited.
 ///
 /// A width that falls short of the text's own by no more than rounding errors counts as enough; the metrics
 /// are then the text's own. A font without a size takes no room.
-FittedText fitText(std::string_view text, const Environment& environment, std::optional<double> width,
+FittedText fitText(std::string_view text, const Environment& environment, double width,
                    TextMeasurer& measurer);
 
 }  // namespace ui

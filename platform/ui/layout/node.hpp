@@ -28,20 +28,17 @@ struct Circle {
 };
 
 struct Capsule {
-  RoundedCornerStyle style;
   friend bool operator==(const Capsule&, const Capsule&) = default;
 };
 
-using Outline = std::variant<Circle, Capsule>;
-
 struct Fill {
-  Outline outline;
+  std::variant<Circle, Capsule> outline;
   Color color;
   friend bool operator==(const Fill&, const Fill&) = default;
 };
 
 struct Stroke {
-  Outline outline;
+  Circle circle;
   Color color;
   StrokeStyle style;
   friend bool operator==(const Stroke&, const Stroke&) = default;
@@ -60,7 +57,6 @@ struct VStack {
 };
 
 struct ZStack {
-  ZStackOptions options;
   std::vector<View> children;
   friend bool operator==(const ZStack&, const ZStack&) = default;
 };
