@@ -3,52 +3,14 @@
 DESKTOPS has one function for each desktop. It takes a rig and returns for each of WANTED that means something there True, or
 why not.
 """
-import functools
 import json
 import os
 
 import cairo
 
-from desktop_cells import AT, BELOW, CLICKS, CORNERS, PLACE, SHOW_DESKTOP, render, results
+from desktop_cells import (AT, BELOW, BLACK, BLUE, CLICKS, CORNERS, PLACE, SHOW_DESKTOP, is_at, on_ground, render, results, rows,
+                           shows)
 from headless import wait_for
-
-BLUE, BLACK = (0x33 / 255, 0x66 / 255, 0x99 / 255), (0, 0, 0)
-
-
-def on_ground(image, ground, edge=2):
-    """The rows of an image on plain ground, with an edge of it around."""
-    width, height = image.get_width() + 2 * edge, image.get_height() + 2 * edge
-    screen = cairo.ImageSurface(cairo.FORMAT_ARGB32, width, height)
-    context = cairo.Context(screen)
-    context.set_source_rgb(*ground)
-    context.paint()
-    context.set_source_surface(image, edge, edge)
-    context.paint()
-    data = screen.get_data()
-    return [bytes(data[4 * width * y:4 * width * (y + 1)]) for y in range(height)]
-
-
-def is_at(screen, image, x, y, ground=BLUE):
-    """Whether the image, pixel by pixel, and plain ground around it are on the screen."""
-    return screen.rows(x - 2, y - 2, image.get_width() + 4, image.get_height() + 4) == on_ground(image, ground)
-
-
-def shows(screen, image, x, y, ground=BLUE):
-    wait_for(lambda: is_at(screen, image, x, y, ground), message=f"the tile at {x}, {y}")
-
-
-def alone(rig, cell):
-    """Tries a cell and ends what it started."""
-    started = len(rig.started)
-    try:
-        cell()
-    finally:
-        for process in rig.started[started:]:
-            process.popen.kill()
-
-
-def tried(rig, cells):
-    return results({row: functools.partial(alone, rig, cell) for row, cell in cells.items()})
 
 
 def place(scale, image, left=0, top=0, points=1280):
@@ -59,16 +21,17 @@ def place(scale, image, left=0, top=0, points=1280):
 
 
 def is_covered(screen, image, x, y):
-    seen = screen.rows(x, y, image.get_width(), image.get_height())
-    return not set(seen) & set(on_ground(image, BLUE, 0))
+    """Whether no row of the image is on the screen."""
+    return not set(rows(screen.look(x, y, image.get_width(), image.get_height()))) & set(rows(on_ground(image, BLUE, 0)))
 
 
 def open_window(rig, ground, *options, **output):
     """A window all over the first output, once it is drawn on plain ground."""
-    plain = cairo.ImageSurface(cairo.FORMAT_ARGB32, 9, 9)
-    shows(rig.screen, plain, 640, 600, ground)
+    free = rows(on_ground(cairo.ImageSurface(cairo.FORMAT_ARGB32, 9, 9), ground, 0))
+    look = lambda: rows(rig.screen.look(640, 600, 9, 9))
+    wait_for(lambda: look() == free, "plain ground")
     window = rig.start(*options, "weston-eventdemo", "--width=1280", "--height=800", "--no-border", "--log-button", **output)
-    wait_for(lambda: not is_at(rig.screen, plain, 640, 600, ground), message="the window")
+    wait_for(lambda: look() != free, "the window")
     return window
 
 
@@ -78,18 +41,15 @@ def below_all_windows(rig, ground, windows, next_workspace):
     image = render(rig)
     x, y = place(1, image)
     window = open_window(rig, ground)
-    tile = rig.tile(*AT)
+    rig.tile(*AT)
     for _ in range(2):
-        wait_for(lambda: is_covered(rig.screen, image, x, y), message="a window above the tile")
-        listed = windows()
-        assert listed in (None, [(window.popen.pid, True)]), f"the windows and whether they have the focus: {listed}"
+        wait_for(lambda: is_covered(rig.screen, image, x, y), "a window above the tile")
+        wait_for(lambda: windows() in (None, [(window.pid, True)]), "a window that is the only one and has the focus")
         window.end()
         shows(rig.screen, image, x, y, ground)
         window = open_window(rig, ground)
     next_workspace()
     shows(rig.screen, image, x, y, ground)
-    window.end()
-    tile.end()
 
 
 def place_with_panels(rig, monitors, panels, ground=BLUE):
@@ -111,12 +71,6 @@ def clean_corners(rig, set_scale, points=lambda scale: int(1280 / scale), ground
         tile.end()
 
 
-def click(screen, x, y, button=1):
-    screen.point(x, y)
-    screen.button(True, button)
-    screen.button(False, button)
-
-
 def clicks_reach_windows(rig, ground):
     """Through a tile that is above them."""
     tile, image = rig.tile("--layer", "above", *AT), render(rig)
@@ -124,11 +78,10 @@ def clicks_reach_windows(rig, ground):
         window = open_window(rig, ground, "stdbuf", "-oL", stdout=log)
 
     def arrives():
-        click(rig.screen, 1100, 100)
-        with open(rig.path("log")) as log:
-            return "button" in log.read()
+        rig.screen.click(1100, 100)
+        return "button" in rig.read("log")
 
-    wait_for(arrives, message="the click on the window")
+    wait_for(arrives, "the click on the window")
     assert not is_covered(rig.screen, image, *place(1, image)), "a window above the tile"
     window.end()
     tile.end()
@@ -136,14 +89,12 @@ def clicks_reach_windows(rig, ground):
 
 def clicks_reach_desktop(rig):
     """Sway's binding of a button, where there is no window, is its root menu."""
-    tile, image = rig.tile(*AT), render(rig)
+    image = render(rig)
+    rig.tile(*AT)
     shows(rig.screen, image, *place(1, image))
-    click(rig.screen, 1100, 100, button=3)
-    wait_for(lambda: os.path.exists(rig.path("clicked")), message="the click on the desktop")
-    tile.end()
+    rig.screen.click(1100, 100, button=3)
+    wait_for(lambda: os.path.exists(rig.path("clicked")), "the click on the desktop")
 
-
-# sway
 
 def sway(rig):
     rig.canvas(2560, 800)
@@ -162,43 +113,34 @@ def sway(rig):
     def set_scale(scale):
         rig.run("swaymsg", "output X11-1 scale", str(scale))
 
-    return tried(rig, {
+    return results(rig, {
         BELOW: lambda: below_all_windows(rig, BLUE, windows, lambda: rig.run("swaymsg", "workspace 5")),
-        CLICKS: lambda: (clicks_reach_windows(rig, BLUE), clicks_reach_desktop(rig)),
+        CLICKS: lambda: [clicks_reach_windows(rig, BLUE), clicks_reach_desktop(rig)] and None,
         PLACE: lambda: place_with_panels(rig, ("X11-1", "X11-2"), (0, 40)),
         CORNERS: lambda: clean_corners(rig, set_scale)})
 
 
-# weston
-
 def weston(rig):
     """A plain window, which weston puts where it likes."""
     rig.canvas(1280, 800)
-    compositor = None
+
+    def is_somewhere(image):
+        wanted, seen = rows(on_ground(image, BLUE)), rows(rig.screen.look(0, 0, 1280, 800))
+        middle = len(wanted) // 2
+        left, top = next(((row.find(wanted[middle]) // 4, y - middle) for y, row in enumerate(seen) if wanted[middle] in row),
+                         (-1, -1))
+        return left >= 0 and top >= 0 and is_at(rig.screen, image, left + 2, top + 2)
 
     def clean():
-        nonlocal compositor
         for scale, options in ((1, ()), (1, ("--scale", "1.5")), (2, ()), (3, ())):
-            if compositor:
-                compositor.end()
-            compositor = rig.weston(scale)
-            image = render(rig, *(options or ("--scale", str(scale))))
-            tile = rig.tile(*AT, *options)
-            wait_for(lambda: is_somewhere(rig.screen, image), message=f"the tile at {scale} with {options}")
-            tile.end()
+            with rig.session():
+                rig.weston(scale)
+                image = render(rig, *(options or ("--scale", str(scale))))
+                rig.tile(*AT, *options)
+                wait_for(lambda: is_somewhere(image), f"the tile at {scale} with {options}")
 
-    return tried(rig, {CORNERS: clean}) | {BELOW: "plain: weston has no layer-shell"}
+    return results(rig, {CORNERS: clean}) | {BELOW: "plain: weston has no layer-shell"}
 
-
-def is_somewhere(screen, image):
-    expected, seen = on_ground(image, BLUE), screen.rows(0, 0, 1280, 800)
-    middle = len(expected) // 2
-    left, top = next(((row.find(expected[middle]) // 4, y - middle) for y, row in enumerate(seen) if expected[middle] in row),
-                     (-1, -1))
-    return left >= 0 and top >= 0 and is_at(screen, image, left + 2, top + 2)
-
-
-# kwin_wayland
 
 def kwin_wayland(rig):
     rig.canvas(2560, 800)
@@ -214,20 +156,19 @@ def kwin_wayland(rig):
         tell("/KWin", ".setCurrentDesktop", "int32:2")
 
     def stays():
-        image, tile = render(rig), rig.tile(*AT)
-        window = rig.start("weston-eventdemo", "--width=1280", "--height=800", "--no-border")
-        wait_for(lambda: is_covered(rig.screen, image, *place(1, image)), message="the window")
+        image = render(rig)
+        rig.tile(*AT)
+        rig.start("weston-eventdemo", "--width=1280", "--height=800", "--no-border")
+        wait_for(lambda: is_covered(rig.screen, image, *place(1, image)), "the window")
         tell("/KWin", ".showDesktop", "boolean:true")
         shows(rig.screen, image, *place(1, image), BLACK)
-        window.end()
-        tile.end()
 
     def set_scale(scale):
         nonlocal compositor
         compositor.end()
         compositor = rig.kwin(scale)
 
-    return tried(rig, {
+    return results(rig, {
         SHOW_DESKTOP: stays,
         CLICKS: lambda: clicks_reach_windows(rig, BLACK),
         BELOW: lambda: below_all_windows(rig, BLACK, lambda: None, next_workspace),

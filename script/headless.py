@@ -1,96 +1,177 @@
-"""Desktops without a screen, for pictures, measurements and tests: X11, and Wayland compositors with layer-shell or without.
+"""Desktops without a screen, for pictures, measurements and tests.
 
-A rig starts what it needs in a home of its own, as an unprivileged user where it is made by root (some compositors refuse
-root), and ends every process that it started, by its id. A program that is not installed ends the caller with SKIP.
+A Rig starts X servers, window managers, Wayland compositors, D-Bus and the tarno programs, all in a folder of its own, and
+ends them by their process ids. Where root makes the rig, the programs run as nobody, because some compositors refuse root; the
+caller stays root. A program that is not installed raises unittest.SkipTest, which says its name.
 """
 import contextlib
+import ctypes
 import os
 import shutil
+import signal
 import subprocess
-import sys
 import tempfile
 import threading
 import time
+import unittest
+from unittest import mock
 
 import cairo
-from Xlib import X, display, ext, protocol
+from Xlib import X, display, error, ext, protocol
 from Xlib.ext import xtest
+
+from window_managers import WINDOW_MANAGERS
 
 # python-xlib cannot take the numbers that Xwayland gives to the events of RANDR, which nobody here asks for.
 ext.__extensions__ = [extension for extension in ext.__extensions__ if extension[0] != "RANDR"]
 
-SKIP = 77
 NOBODY = 65534
+PR_SET_CHILD_SUBREAPER = 36
+SOFTWARE = {"GSETTINGS_BACKEND": "memory", "LIBGL_ALWAYS_SOFTWARE": "1"}
 
-WINDOW_MANAGERS = {
-    "openbox": ("openbox",),
-    "xfwm4": ("xfwm4",),
-    "fluxbox": ("fluxbox", "-no-slit"),
-    "icewm": ("icewm",),
-    "metacity": ("metacity", "--sm-disable"),
-    "mutter": ("mutter", "--x11", "--sm-disable"),
-    "kwin_x11": ("kwin_x11",),
-    "i3": ("i3",),
-    "awesome": ("awesome",),
-}
-CONFIGURATION = {
-    "awesome": {".config/awesome/rc.lua": """
-        local awful = require("awful")
-        require("awful.autofocus")
-        require("beautiful").init(require("gears").filesystem.get_themes_dir() .. "default/theme.lua")
-        awful.screen.connect_for_each_screen(function(screen)
-          awful.tag({"1", "2"}, screen, awful.layout.suit.tile)
-          awful.wibar({position = "top", screen = screen})
-        end)
-        local menu = awful.menu({items = {{"quit", function() awesome.quit() end}}})
-        root.buttons(awful.button({}, 3, function() menu:toggle() end))
-        awful.rules.rules = {{rule = {}, properties = {focus = awful.client.focus.filter}}}
-        """},
-    "fluxbox": {".fluxbox/keys": "OnDesktop Mouse3 :RootMenu\nF12 :ShowDesktop\n",
-                ".fluxbox/overlay": "background: none\n"},
-    "i3": {".config/i3/config": "# i3 config file (v4)\nfont pango:monospace 8\n"},
-}
+BUS = """<busconfig>
+  <type>session</type>
+  <listen>unix:path=%s/bus</listen>
+  <standard_session_servicedirs/>
+  <policy context="default">
+    <allow user="*"/>
+    <allow own="*"/>
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+  </policy>
+</busconfig>
+"""
+TWO_MONITORS = """
+Section "Device"
+  Identifier "device"
+  Driver "dummy"
+  VideoRam 65536
+EndSection
+Section "Screen"
+  Identifier "screen"
+  Device "device"
+  DefaultDepth 24
+EndSection
+"""
 
 
-def wait_for(condition, seconds=10, message="what was waited for"):
-    """Calls `condition` until it returns something true, and returns that."""
+def wait_for(condition, what="what was waited for", seconds=30):
+    """Calls `condition` until it returns something true, and returns that. Until then it may also raise AssertionError, which
+    is raised in the end, or an error of X11: a window can go away while it is looked at."""
     end = time.monotonic() + seconds
-    while not (result := condition()):
+    while True:
+        failure = None
+        try:
+            if result := condition():
+                return result
+        except AssertionError as error_:
+            failure = error_
+        except error.XError:
+            pass
         if time.monotonic() > end:
-            raise AssertionError(f"{message} did not come within {seconds} s")
+            raise failure or AssertionError(f"{what} did not come within {seconds} s")
         time.sleep(0.02)
-    return result
+
+
+def settled(look):
+    """Waits until `look` returns the same again and again, and returns that."""
+    def stays():
+        before = look()
+        for _ in range(3):
+            time.sleep(0.1)
+            if look() != before:
+                return None
+        return [before]
+    return wait_for(stays, "something that keeps still")[0]
 
 
 class Process:
-    """A program with its standard error, line by line."""
+    """A running program. `lines` has what it has written to standard error so far."""
 
-    def __init__(self, argv, env, **options):
-        self.popen = subprocess.Popen(argv, env=env, stderr=subprocess.PIPE, text=True, **options)
-        self.lines = []
-        self.reader = threading.Thread(target=lambda: self.lines.extend(self.popen.stderr), daemon=True)
+    def __init__(self, argv, **options):
+        self.popen = subprocess.Popen(argv, stderr=subprocess.PIPE, text=True, errors="replace", **options)
+        self.pid, self.lines = self.popen.pid, []
+        self.reader = threading.Thread(target=self.read, daemon=True)
         self.reader.start()
-        # The list grows while the program runs: extend() appends line by line.
 
-    def end(self, signal=15):
-        """Ends it and returns its exit code."""
-        self.popen.send_signal(signal)
-        return self.wait()
+    def read(self):
+        with self.popen.stderr as lines:
+            self.lines.extend(lines)  # one by one, as they come
 
-    def wait(self, seconds=10):
+    def runs(self):
+        return self.popen.poll() is None
+
+    def end(self, number=signal.SIGTERM):
+        """Sends a signal, waits for the end and returns the exit code. Kills a program that does not end."""
+        self.popen.send_signal(number)
+        try:
+            return self.wait()
+        except subprocess.TimeoutExpired:
+            self.popen.kill()
+            return self.wait()
+
+    def wait(self, seconds=20):
+        """Waits for the end and returns the exit code."""
         code = self.popen.wait(seconds)
-        self.reader.join(seconds)
+        self.reader.join(5)  # what it started may still hold its standard error
         return code
+
+    def first_line(self):
+        """The first line of its standard output, which is a pipe."""
+        with self.popen.stdout as output:
+            return output.readline().strip() or self.wait() and None
 
 
 class Screen:
-    """The canvas of Wayland compositors: an X11 screen with one window for each output."""
+    """What people see and do on the X11 screen of a rig, until the end of its session."""
 
-    def __init__(self, name):
-        self.name = name
-        self.display = display.Display(name)
+    def __init__(self, rig):
+        self.name = rig.env["DISPLAY"]
+        with mock.patch.dict(os.environ, XAUTHORITY=rig.env.get("XAUTHORITY", "")):
+            self.display = display.Display(self.name)
+        rig.ends.callback(self.close)
         self.root = self.display.screen().root
-        # Made here, because sway does not make them.
+        self.size = self.root.get_geometry().width, self.root.get_geometry().height
+
+    def close(self):
+        with contextlib.suppress(error.ConnectionClosedError):  # its server has ended
+            self.display.close()
+
+    def look(self, x, y, width, height):
+        """A part of the screen as a picture."""
+        data = bytearray(self.root.get_image(x, y, width, height, X.ZPixmap, 0xffffffff).data)
+        data[3::4] = b"\xff" * (width * height)
+        return cairo.ImageSurface.create_for_data(data, cairo.FORMAT_RGB24, width, height)
+
+    def pixel(self, x, y):
+        """As 0xRRGGBB."""
+        return int.from_bytes(self.root.get_image(x, y, 1, 1, X.ZPixmap, 0xffffff).data[:3], "little")
+
+    def point(self, x, y):
+        xtest.fake_input(self.display, X.MotionNotify, x=x, y=y)
+        self.display.sync()
+
+    def button(self, is_pressed, button=1):
+        xtest.fake_input(self.display, X.ButtonPress if is_pressed else X.ButtonRelease, button)
+        self.display.sync()
+
+    def pointer(self):
+        """A number that changes with the picture of the pointer, as it does when a window manager begins to move a window."""
+        self.display.xfixes_query_version()
+        return self.display.xfixes_get_cursor_image(self.root).cursor_serial
+
+    def click(self, x, y, button=1):
+        self.point(x, y)
+        self.button(True, button)
+        self.button(False, button)
+
+
+class Canvas(Screen):
+    """The X11 screen on which Wayland compositors show their outputs, each as a window."""
+
+    def __init__(self, rig):
+        super().__init__(rig)
+        # Made before sway starts, which does not make them.
         self.protocols, self.delete = (self.display.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
 
     def unplug(self, window):
@@ -101,172 +182,196 @@ class Screen:
 
     def spread(self, *places):
         """Moves the outputs' windows to these places, in the order in which they were made, and returns them."""
-        windows = wait_for(lambda: len(found := self.root.query_tree().children) >= len(places) and found)
+        windows = wait_for(lambda: len(found := self.root.query_tree().children) >= len(places) and found, "the outputs")
         for window, (x, y) in zip(windows, places):
             window.configure(x=x, y=y)
         self.display.sync()
         return windows
 
-    def rows(self, x, y, width, height):
-        """Rows of pixels, top to bottom, as cairo has them."""
-        data = bytearray(self.root.get_image(x, y, width, height, X.ZPixmap, 0xffffffff).data)
-        data[3::4] = b"\xff" * (width * height)
-        return [bytes(data[4 * width * row:4 * width * (row + 1)]) for row in range(height)]
-
-    def point(self, x, y):
-        xtest.fake_input(self.display, X.MotionNotify, x=x, y=y)
-        self.display.sync()
-
-    def button(self, is_pressed, button=1):
-        xtest.fake_input(self.display, X.ButtonPress if is_pressed else X.ButtonRelease, button)
-        self.display.sync()
-
 
 class Rig:
-    def __init__(self, programs, *files):
-        """`programs` is the folder of the tarno programs, everything else comes from PATH; `files` are copied beside
-        them."""
-        self.home = tempfile.mkdtemp(prefix="tarno-desktop-test-")
-        self.started = []
-        self.screen = None
-        names = ("tarno-desktop", "tarno-widget", "tarno-status")
-        for file in (*(os.path.join(programs, name) for name in names), *files):
-            shutil.copy(file, self.home)
-        if os.geteuid() == 0:
+    def __init__(self, programs):
+        """`programs` is the folder of the tarno programs; all others come from PATH."""
+        self.home = tempfile.mkdtemp(prefix="tarno-rig-")
+        self.ends, self.screen = None, None  # how the session ends, and the canvas of compositors
+        self.user = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
+        if self.user:
+            os.umask(0o022)  # nobody reads what is written here
             os.chown(self.home, NOBODY, NOBODY)
-            os.setgroups([])
-            os.setgid(NOBODY)
-            os.setuid(NOBODY)
+        for name in ("tarno-desktop", "tarno-widget", "tarno-status"):
+            self.copy_program(os.path.join(programs, name))
+        # Programs that lose their parents become children of this process, which can then end them.
+        ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
         self.env = {name: os.environ[name] for name in ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")
                     if name in os.environ}
-        self.env |= {"HOME": self.home, "XDG_RUNTIME_DIR": self.home, "XDG_DATA_HOME": self.home + "/data",
+        self.env |= {"HOME": self.home, "XDG_RUNTIME_DIR": self.home, "XDG_DATA_HOME": self.path("data"), "TMPDIR": self.home,
                      "LANG": "C.UTF-8", "TZ": "UTC", "NO_AT_BRIDGE": "1"}
 
     def __enter__(self):
+        self.whole = contextlib.ExitStack()
+        self.whole.callback(shutil.rmtree, self.home, ignore_errors=True)
+        self.whole.enter_context(self.session())
         return self
 
     def __exit__(self, *_):
-        for process in reversed(self.started):
-            process.popen.kill()
-            process.wait()
-        shutil.rmtree(self.home, ignore_errors=True)
+        self.whole.close()
 
     @contextlib.contextmanager
     def session(self):
-        """Ends what was started inside it, and forgets its displays."""
-        before, env = len(self.started), dict(self.env)
+        """Ends what was started inside it, the last one first, then what this left running; forgets its displays."""
+        kept, outer = self.children(), (self.ends, self.env, self.screen)
+        self.ends, self.env = contextlib.ExitStack(), dict(self.env)
         try:
-            yield
+            with self.ends:
+                yield
         finally:
-            for process in reversed(self.started[before:]):
-                process.popen.kill()
-                process.wait()
-            del self.started[before:]
-            self.env = env
+            while left := self.children() - kept:
+                for pid in left:
+                    os.kill(pid, signal.SIGKILL)
+                    os.waitpid(pid, 0)
+            self.ends, self.env, self.screen = outer
+
+    def children(self):
+        """The processes that this one started, and those whose parents ended."""
+        return set(map(int, self.read(f"/proc/self/task/{os.getpid()}/children").split()))
+
+    # Files
 
     def path(self, name):
         return os.path.join(self.home, name)
 
+    def read(self, name):
+        with open(self.path(name), encoding="utf-8") as file:
+            return file.read()
+
+    def write(self, name, text, mode=0o644):
+        """Replaces a file at once; returns its path."""
+        path = self.path(name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path + ".new", "w", encoding="utf-8") as file:
+            file.write(text)
+        os.chmod(file.name, mode)
+        os.rename(file.name, path)
+        return path
+
+    def copy_program(self, path):
+        copy = shutil.copyfile(path, self.path(os.path.basename(path)))
+        os.chmod(copy, 0o755)
+        return copy
+
+    # Programs
+
     def start(self, *argv, env=None, stdout=subprocess.DEVNULL):
-        if not shutil.which(argv[0]):
-            print(f"skipped: {argv[0]} is not installed")
-            sys.exit(SKIP)
-        self.started.append(Process(argv, self.env | (env or {}), stdout=stdout, cwd=self.home))
-        return self.started[-1]
+        if "/" not in argv[0] and not shutil.which(argv[0]):
+            raise unittest.SkipTest(f"{argv[0]} is not installed")
+        process = Process(argv, env=self.env | (env or {}), stdout=stdout, cwd=self.home, **self.user)
+        self.ends.callback(process.end)
+        return process
 
     def run(self, *argv, **options):
-        return subprocess.run(argv, env=self.env, cwd=self.home, capture_output=True, check=True, timeout=20,
+        """Runs a program to its end and returns its standard output."""
+        return subprocess.run(argv, env=self.env, cwd=self.home, capture_output=True, check=True, timeout=60, **self.user,
                               **options).stdout
 
-    # Desktops
+    def settings(self, text):
+        """The tile's settings file, until the end of the session."""
+        self.env["XDG_CONFIG_HOME"] = self.path("settings")
+        self.write("settings/tarno/desktop.ini", text + "\n")
+
+    def tile(self, *options, env=None):
+        """Starts tarno-desktop and waits until it says that the tile is shown."""
+        tile = self.start(self.path("tarno-desktop"), *options, env=env)
+        wait_for(lambda: tile.lines or not tile.runs(), "the tile")
+        return tile
+
+    def save(self, record, at):
+        self.run(self.path("tarno-status"), "save", "--received-at", at, input=record.encode())
+
+    def session_bus(self):
+        """D-Bus, through which programs and screen readers meet. Root may use that of nobody."""
+        configuration = self.write("bus.conf", BUS % self.home)
+        bus = self.start("dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address", stdout=subprocess.PIPE)
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.first_line()
+        self.env.pop("NO_AT_BRIDGE", None)
+        return bus
+
+    # X11
 
     def x11(self, *server):
         """One screen of 1280 x 800 that is called "screen"; the server is kept when its last client goes."""
         server = server or ("Xvfb", "-screen", "0", "1280x800x24")
         server = self.start(*server, "-displayfd", "1", "-noreset", "-nolisten", "tcp", stdout=subprocess.PIPE)
-        self.env["DISPLAY"] = ":" + server.popen.stdout.readline().strip()
+        number = server.first_line()
+        assert number, server.lines
+        self.env["DISPLAY"] = ":" + number
         return server
-
-    def monitors(self):
-        """X11 with monitors that can be turned on and off, DUMMY0 to DUMMY15; the first is on."""
-        with open(self.path("xorg.conf"), "w") as file:
-            file.write("""Section "Device"
-                            Identifier "device"
-                            Driver "dummy"
-                            VideoRam 65536
-                          EndSection
-                          Section "Screen"
-                            Identifier "screen"
-                            Device "device"
-                            DefaultDepth 24
-                          EndSection""")
-        return self.x11("/usr/lib/xorg/Xorg", "-config", self.path("xorg.conf"), "-logfile", self.path("xorg.log"),
-                        "-novtswitch", "-sharevts")
 
     def two_monitors(self):
         """X11 with DUMMY0, the primary one, and DUMMY1 right of it, of 1024 x 768 each."""
-        self.monitors()
+        self.x11("/usr/lib/xorg/Xorg", "-config", self.write("xorg.conf", TWO_MONITORS), "-logfile", self.path("xorg.log"),
+                 "-novtswitch", "-sharevts")
         self.run("xrandr", "--addmode", "DUMMY1", "1024x768")
         self.run("xrandr", "--output", "DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
 
     def window_manager(self, name, *options):
-        """Manages the windows of X11, one of WINDOW_MANAGERS; returns the display. NAME=value sets a variable."""
-        for file, text in CONFIGURATION.get(name, {}).items():
-            os.makedirs(os.path.dirname(self.path(file)), exist_ok=True)
-            with open(self.path(file), "w") as configuration:
-                configuration.write(text)
-        env = dict(option.split("=") for option in options if not option.startswith("-"))
-        process = self.start(*WINDOW_MANAGERS[name], *(option for option in options if option.startswith("-")),
-                             env={"GSETTINGS_BACKEND": "memory", "LIBGL_ALWAYS_SOFTWARE": "1"} | env)
-        screen = display.Display(self.env["DISPLAY"])
-        root = screen.screen().root
-        check, state = (screen.intern_atom(name) for name in ("_NET_SUPPORTING_WM_CHECK", "WM_STATE"))
-        probe = root.create_window(0, 0, 9, 9, 0, X.CopyFromParent)
-        def is_managed():
-            if process.popen.poll() is not None:
-                raise AssertionError(f"{name} ended: {process.lines[-1:]}")
-            if root.get_full_property(check, X.AnyPropertyType):
-                probe.map()  # what is mapped before is left alone for good by some
-            return probe.get_full_property(state, X.AnyPropertyType)
+        """Starts one of WINDOW_MANAGERS and waits until it manages windows. NAME=value among the options sets a variable."""
+        manager = WINDOW_MANAGERS[name]
+        for file, text in manager.files.items():
+            self.write(file, text)
+        screen = Screen(self)
+        check, state = (screen.display.intern_atom(name) for name in ("_NET_SUPPORTING_WM_CHECK", "WM_STATE"))
+        manager_before = screen.root.get_full_property(check, X.AnyPropertyType)
+        probe = screen.root.create_window(0, 0, 9, 9, 0, X.CopyFromParent)
+        variables = dict(option.split("=") for option in options if not option.startswith("-"))
+        process = self.start(*manager.argv, *(option for option in options if option.startswith("-")),
+                             env=SOFTWARE | variables)
 
-        wait_for(is_managed, 20, message=name)
-        time.sleep(0.3)  # some stumble over a window that goes while they frame it
-        screen.close()
-        return display.Display(self.env["DISPLAY"])
+        def is_managed():
+            assert process.runs(), f"{name} ended: {process.lines[-1:]}"
+            manager = screen.root.get_full_property(check, X.AnyPropertyType)
+            if manager and (not manager_before or manager.value != manager_before.value):
+                probe.map()  # what is mapped before is left alone for good by some
+            return probe.get_full_property(state, X.AnyPropertyType) and probe.get_attributes().map_state == X.IsViewable
+
+        wait_for(is_managed, name)  # some stumble over a window that goes while they frame it
+        wait_for(lambda: probe.unmap() or probe.query_tree().parent == screen.root, f"the end of {name}'s frame")
+        return process
 
     def mutter_with_xwayland(self, monitors=1):
-        """X11 inside Wayland, as on GNOME, with monitors of 1280 x 800 beside each other; returns the display that shows them
-        and that of X11."""
+        """X11 inside Wayland, as on GNOME, with monitors of 1280 x 800 beside each other. Returns the screen outside, which
+        shows them."""
         secrets = lambda: [self.path(name) for name in os.listdir(self.home) if name.startswith(".mutter-Xwayland")]
         for secret in secrets():
-            os.remove(secret)  # of one that was killed
+            os.remove(secret)
         self.x11("Xvfb", "-screen", "0", f"{1280 * monitors}x800x24")
-        outside = display.Display(self.env.pop("DISPLAY"))
-        compositor = self.start("mutter", "--wayland", "--nested", "--sm-disable", env={
-            "DISPLAY": outside.get_display_name(), "GSETTINGS_BACKEND": "memory", "LIBGL_ALWAYS_SOFTWARE": "1",
+        outside = Screen(self)
+        compositor = self.start("mutter", "--wayland", "--nested", "--sm-disable", env=SOFTWARE | {
             "MUTTER_DEBUG_NUM_DUMMY_MONITORS": str(monitors), "MUTTER_DEBUG_DUMMY_MODE_SPECS": "1280x800"})
-        told = wait_for(lambda: [line for line in compositor.lines if "public X11 display" in line], message="Xwayland")[0]
-        self.env |= {"DISPLAY": told.split("display ")[1].split(",")[0], "XAUTHORITY": wait_for(secrets)[0]}
-        os.environ["XAUTHORITY"] = self.env["XAUTHORITY"]
-        return outside, display.Display(self.env["DISPLAY"])
+        told = wait_for(lambda: [line for line in compositor.lines if "public X11 display" in line], "Xwayland")[0]
+        self.env |= {"DISPLAY": told.split("display ")[1].split(",")[0], "XAUTHORITY": wait_for(secrets, "its secret")[0]}
+        return outside
 
-    def openbox(self):
-        return self.window_manager("openbox")
+    # Wayland
 
     def canvas(self, width, height):
         """An X11 screen on which the compositors that are started next show their outputs, so that these can be looked at and
         clicked. Other programs do not know of it."""
         self.x11("Xvfb", "-screen", "0", f"{width}x{height}x24")
-        self.screen = Screen(self.env.pop("DISPLAY"))
+        self.screen = Canvas(self)
+        del self.env["DISPLAY"]
         return self.screen
 
     def compositor(self, socket, *argv, env=None):
         """Starts a Wayland compositor, on the canvas when there is one, and waits for its socket."""
-        canvas = {"DISPLAY": self.screen.name} if self.screen else {}
-        if os.path.exists(self.path(socket)):
+        with contextlib.suppress(FileNotFoundError):
             os.remove(self.path(socket))  # of one that was killed
-        compositor = self.start(*argv, env=canvas | (env or {}))
-        wait_for(lambda: os.path.exists(self.path(socket)), message=argv[0])
+        compositor = self.start(*argv, env=({"DISPLAY": self.screen.name} if self.screen else {}) | (env or {}))
+
+        def listens():
+            assert compositor.runs(), f"{argv[0]} ended: {compositor.lines[-3:]}"
+            return os.path.exists(self.path(socket))
+
+        wait_for(listens, argv[0])
         self.env["WAYLAND_DISPLAY"] = socket
         if self.screen:
             self.screen.point(9, 795)
@@ -277,60 +382,30 @@ class Rig:
         """Layer-shell, with one output HEADLESS-1 of 1280 x 720 on a plain ground; on a canvas, with outputs X11-1 and so on.
         `lines` are added to its configuration."""
         # Not "solid_color", which newer ones draw as one enlarged pixel that fades towards the edges at fractional scales.
-        ground = cairo.ImageSurface(cairo.FORMAT_RGB24, 2560, 800)
-        context = cairo.Context(ground)
-        context.set_source_rgb(0.2, 0.4, 0.6)
-        context.paint()
+        ground = cairo.ImageSurface.create_for_data(bytearray(b"\x99\x66\x33\xff" * 2560 * 800), cairo.FORMAT_RGB24, 2560, 800)
         ground.write_to_png(self.path("ground.png"))
-        with open(self.path("sway.conf"), "w") as file:
-            file.write("\n".join((f"output * bg {self.path('ground.png')} tile", "xwayland disable", *lines, "")))
+        self.write("sway.conf", "\n".join((f"output * bg {self.path('ground.png')} tile", "xwayland disable", *lines, "")))
         backend = {"WLR_BACKENDS": "x11" if self.screen else "headless", "WLR_LIBINPUT_NO_DEVICES": "1",
                    "WLR_RENDERER": "pixman"} | backend
         compositor = self.compositor("wayland-1", "sway", "-c", self.path("sway.conf"), env=backend)
-        socket = self.path(f"sway-ipc.{os.geteuid()}.{compositor.popen.pid}.sock")
-        wait_for(lambda: os.path.exists(socket), message="sway")
-        self.env["SWAYSOCK"] = socket
+        self.env["SWAYSOCK"] = self.path(f"sway-ipc.{self.user.get('user', os.getuid())}.{compositor.pid}.sock")
+        wait_for(lambda: os.path.exists(self.env["SWAYSOCK"]), "sway")
         return compositor
 
-    def weston(self, scale=1):
-        """No layer-shell; one output on a plain ground, of 1024 x 640 pixels, on a canvas of 1280 x 800."""
-        with open(self.path("weston.ini"), "w") as file:
-            file.write("[shell]\nbackground-color=0xff336699\npanel-position=none\n"
-                       f"[output]\nname=screen0\nmode={1280 // scale}x{800 // scale}\nscale={scale}\n")
-        backend = (["--backend=x11-backend.so"] if self.screen else
-                   ["--backend=headless-backend.so", "--width=1024", "--height=640", f"--scale={scale}"])
-        return self.compositor("tarno", "weston", *backend, "--use-pixman", "--socket=tarno", "--idle-time=0", "--debug",
-                               f"--config={self.path('weston.ini')}")
+    def weston(self, scale):
+        """No layer-shell; on a canvas, one output of 1280 x 800 pixels on a plain ground."""
+        self.write("weston.ini", "[shell]\nbackground-color=0xff336699\npanel-position=none\n"
+                                 f"[output]\nname=screen0\nmode={1280 // scale}x{800 // scale}\nscale={scale}\n")
+        return self.compositor("tarno", "weston", "--backend=x11-backend.so", "--use-pixman", "--socket=tarno", "--idle-time=0",
+                               "--debug", f"--config={self.path('weston.ini')}")
 
     def kwin(self, scale=1, outputs=1):
         """Layer-shell; on a canvas, outputs of 1280 x 800 pixels on black ground, side by side. Needs a session bus."""
-        shutil.copyfile("/usr/bin/kwin_wayland", self.path("kwin_wayland"))  # without the capability that a container refuses
-        os.chmod(self.path("kwin_wayland"), 0o755)
-        return self.compositor("kwin", self.path("kwin_wayland"), "--socket", "kwin", "--x11-display", self.screen.name,
+        program = shutil.which("kwin_wayland")
+        if not program:
+            raise unittest.SkipTest("kwin_wayland is not installed")
+        copy = self.copy_program(program)  # without the capability that a container refuses
+        return self.compositor("kwin", copy, "--socket", "kwin", "--x11-display", self.screen.name,
                                "--width", str(round(1280 / scale)), "--height", str(round(800 / scale)), "--scale", str(scale),
                                "--output-count", str(outputs), "--no-lockscreen", "--no-global-shortcuts",
                                env={"KWIN_COMPOSE": "Q"})
-
-    def session_bus(self):
-        """D-Bus, through which programs and screen readers meet."""
-        bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address", stdout=subprocess.PIPE)
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.popen.stdout.readline().strip()
-        self.env.pop("NO_AT_BRIDGE", None)
-
-    # The programs
-
-    def settings(self, text):
-        """The tile's settings file, until the end of the session."""
-        self.env["XDG_CONFIG_HOME"] = self.path("settings")
-        os.makedirs(self.path("settings/tarno"), exist_ok=True)
-        with open(self.path("settings/tarno/desktop.ini"), "w") as file:
-            file.write(text + "\n")
-
-    def tile(self, *options, env=None):
-        """Starts tarno-desktop and waits until it says that the tile is shown."""
-        tile = self.start(self.path("tarno-desktop"), *options, env=env)
-        wait_for(lambda: tile.lines or tile.popen.poll() is not None, message="the tile")
-        return tile
-
-    def save(self, record, at):
-        self.run(self.path("tarno-status"), "save", "--received-at", at, input=record.encode())

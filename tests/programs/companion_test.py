@@ -1,12 +1,9 @@
 """Every command of docs/companion.md, run as it stands there."""
 
 import json
-import os
 import re
-import shutil
 import socket
 import subprocess
-import unittest
 
 from document import PAGE, block, blocks
 from program_test_case import ProgramTest
@@ -67,14 +64,12 @@ class Companion(ProgramTest):
         self.wait_for(lambda: self.status() == ("unlocked", "Waiting for Tarno status."))
 
     def test_mqtt(self):
-        broker = shutil.which("mosquitto", path=os.environ["PATH"] + ":/usr/sbin")
-        if not broker or not shutil.which("mosquitto_sub"):
-            self.skipTest("mosquitto is not installed")
+        self.needs("mosquitto", "mosquitto_sub")
         with socket.create_server(("127.0.0.1", 0)) as free:
             port = free.getsockname()[1]
         for name in ("mosquitto_sub", "mosquitto_pub"):
             (self.folder / name).write_text(f"-p {port}\n", encoding="utf-8")
-        self.start(broker, "-p", str(port), stderr=subprocess.DEVNULL)
+        self.start("mosquitto", "-p", str(port), stderr=subprocess.DEVNULL)
 
         def listens():
             with socket.socket() as client:

@@ -2,9 +2,7 @@
 
 import pathlib
 import re
-import shutil
 import subprocess
-import unittest
 
 from program_test_case import ProgramTest
 
@@ -43,8 +41,8 @@ class ManPages(ProgramTest):
                 used.update(general_ones)
             self.assertEqual(used, set(shared), program)
 
-    @unittest.skipUnless(shutil.which("mandoc"), "needs mandoc")
     def test_mandoc_finds_nothing_wrong(self):
+        self.needs("mandoc")
         for page in PAGES.glob("*.[15]"):
             done = subprocess.run(["mandoc", "-Tlint", page], capture_output=True, text=True, cwd=PAGES)
             # Which manuals of others are installed is not the page's matter.

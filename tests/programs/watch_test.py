@@ -39,7 +39,7 @@ class Watch(ProgramTest):
         self.save(at=ago(0))
         self.assertRegex(line(), r"\Alocked \ds\|Mac locked.\n\Z")
         (self.group / "another").touch()  # is no change
-        self.save({"status": "unlocked"}, at=ago(147))
+        self.save({"status": "unlocked"}, at=ago(145))
         self.assertEqual(line(), "unlocked 2m|Waiting for Tarno status.\n")
         self.assertEqual(line(), "unknown 2m|Mac status is 2m old. Refresh Tarno before trusting it.\n")
         shutil.rmtree(self.group.parent)
@@ -75,7 +75,7 @@ class Watch(ProgramTest):
 
         def sleeps():
             before = switches()
-            time.sleep(0.5)
+            time.sleep(1.2)
             return before and before == switches()
 
         self.wait_for(sleeps)

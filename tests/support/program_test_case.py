@@ -1,5 +1,6 @@
 """What the tests of the programs share: the programs run on a store of the test's own."""
 
+import contextlib
 import json
 import os
 import shutil
@@ -22,7 +23,7 @@ class ProgramTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         self.group = self.folder / "data" / GROUP
         self.environment = {**os.environ, "XDG_DATA_HOME": str(self.folder / "data"), "LC_ALL": "C.UTF-8",
-                            "PATH": f"{BIN}:{os.environ['PATH']}"}
+                            "PATH": f"{BIN}:{os.environ['PATH']}:/usr/sbin", "TMPDIR": str(self.folder)}
 
     def call(self, *command, stdin="", environment=None, **options):
         """Runs a command to its end, whatever comes of it. The options are those of subprocess.run()."""
@@ -42,13 +43,23 @@ class ProgramTest(unittest.TestCase):
         """Ends, with all that it started, when the test does. The options are those of subprocess.Popen()."""
         process = self.enterContext(subprocess.Popen(command, env=self.environment, cwd=self.folder,
                                                      start_new_session=True, **options))
-        self.addCleanup(lambda: process.returncode is None and os.killpg(process.pid, signal.SIGKILL))
+
+        def end():
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(process.pid, signal.SIGKILL)
+
+        self.addCleanup(end)
         return process
 
+    def needs(self, *programs):
+        for program in programs:
+            if not shutil.which(program, path=self.environment["PATH"]):
+                self.skipTest(f"{program} is not installed")
+
     def wait_for(self, condition):
-        end = time.monotonic() + 20
+        end = time.monotonic() + 60
         while not condition():
-            self.assertLess(time.monotonic(), end)
+            self.assertLess(time.monotonic(), end, "what was waited for did not come")
             time.sleep(0.02)
 
     def save(self, record=None, at=MOMENT):

@@ -2,22 +2,23 @@
 import json
 import os
 import signal
-import sys
-import time
 
-from Xlib import Xatom, display
+from Xlib import Xatom
 from gi.repository import Gio, GLib
 
-sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../../script"))
-from headless import Rig, wait_for
+from desktop_test_case import DesktopTest
+from headless import Screen, wait_for
 
 WIDGET = """#!/usr/bin/python3
 import fcntl, os, sys
 number = int(sys.argv[sys.argv.index("--fd") + 1])
-with open(os.path.dirname(os.path.abspath(sys.argv[0])) + "/frame") as file:
+folder = os.path.dirname(os.path.abspath(sys.argv[0]))
+with open(folder + "/frame") as file:
     print(file.read())
 os.ftruncate(number, 4 * 728 * 340)
 fcntl.fcntl(number, fcntl.F_ADD_SEALS, fcntl.F_SEAL_SHRINK)
+with open(folder + "/asked", "a") as file:
+    file.write("x")
 """
 
 
@@ -28,25 +29,6 @@ def frame(status, *texts):
                  for line, text in enumerate(texts)]
     return json.dumps({"width": 546, "height": 255, "stride": 2184, "title": "Tarno", "announcement": status,
                        "accessibility": elements, "reload_after": "2099-11-16T15:42:05Z", "stale_from": None, "watch": None})
-
-
-class Tile:
-    """One that shows the frames that a test tells it to."""
-
-    def __init__(self, rig, line, *options):
-        self.rig = rig
-        os.remove(rig.path("tarno-widget"))
-        for name, text, mode in ("tarno-widget", WIDGET, 0o755), ("frame", line, 0o644):
-            with open(rig.path(name), "w") as file:
-                file.write(text)
-            os.chmod(rig.path(name), mode)
-        self.process = rig.tile(*options)
-
-    def send(self, line):
-        with open(self.rig.path("new"), "w") as file:
-            file.write(line)
-        os.rename(self.rig.path("new"), self.rig.path("frame"))
-        self.process.popen.send_signal(signal.SIGUSR1)
 
 
 def call(bus, name, path, member, *arguments):
@@ -64,105 +46,116 @@ def listen(session):
     return Gio.DBusConnection.new_for_address_sync(address, flags)
 
 
-def check_tree(pyatspi, application):
-    window = application[0]
-    extents = lambda: tuple(window.queryComponent().getExtents(0))
-    wait_for(lambda: extents() == (30, 30, 546, 255), message="the extents at another scale")
-    for element, expected in zip((window, *window), [
-            ("frame", "Tarno", 0, (30, 30, 546, 255), (0, 0, 546, 255), (30, 30, 546, 255)),
-            ("image", "Mac locked", 0, (54, 65, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)),
-            ("label", "Kivo's Mac", 1, (262, 90, 94, 20), (232, 60, 94, 20), (232, 60, 94, 20)),
-            ("label", "3s ago", 2, (262, 120, 94, 20), (232, 90, 94, 20), (232, 90, 94, 20))], strict=True):
-        place = element.queryComponent()
-        found = (element.getRoleName(), element.name, element.getIndexInParent(),
-                 *(tuple(place.getExtents(origin)) for origin in range(3)))
-        assert found == expected, found
-        assert element.parent == (application if element == window else window), expected
-        states = [pyatspi.stateToString(state) for state in element.getState().getStates()]
-        assert states == ["enabled", "sensitive", "showing", "visible"], states
-    for x, y, origin, is_in in [(54, 65, 0, True), (53, 65, 0, False), (54, 64, 0, False), (239, 250, 0, True),
-                                (240, 250, 0, False), (239, 251, 0, False), (24, 35, 1, True), (24, 34, 1, False)]:
-        assert window[0].queryComponent().contains(x, y, origin) == is_in, (x, y)
+class Accessibility(DesktopTest):
+    def test_what_a_screen_reader_finds_and_hears(self):
+        self.rig.x11()
+        bus_of_session = self.rig.session_bus()
+        os.environ |= self.rig.env
+        self.rig.write("tarno-widget", WIDGET, 0o755)
+        self.rig.write("frame", frame("Mac locked", "Kivo's Mac", "3s ago"))
+        self.tile = self.rig.tile("--anchor", "top-left", "--margin", "20")
+        session = Gio.bus_get_sync(Gio.BusType.SESSION)
+        session.set_exit_on_close(False)
+        names = lambda: call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames")[0]
+        tile = wait_for(lambda: [name for name in names() if name.startswith(":") and name != session.get_unique_name()],
+                        "the tile on the session bus")[0]
+        ping = lambda: call(session, tile, "/", "org.freedesktop.DBus.Peer.Ping")  # answered after all that came before
+        with self.subTest("a tile alone starts no service"):
+            ping()
+            started = f"/proc/{bus_of_session.pid}/task/{bus_of_session.pid}/children"
+            self.assertEqual((self.rig.read(started), "org.a11y.Bus" in names()), ("", False))
+        with self.subTest("the tile stays on the session bus while nobody listens"):
+            call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")  # starts the service
+            ping()
+            call(session, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Get",
+                 "(ss)", ("org.a11y.Status", "IsEnabled"))
+            ping()
+        listen(session)
+        import pyatspi  # reads the environment
+        desktop = pyatspi.Registry.getDesktop(0)
+        application = wait_for(lambda: [one for one in desktop if one and one.name == "tarno-desktop"], "the tile in the tree")[0]
+        self.assertEqual((application.getRoleName(), application.parent, len(application)), ("application", desktop, 1))
+        screen = Screen(self.rig)
+        screen.root.change_property(screen.display.intern_atom("RESOURCE_MANAGER"), Xatom.STRING, 8, b"Xft.dpi: 144\n")
+        screen.display.sync()
+        self.check_tree(pyatspi, application)
+        self.check_events(pyatspi, application[0])
 
+        # Its bus goes away, and another comes.
+        launcher = call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.GetConnectionUnixProcessID",
+                        "(s)", ("org.a11y.Bus",))[0]
+        os.kill(launcher, 15)
+        wait_for(lambda: "org.a11y.Bus" not in names(), "the end of the bus")
+        bus = listen(session)
+        root = "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root", "org.a11y.atspi.Accessible.GetChildren"
+        self.send(frame("Mac locked"))
+        name, path = wait_for(lambda: call(bus, *root)[0], "the tile in the new tree")[0]
+        for index, child in (0, "image3"), (1, None), (-1, None):
+            with self.subTest(index=index):
+                found = call(bus, name, path.replace("root", "window"), "org.a11y.atspi.Accessible.GetChildAtIndex",
+                             "(i)", (index,))[0][1]
+                self.assertEqual(found, path.replace("root", child) if child else "/org/a11y/atspi/null")
+        bus_of_session.end()
+        asked = len(self.rig.read("asked"))
+        self.send(frame("Mac unlocked"))
+        self.tile.popen.send_signal(signal.SIGPIPE)
+        wait_for(lambda: len(self.rig.read("asked")) > asked, "a frame after the session bus")
+        self.assertEqual((self.tile.end(signal.SIGHUP), len(self.tile.lines)), (0, 1), self.tile.lines)
 
-def check_events(pyatspi, window, send):
-    heard = []
+    def send(self, line):
+        self.rig.write("frame", line)
+        self.tile.popen.send_signal(signal.SIGUSR1)
 
-    def listen_for(*kinds):
-        for kind in kinds:
-            pyatspi.Registry.registerEventListener(
-                lambda event: heard.append((str(event.type).removeprefix("object:"), event.source.getRoleName(), event.detail1,
-                                            getattr(event.any_data, "name", event.any_data) or event.source.name)),
-                "object:" + kind)
+    def check_tree(self, pyatspi, application):
+        window = application[0]
+        extents = lambda: tuple(window.queryComponent().getExtents(0))
+        wait_for(lambda: extents() == (30, 30, 546, 255), "the extents at another scale")
+        for element, expected in zip((window, *window), [
+                ("frame", "Tarno", 0, (30, 30, 546, 255), (0, 0, 546, 255), (30, 30, 546, 255)),
+                ("image", "Mac locked", 0, (54, 65, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)),
+                ("label", "Kivo's Mac", 1, (262, 90, 94, 20), (232, 60, 94, 20), (232, 60, 94, 20)),
+                ("label", "3s ago", 2, (262, 120, 94, 20), (232, 90, 94, 20), (232, 90, 94, 20))], strict=True):
+            with self.subTest(expected[1]):
+                place = element.queryComponent()
+                found = (element.getRoleName(), element.name, element.getIndexInParent(),
+                         *(tuple(place.getExtents(origin)) for origin in range(3)))
+                self.assertEqual(found, expected)
+                self.assertEqual(element.parent, application if element == window else window)
+                states = [pyatspi.stateToString(state) for state in element.getState().getStates()]
+                self.assertEqual(states, ["enabled", "sensitive", "showing", "visible"])
+        for x, y, origin, is_in in [(54, 65, 0, True), (53, 65, 0, False), (54, 64, 0, False), (239, 250, 0, True),
+                                    (240, 250, 0, False), (239, 251, 0, False), (24, 35, 1, True), (24, 34, 1, False)]:
+            with self.subTest(x=x, y=y, origin=origin):
+                self.assertEqual(window[0].queryComponent().contains(x, y, origin), is_in)
 
-    def hears(line, *expected):
-        heard.clear()
-        send(line)
-        end = time.monotonic() + 1  # for what should not be heard, too
-        while time.monotonic() < end:
-            GLib.MainContext.default().iteration(False)
-            time.sleep(0.01)
-        assert heard == list(expected), heard
+    def check_events(self, pyatspi, window):
+        heard, expected = [], []
 
-    renamed = "property-change:accessible-name"
-    listen_for(renamed, "children-changed")
-    hears(frame("Mac locked", "Kivo's Mac", "4s ago"), (renamed, "label", 0, "4s ago"))
-    hears(frame("Mac unlocked", "Kivo's Mac", "4s ago"), (renamed, "image", 0, "Mac unlocked"))
-    listen_for("state-changed:showing")
-    hears(frame("Mac locked", "Kivo's Mac", "4s ago"), (renamed, "image", 0, "Mac locked"),
-          ("state-changed:showing", "notification", 1, "Mac locked"))
-    listen_for("announcement")
-    hears(frame("Mac unlocked", "Kivo's Mac"), ("children-changed:remove", "frame", 2, "Tarno"),
-          (renamed, "image", 0, "Mac unlocked"), ("announcement", "frame", 1, "Mac unlocked"))
-    hears(frame("Mac unlocked", "Kivo's Mac", "now"), ("children-changed:add", "frame", 2, "now"), (renamed, "label", 0, "now"))
-    assert [element.name for element in window] == ["Mac unlocked", "Kivo's Mac", "now"]
+        def listen_for(*kinds):
+            for kind in kinds:
+                pyatspi.Registry.registerEventListener(
+                    lambda event: heard.append((str(event.type).removeprefix("object:"), event.source.getRoleName(),
+                                                event.detail1,
+                                                getattr(event.any_data, "name", event.any_data) or event.source.name)),
+                    "object:" + kind)
 
+        def hears(line, *events):
+            """And nothing else: what should not be heard is there at the latest when the next frame's events are."""
+            expected.extend(events)
+            self.send(line)
+            wait_for(lambda: (GLib.MainContext.default().iteration(False), len(heard) >= len(expected))[1], str(events))
+            self.assertEqual(heard, expected)
 
-def test(rig):
-    rig.x11()
-    rig.session_bus()
-    bus_of_session = rig.started[-1]
-    os.environ |= rig.env
-    tile = Tile(rig, frame("Mac locked", "Kivo's Mac", "3s ago"), "--anchor", "top-left", "--margin", "20")
-    session = Gio.bus_get_sync(Gio.BusType.SESSION)
-    names = lambda: call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames")[0]
-    wait_for(lambda: ":1.1" in names(), message="the tile on the session bus")
-    time.sleep(0.3)
-    assert "org.a11y.Bus" not in names(), "the tile started the service"
-    call(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")  # starts it, and nobody listens yet
-    time.sleep(0.3)
-    assert ":1.1" in names(), "the tile left the session bus though nobody listens"
-    listen(session)
-    import pyatspi  # reads the environment
-    desktop = pyatspi.Registry.getDesktop(0)
-    found = lambda: [one for one in desktop if one and one.name == "tarno-desktop"]
-    application = wait_for(found, message="the tile in the tree")[0]
-    assert (application.getRoleName(), application.parent, len(application)) == ("application", desktop, 1)
-    screen = display.Display(rig.env["DISPLAY"])
-    screen.screen().root.change_property(screen.intern_atom("RESOURCE_MANAGER"), Xatom.STRING, 8, b"Xft.dpi: 144\n")
-    screen.sync()
-    check_tree(pyatspi, application)
-    check_events(pyatspi, application[0], tile.send)
-
-    # Its bus goes away, and another comes.
-    launcher = call(session, "org.freedesktop.DBus", "/", "org.freedesktop.DBus.GetConnectionUnixProcessID",
-                    "(s)", ("org.a11y.Bus",))[0]
-    os.kill(launcher, 15)
-    wait_for(lambda: "org.a11y.Bus" not in names(), message="the end of the bus")
-    bus = listen(session)
-    root = "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root", "org.a11y.atspi.Accessible.GetChildren"
-    tile.send(frame("Mac locked"))
-    name, path = wait_for(lambda: call(bus, *root)[0], message="the tile in the new tree")[0]
-    for index, child in (0, "image3"), (1, None), (-1, None):
-        found = call(bus, name, path.replace("root", "window"), "org.a11y.atspi.Accessible.GetChildAtIndex",
-                     "(i)", (index,))[0][1]
-        assert found == (path.replace("root", child) if child else "/org/a11y/atspi/null"), found
-    bus_of_session.end()
-    tile.send(frame("Mac unlocked"))
-    tile.process.popen.send_signal(signal.SIGPIPE)
-    time.sleep(0.5)
-    assert (tile.process.end(signal.SIGHUP), len(tile.process.lines)) == (0, 1), "after the session bus"
-
-
-with Rig(sys.argv[1]) as the_rig:
-    test(the_rig)
+        renamed = "property-change:accessible-name"
+        listen_for(renamed, "children-changed")
+        hears(frame("Mac locked", "Kivo's Mac", "4s ago"), (renamed, "label", 0, "4s ago"))
+        hears(frame("Mac unlocked", "Kivo's Mac", "4s ago"), (renamed, "image", 0, "Mac unlocked"))
+        listen_for("state-changed:showing")
+        hears(frame("Mac locked", "Kivo's Mac", "4s ago"), (renamed, "image", 0, "Mac locked"),
+              ("state-changed:showing", "notification", 1, "Mac locked"))
+        listen_for("announcement")
+        hears(frame("Mac unlocked", "Kivo's Mac"), ("children-changed:remove", "frame", 2, "Tarno"),
+              (renamed, "image", 0, "Mac unlocked"), ("announcement", "frame", 1, "Mac unlocked"))
+        hears(frame("Mac unlocked", "Kivo's Mac", "now"), ("children-changed:add", "frame", 2, "now"),
+              (renamed, "label", 0, "now"))
+        self.assertEqual([element.name for element in window], ["Mac unlocked", "Kivo's Mac", "now"])

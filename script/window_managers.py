@@ -1,0 +1,42 @@
+"""The window managers of X11 on which the tile is tried."""
+import typing
+
+AWESOME = """
+local awful = require("awful")
+require("awful.autofocus")
+require("beautiful").init(require("gears").filesystem.get_themes_dir() .. "default/theme.lua")
+awful.screen.connect_for_each_screen(function(screen)
+  awful.tag({"1", "2"}, screen, awful.layout.suit.tile)
+  awful.wibar({position = "top", screen = screen})
+end)
+local menu = awful.menu({items = {{"quit", function() awesome.quit() end}}})
+root.buttons(awful.button({}, 3, function() menu:toggle() end))
+awful.rules.rules = {{rule = {}, properties = {focus = awful.client.focus.filter}}}
+"""
+FLUXBOX_KEYS = "OnDesktop Mouse3 :RootMenu\nF12 :ShowDesktop\n"
+
+
+class WindowManager(typing.NamedTuple):
+    argv: tuple = ()
+    files: dict = {}  # its configuration: {path in its home: text}
+    plain: tuple | None = ()  # options without a compositor; None where it always composes
+    composing: tuple | None = None  # options for its own compositor; None where it has none
+    has_root_menu: bool = False  # behind the right button
+    shows_desktop: bool = True
+
+
+XWAYLAND = "mutter with Xwayland"
+WINDOW_MANAGERS = {
+    "openbox": WindowManager(("openbox",), has_root_menu=True),
+    "xfwm4": WindowManager(("xfwm4",), plain=("--compositor=off",), composing=("--compositor=on",)),
+    "fluxbox": WindowManager(("fluxbox", "-no-slit"), has_root_menu=True, files={
+        ".fluxbox/keys": FLUXBOX_KEYS, ".fluxbox/overlay": "background: none\n"}),
+    "icewm": WindowManager(("icewm",), has_root_menu=True),
+    "metacity": WindowManager(("metacity", "--sm-disable"), plain=("--no-composite",), composing=("--composite",)),
+    "mutter": WindowManager(("mutter", "--x11", "--sm-disable"), plain=None, composing=()),
+    XWAYLAND: WindowManager(plain=None, composing=()),  # started as a Wayland compositor
+    "kwin_x11": WindowManager(("kwin_x11",), plain=("KWIN_COMPOSE=N",), composing=()),
+    "i3": WindowManager(("i3",), shows_desktop=False, files={
+        ".config/i3/config": "# i3 config file (v4)\nfont pango:monospace 8\n"}),
+    "awesome": WindowManager(("awesome",), has_root_menu=True, shows_desktop=False, files={".config/awesome/rc.lua": AWESOME}),
+}
