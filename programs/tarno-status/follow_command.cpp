@@ -10,6 +10,7 @@
 #include "tarno/common/failure.hpp"
 #include "tarno/common/files.hpp"
 #include "tarno/common/output.hpp"
+#include "tarno/foundation/file_descriptor.hpp"
 #include "tarno/tarno-status/commands.hpp"
 #include "tarno/tarno-status/saving.hpp"
 
