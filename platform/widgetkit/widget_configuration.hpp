@@ -38,19 +38,19 @@ struct StaticConfiguration {
   LocalizedStringKey displayName{}, widgetDescription{};
   std::vector<WidgetFamily> families{};
 
-  StaticConfiguration configurationDisplayName(LocalizedStringKey key) const {
+  StaticConfiguration configurationDisplayName(const LocalizedStringKey& key) const {
     auto changed = *this;
-    changed.displayName = std::move(key);
+    changed.displayName = key;
     return changed;
   }
-  StaticConfiguration description(LocalizedStringKey key) const {
+  StaticConfiguration description(const LocalizedStringKey& key) const {
     auto changed = *this;
-    changed.widgetDescription = std::move(key);
+    changed.widgetDescription = key;
     return changed;
   }
-  StaticConfiguration supportedFamilies(std::vector<WidgetFamily> supported) const {
+  StaticConfiguration supportedFamilies(const std::vector<WidgetFamily>& supported) const {
     auto changed = *this;
-    changed.families = std::move(supported);
+    changed.families = supported;
     return changed;
   }
 
