@@ -77,7 +77,7 @@ class Reports(MacTest):
 class Road(DeskTest):
     def homes(self):
         """Every file of both homes but for the one that each report changes."""
-        return {path: path.is_file() and (path.read_bytes(), path.stat().st_mode) for home in (self.home, self.desk)
+        return {path: path.is_file() and (path.read_bytes(), path.lstat().st_mode) for home in (self.home, self.desk)
                 for path in home.rglob("*") if path.name != "last"}
 
     def wait_for_report(self, key, value):
@@ -91,8 +91,8 @@ class Road(DeskTest):
         return int((self.mac / "agent").read_text().split()[1])
 
     def test_two_lines_lead_to_a_tile_that_follows_and_one_leads_back(self):
-        (self.desk / ".ssh").rename(self.desk / "dotfiles")
-        (self.desk / ".ssh").symlink_to("dotfiles")
+        self.keys.rename(self.desk / "dotfile")
+        self.keys.symlink_to("../dotfile")
         before = self.homes()
         install, status, uninstall = [code for heading, code in blocks("sh") if heading == "A Mac that reports by itself"]
         self.assertEqual(self.call("sh", "-e", "-c", install).stdout, TAKEN.encode())
@@ -119,9 +119,11 @@ class Road(DeskTest):
         self.reporter("install", "desk")
         for times, console, state in ((1, "Yes", "locked"), (2, "No", "unlocked")):
             self.stop(self.sshd)
-            self.set(console)
-            tried = self.calls("ssh")
+            tried, looked = self.calls("ssh"), self.calls("ioreg")
+            self.wait_for(lambda: self.calls("ssh") > tried)
+            self.assertLess(self.calls("ioreg") - looked, 2 * 6)  # before the next report
             self.wait_for(lambda: self.calls("ssh") > tried + 2)
+            self.set(console)
             self.start_sshd()
             self.wait_for(lambda: self.logs("desk takes reports again", times))
             self.assertTrue(self.logs("no connection to desk", times) and self.logs("Connection refused", times))
