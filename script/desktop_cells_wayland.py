@@ -3,7 +3,6 @@
 DESKTOPS has one function for each desktop. It takes a rig and returns for each of WANTED that means something there True, or
 why not.
 """
-import json
 import os
 
 import cairo
@@ -102,22 +101,20 @@ def sway(rig):
              *(f"output X11-{n} mode 1280x800 position {1280 * (n - 1)} 0" for n in (1, 2)),
              WLR_X11_OUTPUTS="2")
     rig.screen.spread((0, 0), (1280, 0))
-    rig.run("swaymsg", "focus output X11-1")
-    rig.settings("monitor = X11-1")  # newer ones name the second first
+    rig.swaymsg("focus output X11-1")
+    rig.env["XDG_CONFIG_HOME"] = rig.path("settings")
+    rig.write("settings/tarno/desktop.ini", "monitor = X11-1\n")  # newer ones name the second first
 
     def windows(node=None):
-        node = node or json.loads(rig.run("swaymsg", "-r", "-t", "get_tree"))
+        node = node or rig.swaymsg("", 4)
         inner = [window for child in node["nodes"] + node["floating_nodes"] for window in windows(child)]
         return inner + ([(node["pid"], node["focused"])] if "pid" in node else [])
 
-    def set_scale(scale):
-        rig.run("swaymsg", "output X11-1 scale", str(scale))
-
     return results(rig, {
-        BELOW: lambda: below_all_windows(rig, BLUE, windows, lambda: rig.run("swaymsg", "workspace 5")),
+        BELOW: lambda: below_all_windows(rig, BLUE, windows, lambda: rig.swaymsg("workspace 5")),
         CLICKS: lambda: [clicks_reach_windows(rig, BLUE), clicks_reach_desktop(rig)] and None,
         PLACE: lambda: place_with_panels(rig, ("X11-1", "X11-2"), (0, 40)),
-        CORNERS: lambda: clean_corners(rig, set_scale)})
+        CORNERS: lambda: clean_corners(rig, lambda scale: rig.swaymsg(f"output X11-1 scale {scale}"))})
 
 
 def weston(rig):

@@ -6,9 +6,12 @@ caller stays root. A program that is not installed raises unittest.SkipTest, whi
 """
 import contextlib
 import ctypes
+import json
 import os
 import shutil
 import signal
+import socket
+import struct
 import subprocess
 import tempfile
 import threading
@@ -29,29 +32,12 @@ NOBODY = 65534
 PR_SET_CHILD_SUBREAPER = 36
 SOFTWARE = {"GSETTINGS_BACKEND": "memory", "LIBGL_ALWAYS_SOFTWARE": "1"}
 
-BUS = """<busconfig>
-  <type>session</type>
-  <listen>unix:path=%s/bus</listen>
-  <standard_session_servicedirs/>
-  <policy context="default">
-    <allow user="*"/>
-    <allow own="*"/>
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-  </policy>
-</busconfig>
+BUS = """<busconfig><type>session</type><listen>unix:path=%s/bus</listen><standard_session_servicedirs/>
+<policy context="default"><allow user="*"/><allow own="*"/><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/>
+</policy></busconfig>
 """
-TWO_MONITORS = """
-Section "Device"
-  Identifier "device"
-  Driver "dummy"
-  VideoRam 65536
-EndSection
-Section "Screen"
-  Identifier "screen"
-  Device "device"
-  DefaultDepth 24
-EndSection
+XORG = """Section "Device"\n Identifier "device"\n Driver "dummy"\n VideoRam 65536\nEndSection
+Section "Screen"\n Identifier "screen"\n Device "device"\n DefaultDepth 24\nEndSection
 """
 
 
@@ -71,6 +57,13 @@ def wait_for(condition, what="what was waited for", seconds=30):
         if time.monotonic() > end:
             raise failure or AssertionError(f"{what} did not come within {seconds} s")
         time.sleep(0.02)
+
+
+def installed(name):
+    """The path of a program; one with a path of its own stays what it is."""
+    if not (path := name if name.startswith("/") else shutil.which(name)):
+        raise unittest.SkipTest(f"{name} is not installed")
+    return path
 
 
 def settled(look):
@@ -131,6 +124,8 @@ class Screen:
             self.display = display.Display(self.name)
         rig.ends.callback(self.close)
         self.root = self.display.screen().root
+        # Made before sway starts, which does not make them.
+        self.protocols, self.delete = (self.display.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
         self.size = self.root.get_geometry().width, self.root.get_geometry().height
 
     def close(self):
@@ -140,7 +135,7 @@ class Screen:
     def look(self, x, y, width, height):
         """A part of the screen as a picture."""
         data = bytearray(self.root.get_image(x, y, width, height, X.ZPixmap, 0xffffffff).data)
-        data[3::4] = b"\xff" * (width * height)
+        data[3::4] = b"\xff" * (width * height)  # as cairo has it
         return cairo.ImageSurface.create_for_data(data, cairo.FORMAT_RGB24, width, height)
 
     def pixel(self, x, y):
@@ -165,28 +160,19 @@ class Screen:
         self.button(True, button)
         self.button(False, button)
 
-
-class Canvas(Screen):
-    """The X11 screen on which Wayland compositors show their outputs, each as a window."""
-
-    def __init__(self, rig):
-        super().__init__(rig)
-        # Made before sway starts, which does not make them.
-        self.protocols, self.delete = (self.display.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
+    def spread(self, *places):
+        """Moves the windows of a compositor's outputs to these places, in the order in which they were made; returns them."""
+        windows = wait_for(lambda: len(found := self.root.query_tree().children) >= len(places) and found, "the outputs")
+        for window, (x, y) in zip(windows, places):
+            window.configure(x=x, y=y)
+        self.display.sync()
+        return windows
 
     def unplug(self, window):
         """Closes an output's window, which takes the output away."""
         window.send_event(protocol.event.ClientMessage(window=window, client_type=self.protocols,
                                                        data=(32, [self.delete, 0, 0, 0, 0])))
         self.display.sync()
-
-    def spread(self, *places):
-        """Moves the outputs' windows to these places, in the order in which they were made, and returns them."""
-        windows = wait_for(lambda: len(found := self.root.query_tree().children) >= len(places) and found, "the outputs")
-        for window, (x, y) in zip(windows, places):
-            window.configure(x=x, y=y)
-        self.display.sync()
-        return windows
 
 
 class Rig:
@@ -200,6 +186,7 @@ class Rig:
             os.chown(self.home, NOBODY, NOBODY)
         for name in ("tarno-desktop", "tarno-widget", "tarno-status"):
             self.copy_program(os.path.join(programs, name))
+        signal.signal(signal.SIGTERM, signal.default_int_handler)  # ends like Ctrl+C, with all that was started
         # Programs that lose their parents become children of this process, which can then end them.
         ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
         self.env = {name: os.environ[name] for name in ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")
@@ -208,13 +195,13 @@ class Rig:
                      "LANG": "C.UTF-8", "TZ": "UTC", "NO_AT_BRIDGE": "1"}
 
     def __enter__(self):
-        self.whole = contextlib.ExitStack()
-        self.whole.callback(shutil.rmtree, self.home, ignore_errors=True)
-        self.whole.enter_context(self.session())
+        self.whole = self.session()
+        self.whole.__enter__()
         return self
 
     def __exit__(self, *_):
-        self.whole.close()
+        self.whole.__exit__(None, None, None)
+        shutil.rmtree(self.home, ignore_errors=True)
 
     @contextlib.contextmanager
     def session(self):
@@ -262,9 +249,7 @@ class Rig:
     # Programs
 
     def start(self, *argv, env=None, stdout=subprocess.DEVNULL):
-        if "/" not in argv[0] and not shutil.which(argv[0]):
-            raise unittest.SkipTest(f"{argv[0]} is not installed")
-        process = Process(argv, env=self.env | (env or {}), stdout=stdout, cwd=self.home, **self.user)
+        process = Process((installed(argv[0]), *argv[1:]), env=self.env | (env or {}), stdout=stdout, cwd=self.home, **self.user)
         self.ends.callback(process.end)
         return process
 
@@ -272,11 +257,6 @@ class Rig:
         """Runs a program to its end and returns its standard output."""
         return subprocess.run(argv, env=self.env, cwd=self.home, capture_output=True, check=True, timeout=60, **self.user,
                               **options).stdout
-
-    def settings(self, text):
-        """The tile's settings file, until the end of the session."""
-        self.env["XDG_CONFIG_HOME"] = self.path("settings")
-        self.write("settings/tarno/desktop.ini", text + "\n")
 
     def tile(self, *options, env=None):
         """Starts tarno-desktop and waits until it says that the tile is shown."""
@@ -308,7 +288,7 @@ class Rig:
 
     def two_monitors(self):
         """X11 with DUMMY0, the primary one, and DUMMY1 right of it, of 1024 x 768 each."""
-        self.x11("/usr/lib/xorg/Xorg", "-config", self.write("xorg.conf", TWO_MONITORS), "-logfile", self.path("xorg.log"),
+        self.x11("/usr/lib/xorg/Xorg", "-config", self.write("xorg.conf", XORG), "-logfile", self.path("xorg.log"),
                  "-novtswitch", "-sharevts")
         self.run("xrandr", "--addmode", "DUMMY1", "1024x768")
         self.run("xrandr", "--output", "DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
@@ -357,22 +337,18 @@ class Rig:
         """An X11 screen on which the compositors that are started next show their outputs, so that these can be looked at and
         clicked. Other programs do not know of it."""
         self.x11("Xvfb", "-screen", "0", f"{width}x{height}x24")
-        self.screen = Canvas(self)
+        self.screen = Screen(self)
         del self.env["DISPLAY"]
         return self.screen
 
-    def compositor(self, socket, *argv, env=None):
+    def compositor(self, name, *argv, env=None):
         """Starts a Wayland compositor, on the canvas when there is one, and waits for its socket."""
         with contextlib.suppress(FileNotFoundError):
-            os.remove(self.path(socket))  # of one that was killed
+            os.remove(self.path(name))  # of one that was killed
         compositor = self.start(*argv, env=({"DISPLAY": self.screen.name} if self.screen else {}) | (env or {}))
-
-        def listens():
-            assert compositor.runs(), f"{argv[0]} ended: {compositor.lines[-3:]}"
-            return os.path.exists(self.path(socket))
-
-        wait_for(listens, argv[0])
-        self.env["WAYLAND_DISPLAY"] = socket
+        wait_for(lambda: os.path.exists(self.path(name)) or not compositor.runs(), argv[0])
+        assert compositor.runs(), f"{argv[0]} ended: {compositor.lines[-3:]}"
+        self.env["WAYLAND_DISPLAY"] = name
         if self.screen:
             self.screen.point(9, 795)
             self.screen.point(0, 795)  # out of the way, on the first output
@@ -392,6 +368,15 @@ class Rig:
         wait_for(lambda: os.path.exists(self.env["SWAYSOCK"]), "sway")
         return compositor
 
+    def swaymsg(self, command, kind=0):
+        """Tells sway a command, or asks for its outputs (3) or its tree (4). The program of this name gives up after 3 s."""
+        with socket.socket(socket.AF_UNIX) as sway, sway.makefile("rb") as answer:
+            sway.connect(self.env["SWAYSOCK"])
+            sway.sendall(struct.pack("=6sII", b"i3-ipc", len(command), kind) + command.encode())
+            said = json.loads(answer.read(struct.unpack("=6sII", answer.read(14))[1]))
+        assert kind or said[0]["success"], said
+        return said
+
     def weston(self, scale):
         """No layer-shell; on a canvas, one output of 1280 x 800 pixels on a plain ground."""
         self.write("weston.ini", "[shell]\nbackground-color=0xff336699\npanel-position=none\n"
@@ -401,11 +386,8 @@ class Rig:
 
     def kwin(self, scale=1, outputs=1):
         """Layer-shell; on a canvas, outputs of 1280 x 800 pixels on black ground, side by side. Needs a session bus."""
-        program = shutil.which("kwin_wayland")
-        if not program:
-            raise unittest.SkipTest("kwin_wayland is not installed")
-        copy = self.copy_program(program)  # without the capability that a container refuses
-        return self.compositor("kwin", copy, "--socket", "kwin", "--x11-display", self.screen.name,
+        program = self.copy_program(installed("kwin_wayland"))  # without the capability that a container refuses
+        return self.compositor("kwin", program, "--socket", "kwin", "--x11-display", self.screen.name,
                                "--width", str(round(1280 / scale)), "--height", str(round(800 / scale)), "--scale", str(scale),
                                "--output-count", str(outputs), "--no-lockscreen", "--no-global-shortcuts",
                                env={"KWIN_COMPOSE": "Q"})

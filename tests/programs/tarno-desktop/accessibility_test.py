@@ -91,10 +91,9 @@ class Accessibility(DesktopTest):
         self.send(frame("Mac locked"))
         name, path = wait_for(lambda: call(bus, *root)[0], "the tile in the new tree")[0]
         for index, child in (0, "image3"), (1, None), (-1, None):
-            with self.subTest(index=index):
-                found = call(bus, name, path.replace("root", "window"), "org.a11y.atspi.Accessible.GetChildAtIndex",
-                             "(i)", (index,))[0][1]
-                self.assertEqual(found, path.replace("root", child) if child else "/org/a11y/atspi/null")
+            expected = path.replace("root", child) if child else "/org/a11y/atspi/null"
+            wait_for(lambda: call(bus, name, path.replace("root", "window"), "org.a11y.atspi.Accessible.GetChildAtIndex",
+                                  "(i)", (index,))[0][1] == expected, f"{expected} at index {index}")
         bus_of_session.end()
         asked = len(self.rig.read("asked"))
         self.send(frame("Mac unlocked"))

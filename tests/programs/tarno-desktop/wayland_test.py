@@ -34,7 +34,7 @@ class Wayland(DesktopTest):
         return self.rig.canvas(1280, 800), self.rig.sway(MODE.format("X11-1", 0))
 
     def output(self, words):
-        self.rig.run("swaymsg", "output " + words)
+        self.rig.swaymsg("output " + words)
 
     def says(self, tile, *lines):
         wait_for(lambda: len(tile.lines) >= len(lines), str(lines))
@@ -56,13 +56,17 @@ class Wayland(DesktopTest):
             (1.75, ("--anchor", "right", "--family", "small", "--margin", "5"), (), 973, 251),
             (1.25, ("--anchor", "top-left", "--scale", "2"), ("--scale", "2"), 20, 20)]
         for scale, options, drawn, x, y in rows:
-            with self.subTest(scale=scale, options=options), self.rig.session():
+            with self.subTest(scale=scale, options=options):
                 self.output(f"X11-1 scale {scale}")
                 family = options[options.index("--family"):][:2] if "--family" in options else ()
+                image = render(self.rig, *(drawn or ("--scale", str(scale))), *family)
                 tile = self.rig.tile(*options, *AT)
-                shows(screen, render(self.rig, *(drawn or ("--scale", str(scale))), *family), x, y)
+                try:
+                    shows(screen, image, x, y)
+                finally:
+                    code = tile.end()
                 self.says(tile, "shown as a layer-shell surface in the bottom layer on X11-1")
-                self.assertEqual(tile.end(), 0)
+                self.assertEqual(code, 0)
 
     def test_monitors_come_and_go(self):
         screen = self.rig.canvas(2560, 1280)
@@ -71,7 +75,7 @@ class Wayland(DesktopTest):
         tile = self.rig.tile("--monitor", "X11-2", "--anchor", "top-left", *AT)
         self.says(tile, "to be shown as a layer-shell surface in the bottom layer as soon as there is the monitor X11-2")
         self.assertTrue(cells.is_covered(screen, image, 16, 16))
-        self.rig.run("swaymsg", "create_output")
+        self.rig.swaymsg("create_output")
         windows = screen.spread((0, 0), (1280, 0))
         shows(screen, image, 1296, 16)
 
@@ -88,8 +92,8 @@ class Wayland(DesktopTest):
         image = render(self.rig)
         shows(screen, image, 16, 16)
         screen.unplug(windows[0])
-        wait_for(lambda: b'"name": "X11-' not in self.rig.run("swaymsg", "-r", "-t", "get_outputs"), "no monitor")
-        self.rig.run("swaymsg", "create_output")
+        wait_for(lambda: not [output for output in self.rig.swaymsg("", 3) if output["name"].startswith("X11-")], "no monitor")
+        self.rig.swaymsg("create_output")
         shows(screen, image, 16, 16)
         self.assertEqual((tile.end(), len(tile.lines)), (0, 1), tile.lines)
 
@@ -161,5 +165,5 @@ class Wayland(DesktopTest):
                 screen.point(400, 130)
                 screen.button(False)
                 shows(screen, image, 358, 115)
-                self.rig.run("swaymsg", '[app_id="tarno-desktop" title="^Tarno$"] kill')
+                self.rig.swaymsg('[app_id="tarno-desktop" title="^Tarno$"] kill')
                 self.assertEqual(tile.wait(), 0)
