@@ -103,14 +103,15 @@ function(tarno_program target)
   add_dependencies(tarno_programs ${target})
 endfunction()
 
-# tarno_test(model_test SOURCES a.cpp … LINK libs…): a GoogleTest program, every test of which ctest knows by name.
+# tarno_test(model_test SOURCES a.cpp … LINK libs… ENVIRONMENT NAME=value…): a GoogleTest program, every test of which
+# ctest knows by name.
 function(tarno_test target)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINK} GTest::gtest_main)
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   tarno_compile_options(${target})
   # An expectation under an if is an if-else inside the macro.
   target_compile_options(${target} PRIVATE -Wno-dangling-else)
-  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
 endfunction()

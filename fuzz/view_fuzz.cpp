@@ -72,14 +72,12 @@ ui::View stack(Bytes& bytes, int depth) {
 }
 
 ui::View leaf(Bytes& bytes) {
+  const auto arc = ui::Circle{}.trim(number(bytes), number(bytes));
   switch (bytes.below(5)) {
     case 0: return ui::Text(word(bytes));
     case 1: return ui::Image(word(bytes));
-    case 2: return ui::Circle{}.trim(number(bytes), number(bytes)).fill(color(bytes));
-    case 3:
-      return ui::Circle{}
-          .trim(number(bytes), number(bytes))
-          .stroke(color(bytes), {.lineWidth = number(bytes)});
+    case 2: return arc.fill(color(bytes));
+    case 3: return arc.stroke(color(bytes), {.lineWidth = number(bytes)});
     default: return ui::Capsule{ui::RoundedCornerStyle::continuous}.fill(color(bytes));
   }
 }

@@ -45,9 +45,6 @@ class ShapedText {
 
   bool rightToLeft() const { return rightToLeft_; }
 
-  /// Whether there are characters that no face of the context has.
-  bool lacksGlyphs() const { return pango_layout_get_unknown_glyphs_count(layout_.get()) > 0; }
-
  private:
   void setText(std::string_view text);
   bool cutBetweenLines(std::string_view text, int maxLines);

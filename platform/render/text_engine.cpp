@@ -41,12 +41,15 @@ int units(std::optional<double> width, double scale) {
   return count > 0 ? static_cast<int>(count) : 0;
 }
 
-/// Whether all of `text` may be expected in a Latin face: it is Latin letters and punctuation.
-bool isLatin(std::string_view text) {
+/// Whether `text` is Latin letters and punctuation, all of which `face` has. Asked of the whole text, because
+/// a layout that is cut no longer tells what it lacked.
+bool isLatinIn(PangoContext* context, const FontDescription& face, std::string_view text) {
+  const ObjectHandle<PangoFont> font(pango_context_load_font(context, face.get()));
   for (const char* at = text.data(); at < text.data() + text.size();
        at += g_utf8_skip[static_cast<unsigned char>(*at)]) {
     const gunichar c = g_utf8_get_char(at);
-    if (c >= 0x250 && (c < 0x2010 || c > 0x2028)) return false;
+    if (c == 0x2028) continue;  // a line break
+    if ((c >= 0x250 && (c < 0x2010 || c > 0x2027)) || !pango_font_has_char(font.get(), c)) return false;
   }
   return true;
 }
@@ -91,10 +94,10 @@ class TextEngine::Impl {
     if (!contexts_) contexts_.emplace();
     const DisplayText shown = displayText(text, maxLines == 1);
     PangoContext* rounded = font.fontDesign == ui::FontDesign::rounded ? contexts_->rounded() : nullptr;
-    if (rounded && isLatin(shown.text)) {
+    if (rounded) {
       const FontDescription face = fontFace(font);
-      ShapedText shaped(rounded, face, lineExtent(font, rounded, face), shown, width, maxLines);
-      if (!shaped.lacksGlyphs()) return shaped;
+      if (isLatinIn(rounded, face, shown.text))
+        return {rounded, face, lineExtent(font, rounded, face), shown, width, maxLines};
     }
     PangoContext* all = contexts_->all();
     const FontDescription face = fontFaceAmongAll(font);

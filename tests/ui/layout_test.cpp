@@ -91,7 +91,7 @@ TEST(Layout, AlignsChildrenInTheLargestOfThem) {
          {"centred", wide(center), {30, 28}, "[0,0 30x10][10,18 10x10]"},
          {"layers", layers, {60, 60}, "[10,20 40x20][25,15 10x30][27,27 6x6]"},
          {"too large for a frame, leading", framed(leading), {20, 10}, "[0,0 30x10]"},
-         {"too large for a frame, centred", framed(center), {20, 10}, "[-5,0 30x10]"},
+         {"too large for a frame", framed(center), {20, 10}, "[-5,0 30x10]"},
          {"a flexible frame", box(30).frame(greedy), {100, 50}, "[0,20 30x10]"},
          {"one row in two fonts", fonts, {30, 24}, "[10,6 5x12][15,6 5x12][5,0 10x24][15,0 10x24]"},
          {"padding and a background", padded.background(filler), {46, 20}, "[0,0 46x20][8,5 30x10]"},
