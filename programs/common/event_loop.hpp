@@ -5,7 +5,6 @@
 #include <chrono>
 #include <functional>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace program {
@@ -15,11 +14,10 @@ class EventSource {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// What to wait for. A source without a descriptor has -1, one without a deadline never ends the sleep.
+  /// What to wait for: the events of any number of descriptors, as for poll(), and a deadline.
   struct Wait {
-    int descriptor = -1;
-    short events = POLLIN;  ///< as for poll()
-    std::optional<Clock::time_point> until;
+    std::vector<pollfd> descriptors{};
+    Clock::time_point until = Clock::time_point::max();
   };
 
   virtual ~EventSource() = default;
@@ -28,16 +26,15 @@ class EventSource {
   virtual Wait prepare() = 0;
 
   /// Called after every sleep, in the order in which the sources were added. `events` is what poll() found
-  /// for the descriptor, 0 for nothing. The loop forgives calls without a reason.
+  /// for all descriptors of the source together, 0 for nothing. Also called when nothing has happened.
   virtual void dispatch(short events) = 0;
 };
 
 /// One poll() over everything that the program waits for. One thread; asleep in between.
 class EventLoop {
  public:
-  /// `source` is asked from now on. It outlives the loop, or is removed before it goes.
-  void add(EventSource& source);
-  void remove(EventSource& source);
+  /// Asks `source`, which outlives the loop, from the next run() on.
+  void add(EventSource& source) { sources_.push_back(&source); }
 
   /// Calls `callback` before every sleep, when all sources are prepared. The last one counts.
   void beforeSleep(std::function<void()> callback) { beforeSleep_ = std::move(callback); }

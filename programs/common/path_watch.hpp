@@ -23,7 +23,7 @@ class PathWatch final : public EventSource {
   /// Whether changes will be told: false when the system has no watch left.
   bool isWatching() const { return inotify_ && !isExhausted_; }
 
-  Wait prepare() override { return {inotify_.get()}; }
+  Wait prepare() override { return {{{inotify_.get(), POLLIN, 0}}}; }
   void dispatch(short events) override;
 
  private:

@@ -19,7 +19,7 @@ class WallClockTimer final : public EventSource {
   /// Takes the place of an earlier sleep.
   void sleepUntil(tarno::Date moment);
 
-  Wait prepare() override { return {timer_.get()}; }
+  Wait prepare() override { return {{{timer_.get(), POLLIN, 0}}}; }
   void dispatch(short events) override;
 
  private:

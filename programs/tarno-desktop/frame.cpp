@@ -1,12 +1,7 @@
 #include "tarno/tarno-desktop/frame.hpp"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <nlohmann/json.hpp>
-#include <system_error>
+#include <stdexcept>
 
 #include "tarno/common/dates.hpp"
 #include "tarno/foundation/iso8601.hpp"
@@ -21,12 +16,6 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AccessibleElement, role, label, x, y, width, 
 namespace {
 
 constexpr std::chrono::seconds timeLimit{10};
-
-FileDescriptor makeMemory() {
-  FileDescriptor memory{memfd_create("tarno-tile", MFD_CLOEXEC | MFD_ALLOW_SEALING)};
-  if (!memory) throw std::system_error{errno, std::generic_category(), "no memory for a picture"};
-  return memory;
-}
 
 std::vector<std::string> arguments(const FrameRequest& request, int memory) {
   std::vector<std::string> words{"frame",
@@ -52,22 +41,10 @@ std::filesystem::path readWatch(const json& watch) {
   return folder / watch.at("file").get<std::string>();
 }
 
-/// Whether all of the picture can be mapped, and nobody can take its memory away.
-bool isSafe(const Picture& picture) {
-  struct stat file {};
-  const int seals = fcntl(picture.memory.get(), F_GET_SEALS);
-  return picture.width > 0 && picture.height > 0 && picture.stride % 4 == 0 &&
-         picture.stride / 4 >= picture.width && fstat(picture.memory.get(), &file) == 0 &&
-         picture.size() <= static_cast<std::size_t>(file.st_size) && seals >= 0 &&
-         (seals & F_SEAL_SHRINK) != 0;
-}
-
 Frame readFrame(const json& answer, FileDescriptor memory, double scale) {
   if (!answer.is_object()) throw std::runtime_error{"the answer is no JSON object"};
-  Picture picture{std::move(memory), answer.at("width"), answer.at("height"), answer.at("stride"), scale};
-  if (!isSafe(picture))
-    throw std::runtime_error{"the picture is not as large as its answer says, or not sealed"};
-  Frame frame{.picture = std::make_shared<Picture>(std::move(picture)),
+  const PictureLayout layout{answer.at("width"), answer.at("height"), answer.at("stride"), scale};
+  Frame frame{.picture = std::make_shared<Picture>(std::move(memory), layout),
               .title = answer.at("title"),
               .announcement = answer.at("announcement"),
               .elements = answer.at("accessibility"),
@@ -81,7 +58,7 @@ Frame readFrame(const json& answer, FileDescriptor memory, double scale) {
 
 FrameProcess::FrameProcess(const FrameRequest& request)
     : scale_(request.scale),
-      memory_(makeMemory()),
+      memory_(makePictureMemory()),
       process_(request.program, arguments(request, memory_.get()), timeLimit, memory_.get()) {}
 
 FrameResult FrameProcess::finish() {

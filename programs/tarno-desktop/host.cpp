@@ -1,5 +1,6 @@
 #include "tarno/tarno-desktop/host.hpp"
 
+#include <malloc.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -9,7 +10,6 @@
 
 #include "tarno/accessibility/accessible_tile.hpp"
 #include "tarno/common/failure.hpp"
-#include "tarno/common/memory.hpp"
 #include "tarno/tarno-desktop/live_tile.hpp"
 #include "tarno/wayland/wayland_surface.hpp"
 #include "tarno/x11/x11_surface.hpp"
@@ -60,7 +60,7 @@ class Host final : program::EventSource {
     tile_.addTo(loop_);
     loop_.add(accessible_);
     loop_.beforeSleep([this] {
-      if (tile_.isAtRest()) program::releaseMemory();
+      if (tile_.isAtRest()) malloc_trim(0);
     });
     follow();
   }
@@ -71,7 +71,7 @@ class Host final : program::EventSource {
   Wait prepare() override {
     follow();
     if (opened_.surface->isClosed()) loop_.quit(EX_OK);
-    return {signals_.get()};
+    return {{{signals_.get(), POLLIN, 0}}};
   }
 
   void dispatch(short events) override {

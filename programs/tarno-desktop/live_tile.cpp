@@ -54,12 +54,12 @@ void LiveTile::setScale(double scale) {
 
 program::EventSource::Wait LiveTile::prepare() {
   if (isNeeded_ && !process_) {
-    if (Clock::now() < notBefore_) return {-1, 0, notBefore_};
+    if (Clock::now() < notBefore_) return {.until = notBefore_};
     start();
   }
   if (!process_) return {};
   const auto& process = process_->process();
-  return {process.descriptor(), POLLIN, process.deadline()};
+  return {{{process.descriptor(), POLLIN, 0}}, process.deadline()};
 }
 
 void LiveTile::start() {

@@ -1,25 +1,54 @@
 #include "tarno/tarno-desktop/picture.hpp"
 
-#include <unistd.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
 
 #include <cerrno>
+#include <cstring>
+#include <stdexcept>
 #include <system_error>
-#include <tuple>
+#include <utility>
 
 namespace desktop {
+namespace {
 
-std::vector<std::uint32_t> pixelsOf(const Picture& picture) {
-  std::vector<std::uint32_t> pixels(picture.size() / 4);
-  if (pread(picture.memory.get(), pixels.data(), picture.size(), 0) != static_cast<ssize_t>(picture.size()))
-    throw std::system_error{errno, std::generic_category(), "cannot read the tile's picture"};
-  return pixels;
+/// Whether all of a picture can be mapped, and nobody can take its memory away.
+bool isSafe(int memory, const PictureLayout& layout) {
+  struct stat file {};
+  const int seals = fcntl(memory, F_GET_SEALS);
+  return layout.width > 0 && layout.height > 0 && layout.stride % 4 == 0 &&
+         layout.stride / 4 >= layout.width && fstat(memory, &file) == 0 &&
+         layout.size() <= static_cast<std::size_t>(file.st_size) && seals >= 0 &&
+         (seals & F_SEAL_SHRINK) != 0;
+}
+
+}  // namespace
+
+tarno::FileDescriptor makePictureMemory() {
+  tarno::FileDescriptor memory{memfd_create("tarno-tile", MFD_CLOEXEC | MFD_ALLOW_SEALING)};
+  if (!memory) throw std::system_error{errno, std::generic_category(), "no memory for a picture"};
+  return memory;
+}
+
+Picture::Picture(tarno::FileDescriptor memory, const PictureLayout& layout)
+    : PictureLayout(layout), memory_(std::move(memory)) {
+  if (!isSafe(descriptor(), layout))
+    throw std::runtime_error{"the picture is not as large as its answer says, or not sealed"};
+  pixels_ = mmap(nullptr, size(), PROT_READ, MAP_SHARED, descriptor(), 0);
+  if (pixels_ == MAP_FAILED)
+    throw std::system_error{errno, std::generic_category(), "cannot map the tile's picture"};
+}
+
+Picture::~Picture() { munmap(pixels_, size()); }
+
+std::span<const std::uint32_t> Picture::row(int y) const {
+  const auto start = static_cast<std::size_t>(stride) / 4 * static_cast<std::size_t>(y);
+  return {static_cast<const std::uint32_t*>(pixels_) + start, static_cast<std::size_t>(width)};
 }
 
 bool operator==(const Picture& a, const Picture& b) {
-  const auto shape = [](const Picture& picture) {
-    return std::tuple{picture.width, picture.height, picture.stride, picture.scale};
-  };
-  return shape(a) == shape(b) && pixelsOf(a) == pixelsOf(b);
+  return static_cast<const PictureLayout&>(a) == b && std::memcmp(a.pixels_, b.pixels_, a.size()) == 0;
 }
 
 }  // namespace desktop

@@ -1,28 +1,48 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+#include <span>
 
 #include "tarno/foundation/file_descriptor.hpp"
 
 namespace desktop {
 
-/// A picture of the tile in shared memory: rows of premultiplied ARGB, 32-bit words in the machine's byte
-/// order, from the top. Sealed against shrinking, so that a display server may map it without fear. Nobody
-/// writes to it once it is shared with a surface.
-struct Picture {
-  tarno::FileDescriptor memory;  ///< a memfd of at least `stride` * `height` bytes
-  int width = 0, height = 0;     ///< in pixels
-  int stride = 0;                ///< in bytes, at least 4 * `width`
-  double scale = 1;              ///< pixels per point
+/// Returns empty shared memory for a picture. Throws std::system_error when the system has none left.
+tarno::FileDescriptor makePictureMemory();
+
+/// How a picture lies in memory, and how large it is to be shown.
+struct PictureLayout {
+  int width = 0, height = 0;  ///< in pixels
+  int stride = 0;             ///< from row to row, in bytes; at least 4 * `width`
+  double scale = 1;           ///< pixels per point
 
   std::size_t size() const { return static_cast<std::size_t>(stride) * static_cast<std::size_t>(height); }
+  friend bool operator==(const PictureLayout&, const PictureLayout&) = default;
 };
 
-/// A copy of the `stride` / 4 pixels of each row. Throws std::system_error when they cannot be read.
-std::vector<std::uint32_t> pixelsOf(const Picture& picture);
+/// A picture of the tile in shared memory: rows of premultiplied ARGB, 32-bit words in the machine's byte
+/// order, from the top. Mapped for as long as it lives, and sealed against shrinking, so that a display
+/// server can map it safely, too. Nobody writes to it once it is made.
+class Picture : public PictureLayout {
+ public:
+  /// Maps `memory`, a memfd. Throws std::runtime_error when it is smaller than the layout says or not sealed,
+  /// std::system_error when it cannot be mapped.
+  Picture(tarno::FileDescriptor memory, const PictureLayout& layout);
+  ~Picture();
+  Picture(const Picture&) = delete;
+  Picture& operator=(const Picture&) = delete;
 
-/// Whether two pictures look the same. Throws as pixelsOf() does.
-bool operator==(const Picture& a, const Picture& b);
+  int descriptor() const { return memory_.get(); }
+
+  /// The `width` pixels of row `y`.
+  std::span<const std::uint32_t> row(int y) const;
+
+  /// Whether two pictures look the same.
+  friend bool operator==(const Picture& a, const Picture& b);
+
+ private:
+  const tarno::FileDescriptor memory_;
+  void* pixels_ = nullptr;
+};
 
 }  // namespace desktop

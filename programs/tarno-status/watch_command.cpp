@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -5,7 +7,6 @@
 
 #include "tarno/common/event_loop.hpp"
 #include "tarno/common/failure.hpp"
-#include "tarno/common/memory.hpp"
 #include "tarno/common/output.hpp"
 #include "tarno/common/path_watch.hpp"
 #include "tarno/common/wall_clock_timer.hpp"
@@ -46,7 +47,7 @@ class ReaderWatch final : public program::EventSource {
  public:
   explicit ReaderWatch(program::EventLoop& loop) : loop_(loop) {}
 
-  Wait prepare() override { return {program::outputDescriptor(), 0}; }
+  Wait prepare() override { return {{{program::outputDescriptor(), 0, 0}}}; }
   void dispatch(short events) override {
     if ((events & (POLLERR | POLLHUP)) != 0) loop_.quit(EX_OK);
   }
@@ -65,7 +66,7 @@ class Watcher {
     loop_.add(store_);
     loop_.add(timer_);
     loop_.add(reader_);
-    loop_.beforeSleep(program::releaseMemory);
+    loop_.beforeSleep([] { malloc_trim(0); });
     return loop_.run();
   }
 

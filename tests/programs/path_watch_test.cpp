@@ -49,7 +49,7 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
     changes = 0;
     ASSERT_EQ(std::system(command), 0) << command;
     // The kernel notes an event before the call that leads to it returns.
-    for (pollfd polled{watch.prepare().descriptor, POLLIN, 0}; poll(&polled, 1, 0) > 0;)
+    for (pollfd polled{watch.prepare().descriptors[0]}; poll(&polled, 1, 0) > 0;)
       watch.dispatch(polled.revents);
     EXPECT_EQ(changes > 0, isTold) << command;
   }

@@ -45,7 +45,7 @@ struct WallClockTimer : testing::Test {
   /// Whether the timer wakes within `limit`.
   bool wakesIn(std::chrono::milliseconds limit) {
     wakes = 0;
-    pollfd polled{timer.prepare().descriptor, POLLIN, 0};
+    pollfd polled = timer.prepare().descriptors[0];
     poll(&polled, 1, static_cast<int>(limit.count()));
     timer.dispatch(polled.revents);
     return wakes == 1;
@@ -75,7 +75,7 @@ TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
   timer.sleepUntil(tarno::latestDate);
   EXPECT_TRUE(wantsToKnow);
   const itimerspec soon{{}, {0, 1}};
-  __real_timerfd_settime(timer.prepare().descriptor, 0, &soon, nullptr);
+  __real_timerfd_settime(timer.prepare().descriptors[0].fd, 0, &soon, nullptr);
   tellsReader = true;
   EXPECT_TRUE(wakesIn(5s));
   tellsSetter = true;  // that it was set while the timer was not read

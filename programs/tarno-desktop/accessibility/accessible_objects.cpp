@@ -4,6 +4,8 @@
 #include <cmath>
 #include <string_view>
 
+#include "tarno/foundation/handle.hpp"
+
 namespace desktop {
 namespace {
 
@@ -117,13 +119,13 @@ int answer(sd_bus_message* call, void* data, sd_bus_error*) {
   const auto found = std::find_if(std::begin(answers), std::end(answers),
                                   [name](const Answer& one) { return name && one.name == name; });
   if (object == objects.tree.end() || found == std::end(answers)) return 0;
-  sd_bus_message* message = nullptr;
-  if (const int error = sd_bus_message_new_method_return(call, &message); error < 0) return error;
-  if (isProperty) sd_bus_message_open_container(message, 'v', found->type);
-  found->add({objects, static_cast<int>(object - objects.tree.begin()), call, message});
-  if (isProperty) sd_bus_message_close_container(message);
-  const int error = sd_bus_send(nullptr, message, nullptr);
-  sd_bus_message_unref(message);
+  sd_bus_message* made = nullptr;
+  if (const int error = sd_bus_message_new_method_return(call, &made); error < 0) return error;
+  const tarno::Handle<sd_bus_message, sd_bus_message_unref> message{made};
+  if (isProperty) sd_bus_message_open_container(made, 'v', found->type);
+  found->add({objects, static_cast<int>(object - objects.tree.begin()), call, made});
+  if (isProperty) sd_bus_message_close_container(made);
+  const int error = sd_bus_send(nullptr, made, nullptr);
   return error < 0 ? error : 1;
 }
 

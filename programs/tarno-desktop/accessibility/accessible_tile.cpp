@@ -37,10 +37,10 @@ program::EventSource::Wait AccessibleTile::prepare() {
   if (!bus_) return {};
   std::uint64_t until = UINT64_MAX;  // in microseconds of CLOCK_MONOTONIC
   sd_bus_get_timeout(bus_.get(), &until);
-  Wait wait{sd_bus_get_fd(bus_.get()), static_cast<short>(sd_bus_get_events(bus_.get())), {}};
-  if (until != UINT64_MAX)
-    wait.until = Clock::time_point{std::chrono::microseconds{static_cast<std::int64_t>(until)}};
-  return wait;
+  const auto events = static_cast<short>(sd_bus_get_events(bus_.get()));
+  return {
+      {{sd_bus_get_fd(bus_.get()), events, 0}},
+      until == UINT64_MAX ? Clock::time_point::max() : Clock::time_point{std::chrono::microseconds{until}}};
 }
 
 void AccessibleTile::dispatch(short) {
@@ -73,12 +73,12 @@ void AccessibleTile::openSession() {
 
 /// A service that does not run is not started for this: then nobody listens.
 void AccessibleTile::askStatus(sd_bus_message*) {
-  sd_bus_message* call = nullptr;
-  if (sd_bus_message_new_method_call(bus_.get(), &call, service, servicePath, properties, "Get") < 0) return;
-  sd_bus_message_append(call, "ss", "org.a11y.Status", "IsEnabled");
-  sd_bus_message_set_auto_start(call, 0);
-  sd_bus_call_async(bus_.get(), nullptr, call, answered<&AccessibleTile::askAddress>, this, 0);
-  sd_bus_message_unref(call);
+  sd_bus_message* made = nullptr;
+  if (sd_bus_message_new_method_call(bus_.get(), &made, service, servicePath, properties, "Get") < 0) return;
+  const tarno::Handle<sd_bus_message, sd_bus_message_unref> call{made};
+  sd_bus_message_append(call.get(), "ss", "org.a11y.Status", "IsEnabled");
+  sd_bus_message_set_auto_start(call.get(), 0);
+  sd_bus_call_async(bus_.get(), nullptr, call.get(), answered<&AccessibleTile::askAddress>, this, 0);
 }
 
 void AccessibleTile::askAddress(sd_bus_message* status) {
@@ -93,7 +93,7 @@ void AccessibleTile::enter(sd_bus_message* address) {
   const char* text = nullptr;
   sd_bus* bus = nullptr;
   if (sd_bus_message_read(address, "s", &text) <= 0 || sd_bus_new(&bus) < 0) return;
-  const std::unique_ptr<sd_bus, Close> session = std::exchange(bus_, std::unique_ptr<sd_bus, Close>{bus});
+  const auto session = std::exchange(bus_, decltype(bus_){bus});
   const bool isEntered = sd_bus_set_address(bus, text) >= 0 && sd_bus_set_bus_client(bus, 1) >= 0 &&
                          answerFor(objects_, bus) >= 0 && sd_bus_set_connected_signal(bus, 1) >= 0 &&
                          sd_bus_match_signal_async(bus, nullptr, "org.freedesktop.DBus.Local", nullptr,

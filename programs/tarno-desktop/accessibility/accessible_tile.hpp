@@ -2,10 +2,9 @@
 
 #include <systemd/sd-bus.h>
 
-#include <memory>
-
 #include "tarno/accessibility/accessible_objects.hpp"
 #include "tarno/common/event_loop.hpp"
+#include "tarno/foundation/handle.hpp"
 
 namespace desktop {
 
@@ -30,10 +29,6 @@ class AccessibleTile final : public program::EventSource {
   void dispatch(short events) override;
 
  private:
-  struct Close {
-    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
-  };
-
   // In this order, each called with the answer to the one before.
   void openSession();
   void askStatus(sd_bus_message*);
@@ -54,7 +49,7 @@ class AccessibleTile final : public program::EventSource {
   Area extents_;
   double scale_ = 1;
   AccessibleObjects objects_;
-  std::unique_ptr<sd_bus, Close> bus_;
+  tarno::Handle<sd_bus, sd_bus_close_unref> bus_;
   bool isDue_ = false;     ///< the way to the bus, unless it is on it
   bool isJoined_ = false;  ///< in the accessibility bus
 };

@@ -1,13 +1,10 @@
 #include "tarno/wayland/display.hpp"
 
-#include <sys/epoll.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <string_view>
-#include <system_error>
 
 #include "tarno/common/failure.hpp"
 
@@ -58,7 +55,7 @@ int surfaceSide(int pixels, double scale) {
   return first;
 }
 
-Display::Display() : events_(epoll_create1(EPOLL_CLOEXEC)) {
+Display::Display() {
   wl_log_set_handler_client([](auto...) {});  // the library would print what check() says better
   connection.reset(wl_display_connect(nullptr));
   if (const char* const name = std::getenv("WAYLAND_DISPLAY"); !connection)
@@ -77,9 +74,6 @@ Display::Display() : events_(epoll_create1(EPOLL_CLOEXEC)) {
   static constexpr xdg_wm_base_listener aliveListener{
       .ping = [](void*, auto* base, auto serial) { xdg_wm_base_pong(base, serial); }};
   xdg_wm_base_add_listener(windows.get(), &aliveListener, nullptr);
-  epoll_event readable{.events = EPOLLIN, .data = {}};
-  if (epoll_ctl(events_.get(), EPOLL_CTL_ADD, wl_display_get_fd(connection.get()), &readable) != 0)
-    throw std::system_error{errno, std::generic_category(), "cannot watch the display"};
 }
 
 void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
@@ -96,7 +90,7 @@ void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
   bind(wp_fractional_scale_manager_v1_interface, 1, fractionalScales);
   bind(zxdg_output_manager_v1_interface, 3, outputDetails);
   bind(wl_seat_interface, 1, seat);
-  if (std::string_view{name} == "org_kde_plasma_shell") isKWin_ = true;
+  if (std::string_view{name} == "org_kde_plasma_shell") isKWin = true;
 
   Output added{id};
   bind(wl_output_interface, 3, added.proxy);
@@ -119,27 +113,6 @@ void Display::dispatch() {
   while (wl_display_prepare_read(connection.get()) != 0) check(wl_display_dispatch_pending(connection.get()));
   check(wl_display_read_events(connection.get()));
   check(wl_display_dispatch_pending(connection.get()));
-}
-
-void Display::watchShowDesktop() {
-  sd_bus* bus = nullptr;
-  if (!isKWin_ || sd_bus_open_user(&bus) < 0) return;
-  bus_.reset(bus, sd_bus_close_unref);
-  const auto changed = [](sd_bus_message* message, void* isShown, sd_bus_error*) {
-    return sd_bus_message_read(message, "b", isShown);
-  };
-  sd_bus_match_signal_async(bus, nullptr, "org.kde.KWin", "/KWin", "org.kde.KWin", "showingDesktopChanged",
-                            changed, nullptr, &isDesktopShown_);
-  isDesktopShown();  // sends that
-  epoll_event readable{.events = EPOLLIN, .data = {}};
-  epoll_ctl(events_.get(), EPOLL_CTL_ADD, sd_bus_get_fd(bus), &readable);
-}
-
-bool Display::isDesktopShown() {
-  int processed = 1;
-  while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
-  if (processed < 0) bus_.reset();  // it went away
-  return bus_ && isDesktopShown_ != 0;
 }
 
 void Display::check(int result) const {

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <systemd/sd-bus.h>
-
 #include <cstdint>
 #include <list>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -49,14 +46,10 @@ struct Display {
   Display(Display&&) = delete;  // events find it where it is
 
   /// To poll() for POLLIN.
-  int descriptor() const { return events_.get(); }
+  int descriptor() const { return wl_display_get_fd(connection.get()); }
 
   /// Handles what has arrived. Does not block.
   void dispatch();
-
-  /// Asks KWin, if it is there, to tell whether it shows the desktop at the moment, on the session's bus.
-  void watchShowDesktop();
-  bool isDesktopShown();
 
   Proxy<wl_display> connection;
   Proxy<wl_registry> registry;
@@ -69,17 +62,13 @@ struct Display {
   Proxy<wp_fractional_scale_manager_v1> fractionalScales;  ///< null where there is none
   Proxy<wl_seat> seat;                                     ///< the first; null where there is none
   std::uint32_t seatCapabilities = 0;
+  bool isKWin = false;
   std::list<Output> outputs;  ///< in the order in which they came
 
  private:
   void add(std::uint32_t id, const char* interface, std::uint32_t version);
   void remove(std::uint32_t id);
   void check(int result) const;
-
-  tarno::FileDescriptor events_;  ///< an epoll of the display's and the bus's
-  std::shared_ptr<sd_bus> bus_;   ///< null for none
-  bool isKWin_ = false;
-  int isDesktopShown_ = 0;
 };
 
 }  // namespace desktop::wayland

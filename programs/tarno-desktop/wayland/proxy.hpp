@@ -2,20 +2,19 @@
 
 #include <wayland-client.h>
 
-#include <memory>
-
 #include "fractional-scale-v1.h"
 #include "layer-shell.h"
+#include "tarno/foundation/handle.hpp"
 #include "viewporter.h"
 #include "xdg-output-unstable-v1.h"
 #include "xdg-shell.h"
 
 namespace desktop::wayland {
 
-struct DestroyProxy {
-  /// What lives as long as the connection ends with it; the compositor need not be told.
+/// Destroys an object of the protocol. What lives as long as the connection ends with it: only of the rest
+/// does the compositor have to be told.
+struct Destroy {
   void operator()(auto* proxy) const { wl_proxy_destroy(reinterpret_cast<wl_proxy*>(proxy)); }
-
   void operator()(wl_display* proxy) const { wl_display_disconnect(proxy); }
   void operator()(wl_output* proxy) const {
     const bool canRelease = wl_output_get_version(proxy) >= WL_OUTPUT_RELEASE_SINCE_VERSION;
@@ -33,7 +32,7 @@ struct DestroyProxy {
 
 /// Owns an object of the Wayland protocol. The connection outlives it.
 template <class T>
-using Proxy = std::unique_ptr<T, DestroyProxy>;
+using Proxy = tarno::Handle<T, Destroy{}>;
 
 /// For listeners: ignores an event.
 constexpr auto ignore = [](auto...) {};

@@ -1,7 +1,7 @@
 #include "tarno/wayland/wayland_surface.hpp"
 
+#include <fcntl.h>
 #include <linux/input-event-codes.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "tarno/wayland/display.hpp"
+#include "tarno/wayland/show_desktop.hpp"
 
 namespace desktop {
 namespace {
@@ -47,17 +48,16 @@ struct Tile {
 std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int width, int height,
                                     const Anchor& anchor) {
   if (width == picture->width && height == picture->height) return picture;
-  auto larger = std::make_shared<Picture>(
-      Picture{tarno::FileDescriptor{memfd_create("tarno-tile", MFD_CLOEXEC)}, width, height, 4 * width});
+  const PictureLayout layout{width, height, 4 * width};
   const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, 0);
-  const auto from = pixelsOf(*picture);
-  std::vector<std::uint32_t> pixels(larger->size() / 4);
+  std::vector<std::uint32_t> pixels(layout.size() / 4);
   for (int y = 0; y < area.height; ++y)
-    std::copy_n(from.begin() + y * picture->stride / 4, area.width,
-                pixels.begin() + (area.y + y) * width + area.x);
-  if (write(larger->memory.get(), pixels.data(), larger->size()) != static_cast<ssize_t>(larger->size()))
+    std::ranges::copy(picture->row(y), pixels.begin() + (area.y + y) * width + area.x);
+  auto memory = makePictureMemory();
+  if (write(memory.get(), pixels.data(), layout.size()) != static_cast<ssize_t>(layout.size()) ||
+      fcntl(memory.get(), F_ADD_SEALS, F_SEAL_SHRINK) != 0)
     throw std::system_error{errno, std::generic_category(), "cannot make a buffer"};
-  return larger;
+  return std::make_shared<Picture>(std::move(memory), layout);
 }
 
 std::string kindFor(const Options& options, bool isPlain) {
@@ -91,9 +91,10 @@ class WaylandSurface final : public Surface {
 
   const bool isPlain_;
   Display display_;
-  wl_output* output_ = nullptr;  // the monitor
-  double displayScale_ = 1;      // at which the display shows the tile, in pixels per point
-  Proxy<wl_pointer> pointer_;    // for a window
+  std::optional<ShowDesktop> showDesktop_;  // of KWin, for the bottom layer
+  wl_output* output_ = nullptr;             // the monitor
+  double displayScale_ = 1;                 // at which the display shows the tile, in pixels per point
+  Proxy<wl_pointer> pointer_;               // for a window
   std::optional<Tile> tile_;
   Clock::time_point notBefore_;  // the next one
 };
@@ -101,7 +102,7 @@ class WaylandSurface final : public Surface {
 WaylandSurface::WaylandSurface(const Options& options, bool isPlain)
     : Surface(options, kindFor(options, isPlain)), isPlain_(isPlain) {
   if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // that is up to the compositor
-  if (!isPlain_ && options.layer == Layer::desktop) display_.watchShowDesktop();
+  if (!isPlain_ && options.layer == Layer::desktop && display_.isKWin) showDesktop_.emplace();
   followMonitors();
 }
 
@@ -114,10 +115,12 @@ program::EventSource::Wait WaylandSurface::prepare() {
   isClosed_ = isPlain_ && tile_ && tile_->isClosed;
   if (isPlain_) followPointer();
   if (tile_) draw();
-  if (tile_) raise(display_.isDesktopShown());
+  const bool isDesktopShown = showDesktop_ && showDesktop_->isShown();
+  if (tile_) raise(isDesktopShown);
   if (picture_) extents_ = {0, 0, picture_->width, picture_->height};
   wl_display_flush(display_.connection.get());
-  return {display_.descriptor(), POLLIN, isMissing ? std::optional{notBefore_} : std::nullopt};
+  return {{{display_.descriptor(), POLLIN, 0}, {showDesktop_ ? showDesktop_->descriptor() : -1, POLLIN, 0}},
+          isMissing ? notBefore_ : Clock::time_point::max()};
 }
 
 /// Finds the monitor: a layer surface stays on one, a window is on the one that it came to last.
@@ -246,17 +249,16 @@ void WaylandSurface::draw() {
 }
 
 void WaylandSurface::attach(const std::shared_ptr<const Picture>& picture) {
-  const auto& [memory, width, height, stride, scale] = *picture;
   const Proxy<wl_shm_pool> pool{
-      wl_shm_create_pool(display_.memory.get(), memory.get(), static_cast<int>(picture->size()))};
-  wl_buffer* const proxy =
-      wl_shm_pool_create_buffer(pool.get(), 0, width, height, stride, WL_SHM_FORMAT_ARGB8888);
+      wl_shm_create_pool(display_.memory.get(), picture->descriptor(), static_cast<int>(picture->size()))};
+  wl_buffer* const proxy = wl_shm_pool_create_buffer(pool.get(), 0, picture->width, picture->height,
+                                                     picture->stride, WL_SHM_FORMAT_ARGB8888);
   static constexpr wl_buffer_listener listener{
       .release = [](void* buffer, auto*) { static_cast<Buffer*>(buffer)->isReleased = true; }};
   wl_buffer_add_listener(proxy, &listener,
                          &tile_->buffers.emplace_back(Buffer{picture, Proxy<wl_buffer>{proxy}}));
   wl_surface_attach(tile_->surface.get(), proxy, 0, 0);
-  wl_surface_damage_buffer(tile_->surface.get(), 0, 0, width, height);
+  wl_surface_damage_buffer(tile_->surface.get(), 0, 0, picture->width, picture->height);
 }
 
 /// Puts the tile above everything else, or back in the bottom layer.

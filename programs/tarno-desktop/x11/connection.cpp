@@ -7,13 +7,17 @@
 
 namespace desktop::x11 {
 
-Connection::Connection() : connection_(xcb_connect(nullptr, nullptr), xcb_disconnect) {
+Connection::Connection() : connection_(xcb_connect(nullptr, nullptr)) {
+  const auto require = [](bool condition) {
+    const char* const name = std::getenv("DISPLAY");
+    if (!condition)
+      throw program::Failure{EX_UNAVAILABLE, std::string{"cannot connect to the X11 display '"} +
+                                                 (name ? name : "") + "', or it lacks RANDR or XFIXES"};
+  };
   // Neither extension serves a client that has not told its version; without them the connection breaks.
-  ask<xcb_randr_query_version, xcb_randr_query_version_reply>(1U, 5U)();
-  ask<xcb_xfixes_query_version, xcb_xfixes_query_version_reply>(5U, 0U)();
-  if (const char* const name = std::getenv("DISPLAY"); xcb_connection_has_error(*this) != 0)
-    throw program::Failure{EX_UNAVAILABLE, std::string{"cannot connect to the X11 display '"} +
-                                               (name ? name : "") + "', or it lacks RANDR or XFIXES"};
+  answer<xcb_randr_query_version_reply>(xcb_randr_query_version(*this, 1, 5));
+  answer<xcb_xfixes_query_version_reply>(xcb_xfixes_query_version(*this, 5, 0));
+  require(xcb_connection_has_error(*this) == 0);
   const auto* const screen = xcb_setup_roots_iterator(xcb_get_setup(*this)).data;
   root_ = screen->root;
   for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem != 0; xcb_depth_next(&depth))
@@ -25,13 +29,15 @@ Connection::Connection() : connection_(xcb_connect(nullptr, nullptr), xcb_discon
   if (visual_ == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no ARGB visual"};
   colormap_ = xcb_generate_id(*this);
   xcb_create_colormap(*this, XCB_COLORMAP_ALLOC_NONE, colormap_, root_, visual_);
+  // Last: what it allocates is freed here when it fails, and by the destructor otherwise.
+  require(xcb_ewmh_init_atoms_replies(&ewmh_, xcb_ewmh_init_atoms(*this, &ewmh_), nullptr) != 0);
 }
 
 xcb_atom_t Connection::atom(const std::string& name) const {
   auto& atom = atoms_[name];
   if (atom != XCB_NONE) return atom;
   const auto length = static_cast<std::uint16_t>(name.size());
-  const auto reply = ask<xcb_intern_atom, xcb_intern_atom_reply>(std::uint8_t{}, length, name.data())();
+  const auto reply = answer<xcb_intern_atom_reply>(xcb_intern_atom(*this, 0, length, name.data()));
   return atom = reply ? reply->atom : XCB_NONE;
 }
 

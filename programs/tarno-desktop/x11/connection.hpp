@@ -1,13 +1,15 @@
 #pragma once
 
 #include <xcb/xcb.h>
+#include <xcb/xcb_ewmh.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
+
+#include "tarno/foundation/handle.hpp"
 
 namespace desktop::x11 {
 
@@ -16,6 +18,9 @@ class Connection {
  public:
   /// Throws program::Failure (EX_UNAVAILABLE) when there is no display, or one that lacks what a tile needs.
   Connection();
+  ~Connection() { xcb_ewmh_connection_wipe(&ewmh_); }
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
 
   operator xcb_connection_t*() const { return connection_.get(); }  // NOLINT: for the calls of xcb
 
@@ -25,29 +30,34 @@ class Connection {
   xcb_visualid_t visual() const { return visual_; }
   xcb_colormap_t colormap() const { return colormap_; }
 
+  /// The atoms of the Extended Window Manager Hints, and others by their name.
+  xcb_ewmh_connection_t& ewmh() const { return ewmh_; }
   xcb_atom_t atom(const std::string& name) const;
 
-  /// Sends a request. Calling the result waits for the answer, which is null where there is none, such as
-  /// about a window that is gone: ask<xcb_query_tree, xcb_query_tree_reply>(window)().
-  template <auto request, auto reply, class... Arguments>
-  auto ask(Arguments... arguments) const {
-    return [this, cookie = request(*this, arguments...)] {
-      auto* answer = reply(*this, cookie, nullptr);
-      return std::shared_ptr<std::remove_pointer_t<decltype(answer)>>{answer, std::free};
-    };
+  /// Waits for the answer to a request: answer<xcb_query_tree_reply>(xcb_query_tree(connection, window)).
+  /// Null where there is none, such as about a window that is gone.
+  template <auto reply>
+  auto answer(auto cookie) const {
+    auto* answer = reply(*this, cookie, nullptr);
+    return tarno::Handle<std::remove_pointer_t<decltype(answer)>, std::free>{answer};
   }
 
-  /// The same of the items of a property, each as wide as those of `Items`. A window that is gone has none.
+  /// Asks for a property, and waits for its items, each as wide as those of `Items`. There are none where the
+  /// window is gone.
+  xcb_get_property_cookie_t askProperty(xcb_window_t window, xcb_atom_t property) const {
+    return xcb_get_property(*this, 0, window, property, XCB_ATOM_NONE, 0, 1U << 14);
+  }
   template <class Items = std::vector<std::uint32_t>>
-  auto property(xcb_window_t window, const std::string& name) const {
-    return [reply = ask<xcb_get_property, xcb_get_property_reply>(std::uint8_t{}, window, atom(name),
-                                                                  XCB_ATOM_NONE, 0U, 1U << 14)]() -> Items {
-      using Item = typename Items::value_type;
-      const auto answer = reply();
-      if (!answer || answer->format != 8 * sizeof(Item)) return {};
-      const auto* const first = static_cast<const Item*>(xcb_get_property_value(answer.get()));
-      return {first, first + answer->value_len};
-    };
+  Items items(xcb_get_property_cookie_t cookie) const {
+    using Item = typename Items::value_type;
+    const auto property = answer<xcb_get_property_reply>(cookie);
+    if (!property || property->format != 8 * sizeof(Item)) return {};
+    const auto* const first = static_cast<const Item*>(xcb_get_property_value(property.get()));
+    return {first, first + property->value_len};
+  }
+  template <class Items = std::vector<std::uint32_t>>
+  Items property(xcb_window_t window, xcb_atom_t name) const {
+    return items<Items>(askProperty(window, name));
   }
 
   /// Asks for events of a window.
@@ -56,7 +66,8 @@ class Connection {
   }
 
  private:
-  std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_;
+  tarno::Handle<xcb_connection_t, xcb_disconnect> connection_;
+  mutable xcb_ewmh_connection_t ewmh_{};  ///< its functions take no constant
   xcb_window_t root_ = XCB_NONE;
   xcb_visualid_t visual_ = XCB_NONE;
   xcb_colormap_t colormap_ = XCB_NONE;

@@ -7,31 +7,32 @@
 #include <cstring>
 #include <span>
 #include <sstream>
-#include <tuple>
+#include <utility>
 
 namespace desktop::x11 {
 namespace {
 
-std::vector<Area> areas(const Connection& connection, const std::string& property) {
-  const auto words = connection.property<std::vector<int>>(connection.root(), property)();
+std::vector<Area> readAreas(const Connection& connection, xcb_atom_t property) {
+  const auto numbers = connection.property<std::vector<int>>(connection.root(), property);
   std::vector<Area> areas;
-  for (std::size_t i = 0; i + 4 <= words.size(); i += 4)
-    areas.push_back({words[i], words[i + 1], words[i + 2], words[i + 3]});
+  for (std::size_t i = 0; i + 4 <= numbers.size(); i += 4)
+    areas.push_back({numbers[i], numbers[i + 1], numbers[i + 2], numbers[i + 3]});
   return areas;
 }
 
-xcb_window_t ownerOf(const Connection& connection, const std::string& selection) {
-  const auto reply =
-      connection.ask<xcb_get_selection_owner, xcb_get_selection_owner_reply>(connection.atom(selection))();
+xcb_window_t ownerOf(const Connection& connection, xcb_atom_t selection) {
+  const auto cookie = xcb_get_selection_owner(connection, selection);
+  const auto reply = connection.answer<xcb_get_selection_owner_reply>(cookie);
   return reply ? reply->owner : XCB_NONE;
 }
 
-/// In pixels per point, which is one at 96 dots per inch, by the session's settings or else its resources.
+/// The scale in the session's settings or else its resources, in pixels per point: 1 at 96 dots per inch.
 double sessionScale(const Connection& connection) {
-  const auto owner = ownerOf(connection, "_XSETTINGS_S0");
+  const auto owner = ownerOf(connection, connection.atom("_XSETTINGS_S0"));
   if (owner != XCB_NONE) connection.select(owner, XCB_EVENT_MASK_PROPERTY_CHANGE);
-  const auto settings = connection.property<std::string>(owner, "_XSETTINGS_SETTINGS")();
-  const auto resources = "\n" + connection.property<std::string>(connection.root(), "RESOURCE_MANAGER")();
+  const auto settings = connection.property<std::string>(owner, connection.atom("_XSETTINGS_SETTINGS"));
+  const auto resources =
+      "\n" + connection.property<std::string>(connection.root(), XCB_ATOM_RESOURCE_MANAGER);
   // XSETTINGS have an integer, in little-endian order, as: its type 0 and a byte of no use, the length of the
   // name in 2 bytes, the name and what fills it to 4 bytes, 4 bytes that count the changes, the value.
   const auto setting = settings.find("\0\0\7\0Xft/DPI\0", 0, 12), resource = resources.find("\nXft.dpi:");
@@ -46,69 +47,79 @@ double sessionScale(const Connection& connection) {
 
 std::vector<Monitor> readMonitors(const Connection& connection, double scale) {
   std::vector<Monitor> monitors;
-  const auto reply = connection.ask<xcb_randr_get_monitors, xcb_randr_get_monitors_reply>(
-      connection.root(), std::uint8_t{true})();
+  const auto cookie = xcb_randr_get_monitors(connection, connection.root(), 1);
+  const auto reply = connection.answer<xcb_randr_get_monitors_reply>(cookie);
   if (!reply) return monitors;
   for (auto at = xcb_randr_get_monitors_monitors_iterator(reply.get()); at.rem != 0;
        xcb_randr_monitor_info_next(&at)) {
     const auto& info = *at.data;
     monitors.push_back({"", {info.x, info.y, info.width, info.height}, scale, info.primary != 0});
-    if (const auto name = connection.ask<xcb_get_atom_name, xcb_get_atom_name_reply>(info.name)())
+    if (const auto name =
+            connection.answer<xcb_get_atom_name_reply>(xcb_get_atom_name(connection, info.name)))
       monitors.back().connector.assign(xcb_get_atom_name_name(name.get()), name->name_len);
   }
   return monitors;
 }
 
-/// Those that are seen. All of a level of the tree are asked before an answer is waited for, so that many
-/// windows take no longer than one.
+/// What is asked about a window.
+struct WindowQuery {
+  const Connection& connection;
+  xcb_window_t id;
+  std::size_t index;  ///< of the window on the screen that it is in
+  xcb_get_window_attributes_cookie_t attributes = xcb_get_window_attributes(connection, id);
+  xcb_get_geometry_cookie_t geometry = xcb_get_geometry(connection, id);
+  xcb_query_tree_cookie_t tree = xcb_query_tree(connection, id);
+  xcb_get_property_cookie_t type = connection.askProperty(id, connection.ewmh()._NET_WM_WINDOW_TYPE);
+  xcb_get_property_cookie_t state = connection.askProperty(id, connection.ewmh()._NET_WM_STATE);
+  xcb_get_property_cookie_t strut = connection.askProperty(id, connection.ewmh()._NET_WM_STRUT_PARTIAL);
+};
+
+/// Returns the visible windows, bottom to top. All windows of a level of the tree are asked about before an
+/// answer is waited for, so that many take no longer than one.
 std::vector<Window> readWindows(const Connection& connection) {
   constexpr int levels = 3;  // frames, what some window managers have in these, clients
-  const auto ask = [&](xcb_window_t id) {
-    return std::tuple{connection.ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(id),
-                      connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(id),
-                      connection.ask<xcb_query_tree, xcb_query_tree_reply>(id),
-                      connection.property(id, "_NET_WM_WINDOW_TYPE"),
-                      connection.property(id, "_NET_WM_STATE"),
-                      connection.property<std::vector<int>>(id, "_NET_WM_STRUT_PARTIAL")};
-  };
-  const auto answers = [](const auto&... asked) { return std::tuple{asked()...}; };
-  const auto is = [&](auto& list, auto name) { return std::ranges::count(list, connection.atom(name)) != 0; };
-  const auto clients = connection.property(connection.root(), "_NET_CLIENT_LIST")();
+  const auto& ewmh = connection.ewmh();
+  const auto clients = connection.property(connection.root(), ewmh._NET_CLIENT_LIST);
   std::vector<Window> windows;
-  std::vector<std::tuple<xcb_window_t, std::size_t, decltype(ask(XCB_NONE))>> asked;
+  std::vector<WindowQuery> queries;
   // Of what is in a frame, the buttons and borders are left out. i3 does not list the panels that it frames.
   const auto askChildren = [&](const auto& tree, std::size_t index) {
     const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
     for (const auto child : children)
       if (tree->parent == XCB_NONE || children.size() == 1 || std::ranges::count(clients, child) != 0)
-        asked.emplace_back(child, index, ask(child));
+        queries.push_back({connection, child, index});
   };
-  if (const auto root = connection.ask<xcb_query_tree, xcb_query_tree_reply>(connection.root())())
-    askChildren(root, 0);
+  const auto rootCookie = xcb_query_tree(connection, connection.root());
+  if (const auto root = connection.answer<xcb_query_tree_reply>(rootCookie)) askChildren(root, 0);
   for (int level = 0; level < levels; ++level)
-    for (auto& [id, outer, questions] : std::exchange(asked, {})) {
-      auto [attributes, geometry, tree, type, state, strut] = std::apply(answers, questions);
+    for (const auto& query : std::exchange(queries, {})) {
+      const auto attributes = connection.answer<xcb_get_window_attributes_reply>(query.attributes);
+      const auto geometry = connection.answer<xcb_get_geometry_reply>(query.geometry);
+      const auto tree = connection.answer<xcb_query_tree_reply>(query.tree);
+      const auto type = connection.items(query.type), state = connection.items(query.state);
+      auto strut = connection.items<std::vector<int>>(query.strut);
       if (!attributes || !geometry || !tree || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
           attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
         continue;
-      const bool isDesktop = is(type, "_NET_WM_WINDOW_TYPE_DESKTOP");
+      const bool isDesktop = std::ranges::count(type, ewmh._NET_WM_WINDOW_TYPE_DESKTOP) != 0;
+      const auto index = level == 0 ? windows.size() : query.index;
       if (level == 0)
         windows.push_back({{},
                            {geometry->x, geometry->y, geometry->width, geometry->height},
                            attributes->override_redirect != 0 && !isDesktop});
-      const auto index = level == 0 ? windows.size() - 1 : outer;
       auto& window = windows[index];
-      window.ids.push_back(id);
+      window.ids.push_back(query.id);
       window.isDesktop |= isDesktop;
-      window.isFullScreen |= is(state, "_NET_WM_STATE_FULLSCREEN");
+      window.isFullScreen |= std::ranges::count(state, ewmh._NET_WM_STATE_FULLSCREEN) != 0;
       if (strut.size() == 12) window.strut = std::move(strut);
-      if (is(type, "_NET_WM_WINDOW_TYPE_DOCK")) connection.select(id, XCB_EVENT_MASK_PROPERTY_CHANGE);
+      if (std::ranges::count(type, ewmh._NET_WM_WINDOW_TYPE_DOCK) != 0)
+        connection.select(query.id, XCB_EVENT_MASK_PROPERTY_CHANGE);
       if (level + 1 < levels) askChildren(tree, index);
     }
   return windows;
 }
 
-/// From where to where something reaches, along an axis.
+/// A range along an axis.
 struct Range {
   int low, high;
 };
@@ -145,19 +156,20 @@ int reserved(const Window& window, std::size_t edge, const Area& monitor, const 
 Screen readScreen(const Connection& connection, std::optional<double> scale) {
   const auto root = connection.root();
   Screen screen;
-  if (const auto window = connection.property(root, "_NET_SUPPORTING_WM_CHECK")(); !window.empty())
-    screen.windowManager = connection.property<std::string>(window[0], "_NET_WM_NAME")();
+  const auto& ewmh = connection.ewmh();
+  if (const auto window = connection.property(root, ewmh._NET_SUPPORTING_WM_CHECK); !window.empty())
+    screen.windowManager = connection.property<std::string>(window[0], ewmh._NET_WM_NAME);
   const bool isSilent = screen.windowManager == "i3";  // about panels
   connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
-  screen.isComposited = ownerOf(connection, "_NET_WM_CM_S0") != XCB_NONE;
+  screen.isComposited = ownerOf(connection, ewmh._NET_WM_CM_Sn[0]) != XCB_NONE;
   screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
-  const auto geometry = connection.ask<xcb_get_geometry, xcb_get_geometry_reply>(root)();
-  if (geometry) screen.area = {0, 0, geometry->width, geometry->height};
+  if (const auto geometry = connection.answer<xcb_get_geometry_reply>(xcb_get_geometry(connection, root)))
+    screen.area = {0, 0, geometry->width, geometry->height};
   screen.windows = readWindows(connection);
-  const auto workAreas = areas(connection, "_NET_WORKAREA");
+  const auto workAreas = readAreas(connection, ewmh._NET_WORKAREA);
   screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
-  screen.monitorWorkAreas = areas(connection, "_GTK_WORKAREAS_D0");
+  screen.monitorWorkAreas = readAreas(connection, connection.atom("_GTK_WORKAREAS_D0"));
   if (screen.monitors.size() == 1) screen.monitorWorkAreas.push_back(screen.workArea);
   return screen;
 }

@@ -35,13 +35,7 @@ class TileWindow {
   void drag(const xcb_button_press_event_t& press);
 
  private:
-  template <class Items = std::initializer_list<std::uint32_t>>
-  void set(const std::string& property, xcb_atom_t type, const Items& items) const {
-    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, id_, connection_.atom(property), type,
-                        8 * sizeof *std::data(items), static_cast<std::uint32_t>(std::size(items)),
-                        std::data(items));
-  }
-  void tell(const std::string& message, std::initializer_list<int> data) const;
+  void configure(int fields, const xcb_configure_window_value_list_t& values) const;
 
   const Connection& connection_;
   const bool isManaged_;

@@ -37,6 +37,7 @@ class X11Surface final : public Surface {
   void dispatch(short events) override;
 
  private:
+  bool isOwn(xcb_window_t window) const { return window_ && window == window_->id(); }
   void handle(const xcb_generic_event_t& event);
   void findExtents();
   void look();
@@ -52,8 +53,8 @@ class X11Surface final : public Surface {
 
 X11Surface::X11Surface(const Options& options) : Surface(options, kindFor(options.layer)) {
   xcb_randr_select_input(connection_, connection_.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
-  for (const auto* const selection : {"_NET_WM_CM_S0", "_XSETTINGS_S0"})
-    xcb_xfixes_select_selection_input(connection_, connection_.root(), connection_.atom(selection),
+  for (const auto selection : {connection_.ewmh()._NET_WM_CM_Sn[0], connection_.atom("_XSETTINGS_S0")})
+    xcb_xfixes_select_selection_input(connection_, connection_.root(), selection,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -62,15 +63,16 @@ X11Surface::X11Surface(const Options& options) : Surface(options, kindFor(option
 
 program::EventSource::Wait X11Surface::prepare() {
   for (bool isDue = true; isDue;) {  // events arrive beside the answers to what a look asks
-    while (const std::shared_ptr<xcb_generic_event_t> event{xcb_poll_for_event(connection_), std::free})
+    while (const tarno::Handle<xcb_generic_event_t, std::free> event{xcb_poll_for_event(connection_)})
       handle(*event);
     isDue = looks_ > 0 && nextLook_ <= Clock::now();
     if (isDue) look();
   }
   fit();
   xcb_flush(connection_);
-  if (xcb_connection_has_error(connection_) != 0) return {-1, 0, Clock::now()};  // for dispatch() to tell
-  return {xcb_get_file_descriptor(connection_), POLLIN, looks_ > 0 ? std::optional{nextLook_} : std::nullopt};
+  if (xcb_connection_has_error(connection_) != 0) return {.until = Clock::now()};  // for dispatch() to tell
+  return {{{xcb_get_file_descriptor(connection_), POLLIN, 0}},
+          looks_ > 0 ? nextLook_ : Clock::time_point::max()};
 }
 
 void X11Surface::dispatch(short) {
@@ -81,21 +83,29 @@ void X11Surface::dispatch(short) {
 
 void X11Surface::handle(const xcb_generic_event_t& event) {
   const void* const data = &event;
-  const auto* const notify = static_cast<const xcb_configure_notify_event_t*>(data);  // or another like it
-  const int type = event.response_type & 0x7f;
-  const bool isOwn = window_ && notify->window == window_->id();
-  if (type == XCB_DESTROY_NOTIFY && isOwn) isClosed_ = true;
-  if (type == XCB_CONFIGURE_NOTIFY && isOwn) return findExtents();
-  if (type == XCB_CONFIGURE_NOTIFY && notify->event != notify->window) return;  // any window on the screen
-  if (type == 0) return;  // an error, about a window that is gone
-  if (type == XCB_BUTTON_PRESS && window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
+  switch (event.response_type & 0x7f) {
+    case 0: return;  // an error, about a window that is gone
+    case XCB_BUTTON_PRESS:
+      if (window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
+      return;
+    case XCB_DESTROY_NOTIFY:
+      isClosed_ |= isOwn(static_cast<const xcb_destroy_notify_event_t*>(data)->window);
+      break;
+    case XCB_CONFIGURE_NOTIFY: {
+      const auto& notify = *static_cast<const xcb_configure_notify_event_t*>(data);
+      if (isOwn(notify.window)) return findExtents();
+      if (notify.event != notify.window) return;  // one of all the windows on the screen
+      break;
+    }
+    default: break;
+  }
   looks_ = 2;  // one at once, and one for what follows without being told
 }
 
 /// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.
 void X11Surface::findExtents() {
-  const auto at = connection_.ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(
-      window_->id(), connection_.root(), std::int16_t{}, std::int16_t{})();
+  const auto cookie = xcb_translate_coordinates(connection_, window_->id(), connection_.root(), 0, 0);
+  const auto at = connection_.answer<xcb_translate_coordinates_reply>(cookie);
   if (at) extents_ = {at->dst_x, at->dst_y, picture_->width, picture_->height};
 }
 

@@ -53,30 +53,27 @@ def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
   folder.write("tarno-widget", preamble + behaviour + "\n");
 }
 
-/// Runs `loop` until `condition` holds or `limit` has passed; returns whether it holds.
-inline bool runUntil(program::EventLoop& loop, const std::function<bool()>& condition,
-                     std::chrono::milliseconds limit = std::chrono::seconds{15}) {
-  struct Condition final : program::EventSource {
-    Wait prepare() override {
-      const auto now = Clock::now();
-      if (holds() || now > end) loop->quit(0);
-      return {-1, 0, now + std::chrono::milliseconds{10}};
-    }
-    void dispatch(short) override {}
-    program::EventLoop* loop = nullptr;
-    std::function<bool()> holds;
-    Clock::time_point end;
-  } source;
-  source.loop = &loop;
-  source.holds = condition;
-  source.end = program::EventSource::Clock::now() + limit;
-  loop.add(source);
-  loop.run();
-  loop.remove(source);
-  return condition();
-}
+/// An event loop that a test runs until something is so.
+class TestLoop : public program::EventLoop, program::EventSource {
+ public:
+  TestLoop() { add(*this); }
 
-inline void runFor(program::EventLoop& loop, std::chrono::milliseconds time) {
-  const auto never = [] { return false; };
-  runUntil(loop, never, time);
-}
+  /// Returns whether `condition` held in the end, which it is given a minute for.
+  bool runUntil(std::function<bool()> condition) {
+    holds_ = std::move(condition);
+    giveUpAt_ = Clock::now() + std::chrono::minutes{1};
+    run();
+    return holds_();
+  }
+
+ private:
+  Wait prepare() override {
+    const auto now = Clock::now();
+    if (holds_() || now > giveUpAt_) quit(0);
+    return {.until = now + std::chrono::milliseconds{10}};
+  }
+  void dispatch(short) override {}
+
+  std::function<bool()> holds_;
+  Clock::time_point giveUpAt_;
+};

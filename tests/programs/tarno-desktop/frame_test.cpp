@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
-#include <sys/mman.h>
+#include <linux/close_range.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -19,19 +20,18 @@ Answer answerOf(const std::string& behaviour, desktop::FrameRequest request = {}
   if (request.program.empty()) request.program = folder.path / "tarno-widget";
   desktop::FrameProcess process{request};
   pollfd ended{process.process().descriptor(), POLLIN, 0};
-  EXPECT_EQ(poll(&ended, 1, 15000), 1) << behaviour;
+  EXPECT_EQ(poll(&ended, 1, 60000), 1) << behaviour;
   return {process.finish(), folder.read("log")};
 }
 
 TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
-  const auto start = std::chrono::steady_clock::now();
   const auto answer = answerOf(
       "os.pwrite(fd, bytes(range(64)), 0); draw(stale_from='2026-11-16T15:44:02.25Z',"
       "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])\n"
-      "os.fork() or time.sleep(5)",
+      "if not os.fork():  # a child of it, which has its pipes, is not waited for\n"
+      "    while os.path.exists(folder): time.sleep(0.1)",
       {.family = "small", .scale = 1.25, .at = tarno::Date{std::chrono::seconds{1794843695}}});
   ASSERT_TRUE(answer.frame) << answer.failure;
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{10}) << "waits for a child of it";
   EXPECT_EQ(answer.log, "frame --family small --scale 1.25 --fd N --at 2026-11-16T15:41:35Z\n");
   const auto& [picture, title, announcement, elements, reload, stale, store] = *answer.frame;
   EXPECT_EQ(title, "Tarno");
@@ -41,9 +41,8 @@ TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
   EXPECT_EQ(stale->time_since_epoch(), std::chrono::milliseconds{1794843842250});
   EXPECT_EQ(store.filename(), "store");
   EXPECT_EQ(picture->scale, 1.25);
-  const auto pixels = desktop::pixelsOf(*picture);
-  ASSERT_EQ(pixels.size(), 16U);
-  EXPECT_EQ(pixels[14], 0x3B3A3938U);
+  ASSERT_EQ(picture->row(3).size(), 3U);
+  EXPECT_EQ(picture->row(3)[2], 0x3B3A3938U);
   const auto look = [](const char* drawing) { return answerOf(drawing).frame->picture; };
   EXPECT_TRUE(*look("draw()") == *look("draw()"));
   EXPECT_FALSE(*look("draw()") == *look("os.pwrite(fd, b'1', 60); draw()"));
@@ -103,12 +102,12 @@ TEST(FrameProcess, HandsOnTheEnvironmentAndNoSignalsOrDescriptors) {
   sigset_t all;
   sigfillset(&all);
   sigprocmask(SIG_BLOCK, &all, nullptr);
-  const tarno::FileDescriptor ours{memfd_create("ours", MFD_CLOEXEC)};
+  close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);  // what the caller of the test left open
   const auto answer = answerOf(
       "import signal\n"
-      "files = [os.path.realpath(f'/proc/self/fd/{number}') for number in range(100)]\n"
+      "files = [f'/proc/self/fd/{number}' for number in range(3, 1000)]\n"
       "print(os.environ['TARNO_FRAME_TEST'], signal.pthread_sigmask(signal.SIG_BLOCK, []),"
-      "[file for file in files if file.startswith('/memfd') or 'anon_inode' in file], file=sys.stderr)\n"
+      "[os.readlink(file) for file in files if os.path.lexists(file)], file=sys.stderr)\n"
       "draw()");
   EXPECT_TRUE(answer.frame);
   EXPECT_EQ(answer.errors, "reaches it set() ['/memfd:tarno-tile (deleted)']\n");
