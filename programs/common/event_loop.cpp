@@ -33,7 +33,6 @@ int EventLoop::run() {
       counts.push_back(wait.descriptors.size());
       until = std::min(until, wait.until);
     }
-    beforeSleep_();
     if (poll(polled.data(), polled.size(), exitCode_ ? 0 : milliseconds(until)) < 0 && errno != EINTR)
       throw std::system_error{errno, std::generic_category(), "cannot wait for events"};
     auto next = polled.cbegin();

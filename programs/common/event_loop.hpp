@@ -3,7 +3,6 @@
 #include <poll.h>
 
 #include <chrono>
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -20,6 +19,8 @@ class EventSource {
     Clock::time_point until = Clock::time_point::max();
   };
 
+  EventSource() = default;
+  EventSource(EventSource&&) = delete;  // the loop finds it where it is
   virtual ~EventSource() = default;
 
   /// Called before every sleep: sends what is pending and says what to wait for.
@@ -36,9 +37,6 @@ class EventLoop {
   /// Asks `source`, which outlives the loop, from the next run() on.
   void add(EventSource& source) { sources_.push_back(&source); }
 
-  /// Calls `callback` before every sleep, when all sources are prepared. The last one counts.
-  void beforeSleep(std::function<void()> callback) { beforeSleep_ = std::move(callback); }
-
   /// Waits and dispatches until quit(); returns its code. Throws what a source throws.
   int run();
 
@@ -47,7 +45,6 @@ class EventLoop {
 
  private:
   std::vector<EventSource*> sources_;
-  std::function<void()> beforeSleep_ = [] {};
   std::optional<int> exitCode_;
 };
 

@@ -18,13 +18,8 @@ namespace {
 constexpr std::chrono::seconds timeLimit{10};
 
 std::vector<std::string> arguments(const FrameRequest& request, int memory) {
-  std::vector<std::string> words{"frame",
-                                 "--family",
-                                 request.family,
-                                 "--scale",
-                                 json(request.scale).dump(),
-                                 "--fd",
-                                 std::to_string(memory)};
+  std::vector<std::string> words{"frame", "--family", request.family};
+  words.insert(words.end(), {"--scale", json(request.scale).dump(), "--fd", std::to_string(memory)});
   if (request.at) words.insert(words.end(), {"--at", program::dateText(*request.at)});
   return words;
 }

@@ -1,12 +1,10 @@
 #include "tarno/tarno-desktop/host.hpp"
 
-#include <malloc.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
-#include <utility>
 
 #include "tarno/accessibility/accessible_tile.hpp"
 #include "tarno/common/failure.hpp"
@@ -19,25 +17,19 @@ namespace {
 
 using namespace std::chrono_literals;
 
-bool isSet(const char* name) {
-  const char* const value = std::getenv(name);
-  return value && *value;
-}
+/// The signals that end the program.
+const sigset_t endSignals = [] {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
+  return signals;
+}();
 
-sigset_t signalSet(std::initializer_list<int> signals) {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : signals) sigaddset(&set, signal);
-  return set;
-}
-
-/// Those that end the program.
-const auto endSignals = signalSet({SIGTERM, SIGINT, SIGHUP});
-
-/// A descriptor for these and SIGUSR1. From now on the process dies neither of them nor of SIGPIPE: a reader
-/// of standard error or a display may go away.
+/// Returns a descriptor for these and SIGUSR1. From now on the process dies neither of them nor of SIGPIPE: a
+/// reader of standard error or a display may go away.
 int takeSignals() {
-  const auto taken = signalSet({SIGTERM, SIGINT, SIGHUP, SIGUSR1});
+  sigset_t taken = endSignals;
+  sigaddset(&taken, SIGUSR1);
   sigprocmask(SIG_BLOCK, &taken, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
@@ -48,20 +40,11 @@ int takeSignals() {
 class Host final : program::EventSource {
  public:
   /// Starts the first frame, then connects to the display.
-  explicit Host(const Options& options)
-      : options_(options),
-        signals_(takeSignals()),
-        tile_(
-            {program::siblingProgram("tarno-widget"), options.family, options.scale.value_or(1), options.at},
-            [this](const Frame& frame) { show(frame); }),
-        opened_(openSurface(options)) {
+  explicit Host(const Options& options) : options_(options) {
     loop_.add(*opened_.surface);
     loop_.add(*this);  // after the surface, whose changes it hands on, and before what they concern
     tile_.addTo(loop_);
     loop_.add(accessible_);
-    loop_.beforeSleep([this] {
-      if (tile_.isAtRest()) malloc_trim(0);
-    });
     follow();
   }
 
@@ -70,7 +53,7 @@ class Host final : program::EventSource {
  private:
   Wait prepare() override {
     follow();
-    if (opened_.surface->isClosed()) loop_.quit(EX_OK);
+    if (state_.isClosed) loop_.quit(EX_OK);
     return {{{signals_.get(), POLLIN, 0}}};
   }
 
@@ -81,17 +64,16 @@ class Host final : program::EventSource {
   }
 
   void follow() {
-    const auto monitor = opened_.surface->monitor();
-    if (!monitor) return;
-    tile_.setScale(monitor->scale);
-    accessible_.place(opened_.surface->extents(), monitor->scale);
+    if (!state_.monitor) return;
+    tile_.setScale(state_.monitor->scale);
+    accessible_.place(state_.extents, state_.monitor->scale);
   }
 
   void show(const Frame& frame) {
     opened_.surface->show(frame.picture, frame.title);
     accessible_.update(frame);
     if (std::exchange(isShown_, true)) return;
-    const auto monitor = opened_.surface->monitor();
+    const auto& monitor = state_.monitor;
     const auto wanted = options_.monitor ? "the monitor " + *options_.monitor : "a monitor";
     program::complain((monitor ? "shown as " : "to be shown as ") + opened_.surface->kind() +
                       (monitor ? " on " + monitor->connector : " as soon as there is " + wanted) +
@@ -100,9 +82,12 @@ class Host final : program::EventSource {
 
   const Options& options_;
   program::EventLoop loop_;
-  tarno::FileDescriptor signals_;
-  LiveTile tile_;
-  OpenedSurface opened_;
+  tarno::FileDescriptor signals_{takeSignals()};
+  LiveTile tile_{
+      {program::siblingProgram("tarno-widget"), options_.family, options_.scale.value_or(1), options_.at},
+      [this](const Frame& frame) { show(frame); }};
+  OpenedSurface opened_ = openSurface(options_);
+  const SurfaceState& state_ = opened_.surface->state();
   AccessibleTile accessible_;
   bool isShown_ = false;
 };
@@ -110,6 +95,10 @@ class Host final : program::EventSource {
 }  // namespace
 
 OpenedSurface openSurface(const Options& options) {
+  const auto isSet = [](const char* name) {
+    const char* const value = std::getenv(name);
+    return value && *value;
+  };
   const bool hasWayland = isSet("WAYLAND_DISPLAY"), hasX11 = isSet("DISPLAY");
   if (!hasWayland && !hasX11)
     throw program::Failure{EX_UNAVAILABLE, "no display: neither WAYLAND_DISPLAY nor DISPLAY is set"};
@@ -134,14 +123,15 @@ int showTile(const Options& options) {
   // Compositors restart: a display that lasted this long is waited for as long when it goes away.
   constexpr auto patience = 5s;
   constexpr timespec retryInterval{0, 250'000'000};
+  using Clock = program::EventSource::Clock;
   std::optional<program::Failure> loss;  // of a display that lasted
-  program::EventSource::Clock::time_point giveUpAt;
+  Clock::time_point giveUpAt;
   do {
-    const auto openedAt = program::EventSource::Clock::now();
+    const auto openedAt = Clock::now();
     try {
       return Host{options}.run();
     } catch (const program::Failure& failure) {
-      const auto now = program::EventSource::Clock::now();
+      const auto now = Clock::now();
       if (now - openedAt >= patience) {
         loss = failure;
         giveUpAt = now + patience;

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <utility>
 
 #include "tarno/common/failure.hpp"
 #include "tarno/common/output.hpp"
@@ -34,11 +33,7 @@ tarno::Date nextRequest(tarno::Date now, const std::optional<tarno::Date>& reloa
 }
 
 LiveTile::LiveTile(FrameRequest request, std::function<void(const Frame&)> show)
-    : request_(std::move(request)),
-      show_(std::move(show)),
-      timer_([this] { refresh(); }),
-      timeZone_([this] { refresh(); }),
-      store_([this] { refresh(); }) {
+    : request_(std::move(request)), show_(std::move(show)) {
   LiveTile::prepare();
   timeZone_.follow("/etc/localtime");
 }

@@ -30,9 +30,6 @@ class LiveTile final : public program::EventSource {
   /// Asks for a frame at `scale` pixels per point, unless that is the scale already.
   void setScale(double scale);
 
-  /// Whether no frame is drawn or needed.
-  bool isAtRest() const { return !isNeeded_ && !process_; }
-
   Wait prepare() override;
   void dispatch(short events) override;
 
@@ -43,8 +40,8 @@ class LiveTile final : public program::EventSource {
 
   FrameRequest request_;
   std::function<void(const Frame&)> show_;
-  program::WallClockTimer timer_;
-  program::PathWatch timeZone_, store_;
+  program::WallClockTimer timer_{[this] { refresh(); }};
+  program::PathWatch timeZone_{[this] { refresh(); }}, store_{[this] { refresh(); }};
   std::optional<FrameProcess> process_;
   bool isNeeded_ = true;          ///< a frame
   Clock::time_point notBefore_;   ///< when the next frame may start

@@ -12,7 +12,7 @@ namespace {
 void listMonitors(const desktop::Options& options) {
   const auto surface = desktop::openSurface(options).surface;
   std::ostringstream list;
-  for (const auto& [connector, area, scale, isPrimary] : surface->monitors())
+  for (const auto& [connector, area, scale, isPrimary] : surface->state().monitors)
     list << connector << ' ' << area.width << 'x' << area.height << '+' << area.x << '+' << area.y
          << " scale " << scale << (isPrimary ? " primary\n" : "\n");
   program::writeOutput(list.str());

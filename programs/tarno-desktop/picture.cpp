@@ -8,7 +8,6 @@
 #include <cstring>
 #include <stdexcept>
 #include <system_error>
-#include <utility>
 
 namespace desktop {
 namespace {

@@ -28,9 +28,8 @@ class Picture : public PictureLayout {
   /// Maps `memory`, a memfd. Throws std::runtime_error when it is smaller than the layout says or not sealed,
   /// std::system_error when it cannot be mapped.
   Picture(tarno::FileDescriptor memory, const PictureLayout& layout);
+  Picture(Picture&&) = delete;
   ~Picture();
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
 
   int descriptor() const { return memory_.get(); }
 

@@ -12,24 +12,23 @@
 
 namespace desktop {
 
+/// How a surface is shown.
+struct SurfaceState {
+  std::vector<Monitor> monitors;  ///< all, in the display's order
+  std::optional<Monitor>
+      monitor;            ///< the tile's, with the scale for pictures; nothing while it waits for one
+  Area extents;           ///< on the screen, in pixels; at 0, 0 where the display does not tell
+  bool isClosed = false;  ///< by somebody
+};
+
 /// The tile's place on a display: the window or layer surface that shows its pictures. It follows the
 /// monitors, the panels and the window manager by itself; without a monitor it keeps the picture and waits.
 /// Its constructor throws program::Failure (EX_UNAVAILABLE) when it cannot connect to the display, and
-/// dispatch() when that goes away. The constructor and prepare() bring up to date what it answers.
+/// dispatch() when that goes away.
 class Surface : public program::EventSource {
  public:
-  /// All, in the display's order.
-  const std::vector<Monitor>& monitors() const { return monitors_; }
-
-  /// The one that the tile belongs to, with the scale that a picture should have; nothing while it waits for
-  /// one.
-  const std::optional<Monitor>& monitor() const { return monitor_; }
-
-  /// Where the tile is on the screen, in pixels, for screen readers. At 0, 0 where the display does not tell.
-  const Area& extents() const { return extents_; }
-
-  /// Whether somebody closed the tile.
-  bool isClosed() const { return isClosed_; }
+  /// Brought up to date by the constructor and prepare().
+  const SurfaceState& state() const { return state_; }
 
   /// What it is, for people: "a layer-shell surface in the bottom layer".
   const std::string& kind() const { return kind_; }
@@ -49,12 +48,9 @@ class Surface : public program::EventSource {
   const Options options_;
   const std::string kind_;
   MonitorChoice choice_;
-  std::vector<Monitor> monitors_;
-  std::optional<Monitor> monitor_;
+  SurfaceState state_;
   std::shared_ptr<const Picture> picture_;  ///< null before the first
   std::string title_;
-  Area extents_;
-  bool isClosed_ = false;
 };
 
 }  // namespace desktop

@@ -1,5 +1,3 @@
-#include <malloc.h>
-
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -66,7 +64,6 @@ class Watcher {
     loop_.add(store_);
     loop_.add(timer_);
     loop_.add(reader_);
-    loop_.beforeSleep([] { malloc_trim(0); });
     return loop_.run();
   }
 

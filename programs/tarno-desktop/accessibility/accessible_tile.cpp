@@ -94,10 +94,10 @@ void AccessibleTile::enter(sd_bus_message* address) {
   sd_bus* bus = nullptr;
   if (sd_bus_message_read(address, "s", &text) <= 0 || sd_bus_new(&bus) < 0) return;
   const auto session = std::exchange(bus_, decltype(bus_){bus});
+  constexpr char local[] = "org.freedesktop.DBus.Local";
   const bool isEntered = sd_bus_set_address(bus, text) >= 0 && sd_bus_set_bus_client(bus, 1) >= 0 &&
                          answerFor(objects_, bus) >= 0 && sd_bus_set_connected_signal(bus, 1) >= 0 &&
-                         sd_bus_match_signal_async(bus, nullptr, "org.freedesktop.DBus.Local", nullptr,
-                                                   "org.freedesktop.DBus.Local", "Connected",
+                         sd_bus_match_signal_async(bus, nullptr, local, nullptr, local, "Connected",
                                                    answered<&AccessibleTile::embed>, nullptr, this) >= 0 &&
                          sd_bus_start(bus) >= 0;
   if (!isEntered) bus_.reset();

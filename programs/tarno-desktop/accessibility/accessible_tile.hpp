@@ -14,10 +14,6 @@ namespace desktop {
 /// answer, and all failures of the buses are absorbed.
 class AccessibleTile final : public program::EventSource {
  public:
-  AccessibleTile() = default;
-  AccessibleTile(const AccessibleTile&) = delete;
-  AccessibleTile& operator=(const AccessibleTile&) = delete;
-
   /// What is on the tile now. A new announcement is spoken politely, a changed label is told as a change of
   /// its name, and what stays the same says nothing.
   void update(const Frame& frame);

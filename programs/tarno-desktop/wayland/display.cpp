@@ -77,7 +77,7 @@ Display::Display() {
 }
 
 void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
-  const auto bind = [&]<class T>(const wl_interface& interface, std::uint32_t newest, Proxy<T>& proxy) {
+  const auto bind = [&]<class T>(const wl_interface& interface, std::uint32_t newest, Global<T>& proxy) {
     if (proxy || std::string_view{name} != interface.name) return;
     version = std::min(version, newest);
     proxy.reset(static_cast<T*>(wl_registry_bind(registry.get(), id, &interface, version)));

@@ -1,20 +1,59 @@
 #pragma once
 
+#include <wayland-client.h>
+
 #include <cstdint>
 #include <list>
-#include <optional>
-#include <string>
 
+#include "fractional-scale-v1.h"
+#include "layer-shell.h"
+#include "tarno/foundation/handle.hpp"
 #include "tarno/tarno-desktop/surface.hpp"
-#include "tarno/wayland/proxy.hpp"
+#include "viewporter.h"
+#include "xdg-output-unstable-v1.h"
+#include "xdg-shell.h"
 
 namespace desktop::wayland {
+
+struct DestroyGlobal {
+  /// What lives as long as the connection ends with it; the compositor need not be told.
+  void operator()(auto* proxy) const { wl_proxy_destroy(reinterpret_cast<wl_proxy*>(proxy)); }
+  void operator()(wl_display* connection) const { wl_display_disconnect(connection); }
+  void operator()(zxdg_output_v1* details) const { zxdg_output_v1_destroy(details); }
+  void operator()(wl_output* output) const {
+    const bool canRelease = wl_output_get_version(output) >= WL_OUTPUT_RELEASE_SINCE_VERSION;
+    canRelease ? wl_output_release(output) : wl_output_destroy(output);
+  }
+};
+
+/// Owns what the registry lists. The connection outlives it.
+template <class T>
+using Global = tarno::Handle<T, DestroyGlobal{}>;
+
+/// For listeners: ignores an event.
+constexpr auto ignore = [](auto...) {};
+
+/// The object with `member` that a listener was added with.
+template <class T, class Member>
+T& listening(void* object, Member T::*) {
+  return *static_cast<T*>(object);
+}
+
+/// For listeners: stores what an event brings in members of that object.
+template <auto... members>
+constexpr auto store =
+    [](void* object, auto*, auto... values) { ((listening(object, members).*members = values), ...); };
+
+/// For listeners: hands what an event brings to a member function of that object.
+template <auto function>
+constexpr auto call =
+    [](void* object, auto*, auto... values) { (listening(object, function).*function)(values...); };
 
 /// A monitor.
 struct Output {
   std::uint32_t id = 0;  ///< the registry's name
-  Proxy<wl_output> proxy{};
-  Proxy<zxdg_output_v1> details{};
+  Global<wl_output> proxy{};
+  Global<zxdg_output_v1> details{};
 
   /// The place in points, as the compositor lays its monitors out; the size in pixels. Nothing until the
   /// compositor has said everything about it; changes that belong together show at once.
@@ -51,16 +90,16 @@ struct Display {
   /// Handles what has arrived. Does not block.
   void dispatch();
 
-  Proxy<wl_display> connection;
-  Proxy<wl_registry> registry;
-  Proxy<wl_compositor> compositor;
-  Proxy<wl_shm> memory;
-  Proxy<wp_viewporter> viewports;
-  Proxy<xdg_wm_base> windows;
-  Proxy<zxdg_output_manager_v1> outputDetails;
-  Proxy<zwlr_layer_shell_v1> layers;                       ///< null where there is none
-  Proxy<wp_fractional_scale_manager_v1> fractionalScales;  ///< null where there is none
-  Proxy<wl_seat> seat;                                     ///< the first; null where there is none
+  Global<wl_display> connection;
+  Global<wl_registry> registry;
+  Global<wl_compositor> compositor;
+  Global<wl_shm> memory;
+  Global<wp_viewporter> viewports;
+  Global<xdg_wm_base> windows;
+  Global<zxdg_output_manager_v1> outputDetails;
+  Global<zwlr_layer_shell_v1> layers;                       ///< null where there is none
+  Global<wp_fractional_scale_manager_v1> fractionalScales;  ///< null where there is none
+  Global<wl_seat> seat;                                     ///< the first; null where there is none
   std::uint32_t seatCapabilities = 0;
   bool isKWin = false;
   std::list<Output> outputs;  ///< in the order in which they came

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/input-event-codes.h>
+#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,33 +11,56 @@
 #include <system_error>
 
 #include "tarno/wayland/display.hpp"
-#include "tarno/wayland/show_desktop.hpp"
 
 namespace desktop {
 namespace {
 
 using namespace wayland;
+using tarno::Handle;
 
 /// Between two surfaces, for a compositor that closes each: it may while its monitors change.
 constexpr std::chrono::milliseconds surfaceInterval{200};
 
-/// A picture lent to the compositor, which reads it from the memory that the extension's process drew into.
-struct Buffer {
-  std::shared_ptr<const Picture> picture;
-  Proxy<wl_buffer> proxy;
-  bool isReleased = false;
+/// Follows whether KWin shows the desktop, by the session's bus. Waits for no answer.
+class ShowDesktop {
+ public:
+  ShowDesktop() {
+    sd_bus* bus = nullptr;
+    if (sd_bus_open_user(&bus) < 0) return;
+    bus_.reset(bus);
+    const auto changed = [](sd_bus_message* message, void* isShown, sd_bus_error*) {
+      return sd_bus_message_read(message, "b", isShown);
+    };
+    sd_bus_match_signal_async(bus, nullptr, "org.kde.KWin", "/KWin", "org.kde.KWin", "showingDesktopChanged",
+                              changed, nullptr, &isShown_);
+  }
+
+  /// To poll() for POLLIN; -1 without the bus.
+  int descriptor() const { return bus_ ? sd_bus_get_fd(bus_.get()) : -1; }
+
+  /// Sends and handles what is pending, then answers.
+  bool isShown() {
+    int processed = 1;
+    while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
+    if (processed < 0) bus_.reset();  // it went away
+    return bus_ && isShown_ != 0;
+  }
+
+ private:
+  Handle<sd_bus, sd_bus_close_unref> bus_;
+  int isShown_ = 0;
 };
 
 /// The tile on the display: in a layer of an output, where clicks pass through it, or in a window without a
 /// frame, which the pointer drags.
 struct Tile {
-  std::list<Buffer> buffers;  // outlive the surface that shows them
-  Proxy<wl_surface> surface;
-  Proxy<wp_viewport> viewport;
-  Proxy<wp_fractional_scale_v1> fractionalScale;
-  Proxy<zwlr_layer_surface_v1> layer;  // or the next two
-  Proxy<xdg_surface> window;
-  Proxy<xdg_toplevel> toplevel;
+  std::vector<Handle<wl_buffer, wl_buffer_destroy>> buffers;  // that the compositor reads
+  Handle<wl_surface, wl_surface_destroy> surface;
+  Handle<wp_viewport, wp_viewport_destroy> viewport;
+  Handle<wp_fractional_scale_v1, wp_fractional_scale_v1_destroy> fractionalScale;
+  Handle<zwlr_layer_surface_v1, zwlr_layer_surface_v1_destroy> layer;  // or the next two
+  Handle<xdg_surface, xdg_surface_destroy> window;
+  Handle<xdg_toplevel, xdg_toplevel_destroy> toplevel;
   wl_output* output = nullptr;   // whose layer it is in, or that the window came to last
   std::uint32_t scaleParts = 0;  // the scale that the compositor prefers, as its protocol counts; 0 for none
   bool isConfigured = false, isClosed = false, isRaised = false;
@@ -60,10 +84,10 @@ std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int 
   return std::make_shared<Picture>(std::move(memory), layout);
 }
 
-std::string kindFor(const Options& options, bool isPlain) {
+const char* kindFor(const Options& options, bool isPlain) {
   if (isPlain) return "a plain Wayland window";
-  const auto layer = std::string{options.layer == Layer::above ? "top" : "bottom"};
-  return "a layer-shell surface in the " + layer + " layer";
+  return options.layer == Layer::above ? "a layer-shell surface in the top layer"
+                                       : "a layer-shell surface in the bottom layer";
 }
 
 class WaylandSurface final : public Surface {
@@ -86,15 +110,15 @@ class WaylandSurface final : public Surface {
   void configured(std::uint32_t serial);
   void close() { tile_->isClosed = true; }
   void draw();
-  void attach(const std::shared_ptr<const Picture>& picture);
+  void attach(const Picture& picture);
   void raise(bool isRaised);
 
   const bool isPlain_;
   Display display_;
-  std::optional<ShowDesktop> showDesktop_;  // of KWin, for the bottom layer
-  wl_output* output_ = nullptr;             // the monitor
-  double displayScale_ = 1;                 // at which the display shows the tile, in pixels per point
-  Proxy<wl_pointer> pointer_;               // for a window
+  std::optional<ShowDesktop> showDesktop_;
+  wl_output* output_ = nullptr;  // the monitor
+  double displayScale_ = 1;      // at which the display shows the tile, in pixels per point
+  Handle<wl_pointer, wl_pointer_destroy> pointer_;  // for a window
   std::optional<Tile> tile_;
   Clock::time_point notBefore_;  // the next one
 };
@@ -112,12 +136,14 @@ program::EventSource::Wait WaylandSurface::prepare() {
   if (tile_ && !isPlain_ && (tile_->isClosed || tile_->output != output_)) tile_.reset();
   const bool isMissing = !tile_ && picture_ && output_;
   if (isMissing && Clock::now() >= notBefore_) make();
-  isClosed_ = isPlain_ && tile_ && tile_->isClosed;
+  state_.isClosed = isPlain_ && tile_ && tile_->isClosed;
   if (isPlain_) followPointer();
-  if (tile_) draw();
   const bool isDesktopShown = showDesktop_ && showDesktop_->isShown();
-  if (tile_) raise(isDesktopShown);
-  if (picture_) extents_ = {0, 0, picture_->width, picture_->height};
+  if (tile_) {
+    draw();
+    raise(isDesktopShown);
+  }
+  if (picture_) state_.extents = {0, 0, picture_->width, picture_->height};
   wl_display_flush(display_.connection.get());
   return {{{display_.descriptor(), POLLIN, 0}, {showDesktop_ ? showDesktop_->descriptor() : -1, POLLIN, 0}},
           isMissing ? notBefore_ : Clock::time_point::max()};
@@ -125,35 +151,36 @@ program::EventSource::Wait WaylandSurface::prepare() {
 
 /// Finds the monitor: a layer surface stays on one, a window is on the one that it came to last.
 void WaylandSurface::followMonitors() {
-  monitors_.clear();
+  auto& [monitors, monitor, extents, isClosed] = state_;
+  monitors.clear();
   for (const Output& output : display_.outputs) {
     if (!output.info) continue;
-    monitors_.push_back(*output.info);
+    monitors.push_back(*output.info);
     if (isPlain_ && tile_ && tile_->output == output.proxy.get())
       choice_ = MonitorChoice{output.info->connector};
   }
   output_ = nullptr;
-  monitor_ = choice_.among(monitors_);
-  if (!monitor_) return;
+  monitor = choice_.among(monitors);
+  if (!monitor) return;
   for (const Output& output : display_.outputs)
-    if (output.info && output.info->connector == monitor_->connector) output_ = output.proxy.get();
-  displayScale_ = tile_ && tile_->scaleParts > 0 ? tile_->scaleParts / 120.0 : monitor_->scale;
-  monitor_->scale = options_.scale.value_or(displayScale_);
+    if (output.info && output.info->connector == monitor->connector) output_ = output.proxy.get();
+  displayScale_ = tile_ && tile_->scaleParts > 0 ? tile_->scaleParts / 120.0 : monitor->scale;
+  monitor->scale = options_.scale.value_or(displayScale_);
 }
 
 void WaylandSurface::make() {
   notBefore_ = Clock::now() + surfaceInterval;
   Tile& tile = tile_.emplace();
   tile.surface.reset(wl_compositor_create_surface(display_.compositor.get()));
-  tile.viewport.reset(wp_viewporter_get_viewport(display_.viewports.get(), tile.surface.get()));
-  if (display_.fractionalScales) {
+  auto* const surface = tile.surface.get();
+  tile.viewport.reset(wp_viewporter_get_viewport(display_.viewports.get(), surface));
+  if (auto* const scales = display_.fractionalScales.get()) {
     static constexpr wp_fractional_scale_v1_listener listener{store<&Tile::scaleParts>};
-    tile.fractionalScale.reset(wp_fractional_scale_manager_v1_get_fractional_scale(
-        display_.fractionalScales.get(), tile.surface.get()));
+    tile.fractionalScale.reset(wp_fractional_scale_manager_v1_get_fractional_scale(scales, surface));
     wp_fractional_scale_v1_add_listener(tile.fractionalScale.get(), &listener, &tile);
   }
   isPlain_ ? makeWindow() : makeLayer();
-  wl_surface_commit(tile.surface.get());
+  wl_surface_commit(surface);
 }
 
 void WaylandSurface::makeLayer() {
@@ -174,13 +201,13 @@ void WaylandSurface::makeLayer() {
   const auto edge = [](double at, unsigned first, unsigned last) {
     return at == 0 ? first : at == 1 ? last : 0;
   };
+  const auto [x, y] = options_.anchor;
   zwlr_layer_surface_v1_set_anchor(
-      layer,
-      edge(options_.anchor.x, ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT, ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT) |
-          edge(options_.anchor.y, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP, ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM));
+      layer, edge(x, ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT, ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT) |
+                 edge(y, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP, ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM));
   const int margin = options_.margin;  // counts at the edges that are anchored to
   zwlr_layer_surface_v1_set_margin(layer, margin, margin, margin, margin);
-  const Proxy<wl_region> nothing{wl_compositor_create_region(display_.compositor.get())};
+  const Handle<wl_region, wl_region_destroy> nothing{wl_compositor_create_region(display_.compositor.get())};
   wl_surface_set_input_region(tile_->surface.get(), nothing.get());
   zwlr_layer_surface_v1_set_size(layer, 1, 1);  // until the first picture
 }
@@ -227,15 +254,14 @@ void WaylandSurface::configured(std::uint32_t serial) {
 /// Shows the picture when it is not shown yet and the compositor is ready.
 void WaylandSurface::draw() {
   Tile& tile = *tile_;
-  tile.buffers.remove_if([](const Buffer& buffer) { return buffer.isReleased; });
-  const double scale = monitor_ ? picture_->scale * displayScale_ / monitor_->scale : 0;
+  const double scale = state_.monitor ? picture_->scale * displayScale_ / state_.monitor->scale : 0;
   const bool isReady = tile.isConfigured && !tile.isClosed && tile.buffers.size() < 3;  // it may be asleep
   if (!isReady || scale == 0 || (tile.picture == picture_ && tile.scale == scale)) return;
   tile.picture = picture_;
   tile.scale = scale;
   const auto pixels = [scale](int points) { return static_cast<int>(std::lround(points * scale)); };
   const int width = surfaceSide(picture_->width, scale), height = surfaceSide(picture_->height, scale);
-  attach(grow(picture_, pixels(width), pixels(height), options_.anchor));
+  attach(*grow(picture_, pixels(width), pixels(height), options_.anchor));
   wp_viewport_set_destination(tile.viewport.get(), width, height);
   if (isPlain_) {  // of one size, which tiling compositors leave alone
     xdg_toplevel_set_min_size(tile.toplevel.get(), width, height);
@@ -248,17 +274,19 @@ void WaylandSurface::draw() {
   wl_surface_commit(tile.surface.get());
 }
 
-void WaylandSurface::attach(const std::shared_ptr<const Picture>& picture) {
-  const Proxy<wl_shm_pool> pool{
-      wl_shm_create_pool(display_.memory.get(), picture->descriptor(), static_cast<int>(picture->size()))};
-  wl_buffer* const proxy = wl_shm_pool_create_buffer(pool.get(), 0, picture->width, picture->height,
-                                                     picture->stride, WL_SHM_FORMAT_ARGB8888);
-  static constexpr wl_buffer_listener listener{
-      .release = [](void* buffer, auto*) { static_cast<Buffer*>(buffer)->isReleased = true; }};
-  wl_buffer_add_listener(proxy, &listener,
-                         &tile_->buffers.emplace_back(Buffer{picture, Proxy<wl_buffer>{proxy}}));
-  wl_surface_attach(tile_->surface.get(), proxy, 0, 0);
-  wl_surface_damage_buffer(tile_->surface.get(), 0, 0, picture->width, picture->height);
+/// Lends a picture to the compositor, which keeps its memory until it releases the buffer.
+void WaylandSurface::attach(const Picture& picture) {
+  const Handle<wl_shm_pool, wl_shm_pool_destroy> pool{
+      wl_shm_create_pool(display_.memory.get(), picture.descriptor(), static_cast<int>(picture.size()))};
+  wl_buffer* const buffer = wl_shm_pool_create_buffer(pool.get(), 0, picture.width, picture.height,
+                                                      picture.stride, WL_SHM_FORMAT_ARGB8888);
+  tile_->buffers.emplace_back(buffer);
+  static constexpr wl_buffer_listener listener{.release = [](void* tile, wl_buffer* released) {
+    std::erase_if(static_cast<Tile*>(tile)->buffers, [=](auto& lent) { return lent.get() == released; });
+  }};
+  wl_buffer_add_listener(buffer, &listener, &*tile_);
+  wl_surface_attach(tile_->surface.get(), buffer, 0, 0);
+  wl_surface_damage_buffer(tile_->surface.get(), 0, 0, picture.width, picture.height);
 }
 
 /// Puts the tile above everything else, or back in the bottom layer.

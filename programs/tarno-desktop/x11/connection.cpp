@@ -7,10 +7,10 @@
 
 namespace desktop::x11 {
 
-Connection::Connection() : connection_(xcb_connect(nullptr, nullptr)) {
-  const auto require = [](bool condition) {
+Connection::Connection() : handle(xcb_connect(nullptr, nullptr)) {
+  const auto require = [](bool isServed) {
     const char* const name = std::getenv("DISPLAY");
-    if (!condition)
+    if (!isServed)
       throw program::Failure{EX_UNAVAILABLE, std::string{"cannot connect to the X11 display '"} +
                                                  (name ? name : "") + "', or it lacks RANDR or XFIXES"};
   };
@@ -18,27 +18,28 @@ Connection::Connection() : connection_(xcb_connect(nullptr, nullptr)) {
   answer<xcb_randr_query_version_reply>(xcb_randr_query_version(*this, 1, 5));
   answer<xcb_xfixes_query_version_reply>(xcb_xfixes_query_version(*this, 5, 0));
   require(xcb_connection_has_error(*this) == 0);
+  const auto atom = [this](std::string_view name) {
+    const auto cookie = xcb_intern_atom(*this, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const auto reply = answer<xcb_intern_atom_reply>(cookie);
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+  };
+  xsettingsOwner = atom("_XSETTINGS_S0");
+  xsettings = atom("_XSETTINGS_SETTINGS");
+  monitorWorkAreas = atom("_GTK_WORKAREAS_D0");
+  motifHints = atom("_MOTIF_WM_HINTS");
   const auto* const screen = xcb_setup_roots_iterator(xcb_get_setup(*this)).data;
-  root_ = screen->root;
+  root = screen->root;
   for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem != 0; xcb_depth_next(&depth))
-    for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem != 0; xcb_visualtype_next(&visual))
+    for (auto each = xcb_depth_visuals_iterator(depth.data); each.rem != 0; xcb_visualtype_next(&each))
       // Pixels are written as they are in pictures; newer servers have visuals with blue before red, too.
-      if (depth.data->depth == 32 && visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR &&
-          visual.data->red_mask == 0xff0000)
-        visual_ = visual.data->visual_id;
-  if (visual_ == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no ARGB visual"};
-  colormap_ = xcb_generate_id(*this);
-  xcb_create_colormap(*this, XCB_COLORMAP_ALLOC_NONE, colormap_, root_, visual_);
+      if (depth.data->depth == 32 && each.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR &&
+          each.data->red_mask == 0xff0000)
+        visual = each.data->visual_id;
+  if (visual == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no ARGB visual"};
+  colormap = xcb_generate_id(*this);
+  xcb_create_colormap(*this, XCB_COLORMAP_ALLOC_NONE, colormap, root, visual);
   // Last: what it allocates is freed here when it fails, and by the destructor otherwise.
-  require(xcb_ewmh_init_atoms_replies(&ewmh_, xcb_ewmh_init_atoms(*this, &ewmh_), nullptr) != 0);
-}
-
-xcb_atom_t Connection::atom(const std::string& name) const {
-  auto& atom = atoms_[name];
-  if (atom != XCB_NONE) return atom;
-  const auto length = static_cast<std::uint16_t>(name.size());
-  const auto reply = answer<xcb_intern_atom_reply>(xcb_intern_atom(*this, 0, length, name.data()));
-  return atom = reply ? reply->atom : XCB_NONE;
+  require(xcb_ewmh_init_atoms_replies(&ewmh, xcb_ewmh_init_atoms(*this, &ewmh), nullptr) != 0);
 }
 
 }  // namespace desktop::x11

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -14,25 +13,12 @@
 namespace desktop::x11 {
 
 /// A connection to the display that DISPLAY names, whose first screen counts.
-class Connection {
- public:
+struct Connection {
   /// Throws program::Failure (EX_UNAVAILABLE) when there is no display, or one that lacks what a tile needs.
   Connection();
-  ~Connection() { xcb_ewmh_connection_wipe(&ewmh_); }
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
+  ~Connection() { xcb_ewmh_connection_wipe(&ewmh); }
 
-  operator xcb_connection_t*() const { return connection_.get(); }  // NOLINT: for the calls of xcb
-
-  xcb_window_t root() const { return root_; }
-
-  /// The visual with an alpha channel, 32 bits deep, and colours for it.
-  xcb_visualid_t visual() const { return visual_; }
-  xcb_colormap_t colormap() const { return colormap_; }
-
-  /// The atoms of the Extended Window Manager Hints, and others by their name.
-  xcb_ewmh_connection_t& ewmh() const { return ewmh_; }
-  xcb_atom_t atom(const std::string& name) const;
+  operator xcb_connection_t*() const { return handle.get(); }  // NOLINT: for the calls of xcb
 
   /// Waits for the answer to a request: answer<xcb_query_tree_reply>(xcb_query_tree(connection, window)).
   /// Null where there is none, such as about a window that is gone.
@@ -42,22 +28,19 @@ class Connection {
     return tarno::Handle<std::remove_pointer_t<decltype(answer)>, std::free>{answer};
   }
 
-  /// Asks for a property, and waits for its items, each as wide as those of `Items`. There are none where the
-  /// window is gone.
-  xcb_get_property_cookie_t askProperty(xcb_window_t window, xcb_atom_t property) const {
+  /// Asks for a property.
+  xcb_get_property_cookie_t ask(xcb_window_t window, xcb_atom_t property) const {
     return xcb_get_property(*this, 0, window, property, XCB_ATOM_NONE, 0, 1U << 14);
   }
+
+  /// Waits for the items of a property, each as wide as those of `Items`. A window that is gone has none.
   template <class Items = std::vector<std::uint32_t>>
-  Items items(xcb_get_property_cookie_t cookie) const {
+  Items items(xcb_get_property_cookie_t asked) const {
     using Item = typename Items::value_type;
-    const auto property = answer<xcb_get_property_reply>(cookie);
+    const auto property = answer<xcb_get_property_reply>(asked);
     if (!property || property->format != 8 * sizeof(Item)) return {};
     const auto* const first = static_cast<const Item*>(xcb_get_property_value(property.get()));
     return {first, first + property->value_len};
-  }
-  template <class Items = std::vector<std::uint32_t>>
-  Items property(xcb_window_t window, xcb_atom_t name) const {
-    return items<Items>(askProperty(window, name));
   }
 
   /// Asks for events of a window.
@@ -65,13 +48,12 @@ class Connection {
     xcb_change_window_attributes(*this, window, XCB_CW_EVENT_MASK, &events);
   }
 
- private:
-  tarno::Handle<xcb_connection_t, xcb_disconnect> connection_;
-  mutable xcb_ewmh_connection_t ewmh_{};  ///< its functions take no constant
-  xcb_window_t root_ = XCB_NONE;
-  xcb_visualid_t visual_ = XCB_NONE;
-  xcb_colormap_t colormap_ = XCB_NONE;
-  mutable std::map<std::string, xcb_atom_t> atoms_;
+  tarno::Handle<xcb_connection_t, xcb_disconnect> handle;
+  mutable xcb_ewmh_connection_t ewmh{};  ///< whose functions take no constant
+  xcb_atom_t xsettingsOwner{}, xsettings{}, monitorWorkAreas{}, motifHints{};  ///< `ewmh` has the others
+  xcb_window_t root = XCB_NONE;
+  xcb_visualid_t visual = XCB_NONE;  ///< with an alpha channel, 32 bits deep
+  xcb_colormap_t colormap = XCB_NONE;
 };
 
 }  // namespace desktop::x11

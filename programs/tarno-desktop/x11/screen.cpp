@@ -5,15 +5,19 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <span>
 #include <sstream>
-#include <utility>
 
 namespace desktop::x11 {
 namespace {
 
+using Cardinals = std::vector<int>;
+
+bool contains(const std::vector<std::uint32_t>& list, std::uint32_t item) {
+  return std::ranges::count(list, item) != 0;
+}
+
 std::vector<Area> readAreas(const Connection& connection, xcb_atom_t property) {
-  const auto numbers = connection.property<std::vector<int>>(connection.root(), property);
+  const auto numbers = connection.items<Cardinals>(connection.ask(connection.root, property));
   std::vector<Area> areas;
   for (std::size_t i = 0; i + 4 <= numbers.size(); i += 4)
     areas.push_back({numbers[i], numbers[i + 1], numbers[i + 2], numbers[i + 3]});
@@ -28,11 +32,11 @@ xcb_window_t ownerOf(const Connection& connection, xcb_atom_t selection) {
 
 /// The scale in the session's settings or else its resources, in pixels per point: 1 at 96 dots per inch.
 double sessionScale(const Connection& connection) {
-  const auto owner = ownerOf(connection, connection.atom("_XSETTINGS_S0"));
+  const auto owner = ownerOf(connection, connection.xsettingsOwner);
   if (owner != XCB_NONE) connection.select(owner, XCB_EVENT_MASK_PROPERTY_CHANGE);
-  const auto settings = connection.property<std::string>(owner, connection.atom("_XSETTINGS_SETTINGS"));
+  const auto settings = connection.items<std::string>(connection.ask(owner, connection.xsettings));
   const auto resources =
-      "\n" + connection.property<std::string>(connection.root(), XCB_ATOM_RESOURCE_MANAGER);
+      "\n" + connection.items<std::string>(connection.ask(connection.root, XCB_ATOM_RESOURCE_MANAGER));
   // XSETTINGS have an integer, in little-endian order, as: its type 0 and a byte of no use, the length of the
   // name in 2 bytes, the name and what fills it to 4 bytes, 4 bytes that count the changes, the value.
   const auto setting = settings.find("\0\0\7\0Xft/DPI\0", 0, 12), resource = resources.find("\nXft.dpi:");
@@ -47,7 +51,7 @@ double sessionScale(const Connection& connection) {
 
 std::vector<Monitor> readMonitors(const Connection& connection, double scale) {
   std::vector<Monitor> monitors;
-  const auto cookie = xcb_randr_get_monitors(connection, connection.root(), 1);
+  const auto cookie = xcb_randr_get_monitors(connection, connection.root, 1);
   const auto reply = connection.answer<xcb_randr_get_monitors_reply>(cookie);
   if (!reply) return monitors;
   for (auto at = xcb_randr_get_monitors_monitors_iterator(reply.get()); at.rem != 0;
@@ -69,39 +73,39 @@ struct WindowQuery {
   xcb_get_window_attributes_cookie_t attributes = xcb_get_window_attributes(connection, id);
   xcb_get_geometry_cookie_t geometry = xcb_get_geometry(connection, id);
   xcb_query_tree_cookie_t tree = xcb_query_tree(connection, id);
-  xcb_get_property_cookie_t type = connection.askProperty(id, connection.ewmh()._NET_WM_WINDOW_TYPE);
-  xcb_get_property_cookie_t state = connection.askProperty(id, connection.ewmh()._NET_WM_STATE);
-  xcb_get_property_cookie_t strut = connection.askProperty(id, connection.ewmh()._NET_WM_STRUT_PARTIAL);
+  xcb_get_property_cookie_t type = connection.ask(id, connection.ewmh._NET_WM_WINDOW_TYPE);
+  xcb_get_property_cookie_t state = connection.ask(id, connection.ewmh._NET_WM_STATE);
+  xcb_get_property_cookie_t strut = connection.ask(id, connection.ewmh._NET_WM_STRUT_PARTIAL);
 };
 
 /// Returns the visible windows, bottom to top. All windows of a level of the tree are asked about before an
 /// answer is waited for, so that many take no longer than one.
 std::vector<Window> readWindows(const Connection& connection) {
   constexpr int levels = 3;  // frames, what some window managers have in these, clients
-  const auto& ewmh = connection.ewmh();
-  const auto clients = connection.property(connection.root(), ewmh._NET_CLIENT_LIST);
+  const auto& ewmh = connection.ewmh;
+  const auto clients = connection.items(connection.ask(connection.root, ewmh._NET_CLIENT_LIST));
   std::vector<Window> windows;
   std::vector<WindowQuery> queries;
   // Of what is in a frame, the buttons and borders are left out. i3 does not list the panels that it frames.
   const auto askChildren = [&](const auto& tree, std::size_t index) {
     const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
     for (const auto child : children)
-      if (tree->parent == XCB_NONE || children.size() == 1 || std::ranges::count(clients, child) != 0)
+      if (tree->parent == XCB_NONE || children.size() == 1 || contains(clients, child))
         queries.push_back({connection, child, index});
   };
-  const auto rootCookie = xcb_query_tree(connection, connection.root());
-  if (const auto root = connection.answer<xcb_query_tree_reply>(rootCookie)) askChildren(root, 0);
+  const auto cookie = xcb_query_tree(connection, connection.root);
+  if (const auto root = connection.answer<xcb_query_tree_reply>(cookie)) askChildren(root, 0);
   for (int level = 0; level < levels; ++level)
     for (const auto& query : std::exchange(queries, {})) {
       const auto attributes = connection.answer<xcb_get_window_attributes_reply>(query.attributes);
       const auto geometry = connection.answer<xcb_get_geometry_reply>(query.geometry);
       const auto tree = connection.answer<xcb_query_tree_reply>(query.tree);
       const auto type = connection.items(query.type), state = connection.items(query.state);
-      auto strut = connection.items<std::vector<int>>(query.strut);
+      auto strut = connection.items<Cardinals>(query.strut);
       if (!attributes || !geometry || !tree || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
           attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY)
         continue;
-      const bool isDesktop = std::ranges::count(type, ewmh._NET_WM_WINDOW_TYPE_DESKTOP) != 0;
+      const bool isDesktop = contains(type, ewmh._NET_WM_WINDOW_TYPE_DESKTOP);
       const auto index = level == 0 ? windows.size() : query.index;
       if (level == 0)
         windows.push_back({{},
@@ -110,9 +114,9 @@ std::vector<Window> readWindows(const Connection& connection) {
       auto& window = windows[index];
       window.ids.push_back(query.id);
       window.isDesktop |= isDesktop;
-      window.isFullScreen |= std::ranges::count(state, ewmh._NET_WM_STATE_FULLSCREEN) != 0;
+      window.isFullScreen |= contains(state, ewmh._NET_WM_STATE_FULLSCREEN);
       if (strut.size() == 12) window.strut = std::move(strut);
-      if (std::ranges::count(type, ewmh._NET_WM_WINDOW_TYPE_DOCK) != 0)
+      if (contains(type, ewmh._NET_WM_WINDOW_TYPE_DOCK))
         connection.select(query.id, XCB_EVENT_MASK_PROPERTY_CHANGE);
       if (level + 1 < levels) askChildren(tree, index);
     }
@@ -139,14 +143,14 @@ Range distance(std::size_t edge, const Area& screen, const Area& area) {
 
 /// How much of a monitor a window reserves at an edge of it.
 int reserved(const Window& window, std::size_t edge, const Area& monitor, const Screen& screen) {
-  const auto axis = 1 - edge / 2;
+  const auto& strut = window.strut;
   const auto here = distance(edge, screen.area, monitor), own = distance(edge, screen.area, window.area);
-  const bool hasRange = !window.strut.empty() && window.strut[5 + 2 * edge] != 0;
-  const int most =
-      window.strut.empty() ? distance(edge, screen.area, screen.workArea).low : window.strut[edge];
+  const bool hasRange = !strut.empty() && strut[5 + 2 * edge] != 0;
+  const int most = strut.empty() ? distance(edge, screen.area, screen.workArea).low : strut[edge];
   const int depth = hasRange ? most : window.isOverlay && own.high <= most ? own.high : 0;
+  const auto axis = 1 - edge / 2;
   const auto range =
-      hasRange ? Range{window.strut[4 + 2 * edge], window.strut[5 + 2 * edge] + 1} : along(axis, window.area);
+      hasRange ? Range{strut[4 + 2 * edge], strut[5 + 2 * edge] + 1} : along(axis, window.area);
   // What would take the whole monitor is meant for another one beyond it.
   return depth < here.high && overlap(range, along(axis, monitor)) ? std::max(0, depth - here.low) : 0;
 }
@@ -154,11 +158,12 @@ int reserved(const Window& window, std::size_t edge, const Area& monitor, const 
 }  // namespace
 
 Screen readScreen(const Connection& connection, std::optional<double> scale) {
-  const auto root = connection.root();
+  const auto root = connection.root;
+  const auto& ewmh = connection.ewmh;
   Screen screen;
-  const auto& ewmh = connection.ewmh();
-  if (const auto window = connection.property(root, ewmh._NET_SUPPORTING_WM_CHECK); !window.empty())
-    screen.windowManager = connection.property<std::string>(window[0], ewmh._NET_WM_NAME);
+  const auto manager = connection.items(connection.ask(root, ewmh._NET_SUPPORTING_WM_CHECK));
+  if (!manager.empty())
+    screen.windowManager = connection.items<std::string>(connection.ask(manager[0], ewmh._NET_WM_NAME));
   const bool isSilent = screen.windowManager == "i3";  // about panels
   connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
@@ -169,7 +174,7 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
   screen.windows = readWindows(connection);
   const auto workAreas = readAreas(connection, ewmh._NET_WORKAREA);
   screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
-  screen.monitorWorkAreas = readAreas(connection, connection.atom("_GTK_WORKAREAS_D0"));
+  screen.monitorWorkAreas = readAreas(connection, connection.monitorWorkAreas);
   if (screen.monitors.size() == 1) screen.monitorWorkAreas.push_back(screen.workArea);
   return screen;
 }

@@ -5,9 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
 #include <string_view>
-#include <utility>
 
 namespace desktop::x11 {
 namespace {
@@ -44,50 +42,48 @@ void setShape(xcb_connection_t* connection, xcb_window_t window, std::uint8_t sh
 
 }  // namespace
 
-TileWindow::TileWindow(const Connection& connection, Layer layer, bool isManaged)
-    : connection_(connection), isManaged_(isManaged), id_(xcb_generate_id(connection)) {
+TileWindow::TileWindow(const Connection& connection, Layer layer, bool managed)
+    : isManaged(managed), id(xcb_generate_id(connection)), connection_(connection) {
   const bool isNormal = layer == Layer::normal, isDesktop = layer == Layer::desktop;
   std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   if (isNormal) events |= XCB_EVENT_MASK_BUTTON_PRESS;
-  const std::array<std::uint32_t, 5> values{0, 0, !isManaged, events, connection.colormap()};
+  const std::array<std::uint32_t, 5> values{0, 0, !isManaged, events, connection.colormap};
   constexpr auto given = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
                          XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
-  xcb_create_window(connection, 32, id_, connection.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                    connection.visual(), given, values.data());
-  if (!isNormal) setShape(connection, id_, XCB_SHAPE_SK_INPUT, {});
+  xcb_create_window(connection, 32, id, connection.root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                    connection.visual, given, values.data());
+  if (!isNormal) setShape(connection, id, XCB_SHAPE_SK_INPUT, {});
 
   constexpr std::string_view className{"tarno-desktop\0Tarno-desktop\0", 28};
-  xcb_icccm_set_wm_class(connection, id_, className.size(), className.data());
+  xcb_icccm_set_wm_class(connection, id, className.size(), className.data());
   xcb_icccm_wm_hints_t hints{};
   xcb_icccm_wm_hints_set_input(&hints, 0);
-  xcb_icccm_set_wm_hints(connection, id_, &hints);
-  // Motif's hints, of which the flag 2 says that there is a value for decorations: none.
-  constexpr std::array<std::uint32_t, 5> noDecorations{2, 0, 0, 0, 0};
-  const auto motif = connection.atom("_MOTIF_WM_HINTS");
-  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id_, motif, motif, 32, noDecorations.size(),
-                      noDecorations.data());
+  xcb_icccm_set_wm_hints(connection, id, &hints);
+  constexpr std::array<std::uint32_t, 5> noDecorations{2};  // a flag for the third word, which stays 0
+  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, connection.motifHints, connection.motifHints, 32,
+                      noDecorations.size(), noDecorations.data());
   // Around what is part of the desktop, managed or not, compositors draw no shadow.
-  auto& ewmh = connection.ewmh();
+  auto& ewmh = connection.ewmh;
   auto type = isManaged && !isDesktop ? ewmh._NET_WM_WINDOW_TYPE_UTILITY : ewmh._NET_WM_WINDOW_TYPE_DESKTOP;
-  xcb_ewmh_set_wm_window_type(&ewmh, id_, 1, &type);
+  xcb_ewmh_set_wm_window_type(&ewmh, id, 1, &type);
   std::vector states{ewmh._NET_WM_STATE_SKIP_TASKBAR, ewmh._NET_WM_STATE_SKIP_PAGER};
   if (layer == Layer::above) states.push_back(ewmh._NET_WM_STATE_ABOVE);
-  xcb_ewmh_set_wm_state(&ewmh, id_, static_cast<std::uint32_t>(states.size()), states.data());
+  xcb_ewmh_set_wm_state(&ewmh, id, static_cast<std::uint32_t>(states.size()), states.data());
   constexpr std::uint32_t allWorkspaces = 0xffffffff;
-  if (!isNormal) xcb_ewmh_set_wm_desktop(&ewmh, id_, allWorkspaces);
+  if (!isNormal) xcb_ewmh_set_wm_desktop(&ewmh, id, allWorkspaces);
 }
 
 void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string& title, bool isComposited) {
   if (picture == picture_ && isComposited == isComposited_) return;
   picture_ = std::move(picture);
   isComposited_ = isComposited;
-  xcb_ewmh_set_wm_name(&connection_.ewmh(), id_, static_cast<std::uint32_t>(title.size()), title.data());
+  xcb_ewmh_set_wm_name(&connection_.ewmh, id, static_cast<std::uint32_t>(title.size()), title.data());
   // As the window's background, the picture comes back by itself wherever the window is uncovered.
   const auto width = static_cast<std::uint16_t>(picture_->width),
              height = static_cast<std::uint16_t>(picture_->height);
   const xcb_pixmap_t pixmap = xcb_generate_id(connection_);
   const xcb_gcontext_t context = xcb_generate_id(connection_);
-  xcb_create_pixmap(connection_, 32, pixmap, id_, width, height);
+  xcb_create_pixmap(connection_, 32, pixmap, id, width, height);
   xcb_create_gc(connection_, context, pixmap, 0, nullptr);
   std::vector<xcb_rectangle_t> outline;
   std::vector<std::uint32_t> opaque(width);
@@ -99,12 +95,12 @@ void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string&
     xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, context, width, 1, 0, y, 0, 32, width * 4U,
                   static_cast<const std::uint8_t*>(bytes));
   }
-  xcb_change_window_attributes(connection_, id_, XCB_CW_BACK_PIXMAP, &pixmap);
-  xcb_clear_area(connection_, 0, id_, 0, 0, 0, 0);
+  xcb_change_window_attributes(connection_, id, XCB_CW_BACK_PIXMAP, &pixmap);
+  xcb_clear_area(connection_, 0, id, 0, 0, 0, 0);
   xcb_free_gc(connection_, context);
   xcb_free_pixmap(connection_, pixmap);
   if (isComposited_) outline = {{0, 0, width, height}};
-  setShape(connection_, id_, XCB_SHAPE_SK_BOUNDING, outline);
+  setShape(connection_, id, XCB_SHAPE_SK_BOUNDING, outline);
 }
 
 void TileWindow::place(const Area& area) {
@@ -116,20 +112,20 @@ void TileWindow::place(const Area& area) {
   xcb_icccm_size_hints_set_min_size(&hints, area.width, area.height);
   xcb_icccm_size_hints_set_max_size(&hints, area.width, area.height);
   xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);  // x and y are not the frame's
-  xcb_icccm_set_wm_normal_hints(connection_, id_, &hints);
+  xcb_icccm_set_wm_normal_hints(connection_, id, &hints);
   const xcb_configure_window_value_list_t values{.x = area.x,
                                                  .y = area.y,
                                                  .width = static_cast<std::uint32_t>(area.width),
                                                  .height = static_cast<std::uint32_t>(area.height)};
   const int place = isDragged_ ? 0 : XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y;
   configure(place | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
-  if (isNew && !isManaged_) stack(XCB_NONE);
-  if (isNew) xcb_map_window(connection_, id_);
+  if (isNew && !isManaged) stack(XCB_NONE);
+  if (isNew) xcb_map_window(connection_, id);
 }
 
 void TileWindow::stack(xcb_window_t below) const {
-  if (isManaged_) {
-    xcb_ewmh_request_restack_window(&connection_.ewmh(), 0, id_, XCB_NONE, XCB_STACK_MODE_ABOVE);
+  if (isManaged) {
+    xcb_ewmh_request_restack_window(&connection_.ewmh, 0, id, XCB_NONE, XCB_STACK_MODE_ABOVE);
     return;
   }
   if (below == XCB_NONE) return configure(XCB_CONFIG_WINDOW_STACK_MODE, {.stack_mode = XCB_STACK_MODE_BELOW});
@@ -140,14 +136,14 @@ void TileWindow::stack(xcb_window_t below) const {
 void TileWindow::drag(const xcb_button_press_event_t& press) {
   isDragged_ = true;
   xcb_ungrab_pointer(connection_, press.time);
-  xcb_ewmh_request_wm_moveresize(&connection_.ewmh(), 0, id_, static_cast<std::uint32_t>(press.root_x),
+  xcb_ewmh_request_wm_moveresize(&connection_.ewmh, 0, id, static_cast<std::uint32_t>(press.root_x),
                                  static_cast<std::uint32_t>(press.root_y), XCB_EWMH_WM_MOVERESIZE_MOVE,
                                  static_cast<xcb_button_index_t>(press.detail),
                                  XCB_EWMH_CLIENT_SOURCE_TYPE_NORMAL);
 }
 
 void TileWindow::configure(int fields, const xcb_configure_window_value_list_t& values) const {
-  xcb_configure_window_aux(connection_, id_, static_cast<std::uint16_t>(fields), &values);
+  xcb_configure_window_aux(connection_, id, static_cast<std::uint16_t>(fields), &values);
 }
 
 }  // namespace desktop::x11

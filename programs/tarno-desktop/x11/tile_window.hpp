@@ -15,12 +15,8 @@ class TileWindow {
  public:
   /// Not on the screen yet. Window managers pass over one that is not managed. `connection` outlives it.
   TileWindow(const Connection& connection, Layer layer, bool isManaged);
-  ~TileWindow() { xcb_destroy_window(connection_, id_); }
-  TileWindow(const TileWindow&) = delete;
-  TileWindow& operator=(const TileWindow&) = delete;
-
-  xcb_window_t id() const { return id_; }
-  bool isManaged() const { return isManaged_; }
+  TileWindow(TileWindow&&) = delete;
+  ~TileWindow() { xcb_destroy_window(connection_, id); }
 
   /// Fills the window. Where nothing composes windows, it is cut to the picture's outline.
   void show(std::shared_ptr<const Picture> picture, const std::string& title, bool isComposited);
@@ -34,12 +30,13 @@ class TileWindow {
   /// Lets the pointer, which pressed a button here, drag the window.
   void drag(const xcb_button_press_event_t& press);
 
+  const bool isManaged;
+  const xcb_window_t id;
+
  private:
   void configure(int fields, const xcb_configure_window_value_list_t& values) const;
 
   const Connection& connection_;
-  const bool isManaged_;
-  const xcb_window_t id_;
   std::shared_ptr<const Picture> picture_;
   Area area_;
   bool isComposited_ = false, isDragged_ = false;

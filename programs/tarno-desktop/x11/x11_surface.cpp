@@ -15,10 +15,8 @@ namespace {
 
 using namespace x11;
 
-std::string kindFor(Layer layer) {
-  constexpr std::array<const char*, 3> places{"of the desktop", "among others", "above others"};
-  return std::string{"an X11 window "} + places[static_cast<std::size_t>(layer)];
-}
+constexpr std::array kinds{"an X11 window of the desktop", "an X11 window among others",
+                           "an X11 window above others"};  // by layer
 
 /// These window managers keep an unmanaged window above all others, or leave it behind what they raise to
 /// show the desktop; and they let the pointer through a managed one. The others put managed windows into
@@ -37,7 +35,7 @@ class X11Surface final : public Surface {
   void dispatch(short events) override;
 
  private:
-  bool isOwn(xcb_window_t window) const { return window_ && window == window_->id(); }
+  bool isOwn(xcb_window_t window) const { return window_ && window == window_->id; }
   void handle(const xcb_generic_event_t& event);
   void findExtents();
   void look();
@@ -51,10 +49,11 @@ class X11Surface final : public Surface {
   Clock::time_point nextLook_;
 };
 
-X11Surface::X11Surface(const Options& options) : Surface(options, kindFor(options.layer)) {
-  xcb_randr_select_input(connection_, connection_.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
-  for (const auto selection : {connection_.ewmh()._NET_WM_CM_Sn[0], connection_.atom("_XSETTINGS_S0")})
-    xcb_xfixes_select_selection_input(connection_, connection_.root(), selection,
+X11Surface::X11Surface(const Options& options)
+    : Surface(options, kinds[static_cast<std::size_t>(options.layer)]) {
+  xcb_randr_select_input(connection_, connection_.root, XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
+  for (const auto selection : {connection_.ewmh._NET_WM_CM_Sn[0], connection_.xsettingsOwner})
+    xcb_xfixes_select_selection_input(connection_, connection_.root, selection,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -78,7 +77,7 @@ program::EventSource::Wait X11Surface::prepare() {
 void X11Surface::dispatch(short) {
   if (xcb_connection_has_error(connection_) == 0) return;
   const Connection another;  // throws where the whole display went away
-  isClosed_ = true;          // somebody ended the tile's connection: that is how its window is closed
+  state_.isClosed = true;    // somebody ended the tile's connection: that is how its window is closed
 }
 
 void X11Surface::handle(const xcb_generic_event_t& event) {
@@ -89,7 +88,7 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
       if (window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
       return;
     case XCB_DESTROY_NOTIFY:
-      isClosed_ |= isOwn(static_cast<const xcb_destroy_notify_event_t*>(data)->window);
+      state_.isClosed |= isOwn(static_cast<const xcb_destroy_notify_event_t*>(data)->window);
       break;
     case XCB_CONFIGURE_NOTIFY: {
       const auto& notify = *static_cast<const xcb_configure_notify_event_t*>(data);
@@ -104,9 +103,9 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
 
 /// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.
 void X11Surface::findExtents() {
-  const auto cookie = xcb_translate_coordinates(connection_, window_->id(), connection_.root(), 0, 0);
+  const auto cookie = xcb_translate_coordinates(connection_, window_->id, connection_.root, 0, 0);
   const auto at = connection_.answer<xcb_translate_coordinates_reply>(cookie);
-  if (at) extents_ = {at->dst_x, at->dst_y, picture_->width, picture_->height};
+  if (at) state_.extents = {at->dst_x, at->dst_y, picture_->width, picture_->height};
 }
 
 /// Looks at the screen, and follows what has changed.
@@ -114,19 +113,19 @@ void X11Surface::look() {
   --looks_;
   nextLook_ = Clock::now() + std::chrono::milliseconds{100};
   screen_ = readScreen(connection_, options_.scale);
-  monitors_ = screen_.monitors;
-  monitor_ = choice_.among(monitors_);
+  state_.monitors = screen_.monitors;
+  state_.monitor = choice_.among(state_.monitors);
   fit();
   if (window_) restack();
 }
 
 /// Shows the picture in its place, in a window as the window manager needs it.
 void X11Surface::fit() {
-  if (!monitor_ || !picture_) return window_.reset();
+  if (!state_.monitor || !picture_) return window_.reset();
   const bool managed = isManaged(options_.layer, screen_.windowManager);
-  if (!window_ || window_->isManaged() != managed) window_.emplace(connection_, options_.layer, managed);
-  const auto margin = static_cast<int>(std::lround(options_.margin * monitor_->scale));
-  const auto room = freeArea(monitor_->area, screen_);
+  if (!window_ || window_->isManaged != managed) window_.emplace(connection_, options_.layer, managed);
+  const auto margin = static_cast<int>(std::lround(options_.margin * state_.monitor->scale));
+  const auto room = freeArea(state_.monitor->area, screen_);
   window_->show(picture_, title_, screen_.isComposited);
   window_->place(place(picture_->width, picture_->height, room, options_.anchor, margin));
 }
@@ -134,11 +133,11 @@ void X11Surface::fit() {
 /// Puts the tile back to its place in the stack: below all other windows, but directly above the desktop of
 /// a file manager, which is a window too; or, in the layer above, over all that do not fill the screen.
 void X11Surface::restack() {
-  if (window_->isManaged() && options_.layer != Layer::desktop) return;  // that is up to the window manager
+  if (window_->isManaged && options_.layer != Layer::desktop) return;  // that is up to the window manager
   xcb_window_t highest = XCB_NONE;
   bool isAbove = true;
   for (const auto& window : screen_.windows) {
-    if (std::ranges::count(window.ids, window_->id()) != 0) isAbove = true;
+    if (std::ranges::count(window.ids, window_->id) != 0) isAbove = true;
     // A smaller one is another tile, which wants to be there too.
     const bool isLarger = window.area.width > picture_->width && window.area.height > picture_->height;
     if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
@@ -148,7 +147,7 @@ void X11Surface::restack() {
     if (window.isDesktop) connection_.select(highest, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     isAbove = false;
   }
-  if (!window_->isManaged() || !isAbove) window_->stack(highest);
+  if (!window_->isManaged || !isAbove) window_->stack(highest);
 }
 
 }  // namespace

@@ -30,8 +30,12 @@ struct Fixture {
     return std::count(log.begin(), log.end(), '\n');
   }
   bool waitFor(const std::function<bool()>& condition) { return loop.runUntil(condition); }
+  /// Until no frame is drawn or needed.
   bool waitForRest() {
-    return waitFor([this] { return tile->isAtRest(); });
+    return waitFor([this] {
+      const auto wait = tile->prepare();
+      return wait.descriptors.empty() && wait.until == program::EventSource::Clock::time_point::max();
+    });
   }
 
   TemporaryFolder folder;
@@ -158,8 +162,7 @@ TEST(LiveTile, EndsWhatHangs) {
   testing::internal::CaptureStderr();
   const auto fill = "print('x' * 2000000)";  // more than a pipe holds
   Fixture stopped{"os.kill(os.getpid(), 19)"}, full{fill};
-  full.tile->addTo(stopped.loop);
-  EXPECT_TRUE(stopped.waitFor([&] { return stopped.tile->isAtRest() && full.tile->isAtRest(); }));
+  EXPECT_TRUE(stopped.waitForRest() && full.waitForRest());
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "desktop_test: no new picture: no answer within 10 s\ndesktop_test: no new picture: no answer "
             "within 10 s\n");
