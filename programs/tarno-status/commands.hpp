@@ -14,22 +14,24 @@ struct SaveOptions {
   std::filesystem::path file = "-";       ///< "-" is standard input
   std::optional<tarno::Date> receivedAt;  ///< now when absent
   std::optional<std::string> mirrorKey;
+  bool isFollowing = false;   ///< see follow()
+  bool acknowledges = false;  ///< each save that follow() makes
 };
 
 /// Decodes a record strictly and saves it into the shared store. A key that no record has is named on
-/// standard error and left out. Fails with EX_DATAERR for a record or a mirror key that cannot be saved,
-/// EX_CANTCREAT where the store may not be used or made, EX_TEMPFAIL when others keep it locked, else
-/// EX_IOERR.
+/// standard error and left out. Hands over to follow() where that is asked for. Fails with EX_DATAERR for a
+/// record or a mirror key that cannot be saved, EX_CANTCREAT where the store may not be used or made,
+/// EX_TEMPFAIL when others keep it locked, else EX_IOERR.
 int save(const SaveOptions& options);
 
 /// Saves each line of standard input, one record in JSON, as save() does and as it arrives, until the input
 /// ends. A line that cannot be saved is one line on standard error and the next goes on. At most 16 records
 /// wait to be saved; more than that give way, the oldest first, and how many is said at most once a minute
-/// and at the end. Blank lines count for nothing, a last line without a line feed is not saved. Where it
-/// `acknowledges`, each save is one line on standard output, unless nobody reads them. Returns the code of
-/// the first line that failed, as save() would; giving way is no failure. From now on the process does not
+/// and at the end. Blank lines count for nothing, a last line without a line feed is not saved. Where
+/// `options` ask for it, each save is one line on standard output, unless nobody reads them. Returns the code
+/// of the first line that failed, as save() would; giving way is no failure. From now on the process does not
 /// die of SIGPIPE.
-int follow(const std::optional<std::string>& mirrorKey, bool acknowledges);
+int follow(const SaveOptions& options);
 
 /// Prints the last saved report, judged for freshness, for people or as JSON; null in JSON when nothing was
 /// saved yet. Fails with EX_UNAVAILABLE when something is stored that cannot be read.

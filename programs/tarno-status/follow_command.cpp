@@ -8,7 +8,6 @@
 #include <deque>
 
 #include "tarno/common/failure.hpp"
-#include "tarno/common/files.hpp"
 #include "tarno/common/output.hpp"
 #include "tarno/foundation/file_descriptor.hpp"
 #include "tarno/tarno-status/commands.hpp"
@@ -34,8 +33,7 @@ struct Arrival {
 
 class Follower {
  public:
-  Follower(const std::optional<std::string>& mirrorKey, bool acknowledges)
-      : mirrorKey_(mirrorKey), acknowledges_(acknowledges) {}
+  explicit Follower(const SaveOptions& options) : options_(options) {}
 
   int run() {
     while (!hasEnded_ || !waiting_.empty()) {
@@ -98,11 +96,11 @@ class Follower {
     const auto [line, record, receivedAt] = std::move(waiting_.front());
     waiting_.pop_front();
     try {
-      saveReport(record.report, receivedAt, mirrorKey_);
+      saveReport(record.report, receivedAt, options_.mirrorKey);
     } catch (const program::Failure& failure) {
       return fail(line, failure);
     }
-    if (acknowledges_) acknowledge(line);
+    if (options_.acknowledges) acknowledge(line);
     if (!record.complaint.empty() && record.complaint != complaint_)
       program::complain(lineText(line) + record.complaint);
     complaint_ = record.complaint;
@@ -128,8 +126,7 @@ class Follower {
 
   static std::string lineText(std::size_t line) { return "line " + std::to_string(line) + ": "; }
 
-  const std::optional<std::string>& mirrorKey_;
-  const bool acknowledges_;
+  const SaveOptions& options_;
   std::string chunk_ = std::string(chunkSize, '\0');
   std::string line_;  ///< the one being read
   std::size_t lines_ = 0;
@@ -143,9 +140,9 @@ class Follower {
 
 }  // namespace
 
-int follow(const std::optional<std::string>& mirrorKey, bool acknowledges) {
+int follow(const SaveOptions& options) {
   std::signal(SIGPIPE, SIG_IGN);  // the readers of both outputs may go; reports still arrive
-  return Follower{mirrorKey, acknowledges}.run();
+  return Follower{options}.run();
 }
 
 }  // namespace status

@@ -5,29 +5,21 @@
 
 namespace {
 
-struct Saving {
-  status::SaveOptions options;
-  bool isFollowing = false;
-  bool acknowledges = false;
-};
-
-CLI::App& addSave(CLI::App& app, Saving& saving) {
+CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
   auto& save = *app.add_subcommand("save", "Save a status record (JSON) into the shared store");
-  auto* const file =
-      save.add_option("FILE", saving.options.file, "The record; standard input when absent or -");
-  auto* const date = program::addDateOption(save, "--received-at", saving.options.receivedAt,
+  auto* const file = save.add_option("FILE", options.file, "The record; standard input when absent or -");
+  auto* const date = program::addDateOption(save, "--received-at", options.receivedAt,
                                             "When the report was received (default: now)");
-  save.add_option("--mirror-key", saving.options.mirrorKey, "A key to keep beside the report")
-      ->type_name("KEY");
+  save.add_option("--mirror-key", options.mirrorKey, "A key to keep beside the report")->type_name("KEY");
   auto* const follow =
       save.add_flag(
-              "--follow", saving.isFollowing,
+              "--follow", options.isFollowing,
               "Save each line of standard input, one record per line, as it arrives. A bad line is named on "
               "standard error and the next one goes on. When records arrive faster than they can be saved, "
               "the oldest are skipped")
           ->excludes(file)
           ->excludes(date);
-  save.add_flag("--acknowledge", saving.acknowledges,
+  save.add_flag("--acknowledge", options.acknowledges,
                 "Print the number of each line that was saved, as in 'line 1: saved'")
       ->needs(follow);
   program::setExample(save,
@@ -77,8 +69,8 @@ int main(int argc, char** argv) {
   program::setExample(app, "echo '{\"status\": \"locked\"}' | tarno-status save && tarno-status show");
   app.require_subcommand(1);
 
-  Saving saving;
-  auto& save = addSave(app, saving);
+  status::SaveOptions options;
+  auto& save = addSave(app, options);
 
   bool asJSON = false;
   auto& show = *app.add_subcommand("show", "Show the last saved report as the widget would show it");
@@ -101,9 +93,7 @@ int main(int argc, char** argv) {
   program::ClockOption clock{&save, &show, &check, &doctor};
   return program::run(app, argc, argv, [&] {
     clock.apply();
-    if (save.parsed())
-      return saving.isFollowing ? status::follow(saving.options.mirrorKey, saving.acknowledges)
-                                : status::save(saving.options);
+    if (save.parsed()) return status::save(options);
     if (show.parsed()) return status::show(asJSON);
     if (check.parsed()) return status::check(expected);
     if (watch.parsed()) return status::watch(format);

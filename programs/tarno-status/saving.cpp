@@ -55,6 +55,7 @@ void saveReport(const TarnoMacStatusSnapshot& report, tarno::Date receivedAt,
 }
 
 int save(const SaveOptions& options) {
+  if (options.isFollowing) return follow(options);
   const auto record = decodeRecord(program::readFile(options.file, largestRecord));
   saveReport(record.report, options.receivedAt.value_or(tarno::now()), options.mirrorKey);
   if (!record.complaint.empty()) program::complain(record.complaint);
