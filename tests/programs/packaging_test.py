@@ -12,6 +12,7 @@ class Packaging(ProgramTest):
         """What a desktop starts for each Exec: an escaped string, then words quoted as a shell's are."""
         lines = [line.removeprefix("Exec=") for line in entry.read_text().splitlines() if line.startswith("Exec=")]
         for line in lines:
+            self.assertNotIn("%", line.replace("%%", ""))
             command = line.replace("\\\\", "\\").replace("%%", "%") + " --version"
             done = subprocess.run(["sh", "-c", command], capture_output=True, text=True)
             self.assertRegex(done.stdout, r"\Atarno-desktop \d+\.\d+\.\d+\n", (line, done.stderr))
@@ -39,7 +40,7 @@ class Packaging(ProgramTest):
         self.assertRegex(svg, r'(?s)<svg [^>]* viewBox="0 0 128 128".*<title>Tarno</title>.*(<path .*){4}</svg>')
 
     def test_autostart_is_written_and_removed(self):
-        program = self.folder / 'my "own" \\$place 100%' / "tarno-desktop"
+        program = self.folder / 'my "own" \\$place 100%s' / "tarno-desktop"
         program.parent.mkdir()
         shutil.copy(BIN / "tarno-desktop", program)
         entry = self.folder / "config/autostart/tarno-desktop.desktop"

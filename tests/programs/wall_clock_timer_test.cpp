@@ -1,5 +1,6 @@
 #include "tarno/common/wall_clock_timer.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -69,6 +70,32 @@ TEST_F(WallClockTimer, WakesOnceWhenTheLastMomentItWasGivenHasCome) {
   EXPECT_FALSE(wakesIn(20ms));
   timer.dispatch(POLLIN);  // for no reason
   EXPECT_EQ(wakes, 0);
+}
+
+/// Waits for input on two descriptors, or for a while, then ends the loop.
+struct Source final : program::EventSource {
+  Wait prepare() override { return {{{-1, POLLIN, 0}, {descriptor, POLLIN, 0}}, Clock::now() + wait}; }
+  void dispatch(short events) override {
+    if (events != 0 || wait == 0ms) loop->quit(events);
+  }
+  program::EventLoop* loop = nullptr;
+  std::chrono::milliseconds wait = 1h;
+  int descriptor = -1;
+};
+
+TEST(EventLoop, WakesAtTheFirstDeadlineAndForEachDescriptorOfASource) {
+  program::EventLoop loop;
+  Source first, second, third;
+  for (Source* const source : {&first, &second, &third}) {
+    source->loop = &loop;
+    loop.add(*source);
+  }
+  second.wait = 0ms;
+  EXPECT_EQ(loop.run(), 0);
+  second.wait = 1h;
+  const tarno::FileDescriptor always{open("/dev/zero", O_RDONLY | O_CLOEXEC)};
+  third.descriptor = always.get();
+  EXPECT_EQ(loop.run(), POLLIN);
 }
 
 TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {

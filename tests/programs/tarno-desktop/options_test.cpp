@@ -15,9 +15,10 @@ using desktop::Options;
 /// What a settings file and a command line come to; the words of a failure, its code first.
 std::string read(const char* settings, const std::string& line, Options& options) {
   const TemporaryFolder folder;
-  setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
-  std::filesystem::create_directory(folder.path / "tarno");
-  if (settings) folder.write("tarno/desktop.ini", settings);
+  setenv("XDG_CONFIG_HOME", "relative/and/ignored", 1);
+  setenv("HOME", folder.path.c_str(), 1);
+  std::filesystem::create_directories(folder.path / ".config/tarno");
+  if (settings) folder.write(".config/tarno/desktop.ini", settings);
   CLI::App app;
   desktop::addOptions(app, options);
   try {
@@ -51,6 +52,13 @@ TEST(Options, ComeFromTheSettingsFileUnlessTheCommandLineSaysOtherwise) {
   EXPECT_EQ(options.scale, 1.5);
   EXPECT_TRUE(options.plainWindow);
   EXPECT_EQ(options.at->time_since_epoch(), std::chrono::milliseconds{1794843695250});
+}
+
+TEST(Options, TakeTheLeastAndTheGreatestScaleAndMargin) {
+  for (const char* const limits : {"--scale 0.25 --margin 0", "--scale 16 --margin 10000"}) {
+    Options options;
+    EXPECT_EQ(read(nullptr, limits, options), "");
+  }
 }
 
 TEST(Options, PutATileAtEachOfTheNinePlaces) {
