@@ -59,7 +59,7 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
   std::size_t kept = 0;  // events, by the kernel: each of these renames makes two
   std::ifstream{"/proc/sys/fs/inotify/max_queued_events"} >> kept;
   const fs::path folder = "elsewhere/group/store", names[] = {folder / "one", folder / "other"};
-  std::ofstream{names[0]};
+  std::ofstream{names[0]} << "";
   for (std::size_t i = 0; i <= kept / 2; ++i) fs::rename(names[i % 2], names[1 - i % 2]);
   EXPECT_TRUE(isToldAfter("rm elsewhere/group/store/file")) << "an event that is lost";
   fs::current_path(before);
