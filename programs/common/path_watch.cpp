@@ -9,8 +9,8 @@
 namespace program {
 namespace {
 
-constexpr unsigned itself = IN_DELETE_SELF | IN_MOVE_SELF;
-constexpr unsigned names = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE;
+constexpr unsigned itself = IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB;
+constexpr unsigned names = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE | IN_ATTRIB;
 
 }  // namespace
 

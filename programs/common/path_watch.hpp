@@ -9,10 +9,11 @@
 
 namespace program {
 
-/// Tells when the file at a path is made, replaced, written or removed, whichever of the folders above it
-/// come, go or move meanwhile. It sleeps through whatever else happens: only the folder of the file, or the
-/// nearest one that exists, is watched for names. Where the system has no watch left, it tells nothing, and
-/// isWatching() says so. What comes where a link leads to nothing goes unnoticed.
+/// Tells when the file at a path is made, replaced, written, removed or given other permissions, whichever of
+/// the folders above it come, go, move or change theirs meanwhile. It sleeps through whatever else happens:
+/// only the folder of the file, or the nearest one that exists, is watched for names. Where the system has no
+/// watch left, it tells nothing, and isWatching() says so. What comes where a link leads to nothing goes
+/// unnoticed.
 class PathWatch final : public EventSource {
  public:
   explicit PathWatch(std::function<void()> changed);
