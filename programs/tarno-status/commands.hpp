@@ -24,13 +24,13 @@ struct SaveOptions {
 /// EX_TEMPFAIL when others keep it locked, else EX_IOERR.
 int save(const SaveOptions& options);
 
-/// Saves each line of standard input, one record in JSON, as save() does and as it arrives, until the input
-/// ends. A line that cannot be saved is one line on standard error and the next goes on. At most 16 records
-/// wait to be saved; more than that give way, the oldest first, and how many is said at most once a minute
-/// and at the end. Blank lines count for nothing, a last line without a line feed is not saved. Where
-/// `options` ask for it, each save is one line on standard output, unless nobody reads them. Returns the code
-/// of the first line that failed, as save() would; giving way is no failure. From now on the process does not
-/// die of SIGPIPE.
+/// Saves standard input, one record in JSON per line, as save() does, until the input ends. A line is saved
+/// as it arrives; of lines that arrive while a save is under way, only the newest is saved, and the number of
+/// those skipped is said at most once a minute and at the end. A line that cannot be saved is one line on
+/// standard error. Blank lines count for nothing, a last line without a line feed is not saved. Where
+/// `options` ask for it, each save is one line on standard output. Waits for no reader of the two outputs:
+/// what they do not take is lost. Returns the code of the first line that failed, as save() would; skipping
+/// is no failure. From now on the process does not die of SIGPIPE.
 int follow(const SaveOptions& options);
 
 /// Prints the last saved report, judged for freshness, for people or as JSON; null in JSON when nothing was
@@ -41,17 +41,18 @@ int show(bool asJSON);
 /// Fails as show() does.
 int check(std::optional<TarnoMacStatus> expected);
 
-/// Prints the state of the store at once, then a line whenever it changes: a save, a report that turns stale,
-/// a store that comes or goes. Asleep in between. `format` is as for lineFormat(). What makes the store
-/// unreadable is one line on standard error each time. Returns EX_OK when the reader of standard output has
-/// gone. Fails with EX_USAGE for a wrong format, EX_UNAVAILABLE where there can be no store, EX_OSERR where
-/// the system cannot watch it. From now on the process does not die of SIGPIPE.
+/// Prints a line about the stored status at once, and another whenever that line would differ from the last:
+/// after a save, when the report turns stale, when the store comes, goes or may no longer be read. Sleeps in
+/// between. `format` is as for lineFormat(). What makes the store unreadable is one line on standard error
+/// each time. Returns EX_OK when the reader of standard output has gone. Fails with EX_USAGE for a wrong
+/// format, EX_UNAVAILABLE where there can be no store, EX_OSERR where the system cannot watch it. From now on
+/// the process does not die of SIGPIPE.
 int watch(const std::string& format);
 
-/// Prints where the shared store is, what it holds, what is wrong with it and whether a save would succeed,
-/// which it tries as far as it changes nothing, and what `tarno-widget fonts` says, where that program lies
-/// beside this one. EX_UNAVAILABLE unless the tile shows a fresh status and a
-/// save would succeed.
+/// Prints where the shared store is, what it holds, what is wrong with it, whether a save would succeed
+/// (which it tries as far as it changes nothing), whether the user has another store, and what `tarno-widget
+/// fonts` says. The last line says what the tile shows and why. EX_UNAVAILABLE unless the tile shows a fresh
+/// status, received in the past, and a save would succeed.
 int doctor();
 
 }  // namespace status

@@ -5,7 +5,8 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
-#include <deque>
+#include <optional>
+#include <utility>
 
 #include "tarno/common/failure.hpp"
 #include "tarno/common/output.hpp"
@@ -18,9 +19,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// More than any burst of real events; few enough that the newest is saved soon.
-constexpr std::size_t mostWaiting = 16;
-/// What is read between two saves: an endless stream must not keep the newest record from being saved.
+/// What is read before a save: an endless stream must not keep its newest record from being saved.
 constexpr std::size_t mostChunks = 16;
 constexpr std::size_t chunkSize = 1 << 16;
 constexpr std::chrono::minutes quietAboutSkipping{1};
@@ -31,29 +30,36 @@ struct Arrival {
   tarno::Date receivedAt;
 };
 
+bool isBlank(std::string_view line) { return line.find_first_not_of(" \t\r") == line.npos; }
+
+/// Whether a write of PIPE_BUF bytes or fewer would not wait. Saving never waits for who reads the outputs.
+bool canWrite(int descriptor) {
+  pollfd output{descriptor, POLLOUT, 0};
+  return poll(&output, 1, 0) == 1;
+}
+
 class Follower {
  public:
   explicit Follower(const SaveOptions& options) : options_(options) {}
 
   int run() {
-    while (!hasEnded_ || !waiting_.empty()) {
-      if (!hasEnded_) readAvailable();
-      saveOldest();
+    while (!hasEnded_) {
+      readAvailable();
+      saveNewest();
       if (Clock::now() - lastToldOfSkipping_ >= quietAboutSkipping) tellOfSkipping();
     }
-    if (!line_.empty())
+    if (!isBlank(line_))
       fail(lines_ + 1, {EX_DATAERR, "the input ended before the line did; nothing was saved"});
     tellOfSkipping();
     return exitCode_;
   }
 
  private:
-  /// Reads what is there, up to a limit. Sleeps only when there is nothing else to do.
+  /// Waits for input, then reads what is there, up to a limit.
   void readAvailable() {
     for (std::size_t chunks = 0; chunks < mostChunks && !hasEnded_; ++chunks) {
       pollfd input{STDIN_FILENO, POLLIN, 0};
-      const bool maySleep = waiting_.empty() && chunks == 0;
-      if (poll(&input, 1, maySleep ? -1 : 0) <= 0) return;
+      if (poll(&input, 1, chunks == 0 ? -1 : 0) <= 0) return;
       const ssize_t count = read(STDIN_FILENO, chunk_.data(), chunk_.size());
       if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
       if (count < 0)
@@ -78,50 +84,46 @@ class Follower {
 
   void takeLine() {
     ++lines_;
-    if (line_.find_first_not_of(" \t\r") == line_.npos) return;
+    if (isBlank(line_)) return;
     try {
       if (line_.size() > largestRecord)
         throw program::Failure{EX_DATAERR, "is longer than " + std::to_string(largestRecord) + " bytes"};
-      waiting_.push_back({lines_, decodeRecord(line_), tarno::now()});
+      Arrival arrival{lines_, decodeRecord(line_), tarno::now()};
+      if (newest_) ++skipped_;
+      newest_ = std::move(arrival);
     } catch (const program::Failure& failure) {
       fail(lines_, failure);
     }
-    if (waiting_.size() <= mostWaiting) return;
-    waiting_.pop_front();
-    ++skipped_;
   }
 
-  void saveOldest() {
-    if (waiting_.empty()) return;
-    const auto [line, record, receivedAt] = std::move(waiting_.front());
-    waiting_.pop_front();
+  void saveNewest() {
+    if (!newest_) return;
+    const auto [line, record, receivedAt] = *std::exchange(newest_, std::nullopt);
     try {
       saveReport(record.report, receivedAt, options_.mirrorKey);
     } catch (const program::Failure& failure) {
       return fail(line, failure);
     }
-    if (options_.acknowledges) acknowledge(line);
-    if (!record.complaint.empty() && record.complaint != complaint_)
-      program::complain(lineText(line) + record.complaint);
+    if (const int output = program::outputDescriptor(); options_.acknowledges && canWrite(output))
+      tarno::writeAll(output, lineText(line) + "saved\n");
+    if (!record.complaint.empty() && record.complaint != complaint_) tell(lineText(line) + record.complaint);
     complaint_ = record.complaint;
-  }
-
-  /// Drops what nobody reads: the next report must not wait for a reader.
-  static void acknowledge(std::size_t line) {
-    pollfd output{program::outputDescriptor(), POLLOUT, 0};
-    if (poll(&output, 1, 0) == 1) tarno::writeAll(output.fd, lineText(line) + "saved\n");
   }
 
   void tellOfSkipping() {
     if (skipped_ == 0) return;
-    program::complain("reports skipped in favour of newer ones: " + std::to_string(skipped_));
+    tell("reports skipped in favour of newer ones: " + std::to_string(skipped_));
     skipped_ = 0;
     lastToldOfSkipping_ = Clock::now();
   }
 
   void fail(std::size_t line, const program::Failure& failure) {
-    program::complain(lineText(line) + failure.what());
+    tell(lineText(line) + failure.what());
     if (exitCode_ == EX_OK) exitCode_ = failure.exitCode();
+  }
+
+  static void tell(const std::string& line) {
+    if (canWrite(STDERR_FILENO)) program::complain(line);
   }
 
   static std::string lineText(std::size_t line) { return "line " + std::to_string(line) + ": "; }
@@ -130,7 +132,7 @@ class Follower {
   std::string chunk_ = std::string(chunkSize, '\0');
   std::string line_;  ///< the one being read
   std::size_t lines_ = 0;
-  std::deque<Arrival> waiting_;
+  std::optional<Arrival> newest_;  ///< not saved yet
   std::size_t skipped_ = 0;
   Clock::time_point lastToldOfSkipping_ = Clock::now();
   std::string complaint_;  ///< of the last record; the same is said once
