@@ -27,18 +27,25 @@ std::optional<path> homeOfUser() {
   return path{found->pw_dir};
 }
 
-std::optional<path> baseDirectory(const char* variable, const char* folderInHome) {
-  if (auto folder = absolutePathIn(variable)) return folder;
+std::optional<path> folderInHome(const char* folder) {
   auto home = absolutePathIn("HOME");
   if (!home) home = homeOfUser();
-  if (home) *home /= folderInHome;
+  if (home) *home /= folder;
   return home;
 }
 
 }  // namespace
 
-std::optional<path> dataHome() { return baseDirectory("XDG_DATA_HOME", ".local/share"); }
+std::optional<path> dataHome() {
+  const auto folder = absolutePathIn("XDG_DATA_HOME");
+  return folder ? folder : standardDataHome();
+}
 
-std::optional<path> configurationHome() { return baseDirectory("XDG_CONFIG_HOME", ".config"); }
+std::optional<path> standardDataHome() { return folderInHome(".local/share"); }
+
+std::optional<path> configurationHome() {
+  const auto folder = absolutePathIn("XDG_CONFIG_HOME");
+  return folder ? folder : folderInHome(".config");
+}
 
 }  // namespace tarno

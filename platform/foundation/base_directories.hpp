@@ -12,6 +12,9 @@ namespace tarno {
 /// ${XDG_DATA_HOME:-~/.local/share}
 std::optional<std::filesystem::path> dataHome();
 
+/// ~/.local/share, whatever XDG_DATA_HOME says.
+std::optional<std::filesystem::path> standardDataHome();
+
 /// ${XDG_CONFIG_HOME:-~/.config}
 std::optional<std::filesystem::path> configurationHome();
 

@@ -9,7 +9,9 @@
 #include "tarno/common/child_process.hpp"
 #include "tarno/common/dates.hpp"
 #include "tarno/common/output.hpp"
+#include "tarno/foundation/base_directories.hpp"
 #include "tarno/foundation/suite_store.hpp"
+#include "tarno/shared/freshness/status_freshness.hpp"
 #include "tarno/shared/persistence/mac_defaults.hpp"
 #include "tarno/tarno-status/commands.hpp"
 #include "tarno/tarno-status/shared_status.hpp"
@@ -79,8 +81,42 @@ std::string fontText() {
   return text.substr(0, text.find('\n'));
 }
 
+/// XDG_DATA_HOME as programs of the user's session get it; empty where there is no such session.
+std::filesystem::path sessionDataHome() {
+  const auto [output, errors, failure] = program::ChildProcess{
+      program::siblingProgram("systemctl"),
+      {"--user", "show-environment"},
+      std::chrono::seconds{2}}.finish();
+  constexpr std::string_view name = "\nXDG_DATA_HOME=";
+  const auto text = "\n" + output;
+  const auto start = text.find(name);
+  if (!failure.empty() || start == text.npos) return {};
+  const auto value = text.substr(start + name.size());
+  return value.substr(0, value.find('\n'));
+}
+
+/// A store of the user's in another folder, where programs save that have another XDG_DATA_HOME, as those
+/// that ssh starts may.
+struct OtherStore {
+  std::filesystem::path file;
+  tarno::Date savedAt;
+};
+
+std::optional<OtherStore> findOtherStore(const std::filesystem::path& ownFile) {
+  for (const auto& home : {sessionDataHome(), tarno::standardDataHome().value_or("")}) {
+    const auto file = home / TarnoMacDefaults::appGroupIdentifier / ownFile.filename();
+    std::error_code error;
+    if (!home.is_absolute() || std::filesystem::equivalent(file, ownFile, error)) continue;
+    const auto savedAt = std::filesystem::last_write_time(file, error);
+    if (!error)
+      return OtherStore{file,
+                        std::chrono::floor<tarno::Date::duration>(std::chrono::file_clock::to_sys(savedAt))};
+  }
+  return std::nullopt;
+}
+
 /// What the tile shows and, unless all is well, why.
-std::string verdict(const SharedStatus& shared) {
+std::string verdict(const SharedStatus& shared, tarno::Date now) {
   const auto& status = shared.status;
   const auto says = " tile says \"" + tileReport(status).statusLine + "\"";
   if (!status && shared.fault.empty())
@@ -90,6 +126,13 @@ std::string verdict(const SharedStatus& shared) {
     return "Only the plain value is used, so the" + says + ": " + shared.fault + "; the next save mends it.";
   if (!status->receivedAt)
     return "The receipt date is missing, so that the report's age is unknown; the" + says + ".";
+  if (*status->receivedAt > now)
+    return "The receipt date lies in the future: the report does not turn stale before " +
+           program::dateText(TarnoStatusFreshness::staleFrom(*status->receivedAt)) +
+           ", unless a new one is saved; the" + says + ".";
+  if (status->snapshot.isStale() && now < TarnoStatusFreshness::staleFrom(*status->receivedAt))
+    return "The report itself says that it is stale, so the" + says +
+           " until the companion application saves one that does not.";
   if (status->snapshot.isStale())
     return "The last report is stale, so the" + says + " until the companion application saves a new one.";
   return "The report is fresh: the" + says + ".";
@@ -102,6 +145,7 @@ int doctor() {
   const auto shared = readSharedStatus(now);
   const auto fault = savingFault();
   const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
+  const auto other = location ? findOtherStore(location->file) : std::nullopt;
 
   std::string text = line("store", location ? location->file.string() : "nowhere");
   text += line("directory", location ? itemText(location->directory) : "missing");
@@ -111,12 +155,20 @@ int doctor() {
   text += line("report's age", ageText(shared.status, now));
   text += line("reading", shared.fault.empty() ? "works" : "fails: " + shared.fault);
   text += line("saving", fault.empty() ? "works" : "would fail: " + fault);
+  if (other)
+    text += line("another store", other->file.string() + ", saved " + program::dateText(other->savedAt));
   text += line("font", fontText());
 
-  const bool isWell = isFresh(shared.status) && fault.empty();
+  const bool isWell = isFresh(shared.status) && shared.status->receivedAt <= now && fault.empty();
   const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";
-  const auto praise = isWell && shared.fault.empty() ? "All is well. " : "";
-  program::writeOutput(text + "\n" + program::printable(praise + verdict(shared) + saving) + "\n");
+  const auto isElsewhere = other && (!shared.status || other->savedAt > shared.status->receivedAt);
+  const auto elsewhere =
+      isElsewhere
+          ? " The other store is newer: whatever saves there has another XDG_DATA_HOME than this program."
+          : "";
+  const auto praise = isWell && shared.fault.empty() && !isElsewhere ? "All is well. " : "";
+  program::writeOutput(text + "\n" + program::printable(praise + verdict(shared, now) + saving + elsewhere) +
+                       "\n");
   return isWell ? EX_OK : EX_UNAVAILABLE;
 }
 

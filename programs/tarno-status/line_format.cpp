@@ -14,7 +14,7 @@
 namespace status {
 namespace {
 
-using Value = std::string (*)(const TileReport&);
+using Value = std::string (*)(const TileReport&, tarno::Date since);
 
 struct Placeholder {
   std::string_view name;
@@ -22,17 +22,20 @@ struct Placeholder {
 };
 
 constexpr Placeholder placeholders[] = {
-    {"status", [](const TileReport& report) { return report.status; }},
-    {"status_line", [](const TileReport& report) { return report.statusLine; }},
-    {"detail_line", [](const TileReport& report) { return report.detailLine; }},
-    {"presence", [](const TileReport& report) { return report.presence; }},
-    {"device", [](const TileReport& report) { return report.device; }},
+    {"status", [](const TileReport& report, tarno::Date) { return report.status; }},
+    {"status_line", [](const TileReport& report, tarno::Date) { return report.statusLine; }},
+    {"detail_line", [](const TileReport& report, tarno::Date) { return report.detailLine; }},
+    {"presence", [](const TileReport& report, tarno::Date) { return report.presence; }},
+    {"device", [](const TileReport& report, tarno::Date) { return report.device; }},
     {"age",
-     [](const TileReport& report) {
+     [](const TileReport& report, tarno::Date) {
        return report.ageSeconds ? TarnoStatusFreshness::ageText(*report.ageSeconds) : "";
      }},
     {"received_at",
-     [](const TileReport& report) { return report.receivedAt ? program::dateText(*report.receivedAt) : ""; }},
+     [](const TileReport& report, tarno::Date) {
+       return report.receivedAt ? program::dateText(*report.receivedAt) : "";
+     }},
+    {"since", [](const TileReport&, tarno::Date since) { return program::dateText(since); }},
 };
 
 /// A text, then a value, unless it is the end.
@@ -91,7 +94,7 @@ std::string escaped(std::string_view text) {
   return markup;
 }
 
-std::string waybarLine(const std::optional<TarnoStoredMacStatus>& stored) {
+std::string waybarLine(const std::optional<TarnoStoredMacStatus>& stored, tarno::Date) {
   const auto report = tileReport(stored);
   const auto word = !stored ? "none" : report.isStale ? "stale" : report.status;
   const auto tooltip = report.device + "\n" + report.detailLine + "\n" + report.presence;
@@ -107,10 +110,10 @@ std::string waybarLine(const std::optional<TarnoStoredMacStatus>& stored) {
 std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored, int indent) {
   if (!stored) return "null";
   const auto report = tileReport(stored);
-  nlohmann::ordered_json json{
-      {"status", report.status},     {"status_line", report.statusLine}, {"detail_line", report.detailLine},
-      {"presence", report.presence}, {"is_stale", report.isStale},       {"age_seconds", nullptr},
-      {"received_at", nullptr}};
+  nlohmann::ordered_json json{{"status", report.status},          {"status_line", report.statusLine},
+                              {"detail_line", report.detailLine}, {"presence", report.presence},
+                              {"device", report.device},          {"is_stale", report.isStale},
+                              {"age_seconds", nullptr},           {"received_at", nullptr}};
   if (report.ageSeconds) json["age_seconds"] = *report.ageSeconds;
   if (report.receivedAt) json["received_at"] = program::dateText(*report.receivedAt);
   json["snapshot"] = nlohmann::ordered_json::parse(TarnoJSON::encoder().encode(stored->snapshot));
@@ -119,13 +122,15 @@ std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored, int inde
 
 LineFormat lineFormat(const std::string& text) {
   if (text == "json")
-    return [](const std::optional<TarnoStoredMacStatus>& stored) { return jsonText(stored, -1); };
+    return
+        [](const std::optional<TarnoStoredMacStatus>& stored, tarno::Date) { return jsonText(stored, -1); };
   if (text == "waybar") return waybarLine;
-  return [pieces = piecesOf(text)](const std::optional<TarnoStoredMacStatus>& stored) {
+  return [pieces = piecesOf(text)](const std::optional<TarnoStoredMacStatus>& stored, tarno::Date since) {
     const auto report = tileReport(stored);
     std::string line;
-    for (const auto& [words, value] : pieces) line += words + (value != nullptr ? value(report) : "");
-    return program::printable(line);
+    for (const auto& [words, value] : pieces)
+      line += words + (value != nullptr ? program::printable(value(report, since)) : "");
+    return line;
   };
 }
 

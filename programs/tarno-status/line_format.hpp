@@ -12,8 +12,8 @@ namespace status {
 /// the number of spaces for each level, -1 for all on one line.
 std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored, int indent);
 
-/// Writes what the tile says on one line, without a line feed.
-using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacStatus>&)>;
+/// Returns what the tile says, without a line feed at the end. `since` is when the status became what it is.
+using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacStatus>&, tarno::Date since)>;
 
 /// The format that `text` stands for:
 ///
@@ -22,7 +22,8 @@ using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacS
 ///   `class` are the same word: locked, unlocked, locking or unknown, "stale", or "none" where nothing is
 ///   stored. `percentage` is the confidence of a report that is not stale, where it lies from 0 to 100;
 /// - any other text with at least one of these in braces: status, status_line, detail_line, presence, device,
-///   age ("2m", empty when it is unknown) and received_at. Two braces stand for one.
+///   age ("2m", empty when it is unknown), received_at and since. Two braces stand for one. Values are made
+///   printable, the text around them stays as it is.
 ///
 /// Throws program::Failure, EX_USAGE, for what is none of these.
 LineFormat lineFormat(const std::string& text);

@@ -16,7 +16,7 @@ CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
               "--follow", options.isFollowing,
               "Save each line of standard input, one record per line, as it arrives. A bad line is named on "
               "standard error and the next one goes on. When records arrive faster than they can be saved, "
-              "the oldest are skipped")
+              "only the newest is")
           ->excludes(file)
           ->excludes(date);
   save.add_flag("--acknowledge", options.acknowledges,
@@ -45,15 +45,15 @@ CLI::App& addCheck(CLI::App& app, std::optional<TarnoMacStatus>& expected) {
 
 CLI::App& addWatch(CLI::App& app, std::string& format) {
   auto& watch = *app.add_subcommand(
-      "watch", "Print the status now and again whenever it changes: after a save, and when it turns stale");
+      "watch", "Print the status now, and at every change: after a save, and when it turns stale");
   auto* const json = watch.add_flag_callback(
       "--json", [&format] { format = "json"; }, "Print what 'show --json' prints, on one line");
   watch
       .add_option(
           "--format", format,
           "json, waybar (for a custom module of that bar), or a text with {status}, {status_line}, "
-          "{detail_line}, {presence}, {device}, {age} (when the line is printed) or {received_at} in it; "
-          "write {{ for a brace")
+          "{detail_line}, {presence}, {device}, {age} (when the line is printed), {received_at} or {since} "
+          "(when the status became what it is) in it; write {{ for a brace")
       ->capture_default_str()
       ->excludes(json);
   program::setExample(watch, "tarno-status watch --format '{status_line} {age}'");
@@ -76,8 +76,8 @@ int main(int argc, char** argv) {
   auto& show = *app.add_subcommand("show", "Show the last saved report as the widget would show it");
   show.add_flag(
       "--json", asJSON,
-      "Print an object with what the tile says (status, status_line, detail_line, presence, is_stale, "
-      "age_seconds), received_at and the record (snapshot), or null when nothing was saved yet");
+      "Print an object with what the tile says (status, status_line, detail_line, presence, device, "
+      "is_stale, age_seconds), received_at and the record (snapshot), or null when nothing was saved yet");
   program::setExample(show, "tarno-status show --json --at 2026-11-16T15:45:00Z");
 
   std::optional<TarnoMacStatus> expected;

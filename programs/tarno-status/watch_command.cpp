@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -19,25 +20,19 @@
 namespace status {
 namespace {
 
-/// What a line is printed for when it changes. The age, which time alone changes, is not part of it.
-struct State {
-  std::optional<TarnoStoredMacStatus> status;
-  std::string fault;
-
-  friend bool operator==(const State&, const State&) = default;
-};
-
-State stateOf(const SharedStatus& shared) {
-  State state{shared.status, shared.fault};
-  if (state.status && state.status->receivedAt) state.status->snapshot.ageSeconds.reset();
-  return state;
-}
-
 /// When to look again if no save comes first. Far ahead where nothing can turn stale: a clock that is set
 /// still ends the sleep.
 tarno::Date nextLook(const std::optional<TarnoStoredMacStatus>& status) {
   if (!status || !status->receivedAt || status->snapshot.isStale()) return tarno::latestDate;
   return TarnoStatusFreshness::staleFrom(*status->receivedAt);
+}
+
+/// When the status of this moment began, as far as the last report tells: when that was received or turned
+/// stale, and now where no date says so.
+tarno::Date beginning(const std::optional<TarnoStoredMacStatus>& status, tarno::Date now) {
+  if (!status || !status->receivedAt) return now;
+  const auto staleFrom = TarnoStatusFreshness::staleFrom(*status->receivedAt);
+  return staleFrom <= now ? staleFrom : std::min(*status->receivedAt, now);
 }
 
 /// Ends the loop when nobody reads standard output any more.
@@ -71,12 +66,16 @@ class Watcher {
   void look() {
     if (!store_.isWatching())
       throw program::Failure{EX_OSERR, "cannot watch the store: the system has no inotify watch left"};
-    const auto shared = readSharedStatus(tarno::now());
-    timer_.sleepUntil(nextLook(shared.status));
-    if (auto state = stateOf(shared); state != last_) {
-      if (!state.fault.empty() && (!last_ || last_->fault != state.fault)) program::complain(state.fault);
-      last_ = std::move(state);
-      print(format_(shared.status));
+    const auto now = tarno::now();
+    const auto [store, status, fault] = readSharedStatus(now);
+    timer_.sleepUntil(nextLook(status));
+    if (!fault.empty() && fault != fault_) program::complain(fault);
+    fault_ = fault;
+    const auto report = tileReport(status);
+    if (std::exchange(status_, report.status) != report.status) since_ = beginning(status, now);
+    if (auto line = format_(status, since_); line != line_) {
+      line_ = std::move(line);
+      print(*line_);
     }
   }
 
@@ -89,7 +88,10 @@ class Watcher {
   }
 
   LineFormat format_;
-  std::optional<State> last_;
+  std::string fault_;                  ///< as it was last
+  std::optional<std::string> status_;  ///< the word for it, as it was last
+  tarno::Date since_;                  ///< when that began
+  std::optional<std::string> line_;    ///< printed last
   program::EventLoop loop_;
   program::PathWatch store_{[this] { look(); }};
   program::WallClockTimer timer_{[this] { look(); }};

@@ -6,7 +6,7 @@ import socket
 import subprocess
 
 from document import PAGE, block, blocks
-from program_test_case import ProgramTest
+from program_test_case import RECORD, ProgramTest
 
 STUBS = {
     "ssh": '[ "$1" = desk ] && shift && exec "$@"',
@@ -14,6 +14,9 @@ STUBS = {
     # The desk is this machine.
     "mosquitto_pub": 'for word; do shift; [ "$word" = desk ] && word=localhost; set -- "$@" "$word"; done\n'
                      "exec /usr/bin/mosquitto_pub \"$@\"",
+    "sudo": 'case $1 in chown | systemctl) ;; *) exec "$@" ;; esac',
+    "loginctl": 'echo "$@" >>desk.log',
+    "notify-send": 'echo "$@" >>desk.log',
 }
 
 
@@ -49,15 +52,25 @@ class Companion(ProgramTest):
         code = block("sh", "A shell over ssh")
         self.assertEqual(self.run_block(code), (0, "", ""))
         self.assertEqual(self.status(), ("locked", "Lid closed"))
-        check, show, watch = [code for heading, code in blocks("sh") if heading == "Ask from a script"]
+        check, show = [code for heading, code in blocks("sh") if heading == "Ask from a script"]
         self.assertEqual(self.run_block(check), (0, "The Mac is locked.\n", ""))
         self.assertEqual(json.loads(self.run_block(show)[1])["status_line"], "Locked")
-        self.start_block(watch)
-        log = self.folder / "mac.log"
-        self.wait_for(lambda: log.exists() and log.read_text().startswith("locked since 2"))
         code, said, _ = self.run_block(block("sh", "When the tile does not follow"))
         self.assertIn("All is well.", said)
         self.assertEqual(code, 0)
+
+    def test_recipes(self):
+        for heading, log, line in (("Lock the desk when the Mac locks", "desk.log", r"lock-session"),
+                                   ("A notification at every change", "desk.log", r"--app-name=Tarno Kivo's Mac: Locked"),
+                                   ("A log", "mac.log", r"20\S+Z locked")):
+            with self.subTest(heading):
+                log = self.folder / log
+                log.unlink(missing_ok=True)
+                self.run_program("tarno-status", "save", stdin='{"status": "unlocked"}')
+                self.start_block(block("sh", heading))
+                self.wait_for(lambda: log.exists() or "Lock" in heading)
+                self.run_program("tarno-status", "save", stdin=json.dumps(RECORD))
+                self.wait_for(lambda: log.exists() and re.search(rf"(?m)^{line}$", log.read_text()))
 
     def test_one_ssh_connection(self):
         self.start_block(block("sh", "One ssh connection"))
@@ -67,16 +80,22 @@ class Companion(ProgramTest):
         self.needs("mosquitto", "mosquitto_sub")
         with socket.create_server(("127.0.0.1", 0)) as free:
             port = free.getsockname()[1]
+        (self.folder / "conf.d").mkdir()
+        setup, subscribe, publish = [code.replace("1883", f"{port} 127.0.0.1").replace("/etc/mosquitto", str(self.folder))
+                                     for heading, code in blocks("sh") if heading == "MQTT"]
+        done = self.call("sh", "-e", "-c", setup, stdin="secret\nsecret\n")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        (self.folder / "mosquitto.conf").write_text(f"include_dir {self.folder}/conf.d\nuser root\n")
+        self.start("mosquitto", "-c", "mosquitto.conf", stderr=subprocess.DEVNULL)
+        login = block("conf", "MQTT").replace("PASSWORD", "secret")
         for name in ("mosquitto_sub", "mosquitto_pub"):
-            (self.folder / name).write_text(f"-p {port}\n", encoding="utf-8")
-        self.start("mosquitto", "-p", str(port), stderr=subprocess.DEVNULL)
+            (self.folder / name).write_text(f"-p {port}\n{login}", encoding="utf-8")
 
         def listens():
             with socket.socket() as client:
                 return client.connect_ex(("127.0.0.1", port)) == 0
 
         self.wait_for(listens)
-        subscribe, publish = [code for heading, code in blocks("sh") if heading == "MQTT"]
         self.start_block(subscribe)
 
         def arrives():  # publishing again until the subscriber is there
@@ -84,9 +103,13 @@ class Companion(ProgramTest):
             return self.status() == ("unlocked", "Touch ID")
 
         self.wait_for(arrives)
+        anybody = self.call("/usr/bin/mosquitto_pub", "-p", port, "-t", "mac/status", "-m", "{}",
+                            environment={"XDG_CONFIG_HOME": "/nonexistent"})
+        self.assertIn(b"not authori", anybody.stderr)
 
     def test_no_command_is_left_out(self):
         run = [*["A Mac that reports by itself"] * 3,  # those in tests/companion/
-               "A shell over ssh", "One ssh connection", "MQTT", "MQTT", "In C++", "In C++",  # those in examples/
-               *["Ask from a script"] * 3, "When the tile does not follow"]
+               "A shell over ssh", "One ssh connection", *["MQTT"] * 3, "In C++", "In C++",  # those in examples/
+               *["Ask from a script"] * 2, "Lock the desk when the Mac locks", "A notification at every change", "A log",
+               "When the tile does not follow"]
         self.assertEqual([heading for heading, _ in blocks("sh")], run)

@@ -5,7 +5,7 @@ import json
 import os
 import unittest
 
-from program_test_case import MOMENT, RECORD, ProgramTest
+from program_test_case import GROUP, MOMENT, RECORD, ProgramTest
 
 
 class Status(ProgramTest):
@@ -13,7 +13,7 @@ class Status(ProgramTest):
         self.assertIsNone(self.shown())
         self.save()
         fresh = {"status": "locked", "status_line": "Locked", "detail_line": "Mac locked.", "presence": "Face seen",
-                 "is_stale": False, "age_seconds": 150, "received_at": MOMENT, "snapshot": {**RECORD, "age_seconds": 150}}
+                 "device": "Kivo's Mac", "is_stale": False, "age_seconds": 150, "received_at": MOMENT, "snapshot": {**RECORD, "age_seconds": 150}}
         stale = {"status": "unknown", "status_line": "Status stale", "is_stale": True, "age_seconds": 151,
                  "detail_line": "Mac status is 2m old. Refresh Tarno before trusting it.",
                  "snapshot": {**RECORD, "stale": True, "age_seconds": 151}}
@@ -100,6 +100,11 @@ class Status(ProgramTest):
                 (0, 'All is well. The report is fresh: the tile says "Locked".', {"at": at, "record": record}),
                 (69, 'The last report is stale, so the tile says "Status stale" until the companion application '
                  "saves a new one.", {"at": ("date", "2026-11-16T15:39:04Z"), "record": record}),
+                (69, 'The report itself says that it is stale, so the tile says "Status stale" until the companion '
+                 "application saves one that does not.", {"at": at, "record": ("data", '{"stale": true}')}),
+                (69, "The receipt date lies in the future: the report does not turn stale before 2026-11-16T15:44:07Z, "
+                 'unless a new one is saved; the tile says "Locked".',
+                 {"at": ("date", "2026-11-16T15:41:36Z"), "record": record}),
                 (69, "The receipt date is missing, so that the report's age is unknown; the tile says \"Locked\".",
                  {"record": record}),
                 (0, f'Only the plain value is used, so the tile says "Locked": {kind}; the next save mends it.',
@@ -117,11 +122,27 @@ class Status(ProgramTest):
 
     def test_show_and_doctor_say_what_is_odd_about_a_report(self):
         self.save(at="2026-11-16T15:41:36Z")
-        self.assertEqual(self.doctor(code=0)["report's age"], "received in the future")
+        self.assertEqual(self.doctor()["report's age"], "received in the future")
         self.write(record=("data", '{"status": "locked", "reason": "a\\u001bb"}'))
         self.assertEqual(self.doctor()["report's age"], "unknown: no receipt date is stored")
         self.assertIsNone(self.shown()["received_at"])
         self.assertIn("\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode())
+
+    def test_doctor_says_where_another_store_is(self):
+        self.save()
+        self.assertNotIn("another store", self.doctor(code=0))
+        systemctl, session = self.folder / "systemctl", self.folder / "session data"
+        systemctl.write_text(f"#!/bin/sh\necho A=b; echo 'XDG_DATA_HOME={session}'; echo C=d\n")
+        systemctl.chmod(0o755)
+        own = self.environment["XDG_DATA_HOME"]
+        self.environment["PATH"] = f"{self.folder}:{self.environment['PATH']}"
+        for other in (self.folder / ".local/share", session):
+            self.environment["XDG_DATA_HOME"] = str(other)
+            self.save()
+            self.environment["XDG_DATA_HOME"] = own
+            report = self.doctor(code=0)
+            self.assertIn(f"{other}/{GROUP}/defaults.json, saved 2", report["another store"])
+            self.assertRegex(report[""], r"\AThe report is fresh: .* The other store is newer: ")
 
     def test_doctor_show_and_save_agree_on_a_store_that_cannot_be_used(self):
         self.group.parent.mkdir(parents=True)

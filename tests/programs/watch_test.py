@@ -47,19 +47,40 @@ class Watch(ProgramTest):
         watch.send_signal(signal.SIGTERM)
         self.assertEqual((watch.wait(20), watch.stdout.read(), watch.stderr.read()), (-signal.SIGTERM, "", ""))
 
+    def test_since_is_when_the_status_became_what_it_is(self):
+        self.save({"status": "locked"}, at=ago(100))
+        watch = self.watch("--format", "{status}\t{since}")
+
+        def reads(status, seconds):
+            said, since = watch.stdout.readline().split("\t")
+            self.assertEqual((said, since[:10]), (status, ago(seconds)[:10]))
+            age = datetime.datetime.now(datetime.timezone.utc) - datetime.datetime.fromisoformat(since.strip()[:-1] + "+00:00")
+            self.assertLess(abs(age.total_seconds() - seconds), 30)
+
+        reads("locked", 100)
+        self.save({"status": "locked"}, at=ago(0))  # no line: the status is the same
+        self.save({"status": "unlocked"}, at=ago(0))
+        reads("unlocked", 0)
+        self.group.chmod(0o777)
+        reads("unknown", 0)
+        self.assertIn("can be written by group or others", watch.stderr.readline())
+        self.group.chmod(0o700)
+        reads("unlocked", 0)
+        self.save({"status": "locked"}, at=ago(250))
+        reads("unknown", 99)
+
     def test_each_fault_is_said_once(self):
         self.save()
         watch = self.watch("--format", "{status}")
+        self.assertEqual(watch.stdout.readline(), "unknown\n")
         plain = '{"tarno.lastStatusValue": {"type": "string", "value": "%s"}}'
-        for document, status in (("{", "unknown"), (plain % "locked", "unknown"), (plain % "Locked", "unknown"), ("[", None)):
-            watch.stdout.readline()
+        for document, fault in (("{", "[^\n]* is damaged: [^\n]*"), (plain % "locked", "there is no record beside the plain value"),
+                                (plain % "unlocked", ""), ("[", "[^\n]* is damaged: [^\n]*")):
             self.replace(document)
-        self.assertRegex(watch.stderr.readline(), r"\Atarno-status: [^\n]* is damaged: [^\n]*\n\Z")
-        self.assertEqual(watch.stderr.readline(), "tarno-status: there is no record beside the plain value\n")
-        self.assertRegex(watch.stderr.readline(), r"\Atarno-status: [^\n]* is damaged: [^\n]*\n\Z")
+            if fault:
+                self.assertRegex(watch.stderr.readline(), rf"\Atarno-status: {fault}\n\Z")
         self.save(at=ago(0))  # sets the damaged file aside, and for a moment there is none
-        while watch.stdout.readline() != "locked\n":
-            pass
+        self.assertEqual(watch.stdout.readline(), "locked\n")
         watch.terminate()
         self.assertEqual((watch.wait(20), watch.stderr.read()), (-signal.SIGTERM, ""))
 

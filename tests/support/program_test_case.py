@@ -22,8 +22,8 @@ class ProgramTest(unittest.TestCase):
         self.folder = Path(tempfile.mkdtemp(prefix="tarno-test-"))
         self.addCleanup(shutil.rmtree, self.folder)
         self.group = self.folder / "data" / GROUP
-        self.environment = {**os.environ, "XDG_DATA_HOME": str(self.folder / "data"), "LC_ALL": "C.UTF-8",
-                            "XDG_CACHE_HOME": str(BIN.parent / "tests"),  # of fontconfig
+        self.environment = {**os.environ, "HOME": str(self.folder), "XDG_DATA_HOME": str(self.folder / "data"),
+                            "LC_ALL": "C.UTF-8", "XDG_CACHE_HOME": str(BIN.parent / "tests"),  # of fontconfig
                             "PATH": f"{BIN}:{os.environ['PATH']}:/usr/sbin", "TMPDIR": str(self.folder)}
 
     def call(self, *command, stdin="", environment=None, **options):
