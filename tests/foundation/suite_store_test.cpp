@@ -2,20 +2,17 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pwd.h>
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 
 #include "support/system_calls.hpp"
 #include "support/temporary_store.hpp"
-#include "tarno/foundation/base_directories.hpp"
 
 using namespace tarno;
 
@@ -23,26 +20,29 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::literals;
-using namespace std::chrono;
 
 constexpr const char* suite = "suite.of.test";
 using Value = std::optional<DefaultsValue>;
 
-void save(const DefaultsValues& values) { saveToSuite(suite, values); }
-void saveTwins(double number) { save({{"key", number}, {"twin", number}}); }
+void saveTwins(double number) { saveToSuite(suite, {{"key", number}, {"twin", number}}); }
+void rehearse() { rehearseSavingToSuite(suite); }
 
 Value load(std::string_view key) {
   const auto store = openSuite(suite).store;
   return store ? store->object(key) : std::nullopt;
 }
 
-/// The sentence with which `work` fails; empty when it does not.
-std::string failureOf(const std::function<void()>& work) try {
-  return work(), "";
+std::optional<SuiteError> errorOf(const std::function<void()>& work) try {
+  return work(), std::nullopt;
 } catch (const SuiteError& error) {
-  return error.what();
+  return error;
 }
-void rehearse() { rehearseSavingToSuite(suite); }
+
+/// The sentence with which `work` fails; empty when it does not.
+std::string failureOf(const std::function<void()>& work) {
+  const auto error = errorOf(work);
+  return error ? error->what() : "";
+}
 
 std::string readBytes(const fs::path& at) { return (std::stringstream{} << std::ifstream{at}.rdbuf()).str(); }
 void writeBytes(const fs::path& path, std::string_view bytes) { std::ofstream{path} << bytes; }
@@ -65,13 +65,13 @@ class SuiteStoreTest : public testing::Test {
   }
   /// Starts over and calls `test` with 0, 1, 2 … until it answers that a save makes no call of that number.
   void forEachCall(const std::function<bool(int number)>& test) const {
-    bool isMade = true;
-    for (int number = 0; isMade; ++number) {
+    int number = 0;
+    for (bool isMade = true; isMade && number < 100; ++number) {
       SCOPED_TRACE(number);
       startOver();
-      isMade = test(number) && number < 100;
-      EXPECT_TRUE(isMade || (number > 12 && number < 100));
+      isMade = test(number);
     }
+    EXPECT_TRUE(12 < number && number < 100) << number;
   }
   /// Saves 2 while `event` comes before a call: how the save failed, and whether it came to the call.
   static std::pair<std::string, bool> saveDuring(int call, const std::function<int()>& event) {
@@ -88,49 +88,10 @@ class SuiteStoreTest : public testing::Test {
 TEST_F(SuiteStoreTest, ASaveOfAnySizeIsOnTheDiskWhenItReturns) {
   const std::string text(1 << 20, 'x');
   system_calls::made.clear();
-  save({{"key", text}});
+  saveToSuite(suite, {{"key", text}});
   EXPECT_NE(system_calls::made.find("write fsync renameat fsync"), std::string::npos) << system_calls::made;
   EXPECT_EQ(UserDefaults::suite(suite)->string("key"), text);
   EXPECT_FALSE(UserDefaults::suite(suite)->data("key"));
-}
-
-TEST_F(SuiteStoreTest, AHandleAnswersFromOneStateUntilItSynchronizes) {
-  const auto handle = openSuite(suite).store;
-  const auto expectHandle = [&](double key, double twin) {
-    EXPECT_EQ(handle->object("key"), DefaultsValue{key});
-    EXPECT_EQ(handle->object("twin"), DefaultsValue{twin});
-  };
-  saveTwins(2);
-  handle->set("key", 4.0);
-  expectHandle(4, 1);
-  expectTwins(2.0);
-  EXPECT_TRUE(handle->synchronize());
-  EXPECT_EQ(load("key"), DefaultsValue{4.0});
-  expectHandle(4, 2);
-  saveTwins(3);
-  EXPECT_TRUE(handle->synchronize());
-  expectHandle(3, 3);
-
-  handle->set("key", 5.0);
-  fs::permissions(file, fs::perms::all);
-  EXPECT_FALSE(handle->synchronize());
-  expectHandle(5, 3);
-  fs::permissions(file, fs::perms::owner_all);
-  EXPECT_TRUE(handle->synchronize());
-  EXPECT_EQ(load("key"), DefaultsValue{5.0});
-  fs::permissions(file, fs::perms::all);
-  EXPECT_FALSE(handle->synchronize());
-  EXPECT_FALSE(handle->object("key"));
-}
-
-TEST_F(SuiteStoreTest, WhatCannotBeStoredIsRefusedAndDroppedWithAllBesideIt) {
-  const auto handle = openSuite(suite).store;
-  handle->set("bad", NAN);
-  handle->set("key", 2.0);
-  EXPECT_FALSE(handle->synchronize());
-  EXPECT_EQ(handle->object("key"), DefaultsValue{1.0});
-  EXPECT_TRUE(handle->synchronize());
-  expectTwins(1.0);
 }
 
 TEST_F(SuiteStoreTest, ASaveWaitsForAnotherSaversLockButNotForeverAndAReaderNever) {
@@ -162,30 +123,14 @@ TEST_F(SuiteStoreTest, AChildOfAProgramThatSavesHoldsUpNobodyAndAProgramThatItSt
 }
 
 TEST_F(SuiteStoreTest, AFailureTellsAnObstacleFromAnErrorOfTheSystem) {
-  const auto kind = [](int error) -> std::optional<SuiteError::Kind> {
+  const auto kind = [](int error) {
     system_calls::intercept(2, [error] { return error; });  // where the folder is locked
-    try {
-      return saveTwins(3), std::nullopt;
-    } catch (const SuiteError& failure) {
-      return failure.kind();
-    }
+    return errorOf([] { saveTwins(3); }).value().kind();
   };
-  for (const int e : {EROFS, EACCES, EPERM, EISDIR})
-    EXPECT_EQ(kind(e), SuiteError::Kind::unusable) << strerror(e);
-  for (const int e : {EIO, ENOSPC, EDQUOT, ENOMEM})
-    EXPECT_EQ(kind(e), SuiteError::Kind::inputOutput) << strerror(e);
-}
-
-TEST_F(SuiteStoreTest, TheLocationFollowsTheEnvironmentAndTakesPlainNamesOnly) {
-  for (const auto& wrong : {""s, "."s, ".."s, "a/b"s, "/a"s, "a\0"s, std::string(256, 'x')})
-    EXPECT_FALSE(suiteLocation(wrong) || openSuite(wrong).store) << wrong;
-  const std::string ofUser = getpwuid(geteuid())->pw_dir;
-  for (const auto& [data, homeFolder, at] :
-       {std::tuple{"/d", "/h", "/d"s}, {"", "/h", "/h"s}, {"d", "h", ofUser}}) {
-    setenv("XDG_DATA_HOME", data, 1), setenv("XDG_CONFIG_HOME", data, 1), setenv("HOME", homeFolder, 1);
-    EXPECT_EQ(suiteLocation("s")->file, at + (*data == '/' ? "" : "/.local/share") + "/s/defaults.json");
-    EXPECT_EQ(configurationHome(), at + (*data == '/' ? "" : "/.config"));
-  }
+  for (const int error : {EROFS, EACCES, EPERM, EISDIR})
+    EXPECT_EQ(kind(error), SuiteError::Kind::unusable) << strerror(error);
+  for (const int error : {EIO, ENOSPC, EDQUOT, ENOMEM})
+    EXPECT_EQ(kind(error), SuiteError::Kind::inputOutput) << strerror(error);
 }
 
 TEST_F(SuiteStoreTest, WhatIsMadeIsForTheOwnerAloneWhateverTheUmask) {
@@ -193,9 +138,8 @@ TEST_F(SuiteStoreTest, WhatIsMadeIsForTheOwnerAloneWhateverTheUmask) {
     const mode_t before = umask(mask);
     startOver();
     umask(before);
-    EXPECT_EQ(fs::status(home).permissions(), fs::perms{0700}) << mask;
-    EXPECT_EQ(fs::status(directory).permissions(), fs::perms{0700}) << mask;
-    EXPECT_EQ(fs::status(file).permissions(), fs::perms{0600}) << mask;
+    for (const auto& [path, mode] : {std::pair{home, 0700}, {directory, 0700}, {file, 0600}})
+      EXPECT_EQ(fs::status(path).permissions(), fs::perms(mode)) << path << ' ' << mask;
   }
 }
 
@@ -208,10 +152,7 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
       {"test is not a directory", [&] { fs::remove_all(directory), writeBytes(directory, ""); }},
       {"test belongs to another user", [&] { EXPECT_EQ(chown(directory.c_str(), 12345, 0), 0); }},
       {"test: Not a directory", [&] { fs::remove_all(home), writeBytes(home, ""); }},
-      {"json is not a regular file", [&] { fs::remove(file), fs::create_directory(file); }},
       {"json is not a regular file", [&] { fs::remove(file), mkfifo(file.c_str(), 0600); }},
-      {"json is a symbolic link", [&] { fs::rename(file, moved), fs::create_symlink(moved, file); }},
-      {"json belongs to another user", [&] { EXPECT_EQ(chown(file.c_str(), 12345, 0), 0); }},
       {"json is larger than 64 MiB", [&] { fs::resize_file(file, (64 << 20) + 1); }}};
   for (const auto& [failure, prepare] : rows) {
     if (failure.ends_with("another user") && geteuid() != 0) continue;
@@ -226,19 +167,16 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
 }
 
 TEST_F(SuiteStoreTest, ADamagedFileIsSetAsideByTheNextSaveAndNotByReadingOrRehearsing) {
-  const ClockOverride clock{sys_days{2026y / November / 24} + 22h + 15min};
+  const ClockOverride clock{Date{1'795'558'500s}};
   const std::string aside = file.string() + ".damaged-20261124T221500Z";
   for (const auto& [damage, name] : {std::pair{""s, aside}, {"[]"s, aside + "-2"}, {"{"s, aside + "-3"}}) {
     writeBytes(file, damage);
     EXPECT_NE(openSuite(suite).damage, "");
     EXPECT_EQ(failureOf(rehearse), "");
     EXPECT_EQ(readBytes(file), damage);
-    save({{"new", 1.0}});
-    EXPECT_EQ(openSuite(suite).damage, "");
-    EXPECT_EQ(load("new"), DefaultsValue{1.0});
+    saveTwins(2);
     EXPECT_EQ(readBytes(name), damage);
   }
-  expectTwins({});
   EXPECT_EQ(countFiles(), 4);
   fs::remove_all(home);
   EXPECT_EQ(failureOf(rehearse), "");
@@ -249,8 +187,12 @@ TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {
   std::map<std::string, pid_t> savers;
   for (const auto& name : {"a"s, "b"s, "c"s, "d"s})
     savers[name] = startProcess([&] {
-      for (double number = 1; number <= 30; ++number)
-        save({{"key", number}, {"twin", number}, {name, number}});
+      for (double number = 1; number <= 30; ++number) {
+        const auto save = [&] { saveToSuite(suite, {{"key", number}, {"twin", number}, {name, number}}); };
+        // A saver may be refused: three others can keep the lock for longer than a save waits.
+        while (const auto error = errorOf(save))
+          if (error->kind() != SuiteError::Kind::busy) throw *error;
+      }
     });
   for (const auto& [name, saver] : savers) {
     while (waitpid(saver, nullptr, WNOHANG) == 0) {
@@ -263,34 +205,30 @@ TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {
 }
 
 TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStatus) {
-  const struct {
-    std::function<void()> prepare;
-    Value old;
-    int leftAside;
-    const char* name;
-  } beginnings[] = {{[&] { fs::remove_all(home); }, {}, 0, "nothing"},
-                    {[] {}, 1.0, 0, "a file"},
-                    {[&] { writeBytes(file, "damaged"); }, {}, 1, "a damaged file"},
-                    {[&] { fs::create_symlink(moved, leftover); }, 1.0, 0, "a link left over"},
-                    {[&] { fs::create_directories(leftover / "full"); }, 1.0, 1, "a folder left over"}};
-  for (const auto& beginning : beginnings) {
-    SCOPED_TRACE(beginning.name);
-    const auto expectOldOrNew = [&](bool isNew) {
-      expectTwins(isNew ? 2.0 : beginning.old);
+  const std::tuple<const char*, std::function<void()>, Value, int> beginnings[] = {
+      {"nothing", [&] { fs::remove_all(home); }, {}, 1},
+      {"a file", [] {}, 1.0, 1},
+      {"a damaged file", [&] { writeBytes(file, "damaged"); }, {}, 2},
+      {"a link left over", [&] { fs::create_symlink(moved, leftover); }, 1.0, 1},
+      {"a folder left over", [&] { fs::create_directories(leftover / "full"); }, 1.0, 2}};
+  for (const auto& [name, prepare, old, files] : beginnings) {
+    SCOPED_TRACE(name);
+    const auto expectOldOrNew = [&, &old = old, &files = files](bool isNew) {
+      expectTwins(isNew ? 2.0 : old);
       saveTwins(3);
       expectTwins(3.0);
-      EXPECT_EQ(countFiles(), 1 + beginning.leftAside);
+      EXPECT_EQ(countFiles(), files);
       EXPECT_FALSE(fs::exists(moved));
     };
-    forEachCall([&](int number) {
-      beginning.prepare();
+    forEachCall([&, &prepare = prepare](int number) {
+      prepare();
       int status = 0;
       waitpid(startProcess([&] { saveDuring(number, [] { return raise(SIGKILL); }); }), &status, 0);
       expectOldOrNew(!WIFSIGNALED(status) || load("key") == DefaultsValue{2.0});
       return WIFSIGNALED(status);
     });
-    forEachCall([&](int number) {
-      beginning.prepare();
+    forEachCall([&, &prepare = prepare](int number) {
+      prepare();
       const bool wasLeft = fs::exists(fs::symlink_status(leftover));
       const auto [failure, isReached] = saveDuring(number, [] { return EIO; });
       EXPECT_TRUE(wasLeft || failure.empty() || failure.ends_with("Input/output error")) << failure;
@@ -301,32 +239,20 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
   }
 }
 
-TEST_F(SuiteStoreTest, FailedReadingIsNoDamage) {
-  for (int number = 0; number < 7; ++number) {
-    SCOPED_TRACE(number);
-    system_calls::intercept(number, [] { return EIO; });
-    const auto opening = openSuite(suite);
-    EXPECT_EQ(opening.failure.ends_with("Input/output error"), system_calls::wasReached());
-    EXPECT_EQ(opening.store == nullptr, number < 6);
-    EXPECT_EQ(opening.damage, "");
-  }
-}
-
 TEST_F(SuiteStoreTest, AFolderThatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
   const auto moveAway = [&] { fs::rename(directory, moved); };
   const std::pair<std::function<void()>, bool> rows[] = {
-      {[&] { fs::remove_all(directory); }, true},
       {[&] { moveAway(), mkdir(directory.c_str(), 0700); }, true},
       {[&] { moveAway(), fs::create_directory_symlink(moved, directory); }, false}};
-  for (const auto& [swap, isFoundAgain] : rows)
-    forEachCall([&, &swap = swap, isFoundAgain = isFoundAgain](int number) {
+  for (const auto& row : rows)
+    forEachCall([&](int number) {
       bool isOver = false;  // the last check was made, only the unlocking is left
       const auto [failure, isReached] = saveDuring(number, [&] {
         isOver = system_calls::made.ends_with("lstat flock ");
-        return swap(), 0;
+        return row.first(), 0;
       });
       if (isOver) return false;
-      EXPECT_EQ(failure.empty(), isFoundAgain || !isReached);
+      EXPECT_EQ(failure.empty(), row.second || !isReached);
       expectTwins(failure.empty() ? Value{2.0} : Value{});
       return isReached;
     });

@@ -14,11 +14,12 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 const ui::Font caption = ui::Font::system(12).rounded();
 
 struct Ink {
   int left, top, right, bottom;  ///< in pixels, the last two exclusive
-  bool colored;
 };
 
 /// A PNG of `run` on a tile of 300 x 60 points.
@@ -29,14 +30,11 @@ std::string png(render::TextEngine& engine, const ui::TextRun& run, double scale
 /// Where `run` leaves marks on it.
 Ink ink(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
   const auto pixels = Pixels::decode(png(engine, run, scale));
-  Ink found{pixels.width, pixels.height, 0, 0, false};
-  for (int i = 0; i < pixels.width * pixels.height; ++i) {
-    const int x = i % pixels.width, y = i / pixels.width;
-    const auto [r, g, b, a] = pixels.at(x, y);
-    if (a < 64) continue;
-    found = {std::min(found.left, x), std::min(found.top, y), std::max(found.right, x + 1),
-             std::max(found.bottom, y + 1), found.colored || r != g || g != b};
-  }
+  Ink found{pixels.width, pixels.height, 0, 0};
+  for (int y = 0; y < pixels.height; ++y)
+    for (int x = 0; x < pixels.width; ++x)
+      if (pixels.at(x, y)[3] >= 64)
+        found = {std::min(found.left, x), std::min(found.top, y), std::max(found.right, x + 1), y + 1};
   return found;
 }
 
@@ -65,9 +63,7 @@ TEST(TextEngine, fitsWhatItWasGivenAndStaysAsItIsAtTheWidthThatItReturned) {
       "👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦👩‍👩‍👧‍👦",
       std::string(400, 'a') + "\u0301\u0323\u0301",
       "\u0301\u0301 \u202E abc \u2067 def \u200F 12",
-      "first\nsecond\r\nthird\u2029fourth",
-      std::string("a\0b\tc\x1B[1m\u0085", 11) + "\x7F",
-      "Kivo\xFF\xC0\x80\xED\xA0\x80 Mac \xE3\x81"};
+      "a\0b\tc\x1B[1m\u0085first\nsecond\r\nthird\u2029\x7FKivo\xFF\xC0\x80\xED\xA0\x80 Mac \xE3\x81"s};
   render::TextEngine engine;
   const double lineHeight = measured("x", {}, 1).size.height;
   for (const auto& text : samples)
@@ -91,31 +87,29 @@ TEST(TextEngine, cutsWhereMoreWouldFollow) {
       {"one two\nx", 30, 2, 2, true}};
   const double lineHeight = measured("x", {}, 1).size.height;
   for (const auto& [text, width, maxLines, lines, truncated] : table) {
-    SCOPED_TRACE(text);
-    EXPECT_NEAR(measured(text, width, maxLines).size.height, lines * lineHeight, 1e-9);
-    EXPECT_EQ(measured(text, width, maxLines).truncated, truncated);
+    EXPECT_NEAR(measured(text, width, maxLines).size.height, lines * lineHeight, 1e-9) << text;
+    EXPECT_EQ(measured(text, width, maxLines).truncated, truncated) << text;
   }
   EXPECT_TRUE(measured(std::string(100'000, 'x'), {}, 1).truncated);
-  for (const auto width : {std::optional<double>{}, {100}})
-    EXPECT_EQ(measured("a\nb\nc", width, 2).size, measured("a\nb…", {}, 2).size);
+  EXPECT_EQ(measured("a\nb\nc", 100, 2).size, measured("a\nb…", {}, 2).size);
 }
 
 TEST(TextEngine, everyWeightHasItsFaceAndDigitsNeverFallBack) {
   using ui::FontWeight;
+  const ui::Font plain = ui::Font::system(12);
   const auto weighted = [](FontWeight weight) { return width("Kivo's Mac", caption.weight(weight)); };
   const double regular = width("Kivo's Mac");
   EXPECT_LT(regular, weighted(FontWeight::medium));
   EXPECT_LT(weighted(FontWeight::medium), weighted(FontWeight::bold));
   EXPECT_EQ(weighted(FontWeight::semibold), weighted(FontWeight::bold));
-  const ui::Font plain = ui::Font::system(12);
-  EXPECT_LT(width("Kivo's Mac", plain), width("Kivo's Mac", plain.weight(FontWeight::bold)));
+  EXPECT_LT(width("abc", plain), width("abc", plain.weight(FontWeight::bold)));
+  EXPECT_LT(width("abc", plain), width("abc"));
   EXPECT_NEAR(width("Kivo's Mac", caption.scaled(10)), regular * 10, regular / 100);
   for (const std::string before : {"書", "🔒", "דה"})
     EXPECT_NEAR(width(before + " Mac 12") - width(before), width(" Mac 12"), 0.01) << before;
   // The rounded face has a pi, and no other Greek letter; it lacks the letter for a click.
   for (const std::string text : {"π", "απδ", "\u01C2"})
     EXPECT_NEAR(width(text), 0.97 * width(text, plain), 0.01) << text;
-  EXPECT_GT(width("abc"), width("abc", plain));
 }
 
 TEST(TextEngine, drawsTheSameWhereNoFontConfigurationIsNamed) {
@@ -160,11 +154,11 @@ TEST(TextEngine, picturesStandInVectorFilesWhereTheyStandOnPixels) {
   render::paint({{300, 60}, {run}, {}}, engine, render::Context(cairo_create(vector.get())).get());
   double x, y, width, height;
   cairo_recording_surface_ink_extents(vector.get(), &x, &y, &width, &height);
-  for (const double distance :
-       {x - onPixels.left, y - onPixels.top, x + width - onPixels.right, y + height - onPixels.bottom})
-    EXPECT_NEAR(distance, 0, 1.5);
-  const auto pixels = Pixels::decode(png(engine, run));
-  for (const auto& pixel : pixels.rows) EXPECT_LE(pixel[3], 129);
+  EXPECT_NEAR(x, onPixels.left, 1.5);
+  EXPECT_NEAR(y, onPixels.top, 1.5);
+  EXPECT_NEAR(x + width, onPixels.right, 1.5);
+  EXPECT_NEAR(y + height, onPixels.bottom, 1.5);
+  for (const auto& pixel : Pixels::decode(png(engine, run)).rows) EXPECT_LE(pixel[3], 129);
 }
 
 TEST(DisplayText, isValidAndBounded) {
@@ -208,9 +202,6 @@ TEST(TextEngine, keepsLineBreaksAndSidesOfOtherScripts) {
   auto shorter = place(engine, "ماك");
   shorter.box.size.width = 200;
   EXPECT_GT(ink(engine, shorter).left, 200);
-
-  EXPECT_TRUE(ink(engine, place(engine, "🚀")).colored);
-  EXPECT_FALSE(ink(engine, place(engine, "書斎")).colored);
 }
 
 }  // namespace

@@ -43,14 +43,13 @@ TEST(PersistStatus, WritesInOrderAndSynchronizesOnce) {
   EXPECT_EQ(store.calls,
             "set tarno.lastStatus; set tarno.lastStatusAt; set tarno.lastStatusValue; "
             "set tarno.lastStatusMirrorKey; synchronize");
-  const tarno::DefaultsValues written{{"tarno.lastStatus", Data{R"({"status":"locked"})"}},
-                                      {"tarno.lastStatusAt", now},
-                                      {"tarno.lastStatusMirrorKey", "mirror"},
-                                      {"tarno.lastStatusValue", "locked"}};
+  tarno::DefaultsValues written{{"tarno.lastStatus", Data{R"({"status":"locked"})"}},
+                                {"tarno.lastStatusAt", now},
+                                {"tarno.lastStatusMirrorKey", "mirror"},
+                                {"tarno.lastStatusValue", "locked"}};
   EXPECT_EQ(store.values, written);
-  store.calls.clear();
   persistStatus({.inputIdleSeconds = std::nan("")}, now + 1h, "other", store);
-  EXPECT_EQ(store.calls, "");
+  EXPECT_EQ(store.values, written);
   persistStatus({.status = TarnoMacStatus::unlocked, .stale = true}, now, std::nullopt, store);
   EXPECT_EQ(store.string(lastStatusValue), "unknown");
   EXPECT_EQ(store.string(lastStatusMirrorKey), "mirror");
@@ -94,13 +93,18 @@ TEST(MacDefaults, WhatIsSavedIsLoadedAndWhatCannotBeStoredIsRefused) {
   const TarnoStoredMacStatus loaded{{.status = TarnoMacStatus::locked, .ageSeconds = 2}, now - 2s};
   EXPECT_EQ(loadStatus(*store(), now), loaded);
   EXPECT_EQ(store()->string(lastStatusMirrorKey), "mirror");
-  for (const auto& [snapshot, receivedAt] :
-       {std::pair{Snapshot{.inputIdleSeconds = std::nan("")}, now}, {Snapshot{}, Date::max()}})
-    try {
+  const std::tuple<Snapshot, Date, const char*> unfit[] = {
+      {{.inputIdleSeconds = std::nan("")},
+       now,
+       "input_idle_seconds: a number that is not finite has no JSON form"},
+      {{.message = "\xff"}, now, "message: text that is not UTF-8 has no JSON form"},
+      {{}, Date::max(), "tarno.lastStatusAt: lies outside the years 0001 to 9999"}};
+  for (const auto& [snapshot, receivedAt, reason] : unfit) try {
       saveStatus(snapshot, receivedAt);
-      ADD_FAILURE();
+      ADD_FAILURE() << reason;
     } catch (const tarno::SuiteError& error) {
       EXPECT_EQ(error.kind(), tarno::SuiteError::Kind::value);
+      EXPECT_STREQ(error.what(), reason);
     }
   EXPECT_EQ(loadStatus(*store(), now), loaded);
 }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "tarno/shared/coding/json.hpp"
 #include "tarno/shared/freshness/status_freshness.hpp"
 #include "tarno/shared/model/status_snapshot.hpp"
@@ -15,12 +13,6 @@ using namespace std::chrono;
 Snapshot decoded(std::string_view json) { return TarnoJSON::decoder().decode<Snapshot>(json); }
 std::string encoded(const Snapshot& snapshot) { return TarnoJSON::encoder().encode(snapshot); }
 
-std::string errorOfEncoding(const Snapshot& snapshot) try {
-  return encoded(snapshot);
-} catch (const tarno::EncodingError& error) {
-  return error.what();
-}
-
 constexpr Date moment = sys_days{2026y / November / 16} + 15h + 41min + 35s;
 
 TEST(MacStatus, IsReadByItsRawValueOnly) {
@@ -28,53 +20,33 @@ TEST(MacStatus, IsReadByItsRawValueOnly) {
   for (const auto status : TarnoMacStatus::allCases) {
     words.append(status.rawValue()).append(" ").append(status.displayName()).append("; ");
     EXPECT_EQ(TarnoMacStatus::fromRawValue(status.rawValue()), status);
-    EXPECT_EQ(std::hash<TarnoMacStatus>{}(status), std::hash<std::string_view>{}(status.rawValue()));
   }
   EXPECT_EQ(words, "locked Locked; unlocked Unlocked; locking Locking; unknown Unknown; ");
   for (const auto* const wrong : {"", "Locked", "LOCKED", " locked", "locked ", "lockedx", "lock", "stale"})
     EXPECT_EQ(TarnoMacStatus::fromRawValue(wrong), std::nullopt) << wrong;
-  EXPECT_THROW(decoded(R"({"status":"Locked"})"), tarno::DecodingError);
 }
 
 TEST(Snapshot, EveryFieldSurvivesAndCounts) {
-  const std::string members[] = {R"("schema":"tarno.remote.v1")",
-                                 R"("app":"Tarno")",
-                                 R"("event":"locked")",
-                                 R"("device_id":"m1")",
-                                 R"("device_name":"Kivo's Mac")",
-                                 R"("seen_at":"2026-11-16T15:41:35Z")",
-                                 R"("status":"locking")",
-                                 R"("reason":"r")",
-                                 R"("source":"s")",
-                                 R"("confidence":-7)",
-                                 R"("face_present":false)",
-                                 R"("companion_present":true)",
-                                 R"("input_idle_seconds":0.25)",
-                                 R"("stale":true)",
-                                 R"("age_seconds":4611686018427387904)",
-                                 R"("message":"m\"\n\u0000é")"};
+  const std::string members =
+      R"("schema":"tarno.remote.v1","app":"Tarno","event":"locked","device_id":"m1","device_name":"Kivo's Mac",)"
+      R"("seen_at":"2026-11-16T15:41:35Z","status":"locking","reason":"r","source":"s","confidence":-7,)"
+      R"("face_present":false,"companion_present":true,"input_idle_seconds":0.25,"stale":true,)"
+      R"("age_seconds":4611686018427387904,"message":"m\"\n\u0000é")";
   Snapshot full{"tarno.remote.v1",       "Tarno", "locked", "m1", "Kivo's Mac", moment,
                 TarnoMacStatus::locking, "r",     "s"};
   full.confidence = -7, full.facePresent = false, full.companionPresent = true, full.inputIdleSeconds = 0.25;
   full.stale = true, full.ageSeconds = std::int64_t{1} << 62, full.message = std::string{"m\"\n\0é", 6};
-  std::string all, nulls = R"("deviceName":1,"extra":{"a":[1]})";
-  for (const auto& member : members) {
-    all += (all.empty() ? "" : ",") + member;
-    nulls += "," + member.substr(0, member.find(':')) + ":null";  // the last of a key counts
-    EXPECT_EQ(encoded(decoded("{" + member + "}")), "{" + member + "}");
-    EXPECT_NE(decoded("{" + member + "}"), Snapshot{}) << member;
+  EXPECT_EQ(encoded(full), "{" + members + "}");
+  EXPECT_EQ(decoded("{" + members + "}"), full);
+  for (const auto& name : Snapshot::CodingKeys::all) {
+    const auto key = '"' + std::string{name} + '"';
+    const auto without = decoded("{" + members + "," + key + ":null}");  // the last of a key counts
+    EXPECT_NE(without, full) << key;
+    EXPECT_EQ(encoded(without).find(key), std::string::npos) << key;
   }
-  EXPECT_EQ(encoded(full), "{" + all + "}");
-  EXPECT_EQ(decoded("{" + all + "}"), full);
-  EXPECT_EQ(decoded("{" + all + "," + nulls + "}"), Snapshot{});
+  EXPECT_EQ(decoded(R"({"deviceName":1,"extra":{"a":[1]}})"), Snapshot{});
   EXPECT_EQ(encoded(decoded(R"({"confidence":3.0,"age_seconds":3e0,"input_idle_seconds":7})")),
             R"({"confidence":3,"input_idle_seconds":7.0,"age_seconds":3})");
-}
-
-TEST(Snapshot, WhatHasNoJSONFormRefusesTheRecord) {
-  EXPECT_EQ(errorOfEncoding({.app = "a", .inputIdleSeconds = std::nan("")}),
-            "input_idle_seconds: a number that is not finite has no JSON form");
-  EXPECT_EQ(errorOfEncoding({.message = "\xff"}), "message: text that is not UTF-8 has no JSON form");
 }
 
 TEST(Snapshot, DatesAreWrittenInWholeSecondsOfTheYearsThatReadBack) {

@@ -58,9 +58,7 @@ std::string drawn(const Scene& scene) {
   return result;
 }
 
-using PlacingCase = std::tuple<const char*, View, Size, const char*>;
-
-void check(std::initializer_list<PlacingCase> cases) {
+void check(std::initializer_list<std::tuple<const char*, View, Size, const char*>> cases) {
   for (const auto& [what, view, container, expected] : cases)
     EXPECT_EQ(drawn(laidOut(view, container)), expected) << what;
 }
@@ -103,13 +101,11 @@ TEST(Layout, SizesFramesByTheProposal) {
   const View text = word("aaaa bbbb");  // 45 wide, or 20 on two lines
   const Size all{infinity, infinity};
   const std::tuple<View, Size, Size> cases[] = {
-      {ZStack(box(40, 20), box(10, 30), box(6, 6)), {1, 1}, {40, 30}},
       {Text("ab"), all, {15, 18}},
       {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
       {filler.frame({.maxWidth = 50}), {40, 7}, {40, 7}},
       {box(60).frame({.maxWidth = 50}), {100, 7}, {60, 10}},
       {box(60).frame({.maxHeight = infinity}), {40, 70}, {60, 70}},
-      {text.frame({.width = 30}), {0, 0}, {30, 24}},
       {text.frame({.height = 30}), {20, 0}, {20, 30}},
       {text.frame({.width = 30, .maxWidth = 100}), all, {30, 24}},
       {text.frame({.maxWidth = 30}), {100, 100}, {30, 24}},
@@ -118,7 +114,6 @@ TEST(Layout, SizesFramesByTheProposal) {
       {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
       {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
       {box(20).padding(EdgeSet::vertical, -30), {1, 1}, {20, 0}},
-      {box(20).padding(EdgeSet::horizontal, -30), {1, 1}, {0, 10}},
       {Image("no.such.symbol").font(Font::system(8)), all, {8, 8}},
       {Image("clock").font(Font::system(10)), {0, 0}, {12, 12}},
       {HStack({}), {100, 100}, {0, 0}},
@@ -128,25 +123,22 @@ TEST(Layout, SizesFramesByTheProposal) {
 }
 
 TEST(Layout, TurnsStrokesAboutTheFramesCentre) {
-  const auto stroked = [](double from, double to) { return Circle{}.trim(from, to).stroke(black, {}); };
-  const View dial = stroked(0.08, 0.92).frame({.width = 40, .height = 40}).rotationEffect(Angle::degrees(30));
-  const View aside = row(Circle{}.fill(black).frame({.width = 20, .height = 10}), word("abcd"), dial);
-  const View turned = aside.rotationEffect(Angle::degrees(60)).rotationEffect(Angle::degrees(30));
-  EXPECT_EQ(outline(describe(laidOut(turned, {100, 60}))), R"(Scene width=100 height=60
-  fill color=#000000 outline=circle centerX=20 centerY=30 radius=5
-  text text="abcd" font="10 regular" color=#000000 x=30 y=24 width=20 height=12 baseline=9 maxLines=1000
-  stroke color=#000000 lineWidth=1 outline=arc centerX=50 centerY=50 radius=20 start=148.8 end=451.2
-)");
-  EXPECT_TRUE(std::get<StrokePath>(laidOut(stroked(0.5, 0.2), {9, 9}).items.at(0)).path.elements.empty());
+  const View arc = Circle{}.trim(0.08, 0.92).stroke(black, {}).frame({.width = 40, .height = 40});
+  const View dial = row(box(20), word("abcd"), arc.rotationEffect(Angle::degrees(30)));
+  const View turned = dial.rotationEffect(Angle::degrees(60)).rotationEffect(Angle::degrees(30));
+  EXPECT_EQ(drawn(laidOut(turned, {100, 60})), "[10,25 20x10][30,24 20x12]");
+  EXPECT_EQ(outline(describe(laidOut(turned, {100, 60})).children.at(2)),
+            "stroke color=#000000 lineWidth=1 outline=arc centerX=50 centerY=50 radius=20 start=148.8 "
+            "end=451.2\n");
 }
 
-TEST(Layout, RoundsCapsulesAndTheBoxOfAnUnknownSymbol) {
+TEST(Layout, DrawsABoxForAnUnknownSymbolAndNothingForAnEmptyArc) {
   const View image = Image("no.such.symbol").font(Font::system(10)).foregroundStyle(white);
   const SceneItem box =
       StrokePath{Path::roundedRect({{1.2, 1.2}, {7.6, 7.6}}, 1.6), {.lineWidth = 0.8}, white};
   EXPECT_EQ(laidOut(image, {10, 10}).items.at(0), box);
-  const SceneItem capsule = FillPath{Path::roundedRect({{0, 0}, {10, 12}}, 5), black};
-  EXPECT_EQ(laidOut(filler, {10, 12}).items.at(0), capsule);
+  const View empty = Circle{}.trim(0.5, 0.2).stroke(black, {});
+  EXPECT_EQ(laidOut(empty, {9, 9}).items.at(0), (SceneItem{StrokePath{{}, {}, black}}));
 }
 
 /// A view that has `x` wherever there is a number, but for angles `turn`.
@@ -162,7 +154,6 @@ View viewOf(double x, double turn) {
   const View text = flexible.font(Font::system(x)).lineLimit(1).minimumScaleFactor(x);
   return ZStack(text, down).background(fixed).foregroundStyle(color).containerBackground(color);
 }
-View viewOf(double x) { return viewOf(x, x); }
 
 TEST(Layout, EndsWithFiniteGeometryForAnyNumbers) {
   for (const double x :
@@ -170,14 +161,13 @@ TEST(Layout, EndsWithFiniteGeometryForAnyNumbers) {
     SCOPED_TRACE(x);
     for (const auto& container : {ContainerShape{{170, 170}, 16, 22}, ContainerShape{{x, x}, x, x}}) {
       FakeMeasurer measurer;
-      const Scene scene = layout(viewOf(x), container, measurer);
+      const Scene scene = layout(viewOf(x, x), container, measurer);
       EXPECT_EQ(scene, Scene{scene}) << "a NaN is unequal to itself";
       EXPECT_EQ(outline(describe(scene)).find("inf"), std::string::npos);
     }
-    EXPECT_EQ(viewOf(x), viewOf(x));
+    EXPECT_EQ(viewOf(x, x), viewOf(x, x));
   }
   EXPECT_EQ(viewOf(1e9, 1), viewOf(longestLength, 1));
-  EXPECT_EQ(viewOf(-1e9, 1), viewOf(-longestLength, 1));
   EXPECT_EQ(laidOut(filler, {1e9, -4}).size, (Size{longestLength, 0}));
 }
 
@@ -187,11 +177,9 @@ TEST(Layout, AnnouncesTextsAndLabelledViews) {
   const std::pair<View, const char*> cases[] = {
       {both, "ab[0,0 10x12]cd[10,0 10x12]"},
       {word("abcdefgh").lineLimit(1), "abcdefgh[0,0 20x12]"},
-      {both.accessibilityElement("Mac locked"), "image Mac locked[0,0 20x12]"},
       {both.accessibilityElement("inner").accessibilityElement("outer"), "image outer[0,0 20x12]"},
       {both.accessibilityElement("").accessibilityHidden(), ""},
-      {word(""), ""},
-      {Image("clock"), ""},
+      {row(word(""), Image("clock")), ""},
       {label.frame({.width = 20, .height = 12}), "ab[12,1.2 8x9.6]"}};
   for (const auto& [view, expected] : cases) {
     std::string announced;
@@ -217,38 +205,30 @@ TEST(Layout, FillsTheContainerToItsEdgeAndKeepsTheViewInsideTheMargin) {
 TEST(TextFitting, ShrinksToTheSmallestScaleAndThenCuts) {
   const std::string ten = "abcdefghij";
   const std::string words = "aaaa bbbb cccc";
-  const struct {
-    std::string text;
-    double width;
-    int lineLimit;
-    double smallest, fontSize, fittedWidth;
-    int lines;
-    bool truncated = false;
-  } cases[] = {{ten, infinity, 1, 0.85, 10, 50, 1},
-               {ten, 50 - 1e-10, 1, 1, 10, 50, 1},
-               {ten, 49.9, 1, 0.85, 9.98, 49.9, 1},
-               {ten, 45, 1, 0.85, 9, 45, 1},
-               {ten, 42.5, 1, 0.85, 8.5, 42.5, 1},
-               {ten, 40, 1, 0.85, 8.5, 38.25, 1, true},
-               {ten, 45, 1, 1, 10, 45, 1, true},
-               {"", 0, 1, 0.85, 10, 0, 1},
-               {"ab\ncd", 100, 1, 1, 10, 25, 1},
-               {"ab\ncd\nef", infinity, 2, 0.85, 10, 15, 2, true},
-               {words, 45, 2, 0.85, 10, 45, 2},
-               {words, 44, 2, 0.85, 9.71875, 43.734375, 2},
-               {words, 43.5, 2, 0.85, 9.625, 43.3125, 2},
-               {words, 20, 2, 0.85, 8.5, 17, 2, true},
-               {words, 20, unlimitedLines, 0.85, 10, 20, 3}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text + " in " + std::to_string(c.width));
+  const std::tuple<std::string, double, int, double, double, Size, bool> cases[] = {
+      {ten, infinity, 1, 0.85, 10, {50, 12}, false},
+      {ten, 50 - 1e-10, 1, 1, 10, {50, 12}, false},
+      {ten, 49.9, 1, 0.85, 9.98, {49.9, 11.976}, false},
+      {ten, 42.5, 1, 0.85, 8.5, {42.5, 10.2}, false},
+      {ten, 40, 1, 0.85, 8.5, {38.25, 10.2}, true},
+      {ten, 45, 1, 1, 10, {45, 12}, true},
+      {"", 0, 1, 0.85, 10, {0, 12}, false},
+      {"ab\ncd", 100, 1, 1, 10, {25, 12}, false},
+      {"ab\ncd\nef", infinity, 2, 0.85, 10, {15, 24}, true},
+      {words, 45, 2, 0.85, 10, {45, 24}, false},
+      {words, 44, 2, 0.85, 9.71875, {43.734375, 23.325}, false},
+      {words, 43.5, 2, 0.85, 9.625, {43.3125, 23.1}, false},
+      {words, 20, 2, 0.85, 8.5, {17, 20.4}, true},
+      {words, 20, unlimitedLines, 0.85, 10, {20, 36}, false}};
+  for (const auto& [text, width, lineLimit, smallest, fontSize, size, isCut] : cases) {
+    SCOPED_TRACE(text + " in " + std::to_string(width));
     FakeMeasurer measurer;
-    const Environment environment{Font::system(10).rounded(), black, c.lineLimit, c.smallest};
-    const auto [font, metrics] = fitText(c.text, environment, c.width, measurer);
-    EXPECT_NEAR(font.size, c.fontSize, 1e-9);
+    const Environment environment{Font::system(10).rounded(), black, lineLimit, smallest};
+    const auto [font, metrics] = fitText(text, environment, width, measurer);
+    EXPECT_NEAR(font.size, fontSize, 1e-9);
     EXPECT_EQ(font.fontDesign, FontDesign::rounded);
-    EXPECT_NEAR(metrics.size.width, c.fittedWidth, 1e-9);
-    EXPECT_NEAR(metrics.size.height, 1.2 * c.fontSize * c.lines, 1e-9);
-    EXPECT_EQ(metrics.truncated, c.truncated);
+    EXPECT_EQ(written({{}, metrics.size}), written({{}, size}));
+    EXPECT_EQ(metrics.truncated, isCut);
   }
 }
 

@@ -36,18 +36,14 @@ View tile(const std::string& title) {
 }
 
 TEST(View, IsEqualByContent) {
-  const View now = tile("now"), text = Text("now"), circle = Circle{}.fill(black);
-  EXPECT_EQ(now, tile("now"));
-  EXPECT_NE(now, tile("then"));
-  EXPECT_NE(now, now.frame({}));
-  EXPECT_EQ(HStack({}, text, circle), makeHStack({}, {text, circle}));
+  const View text = Text("text");
+  EXPECT_EQ(tile("now"), tile("now"));
+  EXPECT_NE(tile("now"), tile("then"));
   EXPECT_NE(HStack({}, text), VStack({}, text));
-  EXPECT_NE(text.padding(EdgeSet::horizontal, 5), text.padding(EdgeSet::vertical, 5));
 }
 
 TEST(View, TrimsPartsOfAPart) {
   const Circle half = Circle{}.trim(0.5, 7);
-  EXPECT_EQ(half.fill(black), Circle{}.trim(0.5, 1).fill(black));
   EXPECT_EQ(half.trim(0.5, 1).fill(black), Circle{}.trim(0.75, 1).fill(black));
   EXPECT_EQ(half.trim(1, 0).fill(black), Circle{}.trim(1, 1).fill(black));
 }
@@ -66,16 +62,13 @@ TEST(View, KeepsItsNumbersWithinTheirBounds) {
       {text.minimumScaleFactor(1.5), text.minimumScaleFactor(1)},
       {spaced(NAN), spaced(0)},
       {spaced(-infinity), spaced(-10'000)},
-      {text.frame({.width = -1, .height = NAN, .maxWidth = -1, .maxHeight = NAN}), text.frame({})},
-      {text.frame({.width = infinity, .height = infinity}), text.frame({})},
-      {text.rotationEffect({NAN}), text.rotationEffect({})},
-      {text.rotationEffect({4 * std::numbers::pi}), text.rotationEffect({})},
+      {text.frame({.width = -1, .height = infinity, .maxWidth = NAN, .maxHeight = -1}), text.frame({})},
+      {text.rotationEffect({NAN}), text.rotationEffect({4 * std::numbers::pi})},
       {Circle{}.stroke(black, {.lineWidth = -1}), Circle{}.stroke(black, {.lineWidth = 0})},
       {Circle{}.trim(NAN, 5).fill(black), Circle{}.fill(black)}};
   for (const auto& [given, kept] : pairs) EXPECT_EQ(given, kept) << outline(describe(given));
   EXPECT_NE(text.font(Font::system(1)), text.font(Font::system(0)));
   EXPECT_NE(text.frame({.maxWidth = infinity}), text.frame({.maxWidth = 10'000}));
-  EXPECT_NE(text.rotationEffect(Angle::degrees(-126)), text.rotationEffect(Angle::degrees(126)));
 }
 
 TEST(Description, OfAViewReadsAsItWasWritten) {
