@@ -62,24 +62,22 @@ TEST(LoadStatus, TakesTheFirstSourceThatWorks) {
   const Data record{R"({"status":"locked","stale":false,"age_seconds":999})"};
   using Stored = std::optional<DefaultsValue>;
   const std::string alone = "there is no record beside the plain value";
-  const std::tuple<const char*, Stored, Stored, Stored, std::string, std::string> rows[] = {
-      {"a date", now, {}, {}, "", ""},
-      {"a plain value", {}, {}, "locked", plain + R"("stale":true,)" + end, alone},
-      {"a plain value of another type", now, {}, Data{"locked"}, "", alone},
-      {"a record of another type", now, "{}", "Locked", "", "the record is not data"},
-      {"a record that does not decode", now, Data{R"({"stale":1})"}, "locked",
-       plain + R"("stale":false,"age_seconds":0,)" + end,
+  const std::tuple<Stored, Stored, Stored, std::string, std::string> rows[] = {
+      {now, {}, {}, "", ""},
+      {{}, {}, "locked", plain + R"("stale":true,)" + end, alone},
+      {now, {}, Data{"locked"}, "", alone},
+      {now, "{}", "Locked", "", "the record is not data"},
+      {now, Data{R"({"stale":1})"}, "locked", plain + R"("stale":false,"age_seconds":0,)" + end,
        "the record does not decode: stale: expected true or false, found a number"},
-      {"both", now - 151s, record, "unlocked", R"({"status":"locked","stale":true,"age_seconds":151})", ""},
-      {"a date of another type", "2026-11-16T15:41:35Z", record, {}, record.bytes, ""}};
-  for (const auto& [name, receivedAt, json, value, expected, fault] : rows) {
-    SCOPED_TRACE(name);
+      {now - 151s, record, "unlocked", R"({"status":"locked","stale":true,"age_seconds":151})", ""},
+      {"2026-11-16T15:41:35Z", record, {}, record.bytes, ""}};
+  for (const auto& [receivedAt, json, value, expected, fault] : rows) {
+    SCOPED_TRACE(expected + fault);
     RecordingStore store;
     if (receivedAt) store.set(lastStatusAt, *receivedAt);
     if (json) store.set(lastStatus, *json);
     if (value) store.set(lastStatusValue, *value);
     const auto loaded = loadStatus(store, now);
-    EXPECT_EQ(diagnoseStatus(store, now).status, loaded);
     EXPECT_EQ(diagnoseStatus(store, now).fault, fault);
     EXPECT_EQ(loaded ? TarnoJSON::encoder().encode(loaded->snapshot) : "", expected);
     if (loaded) EXPECT_EQ(loaded->receivedAt.has_value(), receivedAt && std::get_if<Date>(&*receivedAt));

@@ -36,10 +36,8 @@ View tile(const std::string& title) {
 }
 
 TEST(View, IsEqualByContent) {
-  const View text = Text("text");
   EXPECT_EQ(tile("now"), tile("now"));
   EXPECT_NE(tile("now"), tile("then"));
-  EXPECT_NE(HStack({}, text), VStack({}, text));
 }
 
 TEST(View, TrimsPartsOfAPart) {
@@ -130,9 +128,6 @@ TEST(Path, BoundsAreThoseOfTheCurveItself) {
   EXPECT_NEAR(bounds(arc).origin.y, -10, 1e-9);
   EXPECT_NEAR(bounds(arc).bottom(), 0, 1e-9);
   EXPECT_EQ(bounds({}), Rect{});
-  const Path line{{Path::Move{{1, 2}}, Path::Line{{3, 4}}, Path::Arc{{5, 6}, 7, {8}, {9}}}};
-  const Path placed{{Path::Move{{3, 4}}, Path::Line{{7, 8}}, Path::Arc{{11, 12}, 14, {8}, {9}}}};
-  EXPECT_EQ(line.placed(2, {1, 0}), placed);
 }
 
 }  // namespace

@@ -41,10 +41,8 @@ TEST(Provider, ReadsTheStoreAnewUnlessForAPreview) {
   TickingClock clock;
   const auto empty = timeline(widget, {});
   EXPECT_EQ(clock.readings, 2);
-  ASSERT_EQ(empty.entries.size(), 1u);
-  EXPECT_EQ(empty.entries[0], (Entry{.date = start}));
+  EXPECT_EQ(empty.entries, std::vector{Entry{.date = start}});
   EXPECT_EQ(empty.policy.date, start + 1s + 30s);  // counted from the second reading
-
   TarnoMacDefaults::saveStatus({.status = TarnoMacStatus::unlocked}, start - 200s);
   TarnoMacStatusSnapshot stale{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202};
   EXPECT_EQ(timeline(widget, {}).entries.at(0), (Entry{start + 2s, stale, start - 200s}));
