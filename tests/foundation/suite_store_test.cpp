@@ -80,6 +80,13 @@ class SuiteStoreTest : public testing::Test {
     return {std::move(failure), system_calls::wasReached()};
   }
 
+  /// The same in a process that is killed before the call.
+  static std::pair<std::string, bool> saveUntilKilled(int call) {
+    int status = 0;
+    waitpid(startProcess([=] { saveDuring(call, [] { return raise(SIGKILL); }); }), &status, 0);
+    return {WIFSIGNALED(status) ? "killed" : "", WIFSIGNALED(status)};
+  }
+
   const TemporaryStore temporary{};
   const fs::path home = temporary.folder(), directory = home / suite, file = directory / "defaults.json";
   const fs::path leftover = directory / ".defaults.json.new", moved = home / "moved";
@@ -147,8 +154,7 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
   const std::pair<std::string, std::function<void()>> rows[] = {
       {"test can be written by group or others", [&] { chmod(directory.c_str(), 0720); }},
       {"test can be written by group or others", [&] { chmod(directory.c_str(), 0702); }},
-      {"test is a symbolic link",
-       [&] { fs::rename(directory, moved), fs::create_symlink(moved, directory); }},
+      {"test is a symbolic link", [&] { fs::remove_all(directory), fs::create_symlink(home, directory); }},
       {"test is not a directory", [&] { fs::remove_all(directory), writeBytes(directory, ""); }},
       {"test belongs to another user", [&] { EXPECT_EQ(chown(directory.c_str(), 12345, 0), 0); }},
       {"test: Not a directory", [&] { fs::remove_all(home), writeBytes(home, ""); }},
@@ -211,44 +217,36 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
       {"a damaged file", [&] { writeBytes(file, "damaged"); }, {}, 2},
       {"a link left over", [&] { fs::create_symlink(moved, leftover); }, 1.0, 1},
       {"a folder left over", [&] { fs::create_directories(leftover / "full"); }, 1.0, 2}};
-  for (const auto& [name, prepare, old, files] : beginnings) {
-    SCOPED_TRACE(name);
-    const auto expectOldOrNew = [&, &old = old, &files = files](bool isNew) {
-      expectTwins(isNew ? 2.0 : old);
-      saveTwins(3);
-      expectTwins(3.0);
-      EXPECT_EQ(countFiles(), files);
-      EXPECT_FALSE(fs::exists(moved));
-    };
-    forEachCall([&, &prepare = prepare](int number) {
-      prepare();
-      int status = 0;
-      waitpid(startProcess([&] { saveDuring(number, [] { return raise(SIGKILL); }); }), &status, 0);
-      expectOldOrNew(!WIFSIGNALED(status) || load("key") == DefaultsValue{2.0});
-      return WIFSIGNALED(status);
-    });
-    forEachCall([&, &prepare = prepare](int number) {
-      prepare();
-      const bool wasLeft = fs::exists(fs::symlink_status(leftover));
-      const auto [failure, isReached] = saveDuring(number, [] { return EIO; });
-      EXPECT_TRUE(wasLeft || failure.empty() || failure.ends_with("Input/output error")) << failure;
-      EXPECT_TRUE(wasLeft || !fs::exists(leftover));
-      expectOldOrNew(failure.empty());
-      return isReached;
-    });
-  }
+  for (const auto& [name, prepare, old, files] : beginnings)
+    for (const bool isKilled : {true, false}) {
+      SCOPED_TRACE(name + (isKilled ? ", killed"s : ", failed"s));
+      forEachCall([&, &prepare = prepare, &old = old, &files = files](int number) {
+        prepare();
+        const bool wasLeft = fs::exists(fs::symlink_status(leftover));
+        const auto [failure, isReached] =
+            isKilled ? saveUntilKilled(number) : saveDuring(number, [] { return EIO; });
+        EXPECT_TRUE(isKilled || wasLeft || !fs::exists(leftover));
+        const bool isNew = failure.empty() || (isKilled && load("key") == DefaultsValue{2.0});
+        expectTwins(isNew ? 2.0 : old);
+        saveTwins(3);
+        expectTwins(3.0);
+        EXPECT_EQ(countFiles(), files);
+        EXPECT_FALSE(fs::exists(moved));
+        return isReached;
+      });
+    }
 }
 
 TEST_F(SuiteStoreTest, AFolderThatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
-  const auto moveAway = [&] { fs::rename(directory, moved); };
   const std::pair<std::function<void()>, bool> rows[] = {
-      {[&] { moveAway(), mkdir(directory.c_str(), 0700); }, true},
-      {[&] { moveAway(), fs::create_directory_symlink(moved, directory); }, false}};
+      {[&] { mkdir(directory.c_str(), 0700); }, true},
+      {[&] { fs::create_directory_symlink(moved, directory); }, false}};
   for (const auto& row : rows)
     forEachCall([&](int number) {
       bool isOver = false;  // the last check was made, only the unlocking is left
       const auto [failure, isReached] = saveDuring(number, [&] {
         isOver = system_calls::made.ends_with("lstat flock ");
+        fs::rename(directory, moved);
         return row.first(), 0;
       });
       if (isOver) return false;

@@ -10,7 +10,6 @@
 #include "tarno/ui/description/scene_description.hpp"
 #include "tarno/ui/description/view_description.hpp"
 #include "tarno/ui/layout/sizing.hpp"
-#include "tarno/ui/layout/text_fitting.hpp"
 
 using namespace ui;
 
@@ -28,12 +27,6 @@ View row(const Views&... views) {
 Scene laidOut(const View& view, Size size, double margin = 0) {
   FakeMeasurer measurer;
   return layout(view, {.size = size, .contentMargin = margin, .cornerRadius = 22}, measurer);
-}
-
-Size fitted(const View& view, const Size& proposal) {
-  FakeMeasurer measurer;
-  LayoutPass pass{measurer};
-  return sizeThatFits(view, Environment{}, proposal, pass);
 }
 
 /// "[x,y widthxheight]", to the millionth.
@@ -56,6 +49,16 @@ std::string drawn(const Scene& scene) {
     if (const auto* text = std::get_if<TextRun>(&item)) result += written(text->box);
   }
   return result;
+}
+
+void check(std::initializer_list<std::tuple<View, Size, Size>> cases) {
+  for (const auto& [view, proposal, expected] : cases) {
+    FakeMeasurer measurer;
+    LayoutPass pass{measurer};
+    const Size size = sizeThatFits(view, Environment{}, proposal, pass);
+    EXPECT_NEAR(size.width, expected.width, 1e-9) << outline(describe(view)) << proposal.width;
+    EXPECT_NEAR(size.height, expected.height, 1e-9) << outline(describe(view)) << proposal.width;
+  }
 }
 
 void check(std::initializer_list<std::tuple<const char*, View, Size, const char*>> cases) {
@@ -100,26 +103,41 @@ TEST(Layout, AlignsChildrenInTheLargestOfThem) {
 TEST(Layout, SizesFramesByTheProposal) {
   const View text = word("aaaa bbbb");  // 45 wide, or 20 on two lines
   const Size all{infinity, infinity};
-  const std::tuple<View, Size, Size> cases[] = {
-      {Text("ab"), all, {15, 18}},
-      {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
-      {filler.frame({.maxWidth = 50}), {40, 7}, {40, 7}},
-      {box(60).frame({.maxWidth = 50}), {100, 7}, {60, 10}},
-      {box(60).frame({.maxHeight = infinity}), {40, 70}, {60, 70}},
-      {text.frame({.height = 30}), {20, 0}, {20, 30}},
-      {text.frame({.width = 30, .maxWidth = 100}), all, {30, 24}},
-      {text.frame({.maxWidth = 30}), {100, 100}, {30, 24}},
-      {text.frame({.maxWidth = 100}), {60, 0}, {60, 12}},
-      {text.font(Font::system(0)), {infinity, 0}, {45, 12}},
-      {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
-      {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
-      {box(20).padding(EdgeSet::vertical, -30), {1, 1}, {20, 0}},
-      {Image("no.such.symbol").font(Font::system(8)), all, {8, 8}},
-      {Image("clock").font(Font::system(10)), {0, 0}, {12, 12}},
-      {HStack({}), {100, 100}, {0, 0}},
-      {HStack({}, word("abcd"), word("efghij"), std::optional<View>{}), all, {58, 12}}};
-  for (const auto& [view, proposal, expected] : cases)
-    EXPECT_EQ(fitted(view, proposal), expected) << outline(describe(view));
+  check({{Text("ab"), all, {15, 18}},
+         {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
+         {filler.frame({.maxWidth = 50}), {40, 7}, {40, 7}},
+         {box(60).frame({.maxWidth = 50}), {100, 7}, {60, 10}},
+         {box(60).frame({.maxHeight = infinity}), {40, 70}, {60, 70}},
+         {text.frame({.height = 30}), {20, 0}, {20, 30}},
+         {text.frame({.width = 30, .maxWidth = 100}), all, {30, 24}},
+         {text.frame({.maxWidth = 30}), {100, 100}, {30, 24}},
+         {text.frame({.maxWidth = 100}), {60, 0}, {60, 12}},
+         {text.font(Font::system(0)), {infinity, 0}, {45, 12}},
+         {text.padding(EdgeSet::horizontal, 10), {40, 40}, {40, 24}},
+         {text.padding(EdgeSet::horizontal, 30), {40, 40}, {60, 12}},
+         {box(20).padding(EdgeSet::vertical, -30), {1, 1}, {20, 0}},
+         {Image("no.such.symbol").font(Font::system(8)), all, {8, 8}},
+         {Image("clock").font(Font::system(10)), {0, 0}, {12, 12}},
+         {HStack({}), {100, 100}, {0, 0}},
+         {HStack({}, word("abcd"), word("efghij"), std::optional<View>{}), all, {58, 12}}});
+}
+
+TEST(Layout, ShrinksTextsToTheSmallestScaleAndThenCutsThem) {
+  const View oneLine = word("abcdefghij").lineLimit(1), twoLines = word("aaaa bbbb cccc").lineLimit(2);
+  const View small = oneLine.minimumScaleFactor(0.85), smallTwo = twoLines.minimumScaleFactor(0.85);
+  check({{small, {infinity, 0}, {50, 12}},
+         {oneLine, {50 - 1e-10, 0}, {50, 12}},
+         {oneLine, {47, 0}, {45, 12}},
+         {small, {49.9, 0}, {49.9, 11.976}},
+         {small, {42.5, 0}, {42.5, 10.2}},
+         {small, {40, 0}, {38.25, 10.2}},
+         {smallTwo, {45, 0}, {45, 24}},
+         {smallTwo, {44, 0}, {43.734375, 23.325}},
+         {smallTwo, {43.5, 0}, {43.3125, 23.1}},
+         {smallTwo, {20, 0}, {17, 20.4}},
+         {word("aaaa bbbb cccc").minimumScaleFactor(0.85), {20, 0}, {20, 36}},
+         {word("ab\ncd").lineLimit(1), {100, 0}, {25, 12}},
+         {word("ab\ncd\nef").lineLimit(2), {infinity, 0}, {15, 24}}});
 }
 
 TEST(Layout, TurnsStrokesAboutTheFramesCentre) {
@@ -198,36 +216,6 @@ TEST(Layout, FillsTheContainerToItsEdgeAndKeepsTheViewInsideTheMargin) {
   for (const View& inside : {ZStack(white), filler.containerBackground(black).containerBackground(ui::white)})
     EXPECT_EQ(laidOut(inside, whole.size, 16), scene) << outline(describe(inside));
   EXPECT_TRUE(drawn(laidOut(filler, {20, 20}, 30)).ends_with(" 0x0]"));
-}
-
-TEST(TextFitting, ShrinksToTheSmallestScaleAndThenCuts) {
-  const std::string ten = "abcdefghij";
-  const std::string words = "aaaa bbbb cccc";
-  const std::tuple<std::string, double, int, double, double, Size, bool> cases[] = {
-      {ten, infinity, 1, 0.85, 10, {50, 12}, false},
-      {ten, 50 - 1e-10, 1, 1, 10, {50, 12}, false},
-      {ten, 49.9, 1, 0.85, 9.98, {49.9, 11.976}, false},
-      {ten, 42.5, 1, 0.85, 8.5, {42.5, 10.2}, false},
-      {ten, 40, 1, 0.85, 8.5, {38.25, 10.2}, true},
-      {ten, 45, 1, 1, 10, {45, 12}, true},
-      {"", 0, 1, 0.85, 10, {0, 12}, false},
-      {"ab\ncd", 100, 1, 1, 10, {25, 12}, false},
-      {"ab\ncd\nef", infinity, 2, 0.85, 10, {15, 24}, true},
-      {words, 45, 2, 0.85, 10, {45, 24}, false},
-      {words, 44, 2, 0.85, 9.71875, {43.734375, 23.325}, false},
-      {words, 43.5, 2, 0.85, 9.625, {43.3125, 23.1}, false},
-      {words, 20, 2, 0.85, 8.5, {17, 20.4}, true},
-      {words, 20, unlimitedLines, 0.85, 10, {20, 36}, false}};
-  for (const auto& [text, width, lineLimit, smallest, fontSize, size, isCut] : cases) {
-    SCOPED_TRACE(text + " in " + std::to_string(width));
-    FakeMeasurer measurer;
-    const Environment environment{Font::system(10).rounded(), black, lineLimit, smallest};
-    const auto [font, metrics] = fitText(text, environment, width, measurer);
-    EXPECT_NEAR(font.size, fontSize, 1e-9);
-    EXPECT_EQ(font.fontDesign, FontDesign::rounded);
-    EXPECT_EQ(written({{}, metrics.size}), written({{}, size}));
-    EXPECT_EQ(metrics.truncated, isCut);
-  }
 }
 
 }  // namespace

@@ -40,30 +40,21 @@ TEST(View, IsEqualByContent) {
   EXPECT_NE(tile("now"), tile("then"));
 }
 
-TEST(View, TrimsPartsOfAPart) {
-  const Circle half = Circle{}.trim(0.5, 7);
-  EXPECT_EQ(half.trim(0.5, 1).fill(black), Circle{}.trim(0.75, 1).fill(black));
-  EXPECT_EQ(half.trim(1, 0).fill(black), Circle{}.trim(1, 1).fill(black));
-}
-
 TEST(View, KeepsItsNumbersWithinTheirBounds) {
   const View text = Text("text");
-  const auto spaced = [](double length) { return HStack({.spacing = length}); };
+  const Circle half = Circle{}.trim(0.5, 7);
   const std::pair<View, View> pairs[] = {
-      {text.font(Font::system(0.99).rounded()), text.font(Font::system(0).rounded())},
-      {text.font(Font::system(infinity)), text.font(Font::system(1000))},
+      {text.font(Font::system(0.99)), text.font(Font::system(0))},
       {text.foregroundStyle({.red = -1, .green = 2, .blue = NAN, .alpha = 9}),
        text.foregroundStyle(Color::sRGB(0, 1, 0))},
       {text.lineLimit(0), text.lineLimit(1)},
       {text.lineLimit(1'000'000), text.lineLimit(unlimitedLines)},
       {text.minimumScaleFactor(-1), text.minimumScaleFactor(0.01)},
-      {text.minimumScaleFactor(1.5), text.minimumScaleFactor(1)},
-      {spaced(NAN), spaced(0)},
-      {spaced(-infinity), spaced(-10'000)},
       {text.frame({.width = -1, .height = infinity, .maxWidth = NAN, .maxHeight = -1}), text.frame({})},
       {text.rotationEffect({NAN}), text.rotationEffect({4 * std::numbers::pi})},
-      {Circle{}.stroke(black, {.lineWidth = -1}), Circle{}.stroke(black, {.lineWidth = 0})},
-      {Circle{}.trim(NAN, 5).fill(black), Circle{}.fill(black)}};
+      {half.trim(0.5, NAN).fill(black), Circle{}.trim(0.75, 0.75).fill(black)},
+      {half.trim(0.5, 1).fill(black), Circle{}.trim(0.75, 1).fill(black)},
+      {half.trim(1, 0).fill(black), Circle{}.trim(1, 1).fill(black)}};
   for (const auto& [given, kept] : pairs) EXPECT_EQ(given, kept) << outline(describe(given));
   EXPECT_NE(text.font(Font::system(1)), text.font(Font::system(0)));
   EXPECT_NE(text.frame({.maxWidth = infinity}), text.frame({.maxWidth = 10'000}));

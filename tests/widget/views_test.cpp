@@ -56,14 +56,6 @@ TEST(DialView, ColoursFollowTheStatusAndItsSignals) {
   EXPECT_EQ(valuesOf(face, "Circle", "fill"), "#FFFFFF@0.58|#2E8F93@0.16|#D9E2E4@0.4|#D9E2E4@0.4|");
 }
 
-TEST(DialView, KeepsLinesAndSignalsLegibleAtSmallSizes) {
-  const auto dial = describe(TarnoMacDialView{{}, 50, true}.body());
-  EXPECT_EQ(valuesOf(dial, "Circle", "lineWidth"), "6|6|");
-  EXPECT_EQ(valuesOf(dial, "font", "size"), "9|6.5|8|8|8|");
-  EXPECT_EQ(valuesOf(dial, "frame", "width"), "50|35|31|18|18|18|");
-  EXPECT_EQ(valuesOf(dial, "HStack", "spacing"), "4|");
-}
-
 TEST(WidgetView, TextsShrinkBeforeTheyAreCut) {
   const tarno::ClockOverride clock{now};
   const TarnoMacWidgetEntry entry{
