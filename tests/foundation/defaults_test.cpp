@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -69,6 +70,19 @@ TEST(Suite, LiesWhereTheEnvironmentSaysAndHasAPlainName) {
     setenv("XDG_DATA_HOME", data, 1), setenv("XDG_CONFIG_HOME", data, 1), setenv("HOME", homeFolder, 1);
     EXPECT_EQ(suiteLocation("s")->file, at + (*data == '/' ? "" : "/.local/share") + "/s/defaults.json");
     EXPECT_EQ(configurationHome(), at + (*data == '/' ? "" : "/.config"));
+  }
+}
+
+TEST(Suite, IsMadeForTheOwnerAloneWhateverTheUmask) {
+  for (const mode_t mask : {0u, 0777u}) {
+    const TemporaryStore temporary;
+    const auto [directory, file] = suiteLocation("suite").value();
+    std::filesystem::remove(temporary.folder());
+    const mode_t before = umask(mask);
+    saveToSuite("suite", {{"key", 1.0}});
+    umask(before);
+    for (const auto& [path, mode] : {std::pair{temporary.folder(), 0700}, {directory, 0700}, {file, 0600}})
+      EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(mode)) << path << mask;
   }
 }
 

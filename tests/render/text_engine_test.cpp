@@ -18,31 +18,6 @@ using namespace std::string_literals;
 
 const ui::Font caption = ui::Font::system(12).rounded();
 
-struct Ink {
-  int left, top, right, bottom;  ///< in pixels, the last two exclusive
-};
-
-/// A PNG of `run` on a tile of 300 x 60 points.
-std::string png(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
-  return render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, scale);
-}
-
-/// Where `run` leaves marks on it.
-Ink ink(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
-  const auto pixels = Pixels::decode(png(engine, run, scale));
-  Ink found{pixels.width, pixels.height, 0, 0};
-  for (int y = 0; y < pixels.height; ++y)
-    for (int x = 0; x < pixels.width; ++x)
-      if (pixels.at(x, y)[3] >= 64)
-        found = {std::min(found.left, x), std::min(found.top, y), std::max(found.right, x + 1), y + 1};
-  return found;
-}
-
-ui::TextRun place(render::TextEngine& engine, const std::string& text, double width = 1e9, int lines = 1) {
-  const auto m = engine.measure(text, caption, width, lines);
-  return {text, caption, ui::black, {{50, 10}, m.size}, m.baseline, lines, m.truncated};
-}
-
 /// By an engine that has kept nothing.
 ui::TextMetrics measured(const std::string& text, std::optional<double> width, int maxLines,
                          const ui::Font& font = caption) {
@@ -51,6 +26,38 @@ ui::TextMetrics measured(const std::string& text, std::optional<double> width, i
 
 double width(const std::string& text, const ui::Font& font = caption) {
   return measured(text, {}, 1, font).size.width;
+}
+
+ui::TextRun place(const std::string& text, double width = 1e9, int lines = 1,
+                  const ui::Font& font = caption) {
+  const auto m = measured(text, width, lines, font);
+  return {text, font, ui::black, {{50, 10}, m.size}, m.baseline, lines, m.truncated};
+}
+
+/// A PNG of `run` on a tile of 300 x 60 points.
+std::string png(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
+  return render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, scale);
+}
+
+/// By an engine that has kept nothing.
+std::string png(const ui::TextRun& run, double scale = 1) {
+  render::TextEngine engine;
+  return png(engine, run, scale);
+}
+
+struct Ink {
+  int left, top, right, bottom;  ///< in pixels, the last two exclusive
+};
+
+/// Where `run` leaves marks on the tile.
+Ink ink(const ui::TextRun& run, double scale = 1) {
+  const auto pixels = Pixels::decode(png(run, scale));
+  Ink found{pixels.width, pixels.height, 0, 0};
+  for (int y = 0; y < pixels.height; ++y)
+    for (int x = 0; x < pixels.width; ++x)
+      if (pixels.at(x, y)[3] >= 64)
+        found = {std::min(found.left, x), std::min(found.top, y), std::max(found.right, x + 1), y + 1};
+  return found;
 }
 
 TEST(TextEngine, fitsWhatItWasGivenAndStaysAsItIsAtTheWidthThatItReturned) {
@@ -113,44 +120,40 @@ TEST(TextEngine, everyWeightHasItsFaceAndDigitsNeverFallBack) {
 }
 
 TEST(TextEngine, drawsTheSameWhereNoFontConfigurationIsNamed) {
-  render::TextEngine all, alone;
-  all.measure("x", caption, {}, 1);  // reads the environment
-  unsetenv("FONTCONFIG_FILE");
   for (const std::string text : {"Kivo's Mac – déjà vu", "書斎 Mac", "\u01C2"}) {
-    const auto run = place(all, text);
-    EXPECT_TRUE(png(alone, run) == png(all, run)) << text;
+    const std::string configured = png(place(text));
+    const std::string configuration = std::getenv("FONTCONFIG_FILE");
+    unsetenv("FONTCONFIG_FILE");
+    EXPECT_TRUE(png(place(text)) == configured) << text;
+    setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
   }
 }
 
 TEST(TextEngine, breaksWordsWithoutHyphens) {
-  render::TextEngine engine;
   const std::string word = "Donaudampfschifffahrtsgesellschaftskapitänsmütze";
-  const auto picture = [&](const std::string& text) { return png(engine, place(engine, text, 194, 2)); };
-  const std::string broken = picture(word);
+  const std::string broken = png(place(word, 194, 2));
   int same = 0;
   for (std::size_t at = 20; at < 40; ++at)
-    same += picture(word.substr(0, at) + "\n" + word.substr(at)) == broken;
+    same += png(place(word.substr(0, at) + "\n" + word.substr(at), 194, 2)) == broken;
   EXPECT_EQ(same, 1);
 }
 
 TEST(TextEngine, stackedMarksStayNearTheirLine) {
-  render::TextEngine engine;
   std::string stacked = "Z";
   for (int i = 0; i < 40; ++i) stacked += "\u030D\u0329";
-  auto run = place(engine, stacked);
+  auto run = place(stacked);
   run.box.origin.y = 25;
-  const auto found = ink(engine, run);
   const double quarter = run.box.size.height / 4;
-  EXPECT_NEAR(found.top, run.box.origin.y - quarter, 1.5);
-  EXPECT_NEAR(found.bottom, run.box.bottom() + quarter, 1.5);
+  EXPECT_NEAR(ink(run).top, run.box.origin.y - quarter, 1.5);
+  EXPECT_NEAR(ink(run).bottom, run.box.bottom() + quarter, 1.5);
 }
 
 TEST(TextEngine, picturesStandInVectorFilesWhereTheyStandOnPixels) {
-  render::TextEngine engine;
-  auto run = place(engine, "| 🚀");
-  const Ink onPixels = ink(engine, run);
+  auto run = place("| 🚀");
+  const Ink onPixels = ink(run);
   run.color = ui::black.opacity(0.5);
   const render::Surface vector(cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, nullptr));
+  render::TextEngine engine;
   render::paint({{300, 60}, {run}, {}}, engine, render::Context(cairo_create(vector.get())).get());
   double x, y, width, height;
   cairo_recording_surface_ink_extents(vector.get(), &x, &y, &width, &height);
@@ -158,7 +161,7 @@ TEST(TextEngine, picturesStandInVectorFilesWhereTheyStandOnPixels) {
   EXPECT_NEAR(y, onPixels.top, 1.5);
   EXPECT_NEAR(x + width, onPixels.right, 1.5);
   EXPECT_NEAR(y + height, onPixels.bottom, 1.5);
-  for (const auto& pixel : Pixels::decode(png(engine, run)).rows) EXPECT_LE(pixel[3], 129);
+  for (const auto& pixel : Pixels::decode(png(run)).rows) EXPECT_LE(pixel[3], 129);
 }
 
 TEST(DisplayText, isValidAndBounded) {
@@ -174,34 +177,31 @@ TEST(DisplayText, isValidAndBounded) {
 }
 
 TEST(TextEngine, drawsInsideTheBoxAtEveryScale) {
-  render::TextEngine engine;
-  auto run = place(engine, "HHHHHH");
+  render::TextEngine kept;
+  auto run = place("HHHHHH");
   for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
-    const auto found = ink(engine, run, scale);
+    const auto found = ink(run, scale);
     EXPECT_EQ(found.bottom, std::round((run.box.origin.y + run.baseline) * scale)) << scale;
     EXPECT_NEAR(found.left, run.box.origin.x * scale, 1.2 * scale);
     EXPECT_NEAR(found.right, run.box.right() * scale, 1.5 * scale);
+    run.box.origin.x += 0.5;
+    EXPECT_TRUE(png(kept, run) == png(run));
   }
-  run.box.origin.x = 50.5;
-  render::TextEngine other;
-  EXPECT_TRUE(png(engine, run) == png(other, run));
-  const ui::Font huge = ui::Font::system(1000);
-  const auto m = engine.measure("HHHHHHHHHH", huge, {}, 1);
-  EXPECT_GT(ink(engine, {"HHHHHHHHHH", huge, ui::black, {{0, 50 - m.baseline}, m.size}, m.baseline}).right,
-            0);
+  auto huge = place("HHHHHHHHHH", 1e9, 1, ui::Font::system(1000));
+  huge.box.origin = {0, 50 - huge.baseline};
+  EXPECT_GT(ink(huge).right, 0);
 }
 
 TEST(TextEngine, keepsLineBreaksAndSidesOfOtherScripts) {
-  render::TextEngine engine;
-  const auto arabic = place(engine, "جهاز ماك الخاص بمحمد علي\nماك", 150, 2);
-  EXPECT_GT(ink(engine, arabic).right, arabic.box.right() - 3);
+  const auto arabic = place("جهاز ماك الخاص بمحمد علي\nماك", 150, 2);
+  EXPECT_GT(ink(arabic).right, arabic.box.right() - 3);
   std::string blank;
   for (int i = 0; i < 30; ++i) blank += "\u00A0";
-  const auto above = place(engine, "ماك\n" + blank, 1e9, 2);
-  EXPECT_GT(ink(engine, above).left, above.box.right() - 40);
-  auto shorter = place(engine, "ماك");
+  const auto above = place("ماك\n" + blank, 1e9, 2);
+  EXPECT_GT(ink(above).left, above.box.right() - 40);
+  auto shorter = place("ماك");
   shorter.box.size.width = 200;
-  EXPECT_GT(ink(engine, shorter).left, 200);
+  EXPECT_GT(ink(shorter).left, 200);
 }
 
 }  // namespace

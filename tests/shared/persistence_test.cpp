@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <thread>
 
@@ -22,34 +23,27 @@ constexpr Date now = sys_days{2026y / November / 16} + 15h + 41min + 35s + 250ms
 class RecordingStore : public tarno::UserDefaults {
  public:
   std::optional<DefaultsValue> object(std::string_view key) const override {
-    return values.contains(key) ? std::optional{values.find(key)->second} : std::nullopt;
+    const auto isOfKey = [&](const auto& call) { return call.first == key; };
+    const auto found = std::find_if(calls.rbegin(), calls.rend(), isOfKey);
+    return found != calls.rend() ? std::optional{found->second} : std::nullopt;
   }
-  void set(std::string_view key, DefaultsValue value) override {
-    calls += "set " + std::string{key} + "; ";
-    values.insert_or_assign(std::string{key}, std::move(value));
-  }
-  bool synchronize() override {
-    calls += "synchronize";
-    return false;
-  }
+  void set(std::string_view key, DefaultsValue value) override { calls.emplace_back(key, std::move(value)); }
+  bool synchronize() override { return set("synchronize", {}), false; }
 
-  std::string calls;
-  tarno::DefaultsValues values;
+  std::vector<std::pair<std::string, DefaultsValue>> calls;
 };
 
 TEST(PersistStatus, WritesInOrderAndSynchronizesOnce) {
   RecordingStore store;
   persistStatus({.status = TarnoMacStatus::locked}, now, "mirror", store);
-  EXPECT_EQ(store.calls,
-            "set tarno.lastStatus; set tarno.lastStatusAt; set tarno.lastStatusValue; "
-            "set tarno.lastStatusMirrorKey; synchronize");
-  tarno::DefaultsValues written{{"tarno.lastStatus", Data{R"({"status":"locked"})"}},
-                                {"tarno.lastStatusAt", now},
-                                {"tarno.lastStatusMirrorKey", "mirror"},
-                                {"tarno.lastStatusValue", "locked"}};
-  EXPECT_EQ(store.values, written);
+  const decltype(store.calls) calls{{"tarno.lastStatus", Data{R"({"status":"locked"})"}},
+                                    {"tarno.lastStatusAt", now},
+                                    {"tarno.lastStatusValue", "locked"},
+                                    {"tarno.lastStatusMirrorKey", "mirror"},
+                                    {"synchronize", {}}};
+  EXPECT_EQ(store.calls, calls);
   persistStatus({.inputIdleSeconds = std::nan("")}, now + 1h, "other", store);
-  EXPECT_EQ(store.values, written);
+  EXPECT_EQ(store.calls, calls);
   persistStatus({.status = TarnoMacStatus::unlocked, .stale = true}, now, std::nullopt, store);
   EXPECT_EQ(store.string(lastStatusValue), "unknown");
   EXPECT_EQ(store.string(lastStatusMirrorKey), "mirror");

@@ -52,8 +52,6 @@ TEST(DialView, ColoursFollowTheStatusAndItsSignals) {
     EXPECT_EQ(valuesOf(dial, "Circle", "stroke"), "#D9E2E4@0.72|" + accent);
     EXPECT_EQ(valuesOf(dial, "foregroundStyle", "color"), accent + "#17212A|" + dots);
   }
-  const auto face = describe(TarnoMacDialView{Snapshot{.facePresent = true}, 124, true}.body());
-  EXPECT_EQ(valuesOf(face, "Circle", "fill"), "#FFFFFF@0.58|#2E8F93@0.16|#D9E2E4@0.4|#D9E2E4@0.4|");
 }
 
 TEST(WidgetView, TextsShrinkBeforeTheyAreCut) {
