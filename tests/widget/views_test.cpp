@@ -10,7 +10,6 @@
 namespace {
 
 using namespace std::chrono;
-using widgetkit::WidgetFamily;
 using Snapshot = TarnoMacStatusSnapshot;
 
 constexpr tarno::Date now = sys_days{2026y / November / 16} + 15h;
@@ -27,13 +26,11 @@ std::string valuesOf(const ui::Description& description, std::string_view name, 
   return found;
 }
 
-ui::View tile(const TarnoMacWidgetEntry& entry, WidgetFamily family = WidgetFamily::systemMedium) {
-  return TarnoMacWidgetView{entry}.body({.widgetFamily = family});
-}
-
-ui::Scene laidOut(const ui::View& view, ui::Size size) {
+ui::Description drawn(const TarnoMacWidgetEntry& entry, ui::Size size) {
   FakeMeasurer measurer;
-  return layout(view, {.size = size}, measurer);
+  const auto view = TarnoMacWidgetView{entry}.body({.widgetFamily = widgetkit::WidgetFamily::systemMedium});
+  const auto scene = layout(view, {.size = size}, measurer);
+  return ui::Description{"tile", {}, {describe(scene), describeAccessibility(scene)}};
 }
 
 TEST(DialView, ColoursFollowTheStatusAndItsSignals) {
@@ -58,34 +55,28 @@ TEST(WidgetView, TextsShrinkBeforeTheyAreCut) {
   const tarno::ClockOverride clock{now};
   const TarnoMacWidgetEntry entry{
       now, Snapshot{.deviceName = "Kivo's Mac", .reason = "Mac locked.", .stale = true}, {}};
-  const auto drawn = describe(laidOut(tile(entry), {160, 200}));
-  EXPECT_EQ(valuesOf(drawn, "text", "font"),
+  const auto narrow = drawn(entry, {160, 200});
+  EXPECT_EQ(valuesOf(narrow, "text", "font"),
             "13.702 bold rounded|12 semibold rounded|17 bold rounded|10.2 medium rounded|"
             "8.5 semibold rounded|8.5 semibold rounded|");
-  EXPECT_EQ(valuesOf(drawn, "text", "maxLines"), "1|1|1|2|1|1|");
+  EXPECT_EQ(valuesOf(narrow, "text", "maxLines"), "1|1|1|2|1|1|");
 }
 
 TEST(WidgetView, SaysWhatTheEntryAndTheClockTell) {
   const tarno::ClockOverride clock{now};
-  const std::tuple<TarnoMacWidgetEntry, const char*, const char*> rows[] = {
+  const std::pair<TarnoMacWidgetEntry, const char*> rows[] = {
       {{.date = now - 1h},
-       "Mac status unknown|",
-       "Mac|No status|Waiting for Tarno status.|Not synced|Presence quiet|"},
+       "Mac status unknown|Mac|No status|Waiting for Tarno status.|Not synced|Presence quiet|"},
       {{now, Snapshot{.deviceName = "", .companionPresent = true}, now + 1h},
-       " unknown|",
-       "Unknown|Waiting for Tarno status.|0s ago|Watch near|"},
+       " unknown|Unknown|Waiting for Tarno status.|0s ago|Watch near|"},
       {{now - 30min, Snapshot{.reason = "a", .facePresent = true, .companionPresent = true}, now - 48h},
-       "Mac unknown|",
-       "Mac|Unknown|a|48h ago|Face seen|"},
-      {{now, Snapshot{.deviceName = "M", .facePresent = false, .stale = true}, {}},
-       "M status stale|",
-       "M|Status stale|Mac status is stale. Refresh Tarno before trusting it.|Not synced|Presence quiet|"}};
-  for (const auto& [entry, image, texts] : rows) {
-    const auto said = describeAccessibility(laidOut(tile(entry), {332, 138}));
-    EXPECT_EQ(valuesOf(said, "image", "label"), image);
-    EXPECT_EQ(valuesOf(said, "staticText", "label"), texts);
-    const auto small = describeAccessibility(laidOut(tile(entry, WidgetFamily::systemSmall), {200, 150}));
-    EXPECT_EQ(valuesOf(small, "image", "label") + valuesOf(small, "staticText", "label"), image);
+       "Mac unknown|Mac|Unknown|a|48h ago|Face seen|"},
+      {{now, Snapshot{.deviceName = "M", .reason = "a", .facePresent = false, .stale = true}, {}},
+       "M status stale|M|Status stale|Mac status is stale. Refresh Tarno before trusting it.|Not synced|"
+       "Presence quiet|"}};
+  for (const auto& [entry, words] : rows) {
+    const auto tile = drawn(entry, {332, 138});
+    EXPECT_EQ(valuesOf(tile, "image", "label") + valuesOf(tile, "staticText", "label"), words);
   }
 }
 
