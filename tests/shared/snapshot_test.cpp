@@ -39,8 +39,9 @@ TEST(Snapshot, EveryFieldSurvivesAndCounts) {
   EXPECT_EQ(encoded(full), "{" + members + "}");
   EXPECT_EQ(decoded("{" + members + "}"), full);
   for (const auto& name : Snapshot::CodingKeys::all) {
-    const auto key = '"' + std::string{name} + '"';
-    const auto without = decoded("{" + members + "," + key + ":null}");  // the last of a key counts
+    const auto key = '"' + std::string{name} + "\":";
+    // The last of a key counts.
+    const auto without = decoded(("{" + members + ",").append(key).append("null}"));
     EXPECT_NE(without, full) << key;
     EXPECT_EQ(encoded(without).find(key), std::string::npos) << key;
   }

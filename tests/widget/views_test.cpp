@@ -47,7 +47,8 @@ TEST(DialView, ColoursFollowTheStatusAndItsSignals) {
   for (const auto& [status, accent, dots] : rows) {
     const auto dial = describe(TarnoMacDialView{status, 124, true}.body());
     EXPECT_EQ(valuesOf(dial, "Circle", "stroke"), "#D9E2E4@0.72|" + accent);
-    EXPECT_EQ(valuesOf(dial, "foregroundStyle", "color"), accent + "#17212A|" + dots);
+    EXPECT_EQ(valuesOf(dial, "foregroundStyle", "color"),
+              std::string{accent}.append("#17212A|").append(dots));
   }
 }
 
