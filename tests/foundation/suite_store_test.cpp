@@ -10,7 +10,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "support/system_calls.hpp"
+#include "support/file_calls.hpp"
 #include "support/temporary_store.hpp"
 
 using namespace tarno;

@@ -5,35 +5,14 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <fstream>
 
-// A test cannot set the machine's clock. In this program, linked with --wrap for both calls, the kernel tells
-// of it all the same: only a timer that asked, by a read or a setting that fails.
-namespace {
+#include "support/system_calls.hpp"
 
-bool wantsToKnow = false, tellsReader = false, tellsSetter = false;
-
-bool tells(bool& pending) {
-  if (!std::exchange(pending, false)) return false;
-  errno = ECANCELED;
-  return true;
-}
-
-}  // namespace
-
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" int __real_timerfd_settime(int timer, int flags, const itimerspec* expiry, itimerspec* old);
-extern "C" int __wrap_timerfd_settime(int timer, int flags, const itimerspec* expiry, itimerspec* old) {
-  wantsToKnow = (flags & TFD_TIMER_CANCEL_ON_SET) != 0;
-  const int result = __real_timerfd_settime(timer, flags, expiry, old);
-  return tells(tellsSetter) ? -1 : result;
-}
-
-extern "C" ssize_t __real_read(int file, void* bytes, size_t count);
-extern "C" ssize_t __wrap_read(int file, void* bytes, size_t count) {
-  return tells(tellsReader) ? -1 : __real_read(file, bytes, count);
-}
-// NOLINTEND(bugprone-reserved-identifier)
+// A test cannot set the machine's clock, which the kernel tells by an error of these calls.
+WRAP(int, timerfd_settime, (int timer, int flags, const itimerspec* expiry, itimerspec* old),
+     (timer, flags, expiry, old))
+WRAP(ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, count))
 
 namespace {
 
@@ -50,6 +29,13 @@ struct WallClockTimer : testing::Test {
     poll(&polled, 1, static_cast<int>(limit.count()));
     timer.dispatch(polled.revents);
     return wakes == 1;
+  }
+
+  /// Whether the kernel tells it when the clock is set.
+  bool isTold() {
+    std::ifstream info{"/proc/self/fdinfo/" + std::to_string(timer.prepare().descriptors[0].fd)};
+    const std::string text{std::istreambuf_iterator<char>{info}, {}};
+    return text.find("settime flags: 03\n") != text.npos;
   }
 };
 
@@ -72,42 +58,39 @@ TEST_F(WallClockTimer, WakesOnceWhenTheLastMomentItWasGivenHasCome) {
   EXPECT_EQ(wakes, 0);
 }
 
+TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
+  timer.sleepUntil(tarno::latestDate);
+  EXPECT_TRUE(isTold());
+  const auto isSet = [] { return ECANCELED; };
+  system_calls::intercept(0, isSet);
+  timer.dispatch(POLLIN);
+  EXPECT_EQ(wakes, 1);
+  system_calls::intercept(0, isSet);  // while the timer was not read
+  timer.sleepUntil(tarno::latestDate);
+  EXPECT_TRUE(wakesIn(5s));
+}
+
 /// Waits for input on two descriptors, or for a while, then ends the loop.
 struct Source final : program::EventSource {
+  explicit Source(program::EventLoop& eventLoop) : loop(eventLoop) { loop.add(*this); }
   Wait prepare() override { return {{{-1, POLLIN, 0}, {descriptor, POLLIN, 0}}, Clock::now() + wait}; }
   void dispatch(short events) override {
-    if (events != 0 || wait == 0ms) loop->quit(events);
+    if (events != 0 || wait == 0ms) loop.quit(events);
   }
-  program::EventLoop* loop = nullptr;
+  program::EventLoop& loop;
   std::chrono::milliseconds wait = 1h;
   int descriptor = -1;
 };
 
 TEST(EventLoop, WakesAtTheFirstDeadlineAndForEachDescriptorOfASource) {
   program::EventLoop loop;
-  Source first, second, third;
-  for (Source* const source : {&first, &second, &third}) {
-    source->loop = &loop;
-    loop.add(*source);
-  }
+  Source first{loop}, second{loop}, third{loop};
   second.wait = 0ms;
   EXPECT_EQ(loop.run(), 0);
   second.wait = 1h;
   const tarno::FileDescriptor always{open("/dev/zero", O_RDONLY | O_CLOEXEC)};
   third.descriptor = always.get();
   EXPECT_EQ(loop.run(), POLLIN);
-}
-
-TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
-  timer.sleepUntil(tarno::latestDate);
-  EXPECT_TRUE(wantsToKnow);
-  const itimerspec soon{{}, {0, 1}};
-  __real_timerfd_settime(timer.prepare().descriptors[0].fd, 0, &soon, nullptr);
-  tellsReader = true;
-  EXPECT_TRUE(wakesIn(5s));
-  tellsSetter = true;  // that it was set while the timer was not read
-  timer.sleepUntil(tarno::latestDate);
-  EXPECT_TRUE(wakesIn(5s));
 }
 
 }  // namespace

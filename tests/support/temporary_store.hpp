@@ -2,25 +2,37 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
+/// A folder of the test's own.
+struct TemporaryFolder {
+  TemporaryFolder() = default;
+  ~TemporaryFolder() { std::filesystem::remove_all(path); }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  /// Through a rename.
+  void write(const std::string& name, const std::string& content) const {
+    std::ofstream{path / "new"} << content;
+    std::filesystem::permissions(path / "new", std::filesystem::perms::owner_all);
+    std::filesystem::rename(path / "new", path / name);
+  }
+
+  std::string read(const std::string& name) const {
+    std::ifstream file{path / name};
+    return {std::istreambuf_iterator<char>{file}, {}};
+  }
+
+  std::string pattern = std::filesystem::temp_directory_path() / "tarno-test-XXXXXX";
+  std::filesystem::path path = mkdtemp(pattern.data());
+};
+
 /// A data directory of the test's own, in which suites are opened while it lives.
-class TemporaryStore {
- public:
-  TemporaryStore() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "tarno-test-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-    setenv("XDG_DATA_HOME", folder_.c_str(), 1);
-  }
-  ~TemporaryStore() {
-    unsetenv("XDG_DATA_HOME");
-    std::filesystem::remove_all(folder_);
-  }
-  TemporaryStore(const TemporaryStore&) = delete;
-  TemporaryStore& operator=(const TemporaryStore&) = delete;
+struct TemporaryStore : TemporaryFolder {
+  TemporaryStore() { setenv("XDG_DATA_HOME", path.c_str(), 1); }
+  ~TemporaryStore() { unsetenv("XDG_DATA_HOME"); }
 
-  const std::filesystem::path& folder() const { return folder_; }
-
- private:
-  std::filesystem::path folder_;
+  const std::filesystem::path& folder() const { return path; }
 };

@@ -1,34 +1,9 @@
 #pragma once
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
-#include <string>
 
+#include "support/temporary_store.hpp"
 #include "tarno/common/event_loop.hpp"
-
-/// A folder of its own for a test, removed in the end.
-struct TemporaryFolder {
-  ~TemporaryFolder() { std::filesystem::remove_all(path); }
-
-  /// Through a rename.
-  void write(const std::string& name, const std::string& content) const {
-    std::ofstream{path / "new"} << content;
-    std::filesystem::permissions(path / "new", std::filesystem::perms::owner_all);
-    std::filesystem::rename(path / "new", path / name);
-  }
-
-  std::string read(const std::string& name) const {
-    std::ifstream file{path / name};
-    return {std::istreambuf_iterator<char>{file}, {}};
-  }
-
-  std::string pattern = std::filesystem::temp_directory_path() / "tarno-XXXXXX";
-  std::filesystem::path path = mkdtemp(pattern.data());
-};
 
 /// A program in the place of tarno-widget, in `folder`: it notes its arguments in the file `log`, then runs
 /// `behaviour`, a few lines of Python. draw(key=value, …) there answers with a small picture.

@@ -9,56 +9,53 @@
 
 namespace {
 
-using desktop::Layer;
 using desktop::Options;
 
-/// What a settings file and a command line come to; the words of a failure, its code first.
-std::string read(const char* settings, const std::string& line, Options& options) {
+struct Parsed : Options {
+  std::string failure;  ///< its words, the code first
+};
+
+/// What a settings file and a command line come to.
+Parsed parsed(const std::optional<std::string>& settings, const std::string& line = "") {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", "relative/and/ignored", 1);
   setenv("HOME", folder.path.c_str(), 1);
   std::filesystem::create_directories(folder.path / ".config/tarno");
-  if (settings) folder.write(".config/tarno/desktop.ini", settings);
+  if (settings) folder.write(".config/tarno/desktop.ini", *settings);
   CLI::App app;
-  desktop::addOptions(app, options);
+  Parsed result;
+  desktop::addOptions(app, result);
   try {
     desktop::readSettings(app);
     app.parse(line);
-    return "";
   } catch (const program::Failure& failure) {
-    return std::to_string(failure.exitCode()) + " " + failure.what();
+    result.failure = std::to_string(failure.exitCode()) + " " + failure.what();
   } catch (const CLI::ParseError& error) {
-    return error.what();
+    result.failure = error.what();
   }
+  return result;
 }
 
 TEST(Options, ComeFromTheSettingsFileUnlessTheCommandLineSaysOtherwise) {
-  Options options;
-  EXPECT_EQ(read(nullptr, "", options), "");
-  EXPECT_EQ(options.family, "medium");
-  EXPECT_EQ(options.anchor, (desktop::Anchor{1, 0}));
-  EXPECT_EQ(options.margin, 16);
-  EXPECT_FALSE(options.monitor || options.scale || options.at || options.plainWindow || options.listMonitors);
-  EXPECT_EQ(
-      read("# mine\nfamily = small\nanchor=\"bottom-left\"\nmargin = 5\nmonitor = HDMI-1\nlayer = above\n"
-           "scale = 1.5\nplain-window = true\nat = 2026-11-16T15:41:35.25Z\n",
-           "--family large --margin 7", options),
-      "");
+  const auto usual = parsed({});
+  EXPECT_EQ(usual.failure, "");
+  EXPECT_EQ(usual.family, "medium");
+  EXPECT_EQ(usual.anchor, (desktop::Anchor{1, 0}));
+  EXPECT_EQ(usual.margin, 16);
+  EXPECT_FALSE(usual.monitor || usual.scale || usual.at || usual.plainWindow || usual.listMonitors);
+  const auto options = parsed(
+      "# mine\nfamily = small\nanchor=\"bottom-left\"\nmargin = 5\nmonitor = HDMI-1\nlayer = above\n"
+      "scale = 1.5\nplain-window = true\nat = 2026-11-16T15:41:35.25Z\n",
+      "--family large --margin 7");
+  EXPECT_EQ(options.failure, "");
   EXPECT_EQ(options.family, "large");
   EXPECT_EQ(options.anchor, (desktop::Anchor{0, 1}));
   EXPECT_EQ(options.margin, 7);
   EXPECT_EQ(options.monitor, "HDMI-1");
-  EXPECT_EQ(options.layer, Layer::above);
+  EXPECT_EQ(options.layer, desktop::Layer::above);
   EXPECT_EQ(options.scale, 1.5);
   EXPECT_TRUE(options.plainWindow);
   EXPECT_EQ(options.at->time_since_epoch(), std::chrono::milliseconds{1794843695250});
-}
-
-TEST(Options, TakeTheLeastAndTheGreatestScaleAndMargin) {
-  for (const char* const limits : {"--scale 0.25 --margin 0", "--scale 16 --margin 10000"}) {
-    Options options;
-    EXPECT_EQ(read(nullptr, limits, options), "");
-  }
 }
 
 TEST(Options, PutATileAtEachOfTheNinePlaces) {
@@ -66,9 +63,8 @@ TEST(Options, PutATileAtEachOfTheNinePlaces) {
                                "right",    "bottom-left", "bottom",    "bottom-right"};
   const int x[] = {110, 418, 726}, y[] = {60, 265, 470};
   for (std::size_t i = 0; i < 9; ++i) {
-    Options options;
-    EXPECT_EQ(read(nullptr, std::string{"--anchor "} + names[i], options), "");
-    EXPECT_EQ(desktop::place(364, 170, {100, 50, 1000, 600}, options.anchor, 10),
+    const auto anchor = parsed({}, std::string{"--anchor "} + names[i]).anchor;
+    EXPECT_EQ(desktop::place(364, 170, {100, 50, 1000, 600}, anchor, 10),
               (desktop::Area{x[i % 3], y[i / 3], 364, 170}))
         << names[i];
   }
@@ -77,23 +73,23 @@ TEST(Options, PutATileAtEachOfTheNinePlaces) {
 }
 
 TEST(Options, RefuseWhatTheyDoNotKnow) {
-  const std::pair<const char*, const char*> cases[] = {
+  for (const char* const limits : {"--scale 0.25 --margin 0", "--scale 16 --margin 10000"})
+    EXPECT_EQ(parsed({}, limits).failure, "");
+  const std::pair<std::string, std::string> cases[] = {
       {"family", "huge"}, {"anchor", "middle"}, {"margin", "-1"}, {"margin", "10001"}, {"margin", "wide"},
       {"layer", "below"}, {"scale", "0"},       {"scale", "17"},  {"scale", "nan"},    {"at", "tomorrow"},
       {"colour", "red"},  {"help", "true"},     {"scale", "1,5"}, {"autostart", "no"}};
   for (const auto& [name, value] : cases) {
-    Options options;
-    const auto failure = read((std::string{name} + " = " + value + "\n").c_str(), "", options);
+    const auto failure = parsed(name + " = " + value + "\n").failure;
     EXPECT_TRUE(failure.starts_with("78 /")) << name << " " << value << ": " << failure;
-    EXPECT_NE(failure.find(std::string{"tarno/desktop.ini: "}), std::string::npos) << failure;
+    EXPECT_NE(failure.find("tarno/desktop.ini: "), std::string::npos) << failure;
     EXPECT_NE(failure.find(name), std::string::npos) << failure;
-    const auto usage = read(nullptr, std::string{"--"} + name + " " + value, options);
+    const auto usage = parsed({}, "--" + name + " " + value).failure;
     EXPECT_FALSE(usage.empty() || usage.starts_with("78")) << name << " " << value;
   }
-  Options options;
-  for (const char* const onTheCommandLineOnly : {"autostart = on\n", "list-monitors = true\n"})
-    EXPECT_TRUE(read(onTheCommandLineOnly, "", options).starts_with("78 /")) << onTheCommandLineOnly;
-  EXPECT_TRUE(read(std::string(70000, '#').c_str(), "", options).starts_with("78 /")) << "too large";
+  for (const auto& settings :
+       {std::string{"autostart = on\n"}, std::string{"list-monitors = true\n"}, std::string(70000, '#')})
+    EXPECT_TRUE(parsed(settings).failure.starts_with("78 /")) << settings.substr(0, 30);
 }
 
 }  // namespace
