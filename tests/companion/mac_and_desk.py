@@ -5,7 +5,6 @@ import os
 import pwd
 import shutil
 import signal
-import socket
 import subprocess
 import sys
 import tempfile
@@ -64,12 +63,8 @@ class MacTest(ProgramTest):
         super().setUp()
         self.mac, self.home = self.folder / "mac", self.folder / "Kivo & <sons>"
         self.home.mkdir()
-        (self.mac / "bin").mkdir(parents=True)
-        for name, text in STAND_INS.items():
-            (self.mac / "bin" / name).write_text(f'#!/bin/sh\necho >>"$MAC/{name} calls"\n{text}\n')
-            (self.mac / "bin" / name).chmod(0o755)
-        self.environment |= {"PATH": f"{self.mac}/bin:/usr/bin:/bin:{BIN}", "HOME": str(self.home), "MAC": str(self.mac),
-                             "TMPDIR": str(self.folder)}
+        commands = self.stand_ins("mac/bin", {name: f'echo >>"$MAC/{name} calls"\n{text}' for name, text in STAND_INS.items()})
+        self.environment |= {"PATH": f"{commands}:/usr/bin:/bin:{BIN}", "HOME": str(self.home), "MAC": str(self.mac)}
         self.set()
 
     def set(self, console="No", screen="", idle=0.5, name="Kivo's Mac", more=""):
@@ -99,9 +94,10 @@ class DeskTest(MacTest):
         if not SSHD:
             self.skipTest("sshd is not installed")
         if os.geteuid() == 0:
-            os.makedirs("/run/sshd", exist_ok=True)  # as its service does
-        with socket.create_server(("127.0.0.1", 0)) as free:
-            self.port = free.getsockname()[1]
+            with contextlib.suppress(FileExistsError):  # its service makes it, too
+                os.mkdir("/run/sshd", 0o755)
+                self.addCleanup(os.rmdir, "/run/sshd")
+        self.port = self.free_port()
         for key in ("person", "host_key"):
             subprocess.run(["ssh-keygen", "-q", "-t", "ecdsa", "-N", "", "-f", self.mac / key], check=True)
         self.desk = self.folder / "desk"

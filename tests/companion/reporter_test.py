@@ -6,7 +6,7 @@ import shutil
 import signal
 import subprocess
 
-from document import blocks
+from document import under
 from mac_and_desk import REPORTER, SESSION, DeskTest, MacTest, processes
 
 LOCKED = ',"CGSSessionScreenIsLocked"=Yes'
@@ -94,7 +94,7 @@ class Road(DeskTest):
         self.keys.rename(self.desk / "dotfile")
         self.keys.symlink_to("../dotfile")
         before = self.homes()
-        install, status, uninstall = [code for heading, code in blocks("sh") if heading == "A Mac that reports by itself"]
+        install, status, uninstall = under("A Mac that reports by itself")
         self.assertEqual(self.call("sh", "-e", "-c", install).stdout, TAKEN.encode())
         self.assertTrue(self.keys.read_text().startswith(
             'restrict,command="tarno-status save --follow --acknowledge" ssh-ed25519 '))

@@ -5,7 +5,7 @@ import re
 import socket
 import subprocess
 
-from document import PAGE, block, blocks
+from document import PAGE, block, blocks, under
 from program_test_case import RECORD, ProgramTest
 
 STUBS = {
@@ -23,22 +23,19 @@ STUBS = {
 class Companion(ProgramTest):
     def setUp(self):
         super().setUp()
-        stubs = self.folder / "stubs"
-        stubs.mkdir()
-        for name, text in STUBS.items():
-            (stubs / name).write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
-            (stubs / name).chmod(0o755)
+        stubs = self.stand_ins("stubs", STUBS)
         self.environment |= {"PATH": f"{stubs}:{self.environment['PATH']}", "XDG_CONFIG_HOME": str(self.folder)}
 
     def start_block(self, code):
         self.start("sh", "-e", "-c", code, stdout=subprocess.DEVNULL)
 
-    def run_block(self, code):
-        done = self.call("sh", "-e", "-c", code)
-        return done.returncode, done.stdout.decode(), done.stderr.decode()
+    def run_block(self, code, stdin=""):
+        done = self.call("sh", "-e", "-c", code, stdin=stdin)
+        self.assertEqual((done.returncode, done.stderr.replace(b"Password: Reenter password: ", b"")), (0, b""), code)
+        return done.stdout.decode()
 
     def status(self):
-        shown = json.loads(self.run_program("tarno-status", "show", "--json").stdout)
+        shown = self.shown(at=None)
         return shown and (shown["status"], shown["detail_line"])
 
     def test_the_example_is_a_record_and_the_table_lists_its_keys(self):
@@ -49,15 +46,12 @@ class Companion(ProgramTest):
         self.assertEqual(len(keys), 16)
 
     def test_a_report_over_ssh_and_what_a_script_is_told(self):
-        code = block("sh", "A shell over ssh")
-        self.assertEqual(self.run_block(code), (0, "", ""))
+        self.assertEqual(self.run_block(block("sh", "A shell over ssh")), "")
         self.assertEqual(self.status(), ("locked", "Lid closed"))
-        check, show = [code for heading, code in blocks("sh") if heading == "Ask from a script"]
-        self.assertEqual(self.run_block(check), (0, "The Mac is locked.\n", ""))
-        self.assertEqual(json.loads(self.run_block(show)[1])["status_line"], "Locked")
-        code, said, _ = self.run_block(block("sh", "When the tile does not follow"))
-        self.assertIn("All is well.", said)
-        self.assertEqual(code, 0)
+        check, show = under("Ask from a script")
+        self.assertEqual(self.run_block(check), "The Mac is locked.\n")
+        self.assertEqual(json.loads(self.run_block(show))["status_line"], "Locked")
+        self.assertIn("All is well.", self.run_block(block("sh", "When the tile does not follow")))
 
     def test_recipes(self):
         for heading, log, line in (("Lock the desk when the Mac locks", "desk.log", r"lock-session"),
@@ -78,31 +72,21 @@ class Companion(ProgramTest):
 
     def test_mqtt(self):
         self.needs("mosquitto", "mosquitto_sub")
-        with socket.create_server(("127.0.0.1", 0)) as free:
-            port = free.getsockname()[1]
+        port = self.free_port()
         (self.folder / "conf.d").mkdir()
         setup, subscribe, publish = [code.replace("1883", f"{port} 127.0.0.1").replace("/etc/mosquitto", str(self.folder))
-                                     for heading, code in blocks("sh") if heading == "MQTT"]
-        done = self.call("sh", "-e", "-c", setup, stdin="secret\nsecret\n")
-        self.assertEqual(done.returncode, 0, done.stderr)
+                                     for code in under("MQTT")]
+        self.run_block(setup, stdin="secret\nsecret\n")
         (self.folder / "mosquitto.conf").write_text(f"include_dir {self.folder}/conf.d\nuser root\n")
         self.start("mosquitto", "-c", "mosquitto.conf", stderr=subprocess.DEVNULL)
         login = block("conf", "MQTT").replace("PASSWORD", "secret")
         for name in ("mosquitto_sub", "mosquitto_pub"):
             (self.folder / name).write_text(f"-p {port}\n{login}", encoding="utf-8")
-
-        def listens():
-            with socket.socket() as client:
-                return client.connect_ex(("127.0.0.1", port)) == 0
-
-        self.wait_for(listens)
+        with socket.socket() as client:
+            self.wait_for(lambda: client.connect_ex(("127.0.0.1", port)) == 0)
         self.start_block(subscribe)
-
-        def arrives():  # publishing again until the subscriber is there
-            self.assertEqual(self.run_block(publish), (0, "", ""))
-            return self.status() == ("unlocked", "Touch ID")
-
-        self.wait_for(arrives)
+        # Until the subscriber is there.
+        self.wait_for(lambda: self.run_block(publish) or self.status() == ("unlocked", "Touch ID"))
         anybody = self.call("/usr/bin/mosquitto_pub", "-p", port, "-t", "mac/status", "-m", "{}",
                             environment={"XDG_CONFIG_HOME": "/nonexistent"})
         self.assertIn(b"not authori", anybody.stderr)

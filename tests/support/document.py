@@ -15,7 +15,12 @@ def blocks(language):
     return found
 
 
+def under(heading, language="sh"):
+    """The code of each under a heading."""
+    return [code for found, code in blocks(language) if found == heading]
+
+
 def block(language, heading):
     """The only one under a heading."""
-    (code,) = [code for under, code in blocks(language) if under == heading]
+    (code,) = under(heading, language)
     return code

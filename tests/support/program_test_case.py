@@ -5,6 +5,7 @@ import json
 import os
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import time
@@ -52,6 +53,19 @@ class ProgramTest(unittest.TestCase):
         self.addCleanup(end)
         return process
 
+    def stand_ins(self, folder, texts):
+        """A folder with these programs, {name: lines of shell}."""
+        path = self.folder / folder
+        path.mkdir(parents=True)
+        for name, text in texts.items():
+            (path / name).write_text(f"#!/bin/sh\n{text}\n", encoding="utf-8")
+            (path / name).chmod(0o755)
+        return path
+
+    def free_port(self):
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            return free.getsockname()[1]
+
     def needs(self, *programs):
         for program in programs:
             if not shutil.which(program, path=self.environment["PATH"]):
@@ -67,7 +81,8 @@ class ProgramTest(unittest.TestCase):
         self.run_program("tarno-status", "save", "--received-at", at, stdin=json.dumps(record or RECORD))
 
     def shown(self, at=MOMENT):
-        return json.loads(self.run_program("tarno-status", "show", "--json", "--at", at).stdout)
+        """Now, without `at`."""
+        return json.loads(self.run_program("tarno-status", "show", "--json", *(["--at", at] if at else [])).stdout)
 
     def inspected(self, *arguments):
         return json.loads(self.run_program("tarno-widget", "inspect", "--json", *arguments).stdout)
