@@ -44,19 +44,18 @@ Section "Screen"\n Identifier "screen"\n Device "device"\n DefaultDepth 24\nEndS
 def wait_for(condition, what="what was waited for", seconds=30):
     """Calls `condition` until it returns something true, and returns that. Until then it may also raise AssertionError, which
     is raised in the end, or an error of X11: a window can go away while it is looked at."""
-    end = time.monotonic() + seconds
-    while True:
-        failure = None
+    end, failure = time.monotonic() + seconds, None
+    while not failure or time.monotonic() < end:
+        failure = AssertionError(f"{what} did not come within {seconds} s")
         try:
             if result := condition():
                 return result
-        except AssertionError as error_:
-            failure = error_
+        except AssertionError as raised:
+            failure = raised
         except error.XError:
             pass
-        if time.monotonic() > end:
-            raise failure or AssertionError(f"{what} did not come within {seconds} s")
         time.sleep(0.02)
+    raise failure
 
 
 def installed(name):
@@ -68,14 +67,10 @@ def installed(name):
 
 def settled(look):
     """Waits until `look` returns the same again and again, and returns that."""
-    def stays():
-        before = look()
-        for _ in range(3):
-            time.sleep(0.1)
-            if look() != before:
-                return None
-        return [before]
-    return wait_for(stays, "something that keeps still")[0]
+    def later():
+        time.sleep(0.1)
+        return look()
+    return wait_for(lambda: (seen := look()) == later() == later() == later() and [seen], "something that keeps still")[0]
 
 
 class Process:
@@ -178,7 +173,8 @@ class Screen:
 class Rig:
     def __init__(self, programs):
         """`programs` is the folder of the tarno programs; all others come from PATH."""
-        self.home = tempfile.mkdtemp(prefix="tarno-rig-")
+        # Everybody can enter /tmp, and the paths of sockets may not be long.
+        self.home = tempfile.mkdtemp(prefix="tarno-rig-", dir="/tmp")
         self.ends, self.screen = None, None  # how the session ends, and the canvas of compositors
         self.user = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
         if self.user:
@@ -186,22 +182,24 @@ class Rig:
             os.chown(self.home, NOBODY, NOBODY)
         for name in ("tarno-desktop", "tarno-widget", "tarno-status"):
             self.copy_program(os.path.join(programs, name))
-        signal.signal(signal.SIGTERM, signal.default_int_handler)  # ends like Ctrl+C, with all that was started
+        if signal.getsignal(signal.SIGTERM) == signal.SIG_DFL:
+            signal.signal(signal.SIGTERM, signal.default_int_handler)  # ends like Ctrl+C, with all that was started
         # Programs that lose their parents become children of this process, which can then end them.
         ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
-        self.env = {name: os.environ[name] for name in ("PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")
-                    if name in os.environ}
+        self.env = {name: value for name, value in os.environ.items() if name == "PATH" or name.endswith("SAN_OPTIONS")}
+        # Where no bus has this address, no library starts one of its own.
         self.env |= {"HOME": self.home, "XDG_RUNTIME_DIR": self.home, "XDG_DATA_HOME": self.path("data"), "TMPDIR": self.home,
-                     "LANG": "C.UTF-8", "TZ": "UTC", "NO_AT_BRIDGE": "1"}
+                     "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.home}/bus", "LANG": "C.UTF-8", "TZ": "UTC",
+                     "NO_AT_BRIDGE": "1"}
 
     def __enter__(self):
-        self.whole = self.session()
-        self.whole.__enter__()
+        self.whole = contextlib.ExitStack()
+        self.whole.callback(shutil.rmtree, self.home, ignore_errors=True)
+        self.whole.enter_context(self.session())
         return self
 
     def __exit__(self, *_):
-        self.whole.__exit__(None, None, None)
-        shutil.rmtree(self.home, ignore_errors=True)
+        self.whole.close()
 
     @contextlib.contextmanager
     def session(self):
@@ -271,7 +269,7 @@ class Rig:
         """D-Bus, through which programs and screen readers meet. Root may use that of nobody."""
         configuration = self.write("bus.conf", BUS % self.home)
         bus = self.start("dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address", stdout=subprocess.PIPE)
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.first_line()
+        assert bus.first_line(), bus.lines
         self.env.pop("NO_AT_BRIDGE", None)
         return bus
 

@@ -9,8 +9,9 @@ import socket
 import subprocess
 import tempfile
 import time
-import unittest
 from pathlib import Path
+
+from tidy_test_case import TidyTest
 
 BIN = Path(os.environ["TARNO_BIN"])
 GROUP = "K7T2M9Q4XW.dev.tarno.group"
@@ -18,7 +19,7 @@ MOMENT = "2026-11-16T15:41:35Z"
 RECORD = {"device_name": "Kivo's Mac", "status": "locked", "reason": "Mac locked.", "face_present": True}
 
 
-class ProgramTest(unittest.TestCase):
+class ProgramTest(TidyTest):
     def setUp(self):
         self.folder = Path(tempfile.mkdtemp(prefix="tarno-test-"))
         self.addCleanup(shutil.rmtree, self.folder)
