@@ -7,7 +7,7 @@ import contextlib
 import functools
 
 import cairo
-from Xlib import X, XK, Xatom, protocol
+from Xlib import X, XK, Xatom
 from Xlib.ext import xtest
 
 from desktop_cells import AT, BELOW, CLICKS, CORNERS, PLACE, SHOW_DESKTOP, is_at, render, results
@@ -39,13 +39,6 @@ class X11Screen(Screen):
         for name in ("_XROOTPMAP_ID", "ESETROOT_PMAP_ID"):
             self.root.change_property(self.atom(name), Xatom.PIXMAP, 32, [pixmap.id])
 
-    def atom(self, name):
-        return self.display.intern_atom(name)
-
-    def property(self, window, name):
-        found = window.get_full_property(self.atom(name), X.AnyPropertyType)
-        return list(found.value) if found else []
-
     def names(self, window, name):
         return {self.display.get_atom_name(atom) for atom in self.property(window, name)}
 
@@ -54,12 +47,11 @@ class X11Screen(Screen):
 
     def tiles(self):
         """The windows of tiles, managed or not."""
-        def below(window, depth):
-            if window.get_wm_class() == ("tarno-desktop", "Tarno-desktop"):
-                return [window]
-            inner = window.query_tree().children if depth else []
-            return [tile for child in inner for tile in below(child, depth - 1)]
-        return below(self.root, 4)
+        found = level = [self.root]
+        for _ in range(4):  # frames in frames
+            level = [child for window in level for child in window.query_tree().children]
+            found = found + level
+        return [window for window in found if window.get_wm_class() == ("tarno-desktop", "Tarno-desktop")]
 
     def tile(self):
         """The window of the only tile, once it is on the screen."""
@@ -79,9 +71,6 @@ class X11Screen(Screen):
 
     def is_above(self, upper, lower):
         return self.height(upper) > self.height(lower)
-
-    def is_viewable(self, window):
-        return window.get_attributes().map_state == X.IsViewable
 
     def is_seen(self, tile):
         """Whether what is in the middle of a tile is on the screen: its ground is almost white."""
@@ -110,12 +99,6 @@ class X11Screen(Screen):
     def catch_up(self):
         """Waits until the window manager has handled all that came before, since it handles one event after the other."""
         self.new_window(width=9, height=9).destroy()
-        self.display.sync()
-
-    def tell(self, name, *data, window=None):
-        event = protocol.event.ClientMessage(window=window or self.root, client_type=self.atom(name),
-                                             data=(32, [*data, 0, 0, 0, 0, 0][:5]))
-        self.root.send_event(event, X.SubstructureRedirectMask | X.SubstructureNotifyMask)
         self.display.sync()
 
     def press(self, key):

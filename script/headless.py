@@ -90,17 +90,16 @@ class Process:
         return self.popen.poll() is None
 
     def end(self, number=signal.SIGTERM):
-        """Sends a signal, waits for the end and returns the exit code. Kills a program that does not end."""
+        """Sends a signal and returns the exit code. Kills a program that does not end."""
         self.popen.send_signal(number)
         try:
             return self.wait()
         except subprocess.TimeoutExpired:
-            self.popen.kill()
-            return self.wait()
+            return self.end(signal.SIGKILL)
 
-    def wait(self, seconds=20):
+    def wait(self):
         """Waits for the end and returns the exit code."""
-        code = self.popen.wait(seconds)
+        code = self.popen.wait(20)
         self.reader.join(5)  # what it started may still hold its standard error
         return code
 
@@ -119,13 +118,29 @@ class Screen:
             self.display = display.Display(self.name)
         rig.ends.callback(self.close)
         self.root = self.display.screen().root
-        # Made before sway starts, which does not make them.
-        self.protocols, self.delete = (self.display.intern_atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW"))
+        self.close_request = [self.atom(name) for name in ("WM_PROTOCOLS", "WM_DELETE_WINDOW")]  # sway does not make them
         self.size = self.root.get_geometry().width, self.root.get_geometry().height
 
     def close(self):
         with contextlib.suppress(error.ConnectionClosedError):  # its server has ended
             self.display.close()
+
+    def atom(self, name):
+        return self.display.intern_atom(name)
+
+    def property(self, window, name):
+        found = window.get_full_property(self.atom(name), X.AnyPropertyType)
+        return list(found.value) if found else []
+
+    def is_viewable(self, window):
+        return window.get_attributes().map_state == X.IsViewable
+
+    def tell(self, name, *data, window=None, mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask):
+        """Sends the window manager, or the window alone without a mask, a message about a window or all of them."""
+        event = protocol.event.ClientMessage(window=window or self.root, client_type=self.atom(name),
+                                             data=(32, [*data, 0, 0, 0, 0, 0][:5]))
+        (self.root if mask else window).send_event(event, mask)
+        self.display.sync()
 
     def look(self, x, y, width, height):
         """A part of the screen as a picture."""
@@ -165,9 +180,7 @@ class Screen:
 
     def unplug(self, window):
         """Closes an output's window, which takes the output away."""
-        window.send_event(protocol.event.ClientMessage(window=window, client_type=self.protocols,
-                                                       data=(32, [self.delete, 0, 0, 0, 0])))
-        self.display.sync()
+        self.tell("WM_PROTOCOLS", self.close_request[1], window=window, mask=0)
 
 
 class Rig:
@@ -256,9 +269,9 @@ class Rig:
         return subprocess.run(argv, env=self.env, cwd=self.home, capture_output=True, check=True, timeout=60, **self.user,
                               **options).stdout
 
-    def tile(self, *options, env=None):
+    def tile(self, *options):
         """Starts tarno-desktop and waits until it says that the tile is shown."""
-        tile = self.start(self.path("tarno-desktop"), *options, env=env)
+        tile = self.start(self.path("tarno-desktop"), *options)
         wait_for(lambda: tile.lines or not tile.runs(), "the tile")
         return tile
 
@@ -275,19 +288,22 @@ class Rig:
 
     # X11
 
-    def x11(self, *server):
-        """One screen of 1280 x 800 that is called "screen"; the server is kept when its last client goes."""
-        server = server or ("Xvfb", "-screen", "0", "1280x800x24")
-        server = self.start(*server, "-displayfd", "1", "-noreset", "-nolisten", "tcp", stdout=subprocess.PIPE)
+    def x_server(self, *argv):
+        """It is kept when its last client goes."""
+        server = self.start(*argv, "-displayfd", "1", "-noreset", "-nolisten", "tcp", stdout=subprocess.PIPE)
         number = server.first_line()
         assert number, server.lines
         self.env["DISPLAY"] = ":" + number
         return server
 
+    def x11(self, width=1280, height=800):
+        """One screen, which is called "screen"."""
+        return self.x_server("Xvfb", "-screen", "0", f"{width}x{height}x24")
+
     def two_monitors(self):
-        """X11 with DUMMY0, the primary one, and DUMMY1 right of it, of 1024 x 768 each."""
-        self.x11("/usr/lib/xorg/Xorg", "-config", self.write("xorg.conf", XORG), "-logfile", self.path("xorg.log"),
-                 "-novtswitch", "-sharevts")
+        """DUMMY0, the primary one, and DUMMY1 right of it, of 1024 x 768 each."""
+        self.x_server("/usr/lib/xorg/Xorg", "-config", self.write("xorg.conf", XORG), "-logfile", self.path("xorg.log"),
+                      "-novtswitch", "-sharevts")
         self.run("xrandr", "--addmode", "DUMMY1", "1024x768")
         self.run("xrandr", "--output", "DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
 
@@ -297,19 +313,17 @@ class Rig:
         for file, text in manager.files.items():
             self.write(file, text)
         screen = Screen(self)
-        check, state = (screen.display.intern_atom(name) for name in ("_NET_SUPPORTING_WM_CHECK", "WM_STATE"))
-        manager_before = screen.root.get_full_property(check, X.AnyPropertyType)
+        before = screen.property(screen.root, "_NET_SUPPORTING_WM_CHECK")
         probe = screen.root.create_window(0, 0, 9, 9, 0, X.CopyFromParent)
-        variables = dict(option.split("=") for option in options if not option.startswith("-"))
-        process = self.start(*manager.argv, *(option for option in options if option.startswith("-")),
-                             env=SOFTWARE | variables)
+        variables = [option for option in options if not option.startswith("-")]
+        process = self.start(*manager.argv, *(option for option in options if option not in variables),
+                             env=SOFTWARE | dict(variable.split("=") for variable in variables))
 
         def is_managed():
             assert process.runs(), f"{name} ended: {process.lines[-1:]}"
-            manager = screen.root.get_full_property(check, X.AnyPropertyType)
-            if manager and (not manager_before or manager.value != manager_before.value):
+            if screen.property(screen.root, "_NET_SUPPORTING_WM_CHECK") not in ([], before):
                 probe.map()  # what is mapped before is left alone for good by some
-            return probe.get_full_property(state, X.AnyPropertyType) and probe.get_attributes().map_state == X.IsViewable
+            return screen.property(probe, "WM_STATE") and screen.is_viewable(probe)
 
         wait_for(is_managed, name)  # some stumble over a window that goes while they frame it
         wait_for(lambda: probe.unmap() or probe.query_tree().parent == screen.root, f"the end of {name}'s frame")
@@ -321,7 +335,7 @@ class Rig:
         secrets = lambda: [self.path(name) for name in os.listdir(self.home) if name.startswith(".mutter-Xwayland")]
         for secret in secrets():
             os.remove(secret)
-        self.x11("Xvfb", "-screen", "0", f"{1280 * monitors}x800x24")
+        self.x11(1280 * monitors)
         outside = Screen(self)
         compositor = self.start("mutter", "--wayland", "--nested", "--sm-disable", env=SOFTWARE | {
             "MUTTER_DEBUG_NUM_DUMMY_MONITORS": str(monitors), "MUTTER_DEBUG_DUMMY_MODE_SPECS": "1280x800"})
@@ -334,16 +348,16 @@ class Rig:
     def canvas(self, width, height):
         """An X11 screen on which the compositors that are started next show their outputs, so that these can be looked at and
         clicked. Other programs do not know of it."""
-        self.x11("Xvfb", "-screen", "0", f"{width}x{height}x24")
+        self.x11(width, height)
         self.screen = Screen(self)
         del self.env["DISPLAY"]
         return self.screen
 
-    def compositor(self, name, *argv, env=None):
+    def compositor(self, name, *argv, **env):
         """Starts a Wayland compositor, on the canvas when there is one, and waits for its socket."""
         with contextlib.suppress(FileNotFoundError):
             os.remove(self.path(name))  # of one that was killed
-        compositor = self.start(*argv, env=({"DISPLAY": self.screen.name} if self.screen else {}) | (env or {}))
+        compositor = self.start(*argv, env=({"DISPLAY": self.screen.name} if self.screen else {}) | env)
         wait_for(lambda: os.path.exists(self.path(name)) or not compositor.runs(), argv[0])
         assert compositor.runs(), f"{argv[0]} ended: {compositor.lines[-3:]}"
         self.env["WAYLAND_DISPLAY"] = name
@@ -352,16 +366,16 @@ class Rig:
             self.screen.point(0, 795)  # out of the way, on the first output
         return compositor
 
-    def sway(self, *lines, **backend):
+    def sway(self, *lines, outputs=1):
         """Layer-shell, with one output HEADLESS-1 of 1280 x 720 on a plain ground; on a canvas, with outputs X11-1 and so on.
         `lines` are added to its configuration."""
         # Not "solid_color", which newer ones draw as one enlarged pixel that fades towards the edges at fractional scales.
         ground = cairo.ImageSurface.create_for_data(bytearray(b"\x99\x66\x33\xff" * 2560 * 800), cairo.FORMAT_RGB24, 2560, 800)
         ground.write_to_png(self.path("ground.png"))
         self.write("sway.conf", "\n".join((f"output * bg {self.path('ground.png')} tile", "xwayland disable", *lines, "")))
-        backend = {"WLR_BACKENDS": "x11" if self.screen else "headless", "WLR_LIBINPUT_NO_DEVICES": "1",
-                   "WLR_RENDERER": "pixman"} | backend
-        compositor = self.compositor("wayland-1", "sway", "-c", self.path("sway.conf"), env=backend)
+        compositor = self.compositor("wayland-1", "sway", "-c", self.path("sway.conf"), WLR_X11_OUTPUTS=str(outputs),
+                                     WLR_BACKENDS="x11" if self.screen else "headless", WLR_LIBINPUT_NO_DEVICES="1",
+                                     WLR_RENDERER="pixman")
         self.env["SWAYSOCK"] = self.path(f"sway-ipc.{self.user.get('user', os.getuid())}.{compositor.pid}.sock")
         wait_for(lambda: os.path.exists(self.env["SWAYSOCK"]), "sway")
         return compositor
@@ -387,5 +401,4 @@ class Rig:
         program = self.copy_program(installed("kwin_wayland"))  # without the capability that a container refuses
         return self.compositor("kwin", program, "--socket", "kwin", "--x11-display", self.screen.name,
                                "--width", str(round(1280 / scale)), "--height", str(round(800 / scale)), "--scale", str(scale),
-                               "--output-count", str(outputs), "--no-lockscreen", "--no-global-shortcuts",
-                               env={"KWIN_COMPOSE": "Q"})
+                               "--output-count", str(outputs), "--no-lockscreen", "--no-global-shortcuts", KWIN_COMPOSE="Q")

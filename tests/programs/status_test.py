@@ -3,7 +3,6 @@
 import fcntl
 import json
 import os
-import unittest
 
 from program_test_case import GROUP, MOMENT, RECORD, ProgramTest
 
@@ -40,8 +39,7 @@ class Status(ProgramTest):
     def test_keys_that_no_record_has_are_named_and_left_out(self):
         done = self.run_program("tarno-status", "save", "--at", MOMENT, "--mirror-key", "mirror",
                                 stdin='{"status": "locked", "stauts": 1, "x\\u001b": {}, "reason": null, "y": null}')
-        self.assertEqual(done.stderr.decode(), "tarno-status: the report was saved without its unknown keys: "
-                         '"stauts", "x?"\n')
+        self.assertEqual(done.stderr, b'tarno-status: the report was saved without its unknown keys: "stauts", "x?"\n')
         self.assertEqual(self.shown()["snapshot"], {"status": "locked", "age_seconds": 0})
         self.assertIn('"tarno.lastStatusMirrorKey": {"type": "string", "value": "mirror"}',
                       (self.group / "defaults.json").read_text())
@@ -55,10 +53,10 @@ class Status(ProgramTest):
 
         self.assertEqual(checked(), 1)
         self.save()
-        for code, *arguments in ((0,), (0, "locked"), (1, "unlocked"), (1, "unknown"), (64, "Locked")):
+        for arguments, code, when_stale in (((), 0, 1), (("locked",), 0, 1), (("unlocked",), 1, 1), (("unknown",), 1, 1),
+                                            (("Locked",), 64, 64)):
             self.assertEqual(checked(*arguments), code, arguments)
-        for arguments in ((), ("locked",), ("unknown",)):
-            self.assertEqual(checked(*arguments, at="2026-11-16T15:44:06Z"), 1, arguments)
+            self.assertEqual(checked(*arguments, at="2026-11-16T15:44:06Z"), when_stale, arguments)
         self.write(record=("data", '{"status": "locked"}'))  # how old, nobody knows
         self.assertEqual(checked("locked"), 1)
         self.write(record=("data", 5))
@@ -126,7 +124,7 @@ class Status(ProgramTest):
         self.write(record=("data", '{"status": "locked", "reason": "a\\u001bb"}'))
         self.assertEqual(self.doctor()["report's age"], "unknown: no receipt date is stored")
         self.assertIsNone(self.shown()["received_at"])
-        self.assertIn("\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode())
+        self.assertIn(b"\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout)
 
     def test_doctor_says_where_another_store_is(self):
         self.save()
@@ -147,10 +145,9 @@ class Status(ProgramTest):
     def test_doctor_show_and_save_agree_on_a_store_that_cannot_be_used(self):
         self.group.parent.mkdir(parents=True)
         self.group.symlink_to("/")
-        for command, code in (("save", 73), ("show", 69)):
+        for command, code, kind in (("save", 73, "saving"), ("show", 69, "reading")):
             done = self.run_program("tarno-status", command, stdin="{}", code=code)
             self.assertIn(b"is a symbolic link", done.stderr)
-        for kind in ("reading", "saving"):
             self.assertIn("is a symbolic link", self.doctor()[kind])
 
     def test_other_savers_and_a_file_size_limit_stop_a_save_that_doctor_foretells(self):
