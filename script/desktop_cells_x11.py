@@ -1,7 +1,7 @@
 """What the tile is wanted to do on X11, each tried with every window manager on a desktop without a screen.
 
 DESKTOPS has one function for each window manager. It takes a rig and returns for each of WANTED that means something there
-True, or why not. The functions of the cells are what the tests of the tile on X11 call, too.
+True, or why not.
 """
 import contextlib
 import functools
@@ -26,18 +26,14 @@ class X11Screen(Screen):
         self.eyes = eyes or self
         # A new window with the number of one that went confuses window managers that have not forgotten that one yet.
         self.display.display.free_resource_id = lambda number: None
-        self.paint_ground()
-        self.eyes.point(640, 790)
-        settled(lambda: self.eyes.pixel(640, 600))  # desktops fade in
-
-    def paint_ground(self):
-        """Where compositors look for it, too."""
         pixmap = self.root.create_pixmap(*self.size, self.display.screen().root_depth)
         pixmap.fill_rectangle(pixmap.create_gc(foreground=GROUND), 0, 0, *self.size)
         self.root.change_attributes(background_pixmap=pixmap)
         self.root.clear_area()
-        for name in ("_XROOTPMAP_ID", "ESETROOT_PMAP_ID"):
-            self.root.change_property(self.atom(name), Xatom.PIXMAP, 32, [pixmap.id])
+        for name in ("_XROOTPMAP_ID", "ESETROOT_PMAP_ID"):  # where compositors look for it
+            self.set(self.root, name, Xatom.PIXMAP, [pixmap.id])
+        self.eyes.point(640, 790)
+        settled(lambda: self.eyes.pixel(640, 600))  # desktops fade in
 
     def names(self, window, name):
         return {self.display.get_atom_name(atom) for atom in self.property(window, name)}
@@ -64,10 +60,10 @@ class X11Screen(Screen):
 
     def height(self, window):
         """In the stack of windows; frames count for what is in them."""
-        stack = [child.id for child in self.root.query_tree().children]
-        while window.id not in stack:
+        stack = self.root.query_tree().children
+        while window not in stack:
             window = window.query_tree().parent
-        return stack.index(window.id)
+        return stack.index(window)
 
     def is_above(self, upper, lower):
         return self.height(upper) > self.height(lower)
@@ -86,11 +82,10 @@ class X11Screen(Screen):
         """A mapped window, such as a program's or a file manager's desktop."""
         window = self.root.create_window(x, y, width, height, 0, X.CopyFromParent, background_pixel=color,
                                          event_mask=X.ButtonPressMask | X.StructureNotifyMask)
-        window.change_property(self.atom("_NET_WM_WINDOW_TYPE"), Xatom.ATOM, 32,
-                               [self.atom("_NET_WM_WINDOW_TYPE_" + kind)])
+        self.set(window, "_NET_WM_WINDOW_TYPE", Xatom.ATOM, [self.atom("_NET_WM_WINDOW_TYPE_" + kind)])
         window.set_wm_normal_hints(flags=1)  # the place is the user's
         for name, value in properties.items():
-            window.change_property(self.atom(name), Xatom.CARDINAL, 32, value)
+            self.set(window, name, Xatom.CARDINAL, value)
         window.map()
         self.display.sync()
         wait_for(lambda: self.is_viewable(window), f"a window of the type {kind}")
@@ -128,16 +123,17 @@ def is_tile_at(screen, image, x, y, ground, is_composited=False):
 
 
 @contextlib.contextmanager
-def desktop(rig, name, options=None, monitors=1):
-    """A screen with a window manager, until the end of the context; without options it composes only if it always does."""
-    plain, composing = WINDOW_MANAGERS[name].plain, WINDOW_MANAGERS[name].composing
+def desktop(rig, name, is_composited=False, monitors=1):
+    """A screen with a window manager, until the end of the context; some compose in any case, others never by themselves."""
+    manager = WINDOW_MANAGERS[name]
     with rig.session():
         rig.session_bus()
         if name == XWAYLAND:
             yield X11Screen(rig, rig.mutter_with_xwayland(monitors))
         else:
             rig.x11() if monitors == 1 else rig.two_monitors()
-            rig.window_manager(name, *(options if options is not None else composing if plain is None else plain))
+            composes = manager.plain is None or is_composited and manager.composing is not None
+            rig.window_manager(name, *(manager.composing if composes else manager.plain))
             yield X11Screen(rig)
 
 
@@ -190,11 +186,8 @@ def clicks(rig, name):
         files = screen.new_window("DESKTOP", width=1280, height=800)
         wait_for(lambda: screen.is_above(tile, files), "the tile above a desktop")
 
-        def arrives():
-            screen.eyes.click(*middle)
-            return X.ButtonPress in [screen.display.next_event().type for _ in range(screen.display.pending_events())]
-
-        wait_for(arrives, "the click")
+        events = lambda: [screen.display.next_event().type for _ in range(screen.display.pending_events())]
+        wait_for(lambda: screen.eyes.click(*middle) or X.ButtonPress in events(), "the click")
 
 
 def show_desktop(rig, name):
@@ -206,10 +199,10 @@ def show_desktop(rig, name):
             tile = screen.tile()
             if file_manager:
                 rig.start(*file_manager, env={"GDK_BACKEND": "x11"})
-                files = wait_for(lambda: [window for window in screen.clients()
-                                          if screen.is_viewable(window) and screen.place(window)[2] > 1000 and
-                                          "_NET_WM_WINDOW_TYPE_DESKTOP" in screen.names(window, "_NET_WM_WINDOW_TYPE")],
-                                 f"the desktop of {file_manager[0]}")[0]
+                is_desktop = lambda window: (
+                    screen.is_viewable(window) and screen.place(window)[2] > 1000
+                    and "_NET_WM_WINDOW_TYPE_DESKTOP" in screen.names(window, "_NET_WM_WINDOW_TYPE"))
+                files = wait_for(lambda: list(filter(is_desktop, screen.clients())), f"the desktop of {file_manager[0]}")[0]
                 for _ in range(3):
                     wait_for(lambda: screen.is_above(tile, files), f"the tile above {file_manager[0]}")
                     screen.eyes.click(600, 700)
@@ -263,22 +256,18 @@ def panels(rig, name):
 
 
 def corners(rig, name):
-    plain, composing = WINDOW_MANAGERS[name].plain, WINDOW_MANAGERS[name].composing
-    ways = [(plain, False)] if plain is not None else []
-    for options, is_composited in (*ways, (plain if composing is None else composing, True)):
-        with desktop(rig, name, options) as screen:
-            if is_composited and composing is None:
-                rig.start("picom", "--backend", "xrender", "--config", "/dev/null")
+    manager = WINDOW_MANAGERS[name]
+    for is_composited in (True,) if manager.plain is None else (False, True):
+        with desktop(rig, name, is_composited) as screen:
             if is_composited:
+                if manager.composing is None:
+                    rig.start("picom", "--backend", "xrender", "--config", "/dev/null")
                 wait_for(lambda: screen.display.get_selection_owner(screen.atom("_NET_WM_CM_S0")), "the compositor")
             ground = screen.picture()
             for scale in ("1", "1.5", "2", "3"):
                 tile = rig.tile(*AT, "--scale", scale, "--anchor", "center")
                 image = render(rig, "--scale", scale)
-                try:
-                    wait_for(lambda: is_tile_at(screen, image, *screen.place(screen.tile())[:2], ground, is_composited))
-                except AssertionError as different:
-                    raise AssertionError(f"with{'' if is_composited else 'out'} a compositor, at {scale}x: {different}") from None
+                wait_for(lambda: is_tile_at(screen, image, *screen.place(screen.tile())[:2], ground, is_composited))
                 tile.end()
                 wait_for(lambda: not screen.tiles(), "the end of the tile")
 

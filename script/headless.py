@@ -8,6 +8,7 @@ import contextlib
 import ctypes
 import json
 import os
+import pathlib
 import shutil
 import signal
 import socket
@@ -106,7 +107,9 @@ class Process:
     def first_line(self):
         """The first line of its standard output, which is a pipe."""
         with self.popen.stdout as output:
-            return output.readline().strip() or self.wait() and None
+            line = output.readline().strip()
+        assert line or self.wait() is None, self.lines
+        return line
 
 
 class Screen:
@@ -131,6 +134,11 @@ class Screen:
     def property(self, window, name):
         found = window.get_full_property(self.atom(name), X.AnyPropertyType)
         return list(found.value) if found else []
+
+    def set(self, window, name, kind, value):
+        """Sets a property to bytes or to a list of numbers."""
+        window.change_property(self.atom(name), kind, 8 if isinstance(value, bytes) else 32, value)
+        self.display.sync()
 
     def is_viewable(self, window):
         return window.get_attributes().map_state == X.IsViewable
@@ -160,11 +168,6 @@ class Screen:
         xtest.fake_input(self.display, X.ButtonPress if is_pressed else X.ButtonRelease, button)
         self.display.sync()
 
-    def pointer(self):
-        """A number that changes with the picture of the pointer, as it does when a window manager begins to move a window."""
-        self.display.xfixes_query_version()
-        return self.display.xfixes_get_cursor_image(self.root).cursor_serial
-
     def click(self, x, y, button=1):
         self.point(x, y)
         self.button(True, button)
@@ -183,11 +186,13 @@ class Screen:
         self.tell("WM_PROTOCOLS", self.close_request[1], window=window, mask=0)
 
 
-class Rig:
+class Rig(contextlib.ExitStack):
     def __init__(self, programs):
         """`programs` is the folder of the tarno programs; all others come from PATH."""
+        super().__init__()
         # Everybody can enter /tmp, and the paths of sockets may not be long.
         self.home = tempfile.mkdtemp(prefix="tarno-rig-", dir="/tmp")
+        self.callback(shutil.rmtree, self.home, ignore_errors=True)
         self.ends, self.screen = None, None  # how the session ends, and the canvas of compositors
         self.user = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
         if self.user:
@@ -206,13 +211,8 @@ class Rig:
                      "NO_AT_BRIDGE": "1"}
 
     def __enter__(self):
-        self.whole = contextlib.ExitStack()
-        self.whole.callback(shutil.rmtree, self.home, ignore_errors=True)
-        self.whole.enter_context(self.session())
+        self.enter_context(self.session())
         return self
-
-    def __exit__(self, *_):
-        self.whole.close()
 
     @contextlib.contextmanager
     def session(self):
@@ -244,13 +244,11 @@ class Rig:
 
     def write(self, name, text, mode=0o644):
         """Replaces a file at once; returns its path."""
-        path = self.path(name)
-        os.makedirs(os.path.dirname(path), exist_ok=True)
-        with open(path + ".new", "w", encoding="utf-8") as file:
-            file.write(text)
-        os.chmod(file.name, mode)
-        os.rename(file.name, path)
-        return path
+        new = pathlib.Path(self.path(name) + ".new")
+        new.parent.mkdir(parents=True, exist_ok=True)
+        new.write_text(text, encoding="utf-8")
+        new.chmod(mode)
+        return str(new.rename(self.path(name)))
 
     def copy_program(self, path):
         copy = shutil.copyfile(path, self.path(os.path.basename(path)))
@@ -282,7 +280,7 @@ class Rig:
         """D-Bus, through which programs and screen readers meet. Root may use that of nobody."""
         configuration = self.write("bus.conf", BUS % self.home)
         bus = self.start("dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address", stdout=subprocess.PIPE)
-        assert bus.first_line(), bus.lines
+        bus.first_line()
         self.env.pop("NO_AT_BRIDGE", None)
         return bus
 
@@ -291,9 +289,7 @@ class Rig:
     def x_server(self, *argv):
         """It is kept when its last client goes."""
         server = self.start(*argv, "-displayfd", "1", "-noreset", "-nolisten", "tcp", stdout=subprocess.PIPE)
-        number = server.first_line()
-        assert number, server.lines
-        self.env["DISPLAY"] = ":" + number
+        self.env["DISPLAY"] = ":" + server.first_line()
         return server
 
     def x11(self, width=1280, height=800):

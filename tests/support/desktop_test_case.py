@@ -2,10 +2,26 @@
 
 import os
 
-from headless import Rig
+from headless import Rig, wait_for
 from tidy_test_case import TidyTest
 
 
 class DesktopTest(TidyTest):
     def setUp(self):
         self.rig = self.enterContext(Rig(os.environ["TARNO_BIN"]))
+
+    def says(self, tile, *lines):
+        wait_for(lambda: len(tile.lines) >= len(lines), str(lines))
+        self.assertEqual(tile.lines, [f"tarno-desktop: {line}\n" for line in lines])
+
+    def drag(self, screen, start, *places):
+        """Once the window manager has begun to move the window, and so has changed the pointer's picture."""
+        screen.display.xfixes_query_version()
+        pointer = lambda: screen.display.xfixes_get_cursor_image(screen.root).cursor_serial
+        screen.point(*start)
+        before = pointer()
+        screen.button(True)
+        wait_for(lambda: pointer() != before, "the pointer of a window that is moved")
+        for place in places:
+            screen.point(*place)
+        screen.button(False)

@@ -12,13 +12,11 @@ from headless import Screen, wait_for
 WIDGET = """#!/usr/bin/python3
 import fcntl, os, sys
 number = int(sys.argv[sys.argv.index("--fd") + 1])
-folder = os.path.dirname(os.path.abspath(sys.argv[0]))
-with open(folder + "/frame") as file:
-    print(file.read())
 os.ftruncate(number, 4 * 728 * 340)
 fcntl.fcntl(number, fcntl.F_ADD_SEALS, fcntl.F_SEAL_SHRINK)
-with open(folder + "/asked", "a") as file:
-    file.write("x")
+folder = os.path.dirname(os.path.abspath(sys.argv[0]))
+print(open(folder + "/frame").read())
+open(folder + "/asked", "a").write("x")
 """
 
 
@@ -76,8 +74,7 @@ class Accessibility(DesktopTest):
         application = wait_for(lambda: [one for one in desktop if one and one.name == "tarno-desktop"], "the tile in the tree")[0]
         self.assertEqual((application.getRoleName(), application.parent, len(application)), ("application", desktop, 1))
         screen = Screen(self.rig)
-        screen.root.change_property(screen.display.intern_atom("RESOURCE_MANAGER"), Xatom.STRING, 8, b"Xft.dpi: 144\n")
-        screen.display.sync()
+        screen.set(screen.root, "RESOURCE_MANAGER", Xatom.STRING, b"Xft.dpi: 144\n")
         self.check_tree(pyatspi, application)
         self.check_events(pyatspi, application[0])
 

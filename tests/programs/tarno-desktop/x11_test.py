@@ -95,9 +95,8 @@ class X11(DesktopTest):
 
         follows("none", False)
         check = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
-        check.change_property(screen.atom("_NET_WM_NAME"), screen.atom("UTF8_STRING"), 8, b"GNOME Shell")
-        screen.root.change_property(screen.atom("_NET_SUPPORTING_WM_CHECK"), Xatom.WINDOW, 32, [check.id])
-        screen.display.sync()
+        screen.set(check, "_NET_WM_NAME", screen.atom("UTF8_STRING"), b"GNOME Shell")
+        screen.set(screen.root, "_NET_SUPPORTING_WM_CHECK", Xatom.WINDOW, [check.id])
         follows("GNOME Shell", True)
         self.rig.window_manager("openbox")
         follows("openbox", False)
@@ -110,10 +109,9 @@ class X11(DesktopTest):
         self.rig.tile(*AT)
         tile = screen.tile()
         panel = screen.root.create_window(0, 0, 1280, 40, 0, X.CopyFromParent)
-        panel.change_property(screen.atom("_NET_WM_WINDOW_TYPE"), Xatom.ATOM, 32, [screen.atom("_NET_WM_WINDOW_TYPE_DOCK")])
-        reserve = lambda depth: panel.change_property(screen.atom("_NET_WM_STRUT_PARTIAL"), Xatom.CARDINAL, 32,
-                                                      [0, 0, depth, 0, 0, 0, 0, 0, 0, 1279, 0, 0])
-        leave = lambda *area: screen.root.change_property(screen.atom("_NET_WORKAREA"), Xatom.CARDINAL, 32, area)
+        screen.set(panel, "_NET_WM_WINDOW_TYPE", Xatom.ATOM, [screen.atom("_NET_WM_WINDOW_TYPE_DOCK")])
+        reserve = lambda depth: screen.set(panel, "_NET_WM_STRUT_PARTIAL", Xatom.CARDINAL, [0, 0, depth] + 6 * [0] + [1279, 0, 0])
+        leave = lambda *area: screen.set(screen.root, "_NET_WORKAREA", Xatom.CARDINAL, area)
         reserve(40)
         for change, y in ((lambda: leave(0, 0, 1280, 800), 16), (panel.map, 16), (lambda: leave(0, 0, 1280, 800), 56),
                           (lambda: reserve(60), 76), (lambda: leave(0, 90, 1280, 710), 106)):
@@ -129,8 +127,7 @@ class X11(DesktopTest):
         beside = ("DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
         turn("DUMMY1", "--off")
         tile = self.rig.tile(*AT, "--monitor", "DUMMY1", "--anchor", "left")
-        self.assertEqual(tile.lines, [
-            "tarno-desktop: to be shown as an X11 window of the desktop as soon as there is the monitor DUMMY1\n"])
+        self.says(tile, "to be shown as an X11 window of the desktop as soon as there is the monitor DUMMY1")
         for words, places in ((beside, [1040]), (("DUMMY1", "--off"), [16]), (("DUMMY0", "--off"), []),
                               (("DUMMY0", "--mode", "1024x768"), [16]), (beside, [1040])):
             turn(*words)
@@ -142,8 +139,7 @@ class X11(DesktopTest):
         sizes = {1: (364, 170), 1.25: (455, 213), 1.5: (546, 255), 2: (728, 340)}
 
         def sets(owner, name, value, scale):
-            owner.change_property(screen.atom(name), Xatom.STRING, 8, value)
-            screen.display.sync()
+            screen.set(owner, name, Xatom.STRING, value)
             wait_for(lambda: [screen.place(tile)[2:] for tile in screen.tiles()] == [sizes[scale]], f"the scale for {value}")
 
         for value, scale in ((b"Xft.dpi: 144\n", 1.5), (b"*customization: -color\nXft.dpi:\t120\nXft.hinting: 1\n", 1.25),
@@ -163,13 +159,7 @@ class X11(DesktopTest):
         tile = self.rig.tile(*AT, "--layer", "normal")
         window = screen.tile()
         wait_for(lambda: screen.place(window)[:2] == (900, 16), "the tile at its place")
-        screen.point(1000, 100)
-        before = screen.pointer()
-        screen.button(True)
-        wait_for(lambda: screen.pointer() != before, "the pointer of a window that is moved")
-        screen.point(800, 150)
-        screen.point(700, 200)
-        screen.button(False)
+        self.drag(screen, (1000, 100), (800, 150), (700, 200))
         wait_for(lambda: screen.place(window)[:2] == (600, 116), "the dragged tile")
         screen.new_window("DOCK", width=1280, height=40, _NET_WM_STRUT=[0, 0, 40, 0], _NET_WM_STRUT_PARTIAL=[0, 0, 40])
         look = lambda: bytes(screen.look(620, 130, 100, 100).get_data())
