@@ -17,28 +17,31 @@ FISH = {"FILE": " -r -F", "FOLDER": " -x -a '(__fish_complete_directories)'"}
 
 
 def commands(program):
-    """The commands of a program, "" for itself, each with its options, subcommands and whether it reads a file.
+    """The commands of a program, "" for itself, each with its options, its subcommands and its positional argument.
 
     An option is (names, argument, words, text): argument is "" for a flag, and words are all that it can be, if known.
+    A positional argument is (argument, words), ("", []) where a command takes none.
     """
     found, names = {}, [""]
     for name in names:
         shown = subprocess.run([program, *name.split(), "--help"], capture_output=True, text=True, check=True).stdout
-        options, subcommands, section = [], [], ""
+        options, subcommands, positional, section = [], [], ("", []), ""
         # A long name has its text on the next line.
         for line in re.sub(r"(?m)^(  -.*)\n {20,}", r"\1  ", shown).splitlines():
             section = line if re.match(r"\S.*:$", line) else section
             if entry := re.match(r"  (\S+)(.*)", line):
                 left, _, text = entry[2].rpartition("  ")
                 text = re.split(r"[.:;] | \(" if section == "Options:" else ": ", text.strip())[0].replace(":", " ")
+                words = re.search(r":\{([\w,-]+)\}", left) or re.search(r": (\w+(?:, \w+)* or \w+)$", line)
+                words = re.split(r",\s*| or ", words[1]) if words else WORDS.get(entry[1], [])
                 if section == "Options:":
                     argument = re.match(r" ?(?!Excludes:|Needs:|REQUIRED)([A-Z]*)", left)[1]
-                    words = re.search(r":\{([\w,-]+)\}", left) or re.search(r": (\w+(?:, \w+)* or \w+)$", line)
-                    words = re.split(r",\s*| or ", words[1]) if words else WORDS.get(entry[1], [])
                     options.append((entry[1].split(","), argument, words, text))
+                elif section == "Positionals:":
+                    positional = entry[1], words
                 elif section == "Subcommands:":
                     subcommands.append((entry[1], text))
-        found[name] = options, subcommands, bool(re.search(r"^Positionals:\n  FILE", shown, re.M))
+        found[name] = options, subcommands, positional
         names += [word for word, _ in subcommands]
     return found
 
@@ -56,37 +59,41 @@ def bash(program, found):
                 action = BASH.get(argument) or f'COMPREPLY=($(compgen -W "{" ".join(words)}" -- "$word"))'
                 lines.append(f"    {pattern}) {action}; return ;;")
     lines += ["  esac", "  case $command in"]
-    for name, (options, subcommands, file) in found.items():
-        words = [one for names, *_ in options for one in names] + [word for word, _ in subcommands]
-        lines.append(f'    "{name}") words="{" ".join(words)}"{"; compopt -o default" if file else ""} ;;')
+    for name, (options, subcommands, (argument, values)) in found.items():
+        words = [one for names, *_ in options for one in names] + [word for word, _ in subcommands] + values
+        action = f"; {BASH[argument]}" if argument in BASH else ""
+        lines.append(f'    "{name}") words="{" ".join(words)}"{action} ;;')
     return lines + ["  esac", '  COMPREPLY=($(compgen -W "$words" -- "$word"))', "}", f"complete -F {function} {program}"]
 
 
 def zsh(program, found):
-    def arguments(options, file):
-        specs = []
-        for names, argument, words, text in options:
-            action = ZSH.get(argument) or (f"({' '.join(words)})" if words else " ")
-            specs += [shlex.quote(f"{one}=[{text}]:{argument}:{action}" if argument else f"{one}[{text}]") for one in names]
-        return " ".join(["_arguments", *specs, *(["'1:FILE:_files'"] if file else [])])
+    def action(argument, words):
+        return ZSH.get(argument) or (f"({' '.join(words)})" if words else " ")
 
-    options, subcommands, file = found[""]
+    def arguments(options, positional):
+        specs = [shlex.quote(f"1:{positional[0]}:{action(*positional)}")] if positional[0] else []
+        for names, argument, words, text in options:
+            specs += [shlex.quote(f"{one}=[{text}]:{argument}:{action(argument, words)}" if argument else f"{one}[{text}]") for one in names]
+        return " ".join(["_arguments", *specs])
+
+    options, subcommands, positional = found[""]
     if not subcommands:
-        return [f"#compdef {program}", arguments(options, file)]
+        return [f"#compdef {program}", arguments(options, positional)]
     lines = [f"#compdef {program}", "if (( CURRENT == 2 )); then", "  local -a commands=(" +
              " ".join(shlex.quote(f"{word}:{text}") for word, text in subcommands) + ")", "  _describe command commands",
-             "  " + arguments(options, file), "  return", "fi", "local command=$words[2]", "shift words; (( CURRENT-- ))",
+             "  " + arguments(options, positional), "  return", "fi", "local command=$words[2]", "shift words; (( CURRENT-- ))",
              "case $command in"]
     return lines + [f"  {word}) {arguments(found[word][0], found[word][2])} ;;" for word, _ in subcommands] + ["esac"]
 
 
 def fish(program, found):
     lines = [f"complete -c {program} -f"]
-    for name, (options, subcommands, file) in found.items():
+    for name, (options, subcommands, (positional, values)) in found.items():
         # fish takes the argument of an option for a subcommand: where there is none, nothing is asked.
         seen = f"__fish_seen_subcommand_from {name}" if name else "__fish_use_subcommand" if subcommands else "true"
         when = f"complete -c {program} -n '{seen}'"
-        lines += [f"{when} -a {word} -d {shlex.quote(text)}" for word, text in subcommands] + ([f"{when} -F"] if file else [])
+        lines += [f"{when} -a {word} -d {shlex.quote(text)}" for word, text in subcommands]
+        lines += [f"{when} -F"] if positional == "FILE" else [f"{when} -a '{' '.join(values)}'"] if values else []
         for names, argument, words, text in options:
             line = when + "".join(f" -l {one[2:]}" if one.startswith("--") else f" -s {one[1:]}" for one in names)
             takes = FISH.get(argument) or (f" -x -a '{' '.join(words)}'" if argument else "")

@@ -20,7 +20,7 @@ CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
           ->excludes(file)
           ->excludes(date);
   save.add_flag("--acknowledge", options.acknowledges,
-                "Print the number of each line that was saved, as in 'line 1: saved'")
+                "Print a line for each report that was saved (line 1: saved)")
       ->needs(follow);
   program::setExample(save,
                       "tarno-status save report.json --received-at 2026-11-16T15:41:35Z\n"
@@ -51,7 +51,7 @@ CLI::App& addWatch(CLI::App& app, std::string& format) {
   watch
       .add_option(
           "--format", format,
-          "json, waybar (for a custom module of that bar), or a text with {status}, {status_line}, "
+          "What a line looks like: json, waybar (for a custom module of that bar), or a text with {status}, {status_line}, "
           "{detail_line}, {presence}, {device}, {age} (when the line is printed), {received_at} or {since} "
           "(when the status became what it is) in it; write {{ for a brace")
       ->capture_default_str()

@@ -61,7 +61,8 @@ class Help(ProgramTest):
             self.assertRegex(output(BIN / program, "--version"), rf"\A{program} \d+\.\d+\.\d+\n\Z")
 
     def test_bash_and_fish_complete_lines(self):
-        for line, words in (("tarno-status ch", "check"), ("tarno-status watch --format w", "waybar"),
+        for line, words in (("tarno-status ch", "check"), ("tarno-status check lo", "locked locking"),
+                            ("tarno-status watch --format w", "waybar"),
                             ("tarno-desktop --margin 3 --anchor bottom-", "bottom-left bottom-right"),
                             ("tarno-desktop --layer above --au", "--autostart"),
                             ("tarno-widget render --family ", "small medium large")):
