@@ -36,6 +36,7 @@ function(tarno_compile_options target)
   # The linker leaves out the sections that nothing refers to.
   target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
   if(TARNO_SANITIZE)
+    target_compile_definitions(${target} PRIVATE TARNO_SANITIZED)
     target_compile_options(${target} PRIVATE -fsanitize=${TARNO_SANITIZE} -fno-sanitize-recover=all
                                              -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${TARNO_SANITIZE})

@@ -51,7 +51,8 @@ CLI::App& addWatch(CLI::App& app, std::string& format) {
   watch
       .add_option(
           "--format", format,
-          "What a line looks like: json, waybar (for a custom module of that bar), or a text with {status}, {status_line}, "
+          "What a line looks like: json, waybar (for a custom module of that bar), or a text with {status}, "
+          "{status_line}, "
           "{detail_line}, {presence}, {device}, {age} (when the line is printed), {received_at} or {since} "
           "(when the status became what it is) in it; write {{ for a brace")
       ->capture_default_str()

@@ -4,6 +4,7 @@
 #include "tarno/common/dates.hpp"
 #include "tarno/common/output.hpp"
 #include "tarno/tarno-widget/commands.hpp"
+#include "tarno/tarno-widget/confinement.hpp"
 #include "tarno/tarno-widget/localization.hpp"
 
 namespace {
@@ -106,6 +107,10 @@ int main(int argc, char** argv) {
   return program::run(app, argc, argv, [&] {
     clock.apply();
     if (fonts.parsed()) return extension::fonts();
+#ifndef TARNO_SANITIZED  // sanitizers look at other processes in the end
+    const bool writesFiles = render.parsed() || browsing.output;
+    extension::confine(writesFiles ? extension::FileAccess::readWrite : extension::FileAccess::readOnly);
+#endif
     const auto serve = [&](const extension::Widget& widget) {
       if (render.parsed()) return extension::render(widget, rendering);
       if (frame.parsed()) return extension::frame(widget, framing);

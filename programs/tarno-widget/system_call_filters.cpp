@@ -1,0 +1,103 @@
+// Writes the filters of system calls that confinement.cpp loads, as C++, into a file. It runs while the
+// programs are built: to make a filter takes libseccomp more than 1 ms, which every picture would cost; a
+// filter that is ready is loaded in 0.3 ms.
+
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <sched.h>
+#include <seccomp.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <sstream>
+#include <string>
+#include <system_error>
+
+namespace {
+
+/// Memory, threads, time, open descriptors, and what tells about files and folders.
+constexpr const char* forDrawing =
+    "brk mmap mprotect munmap mremap madvise futex set_robust_list rseq sched_yield sched_getaffinity exit "
+    "exit_group rt_sigaction rt_sigprocmask rt_sigreturn sigaltstack restart_syscall clock_gettime "
+    "clock_getres clock_nanosleep nanosleep gettimeofday time getrandom getpid gettid getuid geteuid getgid "
+    "getegid uname sysinfo getcwd read pread64 readv write writev lseek close dup fcntl poll ppoll ftruncate "
+    "fallocate fadvise64 getdents64 fstat stat lstat newfstatat statx statfs fstatfs access faccessat "
+    "faccessat2 readlink readlinkat";
+
+/// What it takes beside that to replace a file and to make the folders above it.
+constexpr const char* forWritingFiles =
+    "open openat creat mkdir mkdirat rename renameat renameat2 link linkat unlink unlinkat fchmod umask "
+    "getxattr lgetxattr fgetxattr fsync";
+
+void check(int result) {
+  if (result < 0) throw std::system_error{-result, std::generic_category(), "libseccomp"};
+}
+
+class Filter {
+ public:
+  // Libraries are prepared for ENOSYS: a kernel that is older than they answers so.
+  Filter() : context_(seccomp_init(SCMP_ACT_ERRNO(ENOSYS))) {}
+  Filter(const Filter&) = delete;
+  Filter& operator=(const Filter&) = delete;
+  ~Filter() { seccomp_release(context_); }
+
+  /// Allows system calls. One that this architecture does not have is left out.
+  void allow(const char* names) {
+    std::istringstream words{names};
+    for (std::string name; words >> name;) check(seccomp_rule_add(context_, SCMP_ACT_ALLOW, number(name), 0));
+  }
+
+  /// Allows a system call with certain values of one argument.
+  void allow(const char* name, scmp_arg_cmp argument) {
+    check(seccomp_rule_add(context_, SCMP_ACT_ALLOW, number(name), 1, argument));
+  }
+
+  void print(const char* name) const {
+    const int file = memfd_create(name, 0);
+    check(seccomp_export_bpf(context_, file));
+    std::printf("constexpr sock_filter %s[] = {", name);
+    sock_filter step{};
+    for (off_t at = 0; pread(file, &step, sizeof step, at) == sizeof step; at += sizeof step)
+      std::printf("{%u,%u,%u,%u},", unsigned{step.code}, unsigned{step.jt}, unsigned{step.jf}, step.k);
+    std::printf("};\n");
+    close(file);
+  }
+
+ private:
+  static int number(const std::string& name) {
+    const int number = seccomp_syscall_resolve_name(name.c_str());
+    if (number == __NR_SCMP_ERROR) throw std::runtime_error{"there is no system call " + name};
+    return number;
+  }
+
+  scmp_filter_ctx context_;
+};
+
+void allowDrawing(Filter& filter) {
+  filter.allow(forDrawing);
+  filter.allow("clone", SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD));  // not fork()
+  filter.allow("prctl", SCMP_A0(SCMP_CMP_EQ, PR_SET_NAME));
+  filter.allow("ioctl", SCMP_A1(SCMP_CMP_EQ, TCGETS));  // isatty()
+  filter.allow("prlimit64", SCMP_A2(SCMP_CMP_EQ, 0));   // reads limits, sets none
+}
+
+}  // namespace
+
+int main(int, char** argv) {
+  if (std::freopen(argv[1], "w", stdout) == nullptr) return 1;
+  Filter readOnly;
+  allowDrawing(readOnly);
+  constexpr auto writing = O_ACCMODE | O_CREAT | O_TRUNC | (O_TMPFILE & ~O_DIRECTORY);
+  readOnly.allow("open", SCMP_A1(SCMP_CMP_MASKED_EQ, writing, O_RDONLY));
+  readOnly.allow("openat", SCMP_A2(SCMP_CMP_MASKED_EQ, writing, O_RDONLY));
+  readOnly.print("readOnlyFilter");
+
+  Filter readWrite;
+  allowDrawing(readWrite);
+  readWrite.allow(forWritingFiles);
+  readWrite.print("readWriteFilter");
+}
