@@ -48,4 +48,9 @@ std::optional<path> configurationHome() {
   return folder ? folder : folderInHome(".config");
 }
 
+std::optional<path> cacheHome() {
+  const auto folder = absolutePathIn("XDG_CACHE_HOME");
+  return folder ? folder : folderInHome(".cache");
+}
+
 }  // namespace tarno

@@ -18,4 +18,7 @@ std::optional<std::filesystem::path> standardDataHome();
 /// ${XDG_CONFIG_HOME:-~/.config}
 std::optional<std::filesystem::path> configurationHome();
 
+/// ${XDG_CACHE_HOME:-~/.cache}
+std::optional<std::filesystem::path> cacheHome();
+
 }  // namespace tarno

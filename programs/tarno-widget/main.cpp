@@ -1,8 +1,10 @@
 #include <cmath>
+#include <filesystem>
 
 #include "tarno/common/command_line.hpp"
 #include "tarno/common/dates.hpp"
 #include "tarno/common/output.hpp"
+#include "tarno/foundation/base_directories.hpp"
 #include "tarno/tarno-widget/commands.hpp"
 #include "tarno/tarno-widget/confinement.hpp"
 #include "tarno/tarno-widget/localization.hpp"
@@ -50,6 +52,13 @@ void addScaleOption(CLI::App& command, double& scale) {
       ->type_name("FACTOR")
       ->check(check)
       ->capture_default_str();
+}
+
+/// Makes the folder of fontconfig's cache. Fontconfig complains where there is none and it may not make one.
+[[maybe_unused]] void makeFontCacheFolder() {
+  std::error_code ignored;
+  if (const auto cache = tarno::cacheHome())
+    std::filesystem::create_directories(*cache / "fontconfig", ignored);
 }
 
 }  // namespace
@@ -108,6 +117,7 @@ int main(int argc, char** argv) {
     clock.apply();
     if (fonts.parsed()) return extension::fonts();
 #ifndef TARNO_SANITIZED  // sanitizers look at other processes in the end
+    makeFontCacheFolder();
     const bool writesFiles = render.parsed() || browsing.output;
     extension::confine(writesFiles ? extension::FileAccess::readWrite : extension::FileAccess::readOnly);
 #endif
