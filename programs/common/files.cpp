@@ -2,13 +2,15 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
+#include <random>
 
 #include "tarno/common/failure.hpp"
+#include "tarno/common/file_place.hpp"
 #include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
@@ -27,37 +29,54 @@ mode_t currentUmask() {
   return mask;
 }
 
-void writeDirectly(const std::filesystem::path& path, std::string_view bytes) {
-  const FileDescriptor file{open(path.c_str(), O_WRONLY | O_CLOEXEC)};
+/// "/proc/self/fd/N": a path to what a descriptor leads to, also where it was opened with O_PATH.
+std::string pathOf(const FileDescriptor& file) { return "/proc/self/fd/" + std::to_string(file.get()); }
+
+void writeDirectly(const FilePlace& place, const std::filesystem::path& path, std::string_view bytes) {
+  const FileDescriptor file{open(pathOf(place.item).c_str(), O_WRONLY | O_CLOEXEC)};
   if (!file) throw failed(EX_CANTCREAT, "cannot open", path);
   if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
 }
 
-/// Where the file at `path` is, or would be: behind all links, also where the last leads to no file.
-std::filesystem::path linkTarget(std::filesystem::path path) {
-  constexpr int mostLinks = 40;  // as for the kernel, path_resolution(7)
-  for (int links = 0; links <= mostLinks; ++links) {
-    std::error_code noLink;
-    const auto target = std::filesystem::read_symlink(path, noLink);
-    if (noLink) return path;
-    path = path.parent_path() / target;
-  }
-  errno = ELOOP;
-  throw failed(EX_CANTCREAT, "cannot create", path);
+/// The permissions for `file`, which takes the place of another: those of the old one where they mean the
+/// same. Another user chose the mode of his file for himself, beside an access list the bits of the group
+/// have another sense, and another group gets what everybody has.
+mode_t modeFor(const FileDescriptor& file, const FilePlace& place) {
+  struct stat old {};
+  struct stat made {};
+  const bool isOurs = place.item && fstat(place.item.get(), &old) == 0 && fstat(file.get(), &made) == 0 &&
+                      old.st_uid == made.st_uid;
+  const bool hasList = getxattr(pathOf(place.item).c_str(), "system.posix_acl_access", nullptr, 0) >= 0 ||
+                       (errno != ENODATA && errno != ENOTSUP);
+  if (!isOurs || hasList) return 0666 & ~currentUmask();
+  const mode_t group = old.st_gid == made.st_gid ? old.st_mode & S_IRWXG : (old.st_mode & S_IRWXO) << 3;
+  return (old.st_mode & (S_IRWXU | S_IRWXO)) | group;
 }
 
-/// Through a new file beside it, which then takes its name. Not synced: what is written here can be made
-/// again.
-void replaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode) {
-  std::string temporary = path.parent_path() / ".tarno-XXXXXX";
-  const FileDescriptor file{mkostemp(temporary.data(), O_CLOEXEC)};
+std::string temporaryName() {
+  std::random_device random;
+  return ".tarno-" + std::to_string(random()) + std::to_string(random());
+}
+
+/// Through a new file, which then takes the name. Not synced: what is written here can be made again.
+void replaceFile(const FilePlace& place, const std::filesystem::path& path, std::string_view bytes) {
+  const int folder = place.folder.get();
+  const auto temporary = temporaryName();
+  // A file without a name is gone when the program is killed. Not every file system has them.
+  constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+  FileDescriptor file{openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, ownerOnly)};
+  bool hasName = !file;
+  if (hasName)
+    file = FileDescriptor{
+        openat(folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly)};
   if (!file) throw failed(EX_CANTCREAT, "cannot create", path);
-  if (fchmod(file.get(), mode) != 0 || !writeAll(file.get(), bytes) ||
-      std::rename(temporary.c_str(), path.c_str()) != 0) {
-    const auto failure = failed(EX_IOERR, "cannot write", path);
-    unlink(temporary.c_str());
-    throw failure;
-  }
+  const bool isWritten = fchmod(file.get(), modeFor(file, place)) == 0 && writeAll(file.get(), bytes);
+  if (isWritten && !hasName)
+    hasName = linkat(AT_FDCWD, pathOf(file).c_str(), folder, temporary.c_str(), AT_SYMLINK_FOLLOW) == 0;
+  if (isWritten && hasName && renameat(folder, temporary.c_str(), folder, place.name.c_str()) == 0) return;
+  const auto failure = failed(EX_IOERR, "cannot write", path);
+  if (hasName) unlinkat(folder, temporary.c_str(), 0);
+  throw failure;
 }
 
 }  // namespace
@@ -81,10 +100,11 @@ std::string readFile(const std::filesystem::path& path, std::size_t limit) {
 }
 
 void writeFile(const std::filesystem::path& path, std::string_view bytes) {
-  struct stat status {};
-  const bool exists = stat(path.c_str(), &status) == 0;
-  if (exists && !S_ISREG(status.st_mode)) return writeDirectly(path, bytes);
-  replaceFile(linkTarget(path), bytes, exists ? status.st_mode & 07777 : 0666 & ~currentUmask());
+  const auto place = findPlace(path);
+  struct stat found {};
+  if (place.item && fstat(place.item.get(), &found) != 0) throw failed(EX_CANTCREAT, "cannot create", path);
+  if (place.item && !S_ISREG(found.st_mode)) return writeDirectly(place, path, bytes);
+  replaceFile(place, path, bytes);
 }
 
 }  // namespace program

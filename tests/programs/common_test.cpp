@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <functional>
 
 #include "support/temporary_store.hpp"
@@ -73,8 +77,34 @@ TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {
   program::writeFile(at("first"), "replaced");
   EXPECT_EQ(program::readFile(at("file"), 8), "replaced");
   EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{0604});
+  fs::permissions(at("file"), fs::perms{06757});
+  const pid_t killed = fork();
+  if (killed == 0) {
+    const rlimit limit{1, 1};
+    std::signal(SIGXFSZ, SIG_DFL), setrlimit(RLIMIT_FSIZE, &limit);
+    program::writeFile(at("first"), "cut short");
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(killed, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(std::distance(fs::directory_iterator{at("")}, {}), 3);
+  program::writeFile(at("file"), "ours");
+  EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{0757});
   fs::create_symlink("loop", at("loop"));
+  if (geteuid() == 0) {  // else nothing here can belong to another user
+    fs::create_symlink("../inner", at("inner/link"));
+    fs::permissions(at("inner"), fs::perms{01755});
+    ASSERT_EQ(lchown(at("inner/link").c_str(), 12345, 0), 0);
+    EXPECT_THROW(program::writeFile(at("inner/link/new"), "led astray"), program::Failure);
+    EXPECT_FALSE(fs::exists(at("inner/new")));
+    for (const auto& [user, group, mode] : {std::tuple{-1, 12345, 0755u}, {12345, -1, 0666 & ~before}}) {
+      ASSERT_EQ(chown(at("file").c_str(), static_cast<uid_t>(user), static_cast<gid_t>(group)), 0);
+      fs::permissions(at("file"), fs::perms{06735});
+      program::writeFile(at("file"), "in place of another's");
+      EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{mode});
+    }
+  }
   for (const auto& [path, code, reason] :
        {std::tuple{at("loop"), EX_CANTCREAT, "Too many levels of symbolic links"},
         {at("none/file"), EX_CANTCREAT, "No such file or directory"},
