@@ -1,12 +1,16 @@
 #include "tarno/foundation/coding_error.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarno {
 namespace {
 
+/// what() would end at a NUL, which a key may contain.
 std::string message(const CodingPath& path, const std::string& text) {
-  return path.empty() ? text : description(path) + ": " + text;
+  auto line = path.empty() ? text : description(path) + ": " + text;
+  std::replace(line.begin(), line.end(), '\0', '?');
+  return line;
 }
 
 }  // namespace

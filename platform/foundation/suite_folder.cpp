@@ -130,24 +130,33 @@ std::optional<std::string> SuiteFolder::readFile() const {
 void SuiteFolder::replaceFile(std::string_view text, const std::optional<std::string>& old,
                               bool isDamaged) const {
   writeTemporary(text);
+  std::optional<std::string> aside;
+  bool isReplaced = false;
   try {
-    if (isDamaged) setAside(location_.file.filename());
+    if (isDamaged) aside = setAside(location_.file.filename());
     renameTemporary();
-  } catch (...) {
-    removeTemporary();
-    throw;
-  }
-  try {
+    isReplaced = true;
     synchronize();
   } catch (...) {
-    // The new file is there, but may be gone after a power cut; what is reported as failed must not be seen.
-    if (old) {
-      writeTemporary(*old);
-      renameTemporary();
-    } else {
-      unlinkat(descriptor_.get(), location_.file.filename().c_str(), 0);
-    }
+    if (!isReplaced) removeTemporary();
+    if (isReplaced || aside) putBack(old, aside);
     throw;
+  }
+}
+
+/// The new file is there, but may be gone after a power cut; what is reported as failed must not be seen.
+void SuiteFolder::putBack(const std::optional<std::string>& old,
+                          const std::optional<std::string>& aside) const {
+  const int folder = descriptor_.get();
+  const auto name = location_.file.filename();
+  if (aside) {
+    // Where both are names of one file, renaming does nothing.
+    if (renameat(folder, aside->c_str(), folder, name.c_str()) == 0) unlinkat(folder, aside->c_str(), 0);
+  } else if (old) {
+    writeTemporary(*old);
+    renameTemporary();
+  } else {
+    unlinkat(folder, name.c_str(), 0);
   }
 }
 
@@ -191,19 +200,23 @@ void SuiteFolder::renameTemporary() const {
     throw failure("replace", location_.file);
 }
 
-void SuiteFolder::setAside(const std::string& name) const {
+/// Gives the dated name that it returns to what is called `name`, which keeps this name where it can.
+std::string SuiteFolder::setAside(const std::string& name) const {
   std::string stamp = ISO8601DateFormatter{withInternetDateTime}.string(now());
   std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
   const int folder = descriptor_.get();
   const std::string base = name + ".damaged-" + stamp;
   std::string aside = base;
-  for (int number = 2; renameat2(folder, name.c_str(), folder, aside.c_str(), RENAME_NOREPLACE) != 0;
-       ++number) {
-    // Some file systems (NFS) cannot promise not to replace.
-    if (errno == EINVAL && renameat(folder, name.c_str(), folder, aside.c_str()) == 0) return;
+  for (int number = 2; linkat(folder, name.c_str(), folder, aside.c_str(), 0) != 0; ++number) {
+    // A folder has one name, and so has a file on some file systems. Others (NFS) cannot promise not to
+    // replace.
+    if (errno != EEXIST && renameat2(folder, name.c_str(), folder, aside.c_str(), RENAME_NOREPLACE) == 0)
+      break;
+    if (errno == EINVAL && renameat(folder, name.c_str(), folder, aside.c_str()) == 0) break;
     if (errno != EEXIST) throw failure("set aside", location_.directory / name);
     aside = base + '-' + std::to_string(number);
   }
+  return aside;
 }
 
 void SuiteFolder::synchronize() const {

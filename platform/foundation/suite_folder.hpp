@@ -38,9 +38,9 @@ class SuiteFolder {
   /// save never writes into a file that has its name.
   std::optional<std::string> readFile() const;
 
-  /// Puts a new file with `text` in the place of the old one, which is set aside when `isDamaged`; the file
-  /// and its name are on the disk afterwards. When this throws, readers find `old` again, or no file where
-  /// there is none. Needs the lock.
+  /// Puts a new file with `text` in the place of the old one, which gets another name when `isDamaged`; the
+  /// file and its name are on the disk afterwards. When this throws, readers find `old` again, or no file
+  /// where there is none. At every moment between they find the one or the other. Needs the lock.
   void replaceFile(std::string_view text, const std::optional<std::string>& old, bool isDamaged) const;
 
   /// Does what replaceFile() does up to the point where the new file takes its name, then removes it. Needs
@@ -57,7 +57,8 @@ class SuiteFolder {
   void writeTemporary(std::string_view text) const;
   bool removeTemporary() const;
   void renameTemporary() const;
-  void setAside(const std::string& name) const;
+  std::string setAside(const std::string& name) const;
+  void putBack(const std::optional<std::string>& old, const std::optional<std::string>& aside) const;
   void synchronize() const;
 
   SuiteLocation location_;

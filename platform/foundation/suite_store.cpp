@@ -17,9 +17,9 @@ using namespace std::chrono;
 constexpr milliseconds patience{2000};
 
 struct Content {
-  std::optional<std::string> text;  ///< of the file; nothing when there is none or it is damaged
+  std::optional<std::string> text;  ///< of the file; nothing when there is none
   DefaultsValues values;
-  std::string damage;
+  std::optional<std::string> damage;
 };
 
 Content readContent(const SuiteFolder& folder) {
@@ -29,7 +29,6 @@ Content readContent(const SuiteFolder& folder) {
     content.values = decodeDefaults(*content.text);
   } catch (const DecodingError& error) {
     content.damage = error.what();
-    content.text.reset();
   }
   return content;
 }
@@ -64,7 +63,7 @@ DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes
   inLockedFolder(location, [&](const SuiteFolder& folder) {
     auto content = readContent(folder);
     for (const auto& [key, value] : changes) content.values.insert_or_assign(key, value);
-    folder.replaceFile(encodeDefaults(content.values), content.text, !content.damage.empty());
+    folder.replaceFile(encodeDefaults(content.values), content.text, content.damage.has_value());
     values = std::move(content.values);
   });
   return values;
@@ -119,8 +118,8 @@ SuiteOpening openSuite(std::string_view name) {
   try {
     auto location = locate(name);
     auto content = readSuite(location);
-    if (!content.damage.empty()) content.damage = location.file.string() + " is damaged: " + content.damage;
-    return {std::make_shared<SuiteStore>(std::move(location), std::move(content.values)), "", content.damage};
+    const auto damage = content.damage ? location.file.string() + " is damaged: " + *content.damage : "";
+    return {std::make_shared<SuiteStore>(std::move(location), std::move(content.values)), "", damage};
   } catch (const SuiteError& error) {
     return {nullptr, error.what(), ""};
   }

@@ -163,7 +163,8 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
 TEST_F(SuiteStoreTest, ADamagedFileIsSetAsideByTheNextSaveAndNotByReadingOrRehearsing) {
   const ClockOverride clock{Date{1'795'558'500s}};
   const std::string aside = file.string() + ".damaged-20261124T221500Z";
-  for (const auto& [damage, name] : {std::pair{""s, aside}, {"[]"s, aside + "-2"}, {"{"s, aside + "-3"}}) {
+  for (const auto& [damage, name] :
+       {std::pair{""s, aside}, {"[]"s, aside + "-2"}, {R"({"\u0000": x})"s, aside + "-3"}}) {
     writeBytes(file, damage);
     EXPECT_NE(openSuite(suite).damage, "");
     EXPECT_EQ(failureOf(rehearse), "");
@@ -211,14 +212,17 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
       forEachCall([&, &prepare = prepare, &old = old, &files = files](int number) {
         prepare();
         const bool wasLeft = fs::exists(fs::symlink_status(leftover));
+        const auto before = readBytes(file);
         const auto [failure, isReached] =
             isKilled ? saveUntilKilled(number) : saveDuring(number, [] { return EIO; });
         EXPECT_TRUE(isKilled || wasLeft || !fs::exists(leftover));
         const bool isNew = failure.empty() || (isKilled && load("key") == DefaultsValue{2.0});
         expectTwins(isNew ? 2.0 : old);
+        EXPECT_TRUE(isNew || readBytes(file) == before);
         saveTwins(3);
         expectTwins(3.0);
-        EXPECT_EQ(countFiles(), files);
+        const auto more = countFiles() - files;  // a killed saver may leave one name more of a damaged file
+        EXPECT_TRUE(more == 0 || (more == 1 && isKilled && before == "damaged")) << more;
         EXPECT_FALSE(fs::exists(moved));
         return isReached;
       });

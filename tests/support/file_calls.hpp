@@ -16,6 +16,8 @@ WRAP(int, fchmod, (int file, mode_t mode), (file, mode))
 WRAP(int, fchmodat, (int folder, const char* name, mode_t mode, int flags), (folder, name, mode, flags))
 WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode))
 WRAP(int, unlinkat, (int folder, const char* name, int flags), (folder, name, flags))
+WRAP(int, linkat, (int from, const char* name, int to, const char* other, int flags),
+     (from, name, to, other, flags))
 WRAP(int, renameat, (int from, const char* name, int to, const char* other), (from, name, to, other))
 WRAP(int, renameat2, (int from, const char* name, int to, const char* other, unsigned flags),
      (from, name, to, other, flags))
