@@ -20,10 +20,13 @@ namespace {
 using std::filesystem::path;
 
 /// Room for a few values of largestDefaultsValue in JSON's longest form.
-constexpr off_t largestFile = off_t{64} << 20;
+constexpr std::size_t largestFile = std::size_t{64} << 20;
 
 /// Only who holds the lock makes it, so that one name will do: what a killed saver left is replaced.
 constexpr const char* temporaryName = ".defaults.json.new";
+
+/// Some network file systems lock only files that can be written, which a folder is not.
+constexpr const char* lockName = ".defaults.json.lock";
 
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
 
@@ -40,6 +43,17 @@ SuiteError failure(const std::string& action, const path& path) {
           "cannot " + action + ' ' + path.string() + ": " + std::generic_category().message(error)};
 }
 
+/// Whether an error says that the file system lacks what was asked of it: of flock() or fsync() on a folder.
+bool isUnsupported(int error) {
+  const auto lacks = {EBADF, EINVAL, ENOLCK, ENOSYS, EOPNOTSUPP};
+  return std::find(lacks.begin(), lacks.end(), error) != lacks.end();
+}
+
+/// So that the names in it survive a power cut, where the file system can.
+void synchronizeFolder(int folder, const path& shown) {
+  if (fsync(folder) != 0 && !isUnsupported(errno)) throw failure("write", shown);
+}
+
 /// What is called `name` in `folder` and `shown` to people, open for reading; none when there is nothing.
 /// Throws unless it may be used as the `kind` S_IFDIR or S_IFREG.
 FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_t kind) {
@@ -54,11 +68,12 @@ FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_
     throw unusable(shown, kind == S_IFDIR ? "is not a directory" : "is not a regular file");
   if (found.st_uid != geteuid()) throw unusable(shown, "belongs to another user");
   if ((found.st_mode & (S_IWGRP | S_IWOTH)) != 0) throw unusable(shown, "can be written by group or others");
-  if (found.st_size > largestFile) throw unusable(shown, "is larger than 64 MiB");
+  if (kind == S_IFREG && std::cmp_greater(found.st_size, largestFile))
+    throw unusable(shown, "is larger than 64 MiB");
   return file;
 }
 
-/// Makes `directory` and what is missing above it; adds what it made to `made`.
+/// Makes `directory` and what is missing above it, on the disk; adds what it made to `made`.
 void makeDirectory(const path& directory, std::vector<path>& made) {
   int result = mkdir(directory.c_str(), S_IRWXU);
   if (result != 0 && errno == ENOENT && directory.has_relative_path()) {
@@ -72,6 +87,9 @@ void makeDirectory(const path& directory, std::vector<path>& made) {
   // opening says whether it was needed.
   if (fchmodat(AT_FDCWD, directory.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) != 0 && errno != EOPNOTSUPP)
     throw failure("set the permissions of", directory);
+  const auto above = directory.parent_path();
+  const FileDescriptor folder{openat(AT_FDCWD, above.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  if (folder) synchronizeFolder(folder.get(), above);  // else it may be entered, but not read
 }
 
 }  // namespace
@@ -80,7 +98,7 @@ SuiteFolder::SuiteFolder(const SuiteLocation& location, FileDescriptor descripto
     : location_(location), descriptor_(std::move(descriptor)), made_(std::move(made)) {}
 
 SuiteFolder::~SuiteFolder() {
-  if (isLocked_ && descriptor_) flock(descriptor_.get(), LOCK_UN);
+  if (isLocked_ && descriptor_) flock(lockedFile().get(), LOCK_UN);
 }
 
 std::optional<SuiteFolder> SuiteFolder::find(const SuiteLocation& location) {
@@ -106,9 +124,23 @@ bool SuiteFolder::isInPlace() const {
 }
 
 bool SuiteFolder::tryLock() {
-  isLocked_ = flock(descriptor_.get(), LOCK_EX | LOCK_NB) == 0;
-  if (isLocked_ || errno == EWOULDBLOCK) return isLocked_;
-  throw failure("lock", location_.directory);
+  const int folder = descriptor_.get();
+  if (!queue_ && SaverQueue::exists(folder)) queue_.emplace(folder);
+  if (queue_ && !queue_->isFirst()) return false;
+  isLocked_ = flock(lockedFile().get(), LOCK_EX | LOCK_NB) == 0;
+  if (isLocked_) {
+    queue_.reset();
+  } else if (errno == EWOULDBLOCK) {
+    if (!queue_) queue_.emplace(folder);
+  } else if (!lockFile_ && isUnsupported(errno)) {
+    lockFile_ =
+        FileDescriptor{openat(folder, lockName, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, ownerOnly)};
+    if (!lockFile_) throw failure("make", location_.directory / lockName);
+    return tryLock();
+  } else {
+    throw failure("lock", location_.directory);
+  }
+  return isLocked_;
 }
 
 std::optional<std::string> SuiteFolder::readFile() const {
@@ -179,6 +211,7 @@ void SuiteFolder::removeIfMade() const {
 
 void SuiteFolder::writeTemporary(std::string_view text) const {
   const path shown = location_.directory / temporaryName;
+  if (text.size() > largestFile) throw unusable(location_.file, "would be larger than 64 MiB");
   constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   FileDescriptor file{openat(descriptor_.get(), temporaryName, flags, ownerOnly)};
   if (!file && errno == EEXIST) {
@@ -219,8 +252,6 @@ std::string SuiteFolder::setAside(const std::string& name) const {
   return aside;
 }
 
-void SuiteFolder::synchronize() const {
-  if (fsync(descriptor_.get()) != 0) throw failure("write", location_.directory);
-}
+void SuiteFolder::synchronize() const { synchronizeFolder(descriptor_.get(), location_.directory); }
 
 }  // namespace tarno

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tarno/foundation/file_descriptor.hpp"
+#include "tarno/foundation/saver_queue.hpp"
 #include "tarno/foundation/suite_location.hpp"
 
 namespace tarno {
@@ -31,7 +32,8 @@ class SuiteFolder {
   /// Whether the path still leads to this folder.
   bool isInPlace() const;
 
-  /// Takes the lock that orders those who save, until this object goes; false when another has it.
+  /// Takes the lock that keeps those who save apart, until this object goes; false when another has it, or
+  /// is to have it first. Those who try again take turns.
   bool tryLock();
 
   /// The content of the file, or nothing when there is none. Needs no lock and waits for nobody, because a
@@ -40,7 +42,8 @@ class SuiteFolder {
 
   /// Puts a new file with `text` in the place of the old one, which gets another name when `isDamaged`; the
   /// file and its name are on the disk afterwards. When this throws, readers find `old` again, or no file
-  /// where there is none. At every moment between they find the one or the other. Needs the lock.
+  /// where there is none. At every moment between they find the one or the other. Throws for a text that is
+  /// larger than readers accept. Needs the lock.
   void replaceFile(std::string_view text, const std::optional<std::string>& old, bool isDamaged) const;
 
   /// Does what replaceFile() does up to the point where the new file takes its name, then removes it. Needs
@@ -60,9 +63,12 @@ class SuiteFolder {
   std::string setAside(const std::string& name) const;
   void putBack(const std::optional<std::string>& old, const std::optional<std::string>& aside) const;
   void synchronize() const;
+  const FileDescriptor& lockedFile() const { return lockFile_ ? lockFile_ : descriptor_; }
 
   SuiteLocation location_;
   FileDescriptor descriptor_;
+  FileDescriptor lockFile_;  ///< where the folder cannot be locked
+  std::optional<SaverQueue> queue_;
   bool isLocked_ = false;
   std::vector<std::filesystem::path> made_;  ///< by findOrMake(), the innermost last
 };

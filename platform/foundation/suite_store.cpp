@@ -15,6 +15,7 @@ using namespace std::chrono;
 
 /// How long a save waits for others, in all.
 constexpr milliseconds patience{2000};
+constexpr milliseconds pause{2};  ///< between two looks
 
 struct Content {
   std::optional<std::string> text;  ///< of the file; nothing when there is none
@@ -44,9 +45,13 @@ Content readSuite(const SuiteLocation& location) {
 template <class Work>
 SuiteFolder inLockedFolder(const SuiteLocation& location, Work work) {
   const auto end = steady_clock::now() + patience;
-  for (; steady_clock::now() < end; std::this_thread::sleep_for(milliseconds{2})) {
+  const auto isTime = [end] { return steady_clock::now() < end; };
+  while (isTime()) {
     auto folder = SuiteFolder::findOrMake(location);
-    if (!folder.tryLock()) continue;
+    bool isLocked = folder.tryLock();
+    for (; !isLocked && isTime() && folder.isInPlace(); isLocked = folder.tryLock())
+      std::this_thread::sleep_for(pause);
+    if (!isLocked) continue;
     try {
       work(folder);
       if (folder.isInPlace()) return folder;

@@ -92,10 +92,15 @@ class SuiteStoreTest : public testing::Test {
 };
 
 TEST_F(SuiteStoreTest, ASaveOfAnySizeIsOnTheDiskWhenItReturns) {
-  const std::string text(1 << 20, 'x');
+  const std::string text(1 << 20, 'x'), largest(4 << 20, '\1');
+  fs::remove_all(home);
   system_calls::made.clear();
   saveToSuite(suite, {{"key", text}});
-  EXPECT_NE(system_calls::made.find("write fsync renameat fsync"), std::string::npos) << system_calls::made;
+  for (const auto* const calls : {"mkdir fchmodat openat fsync", "write fsync renameat fsync"})
+    EXPECT_NE(system_calls::made.find(calls), std::string::npos) << system_calls::made;
+  EXPECT_EQ(UserDefaults::suite(suite)->string("key"), text);
+  const auto save = [&] { saveToSuite(suite, {{"a", largest}, {"b", largest}, {"c", largest}}); };
+  EXPECT_EQ(failureOf(save), file.string() + " would be larger than 64 MiB");
   EXPECT_EQ(UserDefaults::suite(suite)->string("key"), text);
 }
 
@@ -136,6 +141,22 @@ TEST_F(SuiteStoreTest, AFailureTellsAnObstacleFromAnErrorOfTheSystem) {
     EXPECT_EQ(kind(error), SuiteError::Kind::unusable) << error;
   for (const int error : {EIO, ENOSPC, EDQUOT, ENOMEM})
     EXPECT_EQ(kind(error), SuiteError::Kind::inputOutput) << error;
+}
+
+TEST_F(SuiteStoreTest, AFileSystemThatCannotLockOrSyncAFolderWillDo) {
+  forEachCall([&](int number) {
+    bool isOfFolder = false;
+    const auto [failure, isReached] = saveDuring(number, [&] {
+      isOfFolder =
+          system_calls::made.ends_with("renameat fsync ") || system_calls::made.ends_with("fstat flock ");
+      return isOfFolder ? EBADF : 0;
+    });
+    EXPECT_EQ(failure, "");
+    expectTwins(2.0);
+    return isReached;
+  });
+  saveDuring(2, [] { return EBADF; });
+  EXPECT_TRUE(fs::exists(directory / ".defaults.json.lock"));
 }
 
 TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
