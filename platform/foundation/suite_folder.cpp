@@ -25,6 +25,8 @@ constexpr std::size_t largestFile = std::size_t{64} << 20;
 /// Only who holds the lock makes it, so that one name will do: what a killed saver left is replaced.
 constexpr const char* temporaryName = ".defaults.json.new";
 
+constexpr const char* rehearsalName = ".defaults.json.rehearsal";
+
 /// Some network file systems lock only files that can be written, which a folder is not.
 constexpr const char* lockName = ".defaults.json.lock";
 
@@ -49,9 +51,11 @@ bool isUnsupported(int error) {
   return std::find(lacks.begin(), lacks.end(), error) != lacks.end();
 }
 
-/// So that the names in it survive a power cut, where the file system can.
-void synchronizeFolder(int folder, const path& shown) {
-  if (fsync(folder) != 0 && !isUnsupported(errno)) throw failure("write", shown);
+/// So that the names in it survive a power cut; false where the file system cannot.
+bool synchronizeFolder(int folder, const path& shown) {
+  const bool isDone = fsync(folder) == 0;
+  if (!isDone && !isUnsupported(errno)) throw failure("write", shown);
+  return isDone;
 }
 
 /// What is called `name` in `folder` and `shown` to people, open for reading; none when there is nothing.
@@ -94,8 +98,8 @@ void makeDirectory(const path& directory, std::vector<path>& made) {
 
 }  // namespace
 
-SuiteFolder::SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor, std::vector<path> made)
-    : location_(location), descriptor_(std::move(descriptor)), made_(std::move(made)) {}
+SuiteFolder::SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor)
+    : location_(location), descriptor_(std::move(descriptor)) {}
 
 SuiteFolder::~SuiteFolder() {
   if (isLocked_ && descriptor_) flock(lockedFile().get(), LOCK_UN);
@@ -104,16 +108,15 @@ SuiteFolder::~SuiteFolder() {
 std::optional<SuiteFolder> SuiteFolder::find(const SuiteLocation& location) {
   auto descriptor = openSafely(AT_FDCWD, location.directory, location.directory, S_IFDIR);
   if (!descriptor) return std::nullopt;
-  return SuiteFolder{location, std::move(descriptor), {}};
+  return SuiteFolder{location, std::move(descriptor)};
 }
 
-SuiteFolder SuiteFolder::findOrMake(const SuiteLocation& location) {
+SuiteFolder SuiteFolder::findOrMake(const SuiteLocation& location, std::vector<path>& made) {
   if (auto folder = find(location)) return *std::move(folder);
-  std::vector<path> made;
   makeDirectory(location.directory, made);
   auto descriptor = openSafely(AT_FDCWD, location.directory, location.directory, S_IFDIR);
   if (!descriptor) throw failure("open", location.directory);
-  return {location, std::move(descriptor), std::move(made)};
+  return {location, std::move(descriptor)};
 }
 
 bool SuiteFolder::isInPlace() const {
@@ -192,21 +195,26 @@ void SuiteFolder::putBack(const std::optional<std::string>& old,
   }
 }
 
-void SuiteFolder::rehearse(std::string_view text) const {
-  writeTemporary(text);
-  if (!removeTemporary()) throw failure("remove", location_.directory / temporaryName);
-  synchronize();
-  // The one obstacle to a renaming that the permission to make and remove files does not show.
-  struct statx found {};
-  const bool isThere =
-      statx(descriptor_.get(), location_.file.filename().c_str(), AT_SYMLINK_NOFOLLOW, 0, &found) == 0;
-  errno = EPERM;
-  if (isThere && (found.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0)
-    throw failure("replace", location_.file);
-}
-
-void SuiteFolder::removeIfMade() const {
-  for (auto folder = made_.rbegin(); folder != made_.rend(); ++folder) rmdir(folder->c_str());
+bool SuiteFolder::rehearse(std::string_view text) const {
+  const int folder = descriptor_.get();
+  try {
+    writeTemporary(text);
+    if (renameat(folder, temporaryName, folder, rehearsalName) != 0) throw failure("replace", location_.file);
+    if (unlinkat(folder, rehearsalName, 0) != 0) throw failure("remove", location_.directory / rehearsalName);
+    const bool lasts = synchronize();
+    // The one obstacle that only replacing this file meets.
+    struct statx found {};
+    const bool isThere =
+        statx(folder, location_.file.filename().c_str(), AT_SYMLINK_NOFOLLOW, 0, &found) == 0;
+    errno = EPERM;
+    if (isThere && (found.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0)
+      throw failure("replace", location_.file);
+    return lasts;
+  } catch (...) {
+    removeTemporary();
+    unlinkat(folder, rehearsalName, 0);
+    throw;
+  }
 }
 
 void SuiteFolder::writeTemporary(std::string_view text) const {
@@ -252,6 +260,6 @@ std::string SuiteFolder::setAside(const std::string& name) const {
   return aside;
 }
 
-void SuiteFolder::synchronize() const { synchronizeFolder(descriptor_.get(), location_.directory); }
+bool SuiteFolder::synchronize() const { return synchronizeFolder(descriptor_.get(), location_.directory); }
 
 }  // namespace tarno

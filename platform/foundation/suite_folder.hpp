@@ -26,8 +26,9 @@ class SuiteFolder {
   /// Nothing when there is none.
   static std::optional<SuiteFolder> find(const SuiteLocation& location);
 
-  /// Makes it, and what is missing above it, with mode 0700 whatever the umask.
-  static SuiteFolder findOrMake(const SuiteLocation& location);
+  /// Makes it, and what is missing above it, with mode 0700 whatever the umask; adds the folders that it made
+  /// to `made`, the innermost last, also where it throws then.
+  static SuiteFolder findOrMake(const SuiteLocation& location, std::vector<std::filesystem::path>& made);
 
   /// Whether the path still leads to this folder.
   bool isInPlace() const;
@@ -46,23 +47,20 @@ class SuiteFolder {
   /// larger than readers accept. Needs the lock.
   void replaceFile(std::string_view text, const std::optional<std::string>& old, bool isDamaged) const;
 
-  /// Does what replaceFile() does up to the point where the new file takes its name, then removes it. Needs
-  /// the lock.
-  void rehearse(std::string_view text) const;
-
-  /// Removes the folders that findOrMake() made, as far as they are empty.
-  void removeIfMade() const;
+  /// Does what replaceFile() does, but under a name that means nothing, which it removes, also where it
+  /// throws. Whether a save would survive a power cut: not every file system can sync a folder. Needs the
+  /// lock.
+  bool rehearse(std::string_view text) const;
 
  private:
-  SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor,
-              std::vector<std::filesystem::path> made);
+  SuiteFolder(const SuiteLocation& location, FileDescriptor descriptor);
 
   void writeTemporary(std::string_view text) const;
   bool removeTemporary() const;
   void renameTemporary() const;
   std::string setAside(const std::string& name) const;
   void putBack(const std::optional<std::string>& old, const std::optional<std::string>& aside) const;
-  void synchronize() const;
+  bool synchronize() const;
   const FileDescriptor& lockedFile() const { return lockFile_ ? lockFile_ : descriptor_; }
 
   SuiteLocation location_;
@@ -70,7 +68,6 @@ class SuiteFolder {
   FileDescriptor lockFile_;  ///< where the folder cannot be locked
   std::optional<SaverQueue> queue_;
   bool isLocked_ = false;
-  std::vector<std::filesystem::path> made_;  ///< by findOrMake(), the innermost last
 };
 
 }  // namespace tarno

@@ -1,8 +1,12 @@
 #include "tarno/foundation/suite_store.hpp"
 
+#include <unistd.h>
+
 #include <chrono>
+#include <filesystem>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "tarno/foundation/coding_error.hpp"
 #include "tarno/foundation/defaults_document.hpp"
@@ -40,21 +44,21 @@ Content readSuite(const SuiteLocation& location) {
 }
 
 /// Does `work` in the folder while no one else saves. A folder that turns out to have been removed or
-/// replaced does not count: the work is done once more in the one that the path leads to by then. Hands back
-/// the folder, still locked.
+/// replaced does not count: the work is done once more in the one that the path leads to by then. Adds the
+/// folders that it made to `made`.
 template <class Work>
-SuiteFolder inLockedFolder(const SuiteLocation& location, Work work) {
+void inLockedFolder(const SuiteLocation& location, std::vector<std::filesystem::path>& made, Work work) {
   const auto end = steady_clock::now() + patience;
   const auto isTime = [end] { return steady_clock::now() < end; };
   while (isTime()) {
-    auto folder = SuiteFolder::findOrMake(location);
+    auto folder = SuiteFolder::findOrMake(location, made);
     bool isLocked = folder.tryLock();
     for (; !isLocked && isTime() && folder.isInPlace(); isLocked = folder.tryLock())
       std::this_thread::sleep_for(pause);
     if (!isLocked) continue;
     try {
       work(folder);
-      if (folder.isInPlace()) return folder;
+      if (folder.isInPlace()) return;
     } catch (const SuiteError&) {
       if (folder.isInPlace()) throw;
     }
@@ -62,16 +66,41 @@ SuiteFolder inLockedFolder(const SuiteLocation& location, Work work) {
   throw SuiteError{SuiteError::Kind::busy, location.directory.string() + " is locked by another program"};
 }
 
+/// Puts `changes` into `content`, and returns the text of a file that holds both. Throws EncodingError.
+std::string apply(const DefaultsValues& changes, Content& content) {
+  for (const auto& [key, value] : changes) content.values.insert_or_assign(key, value);
+  return encodeDefaults(content.values);
+}
+
 /// What the suite holds afterwards. Throws EncodingError, too.
 DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes) {
   DefaultsValues values;
-  inLockedFolder(location, [&](const SuiteFolder& folder) {
+  std::vector<std::filesystem::path> made;
+  inLockedFolder(location, made, [&](const SuiteFolder& folder) {
     auto content = readContent(folder);
-    for (const auto& [key, value] : changes) content.values.insert_or_assign(key, value);
-    folder.replaceFile(encodeDefaults(content.values), content.text, content.damage.has_value());
+    const auto text = apply(changes, content);
+    folder.replaceFile(text, content.text, content.damage.has_value());
     values = std::move(content.values);
   });
   return values;
+}
+
+/// Folders that go with this object, as far as they are empty; the innermost last.
+struct PassingFolders {
+  ~PassingFolders() {
+    for (auto path = paths.rbegin(); path != paths.rend(); ++path) rmdir(path->c_str());
+  }
+  std::vector<std::filesystem::path> paths;
+};
+
+/// Does `work`; what cannot be encoded is a SuiteError.
+template <class Work>
+void withSuiteErrors(Work work) {
+  try {
+    work();
+  } catch (const EncodingError& error) {
+    throw SuiteError{SuiteError::Kind::value, error.what()};
+  }
 }
 
 class SuiteStore final : public UserDefaults {
@@ -131,18 +160,19 @@ SuiteOpening openSuite(std::string_view name) {
 }
 
 void saveToSuite(std::string_view name, const DefaultsValues& changes) {
-  try {
-    save(locate(name), changes);
-  } catch (const EncodingError& error) {
-    throw SuiteError{SuiteError::Kind::value, error.what()};
-  }
+  withSuiteErrors([&] { save(locate(name), changes); });
 }
 
-void rehearseSavingToSuite(std::string_view name) {
-  const auto rehearse = [](const SuiteFolder& folder) {
-    folder.rehearse(encodeDefaults(readContent(folder).values));
-  };
-  inLockedFolder(locate(name), rehearse).removeIfMade();
+bool rehearseSavingToSuite(std::string_view name, const DefaultsValues& changes) {
+  PassingFolders made;
+  bool lasts = false;
+  withSuiteErrors([&] {
+    inLockedFolder(locate(name), made.paths, [&](const SuiteFolder& folder) {
+      auto content = readContent(folder);
+      lasts = folder.rehearse(apply(changes, content));
+    });
+  });
+  return lasts;
 }
 
 }  // namespace tarno

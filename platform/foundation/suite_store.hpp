@@ -36,8 +36,9 @@ SuiteOpening openSuite(std::string_view name);
 /// SuiteError the suite holds what it held before. Waits at most 2 s for others who save. Any thread.
 void saveToSuite(std::string_view name, const DefaultsValues& changes);
 
-/// Does all that a save does up to the point where the new file takes the place of the old one: throws the
-/// SuiteError that a save would throw. Leaves the suite as it is.
-void rehearseSavingToSuite(std::string_view name);
+/// Does all that saveToSuite() does, but under another name than the file's: throws the SuiteError that it
+/// would throw. Leaves the suite as it is and nothing else behind. Whether what is saved would survive a
+/// power cut, which not every file system can promise.
+bool rehearseSavingToSuite(std::string_view name, const DefaultsValues& changes);
 
 }  // namespace tarno

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <system_error>
 
 #include "tarno/common/child_process.hpp"
 #include "tarno/common/dates.hpp"
@@ -61,32 +62,53 @@ std::string ageText(const std::optional<TarnoStoredMacStatus>& status, tarno::Da
   return std::to_string(status->snapshot.ageSeconds.value_or(0)) + " s";
 }
 
-/// Why a save would fail; empty when it would not.
-std::string savingFault() {
+/// Whether a save would work.
+struct Saving {
+  std::string fault;  ///< why it would fail; empty when it would not
+  bool lasts = true;
+};
+
+/// Tries to save a record as large as the stored one, and larger than most.
+Saving trySaving(const SharedStatus& shared, tarno::Date now) {
+  constexpr std::size_t ordinarySize = 4096;
+  const auto stored = shared.store ? shared.store->data(TarnoMacDefaults::lastStatus) : std::nullopt;
+  const std::string record(std::max(ordinarySize, stored ? stored->bytes.size() : 0), ' ');
   try {
-    tarno::rehearseSavingToSuite(TarnoMacDefaults::appGroupIdentifier);
-    return "";
+    return {"",
+            tarno::rehearseSavingToSuite(TarnoMacDefaults::appGroupIdentifier,
+                                         {{std::string{TarnoMacDefaults::lastStatus}, tarno::Data{record}},
+                                          {std::string{TarnoMacDefaults::lastStatusAt}, now}})};
   } catch (const tarno::SuiteError& error) {
-    return error.what();
+    return {error.what()};
+  }
+}
+
+std::string savingText(const Saving& saving) {
+  if (!saving.fault.empty()) return "would fail: " + saving.fault;
+  return saving.lasts ? "works" : "works, but a power cut may undo it: the file system cannot sync a folder";
+}
+
+/// What a program that lies beside this one answers within `limit`.
+program::ProcessResult ask(const char* name, const std::vector<std::string>& arguments,
+                           std::chrono::seconds limit) {
+  try {
+    return program::ChildProcess{program::siblingProgram(name), arguments, limit}.finish();
+  } catch (const std::system_error& error) {
+    return {"", "", "cannot be run: " + error.code().message()};
   }
 }
 
 /// Which font the tile is drawn in, as the program that draws it says.
 std::string fontText() {
-  const auto [output, errors, failure] = program::ChildProcess{
-      program::siblingProgram("tarno-widget"),
-      {"fonts"},
-      std::chrono::seconds{10}}.finish();
+  const auto [output, errors, failure] = ask("tarno-widget", {"fonts"}, std::chrono::seconds{10});
   const auto text = failure.empty() ? output + errors : "unknown: tarno-widget " + failure;
   return text.substr(0, text.find('\n'));
 }
 
 /// XDG_DATA_HOME as programs of the user's session get it; empty where there is no such session.
 std::filesystem::path sessionDataHome() {
-  const auto [output, errors, failure] = program::ChildProcess{
-      program::siblingProgram("systemctl"),
-      {"--user", "show-environment"},
-      std::chrono::seconds{2}}.finish();
+  const auto [output, errors, failure] =
+      ask("systemctl", {"--user", "show-environment"}, std::chrono::seconds{2});
   constexpr std::string_view name = "\nXDG_DATA_HOME=";
   const auto text = "\n" + output;
   const auto start = text.find(name);
@@ -143,7 +165,7 @@ std::string verdict(const SharedStatus& shared, tarno::Date now) {
 int doctor() {
   const auto now = tarno::now();
   const auto shared = readSharedStatus(now);
-  const auto fault = savingFault();
+  const auto saving = trySaving(shared, now);
   const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
   const auto other = location ? findOtherStore(location->file) : std::nullopt;
 
@@ -154,20 +176,20 @@ int doctor() {
     text += line(key, valueText(shared.store ? shared.store->object(key) : std::nullopt));
   text += line("report's age", ageText(shared.status, now));
   text += line("reading", shared.fault.empty() ? "works" : "fails: " + shared.fault);
-  text += line("saving", fault.empty() ? "works" : "would fail: " + fault);
+  text += line("saving", savingText(saving));
   if (other)
     text += line("another store", other->file.string() + ", saved " + program::dateText(other->savedAt));
   text += line("font", fontText());
 
-  const bool isWell = isFresh(shared.status) && shared.status->receivedAt <= now && fault.empty();
-  const auto saving = fault.empty() ? "" : " A save would fail: " + fault + ".";
+  const bool isWell = isFresh(shared.status) && shared.status->receivedAt <= now && saving.fault.empty();
+  const auto warning = saving.fault.empty() ? "" : " A save would fail: " + saving.fault + ".";
   const auto isElsewhere = other && (!shared.status || other->savedAt > shared.status->receivedAt);
   const auto elsewhere =
       isElsewhere
           ? " The other store is newer: whatever saves there has another XDG_DATA_HOME than this program."
           : "";
   const auto praise = isWell && shared.fault.empty() && !isElsewhere ? "All is well. " : "";
-  program::writeOutput(text + "\n" + program::printable(praise + verdict(shared, now) + saving + elsewhere) +
+  program::writeOutput(text + "\n" + program::printable(praise + verdict(shared, now) + warning + elsewhere) +
                        "\n");
   return isWell ? EX_OK : EX_UNAVAILABLE;
 }

@@ -24,7 +24,7 @@ constexpr const char* suite = "suite.of.test";
 using Value = std::optional<DefaultsValue>;
 
 void saveTwins(double number) { saveToSuite(suite, {{"key", number}, {"twin", number}}); }
-void rehearse() { rehearseSavingToSuite(suite); }
+void rehearse() { rehearseSavingToSuite(suite, {{"key", 2.0}}); }
 
 Value load(std::string_view key) {
   const auto store = openSuite(suite).store;
@@ -194,9 +194,22 @@ TEST_F(SuiteStoreTest, ADamagedFileIsSetAsideByTheNextSaveAndNotByReadingOrRehea
     EXPECT_EQ(readBytes(name), damage);
   }
   EXPECT_EQ(countFiles(), 4);
-  fs::remove_all(home);
-  EXPECT_EQ(failureOf(rehearse), "");
-  EXPECT_FALSE(fs::exists(home));
+}
+
+TEST_F(SuiteStoreTest, ARehearsalMayFailInAnyCallAndLeavesNothingBehind) {
+  for (const bool isFirst : {true, false})
+    forEachCall([&](int number) {
+      if (isFirst) fs::remove_all(home);
+      bool mustFail = false;
+      system_calls::intercept(number, [&] {
+        for (const auto* const call : {"write ", "fsync ", "renameat "})
+          mustFail = mustFail || system_calls::made.ends_with(call);
+        return EIO;
+      });
+      EXPECT_TRUE(!failureOf(rehearse).empty() || !mustFail) << system_calls::made;
+      EXPECT_EQ(fs::exists(home) ? countFiles() : 0, isFirst ? 0 : 1);
+      return system_calls::wasReached();
+    });
 }
 
 TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {

@@ -157,13 +157,14 @@ class Status(ProgramTest):
         self.run_program("tarno-status", "save", stdin="{}", code=75)
         self.assertIn("would fail: ", self.doctor()["saving"])
         os.close(lock)
-        limited = lambda command: self.call("sh", "-c", "ulimit -f 0; exec tarno-status " + command, stdin="{}")
+        limited = lambda command, limit="-f 0": self.call("sh", "-c", f"ulimit {limit}; exec tarno-status {command}", stdin="{}")
         if limited("--version").returncode:
             self.skipTest("a sanitizer writes a file when the program starts")
         for command, code in (("save", 74), ("doctor", 69)):
             done = limited(command)
             self.assertEqual(done.returncode, code)
             self.assertIn(b"File too large", done.stdout + done.stderr)
+        self.assertIn(limited("doctor", "-n 6").returncode, (0, 69))
         self.assertEqual(self.shown()["snapshot"]["status"], "locked")
         self.assertEqual(os.listdir(self.group), ["defaults.json"])
 
