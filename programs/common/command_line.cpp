@@ -4,7 +4,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <csignal>
+#include <cstdio>
 
 #include "tarno/common/output.hpp"
 
@@ -43,6 +45,19 @@ int run(CLI::App& app, int argc, char** argv, const std::function<int()>& comman
     complain(failure.what());
     return failure.exitCode();
   }
+}
+
+std::function<std::string(const std::string&)> numberFrom(double least, double most) {
+  // CLI::Range would let NaN pass.
+  return [=](const std::string& text) -> std::string {
+    double number = 0;
+    const auto end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    if (read.ec == std::errc{} && read.ptr == end && least <= number && number <= most) return "";
+    char limits[64];
+    std::snprintf(limits, sizeof limits, "from %g to %g", least, most);
+    return "'" + text + "' is not a number " + limits;
+  };
 }
 
 void setExample(CLI::App& app, const std::string& example) { app.footer("Example:\n  " + example); }

@@ -14,6 +14,9 @@ namespace program {
 /// error and the code that currentFailure() gives it.
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command);
 
+/// A check for an option that takes a number from `least` to `most`, written with a decimal point.
+std::function<std::string(const std::string&)> numberFrom(double least, double most);
+
 /// Sets an example line that --help ends with.
 void setExample(CLI::App& app, const std::string& example);
 

@@ -1,5 +1,7 @@
 #include "tarno/common/dates.hpp"
 
+#include <algorithm>
+
 #include "tarno/foundation/iso8601.hpp"
 
 namespace program {
@@ -30,6 +32,7 @@ void ClockOption::apply() {
 std::string dateText(tarno::Date date) {
   using namespace std::chrono;
   using namespace tarno;
+  date = std::clamp(date, earliestDate, latestDate);
   const bool isWhole = floor<milliseconds>(date) == floor<seconds>(date);
   return ISO8601DateFormatter{withInternetDateTime | (isWhole ? 0u : withFractionalSeconds)}.string(date);
 }

@@ -28,7 +28,7 @@ class ClockOption {
   std::optional<tarno::ClockOverride> override_;
 };
 
-/// RFC 3339 in UTC, with milliseconds unless they are zero.
+/// RFC 3339 in UTC, with milliseconds unless they are zero; the nearest date that has this form.
 std::string dateText(tarno::Date date);
 
 }  // namespace program

@@ -1,8 +1,8 @@
 #include "tarno/tarno-desktop/options.hpp"
 
-#include <charconv>
 #include <map>
 
+#include "tarno/common/command_line.hpp"
 #include "tarno/common/dates.hpp"
 
 namespace desktop {
@@ -15,15 +15,6 @@ const std::map<std::string, Anchor> anchors{
     {"top-left", {0, 0}},    {"top", {0.5, 0}},      {"top-right", {1, 0}},
     {"left", {0, 0.5}},      {"center", {0.5, 0.5}}, {"right", {1, 0.5}},
     {"bottom-left", {0, 1}}, {"bottom", {0.5, 1}},   {"bottom-right", {1, 1}}};
-
-/// CLI::Range would let NaN pass.
-std::string checkScale(const std::string& text) {
-  double scale = 0;
-  const auto end = text.data() + text.size();
-  const auto read = std::from_chars(text.data(), end, scale);
-  const bool isGood = read.ec == std::errc{} && read.ptr == end && 0.25 <= scale && scale <= 16;
-  return isGood ? "" : "'" + text + "' is not a number from 0.25 to 16";
-}
 
 }  // namespace
 
@@ -50,7 +41,7 @@ void addOptions(CLI::App& app, Options& options) {
   addWord("--layer", options.layer, layers,
           "Layer: desktop (below all windows, the default), normal or above");
   add("--scale", options.scale, "FACTOR", "Pixels per point (default: the monitor's scale)")
-      ->check(checkScale);
+      ->check(program::numberFrom(0.25, 16));
   app.add_flag("--plain-window", options.plainWindow,
                "On Wayland, a window among others, even where a better kind is available");
   program::addDateOption(app, "--at", options.at,

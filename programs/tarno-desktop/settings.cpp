@@ -36,6 +36,22 @@ std::string autostartEntry() {
          marked(program, "\\") + "\nExec=\"" + argument + "\"\n";
 }
 
+/// Puts aside the entry that a person made or edited; where it is then, empty when there was none.
+std::filesystem::path setAsideEdited(const std::filesystem::path& file, const std::string& entry) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (!fs::exists(fs::symlink_status(file, error))) return {};
+  const bool isOurs = fs::is_regular_file(file, error) && fs::file_size(file, error) == entry.size() &&
+                      program::readFile(file, entry.size()) == entry;
+  if (isOurs) return {};
+  auto kept = file.string() + ".bak";
+  for (int number = 2; fs::exists(fs::symlink_status(kept, error)); ++number)
+    kept = file.string() + ".bak-" + std::to_string(number);
+  fs::rename(file, kept, error);
+  if (error) throw program::Failure{EX_CANTCREAT, "cannot rename " + file.string() + ": " + error.message()};
+  return kept;
+}
+
 }  // namespace
 
 void readSettings(CLI::App& app) {
@@ -71,8 +87,11 @@ std::string setAutostart(bool on) {
   const auto folder = file.parent_path();
   if (!std::filesystem::create_directories(folder, error) && error)
     throw program::Failure{EX_CANTCREAT, "cannot create " + folder.string() + ": " + error.message()};
-  program::writeFile(file, autostartEntry());
-  return "Wrote " + file.string() + ": the tile starts at every login.\n";
+  const auto entry = autostartEntry();
+  const auto kept = setAsideEdited(file, entry);
+  program::writeFile(file, entry);
+  return "Wrote " + file.string() + ": the tile starts at every login." +
+         (kept.empty() ? "" : " The entry that was there is kept as " + kept.string() + ".") + "\n";
 }
 
 }  // namespace desktop

@@ -14,8 +14,9 @@ namespace desktop {
 void readSettings(CLI::App& app);
 
 /// Has the desktop start this program after each login, or not any more: writes or removes the user's
-/// autostart entry. Returns the line that says what was done. Throws program::Failure: EX_CANTCREAT when the
-/// entry or its folder cannot be made, EX_IOERR when writing or removing fails.
+/// autostart entry. An entry with other content is kept under another name. Returns the line that says what
+/// was done. Throws program::Failure: EX_CANTCREAT when the entry or its folder cannot be made, EX_IOERR when
+/// writing or removing fails.
 std::string setAutostart(bool on);
 
 }  // namespace desktop

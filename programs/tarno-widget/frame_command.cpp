@@ -19,11 +19,9 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// A moment to wait for, never too early: rounded up to the millisecond, and no later than a date can say.
+/// A moment to wait for, never too early: rounded up to the millisecond.
 std::string momentText(tarno::Date moment) {
-  using std::chrono::milliseconds;
-  return program::dateText(std::min<tarno::Date>(std::chrono::ceil<milliseconds>(moment),
-                                                 std::chrono::floor<milliseconds>(tarno::latestDate)));
+  return program::dateText(std::chrono::ceil<std::chrono::milliseconds>(moment));
 }
 
 /// When the status that `entry` shows turns stale by its age; nothing when it is stale already or never will

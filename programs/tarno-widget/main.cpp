@@ -1,4 +1,3 @@
-#include <cmath>
 #include <filesystem>
 
 #include "tarno/common/command_line.hpp"
@@ -42,15 +41,10 @@ void addTileOptions(CLI::App& command, extension::TileOptions& tile) {
 }
 
 void addScaleOption(CLI::App& command, double& scale) {
-  const auto check = [](const std::string& text) {
-    double value = 0;
-    const bool isNumber = CLI::detail::lexical_cast(text, value);
-    return isNumber && std::isfinite(value) && value > 0 ? std::string{}
-                                                         : "'" + text + "' is not a number above 0";
-  };
-  command.add_option("--scale", scale, "Pixels per point, a number above 0")
+  // Smaller ones cannot be told from 0 by what draws; larger ones lead to no image.
+  command.add_option("--scale", scale, "Pixels per point, a number from 0.01 to 96")
       ->type_name("FACTOR")
-      ->check(check)
+      ->check(program::numberFrom(0.01, 96))
       ->capture_default_str();
 }
 

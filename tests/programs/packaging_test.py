@@ -51,6 +51,11 @@ class Packaging(ProgramTest):
             if word == "on":
                 self.assertEqual(self.version_by(entry), 1)
                 self.assertIn("\nTryExec=" + str(program).replace("\\", "\\\\") + "\n", entry.read_text())
+        for number, name in enumerate((".bak", ".bak-2")):
+            entry.write_text(f"edited {number}")
+            done = self.run_program(program, "--autostart", "on", XDG_CONFIG_HOME=str(self.folder / "config"))
+            self.assertIn(f"kept as {entry}{name}.\n", done.stdout.decode())
+            self.assertEqual(entry.with_name(entry.name + name).read_text(), f"edited {number}")
         (self.folder / "file").touch()
         for words, home, code in [("on", "/proc", 73), ("off", self.folder / "file", 74),
                                   ("on --margin 3", "/x", 64)]:
