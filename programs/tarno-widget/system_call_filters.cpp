@@ -30,8 +30,7 @@ constexpr const char* forDrawing =
 
 /// What it takes beside that to replace a file and to make the folders above it.
 constexpr const char* forWritingFiles =
-    "open openat creat mkdir mkdirat rename renameat renameat2 link linkat unlink unlinkat fchmod umask "
-    "getxattr lgetxattr fgetxattr fsync";
+    "open openat mkdir mkdirat renameat renameat2 linkat unlinkat fchmod umask getxattr";
 
 void check(int result) {
   if (result < 0) throw std::system_error{-result, std::generic_category(), "libseccomp"};
