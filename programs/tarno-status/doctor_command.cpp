@@ -1,8 +1,13 @@
+#include <linux/landlock.h>
+#include <linux/seccomp.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sysexits.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -105,6 +110,17 @@ std::string fontText() {
   return text.substr(0, text.find('\n'));
 }
 
+/// What of the confinement in which tiles are drawn the kernel has.
+std::string confinementText() {
+  const std::uint32_t action = SECCOMP_RET_ERRNO;
+  const bool hasSeccomp = syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action) == 0;
+  const bool hasLandlock =
+      syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) > 0;
+  if (hasSeccomp && hasLandlock) return "complete";
+  if (!hasSeccomp && !hasLandlock) return "none: the kernel has neither seccomp nor landlock";
+  return hasSeccomp ? "without landlock, which the kernel lacks" : "without seccomp, which the kernel lacks";
+}
+
 /// XDG_DATA_HOME as programs of the user's session get it; empty where there is no such session.
 std::filesystem::path sessionDataHome() {
   const auto [output, errors, failure] =
@@ -180,6 +196,7 @@ int doctor() {
   if (other)
     text += line("another store", other->file.string() + ", saved " + program::dateText(other->savedAt));
   text += line("font", fontText());
+  text += line("confinement", confinementText());
 
   const bool isWell = isFresh(shared.status) && shared.status->receivedAt <= now && saving.fault.empty();
   const auto warning = saving.fault.empty() ? "" : " A save would fail: " + saving.fault + ".";
