@@ -7,10 +7,10 @@ namespace {
 
 CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
   auto& save = *app.add_subcommand("save", "Save a status record (JSON) into the shared store");
-  auto* const file = save.add_option("FILE", options.file, "The record; standard input when absent or -");
+  auto* const file = save.add_option("FILE", options.file, "File with the record (default: standard input)");
   auto* const date = program::addDateOption(save, "--received-at", options.receivedAt,
                                             "When the report was received (default: now)");
-  save.add_option("--mirror-key", options.mirrorKey, "A key to keep beside the report")->type_name("KEY");
+  save.add_option("--mirror-key", options.mirrorKey, "Also store this text, which only your own programs read")->type_name("KEY");
   auto* const follow =
       save.add_flag(
               "--follow", options.isFollowing,
@@ -31,14 +31,14 @@ CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
 CLI::App& addCheck(CLI::App& app, std::optional<TarnoMacStatus>& expected) {
   auto& check = *app.add_subcommand(
       "check",
-      "Print nothing; exit with 0 when the last report is fresh, 1 when not, 69 when it cannot be read");
+      "Exit with 0 if the last report is fresh, 1 if not, 69 if it cannot be read; print nothing");
   const auto read = [&expected](const std::string& text) {
     expected = TarnoMacStatus::fromRawValue(text);
     if (!expected)
       throw CLI::ValidationError{"STATUS is locked, unlocked, locking or unknown, not '" + text + "'"};
   };
   check.add_option_function<std::string>("STATUS", read,
-                                         "Ask for this status, too: locked, unlocked, locking or unknown");
+                                         "Also require this status: locked, unlocked, locking or unknown");
   program::setExample(check, "if tarno-status check locked; then echo The Mac is locked.; fi");
   return check;
 }
@@ -88,7 +88,7 @@ int main(int argc, char** argv) {
   auto& watch = addWatch(app, format);
 
   auto& doctor =
-      *app.add_subcommand("doctor", "Say where the store is, what it holds and whether saving works");
+      *app.add_subcommand("doctor", "Show where the store is and what is in it, and diagnose problems");
   program::setExample(doctor, "tarno-status doctor");
 
   program::ClockOption clock{&save, &show, &check, &doctor};

@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
   program::reserveStandardOutput();
   extension::useCatalogues();
 
-  CLI::App app{"Draws the tiles of the status widget and shows how they come about."};
+  CLI::App app{"Draws the tiles of the status widget and shows how they are made."};
   program::setExample(app, "tarno-widget render --family medium --scale 2 --output tile.png");
   app.require_subcommand(1);
 
@@ -103,7 +103,7 @@ int main(int argc, char** argv) {
       ->type_name("FOLDER");
   addScaleOption(gallery, browsing.scale);
 
-  auto& fonts = addCommand(app, "fonts", "Print the face that texts are set in, and say if it is missing",
+  auto& fonts = addCommand(app, "fonts", "Print the font in use, and whether the intended one is missing",
                            "tarno-widget fonts");
 
   program::ClockOption clock{&render, &frame, &timeline, &inspect, &gallery};
