@@ -5,14 +5,14 @@
 
 namespace tarno {
 
-// Where a user's files belong, as the XDG base directory specification has it: a variable counts only when
-// its path is absolute. Where HOME is not absolute either, the user database says where the home is; nothing
-// when it does not.
+// The base directories of the user, as the XDG Base Directory Specification defines them. A variable is
+// ignored unless its path is absolute. Without a usable HOME, the home directory comes from the user
+// database; without that, the functions return nothing.
 
 /// ${XDG_DATA_HOME:-~/.local/share}
 std::optional<std::filesystem::path> dataHome();
 
-/// ~/.local/share, whatever XDG_DATA_HOME says.
+/// ~/.local/share, even where XDG_DATA_HOME is set.
 std::optional<std::filesystem::path> standardDataHome();
 
 /// ${XDG_CONFIG_HOME:-~/.config}

@@ -6,7 +6,7 @@
 namespace tarno {
 namespace {
 
-/// what() would end at a NUL, which a key may contain.
+/// Escapes NULs, which a key may contain and at which what() would end.
 std::string message(const CodingPath& path, const std::string& text) {
   auto line = path.empty() ? text : description(path) + ": " + text;
   std::replace(line.begin(), line.end(), '\0', '?');

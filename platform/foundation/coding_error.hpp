@@ -7,14 +7,14 @@
 
 namespace tarno {
 
-/// The keys (and, in arrays, the indices) that lead from the top of a document to a value; empty for the top
+/// The path to a value: the keys, and in arrays the indices, from the top of a document; empty for the top
 /// itself.
 using CodingPath = std::vector<std::string>;
 
 /// "a.b.0"; empty for the top of a document.
 std::string description(const CodingPath& path);
 
-/// A document that cannot be read. what() is one line: the path, then the text.
+/// Thrown for a document that cannot be read. what() is one line: the path, then the text.
 class DecodingError : public std::runtime_error {
  public:
   enum class Kind { typeMismatch, dataCorrupted };
@@ -26,7 +26,7 @@ class DecodingError : public std::runtime_error {
   std::string debugDescription;
 };
 
-/// A value that has no form in the document. what() is one line: the path, then the text.
+/// Thrown for a value that cannot be written into a document. what() is one line: the path, then the text.
 class EncodingError : public std::runtime_error {
  public:
   EncodingError(CodingPath codingPath, std::string debugDescription);

@@ -37,7 +37,7 @@ std::string toBase64(std::string_view bytes) {
   return text;
 }
 
-/// Nothing unless `text` is exactly what toBase64() writes.
+/// Decodes Base64. Returns nothing unless `text` is exactly what toBase64() writes.
 std::optional<std::string> fromBase64(std::string_view text) {
   std::string bytes;
   std::uint32_t bits = 0;
@@ -50,7 +50,7 @@ std::optional<std::string> fromBase64(std::string_view text) {
   return bytes;
 }
 
-/// `text` as a JSON string; nothing when it is not UTF-8.
+/// Returns `text` as a JSON string, or nothing if it is not UTF-8.
 std::optional<std::string> quoted(const std::string& text) {
   try {
     return nlohmann::json(text).dump();
@@ -66,7 +66,7 @@ std::string dateText(Date date) {
   return text.replace(text.size() - 1, 1, fraction);
 }
 
-/// Why a value has no place in a document; empty when it has.
+/// Returns why a value cannot be stored in a document; empty if it can.
 struct Fault {
   std::string_view operator()(const Data& data) const { return (*this)(data.bytes); }
   std::string_view operator()(const std::string& text) const {
@@ -97,7 +97,7 @@ struct Writer {
   }
 };
 
-/// A member of the document while it is read.
+/// A member of the document that is being read.
 struct Reader {
   const std::string& key;
   const JSONValue& json;

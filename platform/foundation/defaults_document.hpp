@@ -8,23 +8,24 @@
 
 namespace tarno {
 
-/// The size of the largest data and the largest text that a document holds, in bytes.
+/// The maximum size of one data value or string in a document, in bytes.
 inline constexpr std::size_t largestDefaultsValue = std::size_t{4} << 20;
 
-// The form in which values are kept: a JSON object with a line for each key, such as
+// The file format of a defaults store: a JSON object with one line for each key, such as
 //
 //   "key": {"type": "date", "value": "2026-11-16T15:41:35.250000Z"}
 //
-// `type` is data, date, string or number. `value` is a text, for a number a number. Data and strings whose
-// bytes are not UTF-8 have `base64` (RFC 4648, section 4, padded) in place of `value`. A date is an RFC 3339
-// date-time in the years 0001 to 9999 of UTC, written to the microsecond.
+// `type` is data, date, string or number. `value` is a string, or a number for the type number. Data and
+// strings whose bytes are not UTF-8 have `base64` (RFC 4648, section 4, with padding) instead of `value`. A
+// date is an RFC 3339 date-time in the years 0001 to 9999 of UTC, written with microseconds.
 
-/// Throws EncodingError with the key as its path for a key that is not UTF-8 and for a value that would not
-/// read back: too large, a date out of range, a number that is not finite.
+/// Returns the document that holds `values`. Throws EncodingError, with the key as its path, for a key that
+/// is not UTF-8 and for a value that could not be read back: too large, a date out of range, or a number that
+/// is not finite.
 std::string encodeDefaults(const DefaultsValues& values);
 
-/// Throws DecodingError when `document` is not as described above, in any place. Of a key that stands there
-/// twice, the last counts.
+/// Returns the values in `document`. Throws DecodingError if any part of it does not have the form above. If
+/// a key occurs twice, the last value counts.
 DefaultsValues decodeDefaults(std::string_view document);
 
 }  // namespace tarno

@@ -9,14 +9,14 @@
 
 namespace tarno {
 
-/// A run of bytes; distinct from text, which is a std::string in UTF-8.
+/// Raw bytes, as opposed to text, which is a std::string in UTF-8.
 struct Data {
   std::string bytes;
 
   friend bool operator==(const Data&, const Data&) = default;
 };
 
-/// What a defaults store keeps under a key: data, a date, text or a number.
+/// The value of a key in a defaults store: data, a date, text or a number.
 using DefaultsValue = std::variant<Data, Date, std::string, double>;
 
 /// Values by their keys.

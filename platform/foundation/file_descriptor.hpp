@@ -5,8 +5,8 @@
 
 namespace tarno {
 
-/// Owns a file descriptor and closes it; -1 stands for none. Move-only; errno stays as it was when one is
-/// closed, so that a failure can be reported after its clean-up.
+/// Owns a file descriptor and closes it; -1 means none. Movable, not copyable. Closing leaves errno
+/// unchanged, so that an error can still be reported after the clean-up.
 class [[nodiscard]] FileDescriptor {
  public:
   FileDescriptor() = default;
@@ -24,7 +24,7 @@ class [[nodiscard]] FileDescriptor {
   explicit operator bool() const { return value_ >= 0; }
   int get() const { return value_; }
 
-  /// Hands the descriptor to the caller, who closes it.
+  /// Gives up ownership: the caller closes the descriptor.
   int release() { return std::exchange(value_, -1); }
 
  private:
@@ -33,7 +33,7 @@ class [[nodiscard]] FileDescriptor {
   int value_ = -1;
 };
 
-/// Writes all of `bytes` to a descriptor; false, with errno set, when it cannot.
+/// Writes all of `bytes` to a descriptor. Returns false, with errno set, if it cannot.
 bool writeAll(int descriptor, std::string_view bytes);
 
 }  // namespace tarno

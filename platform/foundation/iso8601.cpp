@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::chrono;
 
-/// Reads a text from left to right; the first thing that is missing makes every later step fail too.
+/// Reads a text from left to right. After the first step that fails, every later step fails too.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : rest_(text) {}
@@ -29,7 +29,7 @@ class Scanner {
     return value;
   }
 
-  /// A run of one digit or more, as the microseconds that it names after a decimal point.
+  /// Reads one digit or more as a decimal fraction of a second, in microseconds.
   std::optional<microseconds> fraction() {
     microseconds value{0};
     microseconds unit{100'000};
@@ -69,7 +69,7 @@ std::optional<minutes> readHoursAndMinutes(Scanner& scanner) {
   return hours{*hour} + minutes{*minute};
 }
 
-/// How far the local time that was read runs ahead of UTC.
+/// The offset of the local time from UTC.
 std::optional<minutes> readTimeZone(Scanner& scanner) {
   if (scanner.literal('Z')) return minutes{0};
   const bool ahead = scanner.literal('+');
@@ -79,8 +79,8 @@ std::optional<minutes> readTimeZone(Scanner& scanner) {
   return ahead ? *offset : -*offset;
 }
 
-// Two readers serve the whole process, each made when it is first needed. They hold no mutable state, so that
-// any number of threads may use them at once.
+// The process has two shared formatters, each created on first use. They are immutable, so that any number of
+// threads may use them at once.
 
 /// Requires a fraction of a second.
 const ISO8601DateFormatter& tarno() {
@@ -123,7 +123,8 @@ std::string ISO8601DateFormatter::string(Date date) const {
   const auto day = floor<days>(date);
   const year_month_day calendar{day};
   const hh_mm_ss time{floor<milliseconds>(date - day)};
-  // Beyond ±32767 the calendar type itself has no year; a Date that far out is written by its wrapped year.
+  // The calendar type has no years beyond ±32767; a Date outside of them is written with the year wrapped
+  // around.
   const int year = static_cast<int>(calendar.year());
 
   char text[64];

@@ -8,7 +8,7 @@
 
 namespace tarno {
 
-/// The parts of a date-time that a formatter reads and writes, as bits of its option mask.
+/// Which parts of a date-time a formatter reads and writes, as a bit mask.
 enum ISO8601FormatOptions : unsigned {
   withYear = 1,
   withMonth = 2,
@@ -30,29 +30,28 @@ enum ISO8601FormatOptions : unsigned {
 /// 00 to 23, seconds 00 to 59 (a leap second has no moment of its own on this time scale), an offset from
 /// -23:59 to +23:59, and nothing before or after. The moment must lie between earliestDate and latestDate.
 ///
-/// Sub-second parts are always cut towards the past, before 1970 as after: reading keeps microseconds and
-/// drops further digits, writing without a fraction drops all of them.
+/// Fractions of a second are always rounded towards the past, before 1970 too. Reading keeps microseconds and
+/// drops further digits; writing without a fraction drops all of them.
 class ISO8601DateFormatter {
  public:
-  /// `options` is withInternetDateTime, alone or with withFractionalSeconds; these two forms are all there
-  /// is.
+  /// `options` is withInternetDateTime, alone or with withFractionalSeconds. Other options are not supported.
   constexpr explicit ISO8601DateFormatter(unsigned options) : options_(options) {}
 
-  /// The moment that `text` names, or nothing. With withFractionalSeconds a fraction of one digit or more is
-  /// required, without it none is allowed.
+  /// Returns the date that `text` names, or nothing. With withFractionalSeconds, at least one digit of a
+  /// fraction is required; without it, none is allowed.
   std::optional<Date> date(std::string_view text) const;
 
-  /// `date` in UTC with the designator Z; with withFractionalSeconds to the millisecond. A date before
-  /// earliestDate or after latestDate is written in ISO 8601's expanded form (a sign and at least five
-  /// digits), for people: date() does not read it back.
+  /// Returns `date` in UTC with the designator Z, with milliseconds if withFractionalSeconds is set. A date
+  /// before earliestDate or after latestDate is written in the expanded form of ISO 8601 (a sign and at least
+  /// five digits). That form is for people: date() does not read it.
   std::string string(Date date) const;
 
  private:
   unsigned options_;
 };
 
-/// The moment that an RFC 3339 date-time names, with or without a fraction of a second; nothing for any other
-/// text. Any thread.
+/// Returns the date that an RFC 3339 date-time names, with or without a fraction of a second; nothing for any
+/// other text. Any thread.
 std::optional<Date> dateFromRFC3339(std::string_view text);
 
 }  // namespace tarno

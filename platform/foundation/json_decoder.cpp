@@ -16,7 +16,8 @@ std::string_view kindName(const JSONValue& value) {
 
 bool isNull(const JSONValue& value) { return std::holds_alternative<std::nullptr_t>(value.content); }
 
-/// The whole number that a JSON number's text names, exactly; nothing when it is not whole or does not fit.
+/// Returns the exact integer that the text of a JSON number names; nothing if it is not an integer or does
+/// not fit.
 std::optional<std::int64_t> wholeNumber(std::string_view text) {
   const auto exponentAt = std::min(text.find_first_of("eE"), text.size());
   const auto pointAt = std::min(text.find('.'), exponentAt);

@@ -16,13 +16,13 @@ namespace tarno {
 struct JSONValue;
 class Decoder;
 
-/// How a decoder reads a date from the value that stands for it; throws DecodingError when it cannot.
+/// Reads a date from a JSON value. Throws DecodingError if it cannot.
 using DateDecodingStrategy = std::function<Date(const Decoder&)>;
 
-/// One value of a document while it is read: what it is, and the path that leads to it. Valid only until the
-/// JSONDecoder::decode call that handed it out returns.
+/// A value of the document that is being decoded, with its path. Valid only until the JSONDecoder::decode
+/// call that created it returns.
 ///
-/// A type takes part in decoding by a static member `T decode(const Decoder&)`.
+/// To be decodable, a type has a static member `T decode(const Decoder&)`.
 class Decoder {
  public:
   Decoder(const JSONValue& value, const Decoder* parent, std::string_view key,
@@ -31,8 +31,8 @@ class Decoder {
 
   CodingPath codingPath() const;
 
-  /// This value as T; throws DecodingError, kind typeMismatch when it is of another JSON kind and
-  /// dataCorrupted when it is of the right kind but T cannot hold it.
+  /// Returns this value as a T. Throws DecodingError: typeMismatch if it is of another JSON type,
+  /// dataCorrupted if T cannot hold it.
   template <class T>
   T as() const {
     return T::decode(*this);
@@ -41,10 +41,10 @@ class Decoder {
   /// Throws DecodingError (typeMismatch) unless this value is an object.
   void requireObject() const;
 
-  /// The keys of this object whose values are not null; throws like requireObject().
+  /// Returns the keys of this object whose values are not null. Throws like requireObject().
   std::set<std::string> presentKeys() const;
 
-  /// The value under `key` of this object as T; nothing when the key is missing or its value is null.
+  /// Returns the value of `key` as a T; nothing if the key is missing or its value is null.
   template <class T>
   std::optional<T> decodeIfPresent(std::string_view key) const {
     const JSONValue* const member = find(key);
@@ -52,7 +52,7 @@ class Decoder {
     return Decoder{*member, this, key, dates_}.as<T>();
   }
 
-  /// An error at this value, for a strategy or a type that refuses it.
+  /// Returns an error with the path of this value.
   DecodingError dataCorrupted(std::string debugDescription) const;
 
  private:
@@ -65,31 +65,31 @@ class Decoder {
   const DateDecodingStrategy& dates_;
 };
 
-/// Only true and false.
+/// Decodes true and false.
 template <>
 bool Decoder::as() const;
-/// Any number.
+/// Decodes any number.
 template <>
 double Decoder::as() const;
-/// A number whose value is whole and fits, however it is written: 3, 3.0 and 3e0 are the same number.
+/// Decodes an integer that fits, in any notation: 3, 3.0 and 3e0 are the same.
 template <>
 std::int64_t Decoder::as() const;
 template <>
 std::string Decoder::as() const;
-/// By the JSONDecoder's date strategy.
+/// Decodes a date by the date strategy of the JSONDecoder.
 template <>
 Date Decoder::as() const;
 
-/// Reads JSON (RFC 8259, UTF-8). Of a key that an object holds twice, the last counts. Nesting deeper than
-/// 512 levels and numbers beyond a double's range are refused. One caller at a time; cheap to make.
+/// Reads JSON (RFC 8259, UTF-8). If an object has a key twice, the last value counts. Nesting deeper than 512
+/// levels and numbers outside the range of a double are refused. For one thread at a time; cheap to create.
 class JSONDecoder {
  public:
   explicit JSONDecoder(DateDecodingStrategy dates) : dateDecodingStrategy(std::move(dates)) {}
 
   DateDecodingStrategy dateDecodingStrategy;
 
-  /// The document as a T. Throws DecodingError; text that is not JSON is dataCorrupted with the path where it
-  /// broke.
+  /// Returns the document as a T. Throws DecodingError. Invalid JSON is dataCorrupted with the path of the
+  /// error.
   template <class T>
   T decode(std::string_view json) const {
     T result{};

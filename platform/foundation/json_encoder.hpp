@@ -11,15 +11,15 @@
 
 namespace tarno {
 
-/// One document while it is written. Valid only until the JSONEncoder::encode call that made it returns.
+/// The document that is being written. Valid only until the JSONEncoder::encode call that created it returns.
 ///
-/// A type takes part in encoding by a member `void encode(Encoder&) const`, which writes one value.
+/// To be encodable, a type has a member `void encode(Encoder&) const`, which writes one value.
 class Encoder {
  public:
   void beginObject();
   void endObject();
 
-  /// Writes `value` under `key` into the open object, or nothing at all when it is absent.
+  /// Writes `key` and `value` into the current object, or nothing if `value` is absent.
   template <class T>
   void encodeIfPresent(std::string_view key, const std::optional<T>& value) {
     if (!value) return;
@@ -31,12 +31,12 @@ class Encoder {
   template <class T>
   requires requires(Encoder& encoder, const T& value) { value.encode(encoder); }
   void write(const T& value) { value.encode(*this); }
-  /// Throws EncodingError for a number that is not finite, which JSON cannot write.
+  /// Throws EncodingError for a number that is not finite, because JSON has none.
   void write(double value);
   /// Throws EncodingError for text that is not UTF-8.
   void write(std::string_view value);
-  /// As RFC 3339 in UTC, in whole seconds, the rest cut towards the past. Never fails: a date outside
-  /// earliestDate to latestDate, which has no such form, is written as the nearest one that has.
+  /// Writes RFC 3339 in UTC, in whole seconds, rounded towards the past. A date outside earliestDate to
+  /// latestDate is written as the nearest date inside. Never fails.
   void write(Date value);
   void write(bool value);
   void write(std::int64_t value);
@@ -51,11 +51,11 @@ class Encoder {
   CodingPath path_;
 };
 
-/// Writes JSON (RFC 8259): UTF-8, compact, members in the order in which the type writes them, dates in ISO
-/// 8601. One caller at a time; cheap to make.
+/// Writes JSON (RFC 8259): compact UTF-8, members in the order in which the type writes them, dates in ISO
+/// 8601. For one thread at a time; cheap to create.
 class JSONEncoder {
  public:
-  /// Throws EncodingError for a value that has no JSON form; nothing partial is handed on.
+  /// Returns the JSON of a value. Throws EncodingError if it has none.
   template <class T>
   std::string encode(const T& value) const {
     Encoder encoder;

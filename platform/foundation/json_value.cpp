@@ -9,13 +9,13 @@
 namespace tarno {
 namespace {
 
-/// A JSONValue frees its members recursively, so that its depth must be bounded.
+/// Limits the depth, because destroying a JSONValue is recursive.
 constexpr std::size_t deepestNesting = 512;
 
 std::string notJSON(std::size_t position) { return "not valid JSON near byte " + std::to_string(position); }
 
-/// Gives the calling thread the "C" locale while one lives. The parser reads and keeps numbers with the
-/// decimal point of the thread's locale; JSON's is always '.'.
+/// Sets the locale of the calling thread to "C" for as long as it lives. The parser uses the decimal point of
+/// the locale; JSON always uses '.'.
 class CLocaleScope {
  public:
   CLocaleScope() : previous_(uselocale(cLocale())) {}
@@ -32,8 +32,8 @@ class CLocaleScope {
   locale_t previous_;
 };
 
-/// Builds a JSONValue from the parser's events. It keeps what the parser's own tree drops: the text of a
-/// number, by which a whole number beyond a double's precision can be told exactly.
+/// Builds a JSONValue from the events of the parser. It keeps the text of each number, which the parser's own
+/// tree drops; integers beyond the precision of a double need it.
 class TreeBuilder {
  public:
   using number_integer_t = nlohmann::json::number_integer_t;
@@ -74,7 +74,7 @@ class TreeBuilder {
  private:
   static constexpr int numberOverflow = 406;
 
-  /// A value that is not complete yet, and the key under which its next member goes.
+  /// A value that is not complete yet, and the key of its next member.
   struct Level {
     JSONValue value;
     std::string key;
@@ -129,7 +129,7 @@ class TreeBuilder {
 }  // namespace
 
 JSONValue parseJSON(std::string_view text) {
-  // The parser takes a NUL for the end of its input; JSON has no place for that byte.
+  // The parser takes a NUL for the end of its input, but a NUL is not valid in JSON.
   const auto document = text.substr(0, text.find('\0'));
   const CLocaleScope scope;
   TreeBuilder builder;

@@ -7,7 +7,7 @@
 
 namespace tarno {
 
-/// A JSON document as it was read, numbers with their own text. For the decoder's use only.
+/// A parsed JSON document that keeps the text of its numbers. Only for the decoder.
 struct JSONValue {
   struct Number {
     std::string text;
@@ -25,7 +25,7 @@ struct JSONValue::Member {
   JSONValue value;
 };
 
-/// Throws DecodingError (dataCorrupted) with the path where the text stops being JSON.
+/// Throws DecodingError (dataCorrupted) with the path of the first syntax error.
 JSONValue parseJSON(std::string_view text);
 
 }  // namespace tarno

@@ -10,8 +10,9 @@ namespace {
 
 constexpr const char* fileName = ".defaults.json.queue";
 
-/// Each place is a byte of the file, which who stands there has locked. Nobody overtakes: who moves up locks
-/// the next byte before he unlocks his own. Whoever finds no free place stays without one.
+/// Each place is one byte of the file; the process in that place holds a lock on the byte. A process locks
+/// the next byte before it unlocks its own, so that nobody overtakes. A process that finds no free place
+/// waits without one.
 constexpr int places = 64;
 
 struct flock bytes(short type, int first, int count) {
@@ -31,7 +32,7 @@ SaverQueue::SaverQueue(int folder)
 
 SaverQueue::~SaverQueue() {
   if (!file_) return;
-  // Closing does not unlock while a child process of fork() holds a copy of the descriptor.
+  // Closing the file does not unlock it while a child process from fork() has a copy of the descriptor.
   set(file_, bytes(F_UNLCK, 0, places));
   auto other = bytes(F_WRLCK, 0, places);
   if (fcntl(file_.get(), F_OFD_GETLK, &other) == 0 && other.l_type == F_UNLCK) unlinkat(folder_, fileName, 0);

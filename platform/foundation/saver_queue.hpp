@@ -4,21 +4,21 @@
 
 namespace tarno {
 
-/// A place in the line of those who wait to save in a folder. It lasts as long as this object, and no longer
-/// than the process. It only orders them, the folder's lock keeps them apart: where a line is not possible
-/// (no space for its file, no such locks), everybody is first.
+/// A place in the queue of the processes that wait to save in a folder, held until this object or the process
+/// ends. The queue only orders them; the lock of the folder keeps them apart. Where there can be no queue (no
+/// space for its file, no locks of this kind), every process counts as first.
 class SaverQueue {
  public:
-  /// Whether somebody waits in `folder`.
+  /// Returns whether anybody waits in `folder`.
   static bool exists(int folder);
 
-  /// Joins the end of the line in `folder`, a descriptor that outlives this object.
+  /// Joins the end of the queue in `folder`, a descriptor that must outlive this object.
   explicit SaverQueue(int folder);
   SaverQueue(SaverQueue&&) = default;
-  /// Leaves the line. Who leaves it empty removes its file.
+  /// Leaves the queue. The last one to leave removes its file.
   ~SaverQueue();
 
-  /// Moves up as far as there is room; whether nobody is before this one then.
+  /// Moves up as far as possible. Returns whether this is the first place now.
   bool isFirst();
 
  private:

@@ -19,15 +19,15 @@ namespace {
 
 using std::filesystem::path;
 
-/// Room for a few values of largestDefaultsValue in JSON's longest form.
+/// The maximum size of the file: a few values of largestDefaultsValue in the longest JSON form.
 constexpr std::size_t largestFile = std::size_t{64} << 20;
 
-/// Only who holds the lock makes it, so that one name will do: what a killed saver left is replaced.
+/// Only the lock holder creates it, so one name is enough. It replaces what a killed saver left.
 constexpr const char* temporaryName = ".defaults.json.new";
 
 constexpr const char* rehearsalName = ".defaults.json.rehearsal";
 
-/// Some network file systems lock only files that can be written, which a folder is not.
+/// The lock file for network file systems that only lock writable files, and so no folders.
 constexpr const char* lockName = ".defaults.json.lock";
 
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
@@ -36,7 +36,7 @@ SuiteError unusable(const path& path, const char* reason) {
   return {SuiteError::Kind::unusable, path.string() + ' ' + reason};
 }
 
-/// For a system call that has just failed.
+/// Returns the error of the system call that has just failed.
 SuiteError failure(const std::string& action, const path& path) {
   const int error = errno;
   const auto obstacles = {EACCES, EPERM, EROFS, ENOENT, ENOTDIR, EISDIR, ELOOP, ENAMETOOLONG, EEXIST};
@@ -45,21 +45,21 @@ SuiteError failure(const std::string& action, const path& path) {
           "cannot " + action + ' ' + path.string() + ": " + std::generic_category().message(error)};
 }
 
-/// Whether an error says that the file system lacks what was asked of it: of flock() or fsync() on a folder.
+/// Returns whether `error` means that the file system does not support flock() or fsync() on a folder.
 bool isUnsupported(int error) {
   const auto lacks = {EBADF, EINVAL, ENOLCK, ENOSYS, EOPNOTSUPP};
   return std::find(lacks.begin(), lacks.end(), error) != lacks.end();
 }
 
-/// So that the names in it survive a power cut; false where the file system cannot.
+/// Makes the names in a folder survive a power cut. Returns false where the file system cannot.
 bool synchronizeFolder(int folder, const path& shown) {
   const bool isDone = fsync(folder) == 0;
   if (!isDone && !isUnsupported(errno)) throw failure("write", shown);
   return isDone;
 }
 
-/// What is called `name` in `folder` and `shown` to people, open for reading; none when there is nothing.
-/// Throws unless it may be used as the `kind` S_IFDIR or S_IFREG.
+/// Opens `name` in `folder` for reading; `shown` is its path for messages. Returns no descriptor if it does
+/// not exist. Throws unless it may be used as a `kind` (S_IFDIR or S_IFREG).
 FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_t kind) {
   // Without O_NONBLOCK a FIFO would make the reader wait.
   constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
@@ -77,7 +77,7 @@ FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_
   return file;
 }
 
-/// Makes `directory` and what is missing above it, on the disk; adds what it made to `made`.
+/// Creates `directory` and its missing parents on the disk, and adds what it created to `made`.
 void makeDirectory(const path& directory, std::vector<path>& made) {
   int result = mkdir(directory.c_str(), S_IRWXU);
   if (result != 0 && errno == ENOENT && directory.has_relative_path()) {
@@ -87,8 +87,8 @@ void makeDirectory(const path& directory, std::vector<path>& made) {
   if (result != 0 && errno == EEXIST) return;
   if (result != 0) throw failure("make", directory);
   made.push_back(directory);
-  // The umask may have taken away what the owner needs. Where /proc is missing this is not supported; then
-  // opening says whether it was needed.
+  // The umask may have removed permissions that the owner needs. Without /proc this call is not supported;
+  // then opening the folder shows whether it was needed.
   if (fchmodat(AT_FDCWD, directory.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) != 0 && errno != EOPNOTSUPP)
     throw failure("set the permissions of", directory);
   const auto above = directory.parent_path();
@@ -179,13 +179,13 @@ void SuiteFolder::replaceFile(std::string_view text, const std::optional<std::st
   }
 }
 
-/// The new file is there, but may be gone after a power cut; what is reported as failed must not be seen.
+/// The new file is in place, but a power cut may undo it. What is reported as failed must not be seen.
 void SuiteFolder::putBack(const std::optional<std::string>& old,
                           const std::optional<std::string>& aside) const {
   const int folder = descriptor_.get();
   const auto name = location_.file.filename();
   if (aside) {
-    // Where both are names of one file, renaming does nothing.
+    // renameat() does nothing when both names belong to the same file.
     if (renameat(folder, aside->c_str(), folder, name.c_str()) == 0) unlinkat(folder, aside->c_str(), 0);
   } else if (old) {
     writeTemporary(*old);
@@ -202,7 +202,7 @@ bool SuiteFolder::rehearse(std::string_view text) const {
     if (renameat(folder, temporaryName, folder, rehearsalName) != 0) throw failure("replace", location_.file);
     if (unlinkat(folder, rehearsalName, 0) != 0) throw failure("remove", location_.directory / rehearsalName);
     const bool lasts = synchronize();
-    // The one obstacle that only replacing this file meets.
+    // An immutable file is the one obstacle that only replacing this file meets.
     struct statx found {};
     const bool isThere =
         statx(folder, location_.file.filename().c_str(), AT_SYMLINK_NOFOLLOW, 0, &found) == 0;
@@ -241,7 +241,7 @@ void SuiteFolder::renameTemporary() const {
     throw failure("replace", location_.file);
 }
 
-/// Gives the dated name that it returns to what is called `name`, which keeps this name where it can.
+/// Gives `name` a second, dated name, which it returns. `name` stays where the file system allows two names.
 std::string SuiteFolder::setAside(const std::string& name) const {
   std::string stamp = ISO8601DateFormatter{withInternetDateTime}.string(now());
   std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
@@ -249,7 +249,7 @@ std::string SuiteFolder::setAside(const std::string& name) const {
   const std::string base = name + ".damaged-" + stamp;
   std::string aside = base;
   for (int number = 2; linkat(folder, name.c_str(), folder, aside.c_str(), 0) != 0; ++number) {
-    // A folder has one name, and so has a file on some file systems. Others (NFS) cannot promise not to
+    // A folder has only one name, and so have files on some file systems. Others (NFS) cannot promise not to
     // replace.
     if (errno != EEXIST && renameat2(folder, name.c_str(), folder, aside.c_str(), RENAME_NOREPLACE) == 0)
       break;

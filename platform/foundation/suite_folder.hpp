@@ -13,43 +13,42 @@
 namespace tarno {
 
 /// The folder of a suite, held open. Everything in it is reached through this one descriptor, so that what
-/// was looked at is what is used, whatever happens to the path meanwhile. One thread at a time.
+/// was checked is what is used, even if the path changes meanwhile. For one thread at a time.
 ///
-/// A folder or a file that belongs to another user, is a symbolic link, is not of its kind or can be written
-/// by group or others is not used. Members throw SuiteError.
+/// A folder or a file is refused if it belongs to another user, is a symbolic link, is of another type, or is
+/// writable by group or others. Members throw SuiteError.
 class SuiteFolder {
  public:
   SuiteFolder(SuiteFolder&&) = default;
-  /// Gives the lock back, even where a child process of fork() still holds a copy of the descriptor.
+  /// Unlocks the folder, even if a child process from fork() still has a copy of the descriptor.
   ~SuiteFolder();
 
-  /// Nothing when there is none.
+  /// Opens the folder. Returns nothing if it does not exist.
   static std::optional<SuiteFolder> find(const SuiteLocation& location);
 
-  /// Makes it, and what is missing above it, with mode 0700 whatever the umask; adds the folders that it made
-  /// to `made`, the innermost last, also where it throws then.
+  /// Opens the folder, and first creates it and its missing parents with mode 0700, whatever the umask is.
+  /// Adds the created folders to `made`, outermost first, even when it throws.
   static SuiteFolder findOrMake(const SuiteLocation& location, std::vector<std::filesystem::path>& made);
 
-  /// Whether the path still leads to this folder.
+  /// Returns whether the path still leads to this folder.
   bool isInPlace() const;
 
-  /// Takes the lock that keeps those who save apart, until this object goes; false when another has it, or
-  /// is to have it first. Those who try again take turns.
+  /// Takes the lock that keeps savers apart, until this object is destroyed. Returns false if another saver
+  /// has it or is waiting in front. Callers that try again take turns.
   bool tryLock();
 
-  /// The content of the file, or nothing when there is none. Needs no lock and waits for nobody, because a
-  /// save never writes into a file that has its name.
+  /// Returns the content of the file, or nothing if there is none. Needs no lock and never waits, because a
+  /// save never modifies the file in place.
   std::optional<std::string> readFile() const;
 
-  /// Puts a new file with `text` in the place of the old one, which gets another name when `isDamaged`; the
-  /// file and its name are on the disk afterwards. When this throws, readers find `old` again, or no file
-  /// where there is none. At every moment between they find the one or the other. Throws for a text that is
-  /// larger than readers accept. Needs the lock.
+  /// Replaces the file with a new one that holds `text`, and syncs the file and the folder. If `isDamaged`,
+  /// the old file gets another name. At every moment readers find either the old file or the new one. If this
+  /// throws, they find `old`, or no file if there was none. Throws for a text that is larger than readers
+  /// accept. Needs the lock.
   void replaceFile(std::string_view text, const std::optional<std::string>& old, bool isDamaged) const;
 
-  /// Does what replaceFile() does, but under a name that means nothing, which it removes, also where it
-  /// throws. Whether a save would survive a power cut: not every file system can sync a folder. Needs the
-  /// lock.
+  /// Does what replaceFile() does, but with a file of another name, which it always removes. Returns whether
+  /// a save would survive a power cut; not every file system can sync a folder. Needs the lock.
   bool rehearse(std::string_view text) const;
 
  private:
@@ -65,7 +64,7 @@ class SuiteFolder {
 
   SuiteLocation location_;
   FileDescriptor descriptor_;
-  FileDescriptor lockFile_;  ///< where the folder cannot be locked
+  FileDescriptor lockFile_;  ///< used where the folder itself cannot be locked
   std::optional<SaverQueue> queue_;
   bool isLocked_ = false;
 };

@@ -17,12 +17,12 @@ namespace {
 
 using namespace std::chrono;
 
-/// How long a save waits for others, in all.
+/// How long a save waits for the lock, in all.
 constexpr milliseconds patience{2000};
-constexpr milliseconds pause{2};  ///< between two looks
+constexpr milliseconds pause{2};  ///< between two attempts
 
 struct Content {
-  std::optional<std::string> text;  ///< of the file; nothing when there is none
+  std::optional<std::string> text;  ///< of the file; nothing if there is none
   DefaultsValues values;
   std::optional<std::string> damage;
 };
@@ -43,9 +43,9 @@ Content readSuite(const SuiteLocation& location) {
   return folder ? readContent(*folder) : Content{};
 }
 
-/// Does `work` in the folder while no one else saves. A folder that turns out to have been removed or
-/// replaced does not count: the work is done once more in the one that the path leads to by then. Adds the
-/// folders that it made to `made`.
+/// Calls `work` with the locked folder. If the folder turns out to have been removed or replaced, the call
+/// did not count, and `work` is called again with the folder that the path leads to by then. Adds the folders
+/// that it created to `made`.
 template <class Work>
 void inLockedFolder(const SuiteLocation& location, std::vector<std::filesystem::path>& made, Work work) {
   const auto end = steady_clock::now() + patience;
@@ -66,13 +66,13 @@ void inLockedFolder(const SuiteLocation& location, std::vector<std::filesystem::
   throw SuiteError{SuiteError::Kind::busy, location.directory.string() + " is locked by another program"};
 }
 
-/// Puts `changes` into `content`, and returns the text of a file that holds both. Throws EncodingError.
+/// Adds `changes` to `content` and returns the text of the file. Throws EncodingError.
 std::string apply(const DefaultsValues& changes, Content& content) {
   for (const auto& [key, value] : changes) content.values.insert_or_assign(key, value);
   return encodeDefaults(content.values);
 }
 
-/// What the suite holds afterwards. Throws EncodingError, too.
+/// Returns what the suite holds afterwards. Also throws EncodingError.
 DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes) {
   DefaultsValues values;
   std::vector<std::filesystem::path> made;
@@ -85,7 +85,7 @@ DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes
   return values;
 }
 
-/// Folders that go with this object, as far as they are empty; the innermost last.
+/// Folders, outermost first, that are removed with this object if they are empty.
 struct PassingFolders {
   ~PassingFolders() {
     for (auto path = paths.rbegin(); path != paths.rend(); ++path) rmdir(path->c_str());
@@ -93,7 +93,7 @@ struct PassingFolders {
   std::vector<std::filesystem::path> paths;
 };
 
-/// Does `work`; what cannot be encoded is a SuiteError.
+/// Calls `work` and turns an EncodingError into a SuiteError.
 template <class Work>
 void withSuiteErrors(Work work) {
   try {
@@ -125,7 +125,7 @@ class SuiteStore final : public UserDefaults {
       pending_.clear();
       return true;
     } catch (const EncodingError&) {
-      pending_.clear();  // a part of it would give an old record a new date
+      pending_.clear();  // saving a part of it would give an old record a new date
     } catch (const SuiteError&) {
       if (pending_.empty()) stored_.clear();  // what cannot be read counts as missing
     }

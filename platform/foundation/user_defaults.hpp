@@ -9,37 +9,36 @@
 
 namespace tarno {
 
-/// A store of typed values under text keys. Nothing here throws for what the store holds or for what the disk
-/// does: what cannot be read counts as missing, what cannot be written makes synchronize() answer false.
+/// A store of typed values by key. Its members throw nothing because of the content of the store or because
+/// of the disk: what cannot be read counts as missing, and synchronize() returns false if it cannot write.
 class UserDefaults {
  public:
   virtual ~UserDefaults() = default;
   UserDefaults(const UserDefaults&) = delete;
   UserDefaults& operator=(const UserDefaults&) = delete;
 
-  /// The value under `key`, of whatever type, or nothing.
+  /// Returns the value of `key`, of any type, or nothing.
   virtual std::optional<DefaultsValue> object(std::string_view key) const = 0;
 
-  /// The bytes under `key`; nothing when the key is missing or holds a value of another type.
+  /// Returns the data of `key`; nothing if the key is missing or has another type.
   std::optional<Data> data(std::string_view key) const;
 
-  /// The text under `key`; nothing when the key is missing or holds a value of another type.
+  /// Returns the text of `key`; nothing if the key is missing or has another type.
   std::optional<std::string> string(std::string_view key) const;
 
-  /// Stores `value` under `key`, replacing what was there. Other processes see it after synchronize().
+  /// Sets the value of `key`. Other processes see it after synchronize().
   virtual void set(std::string_view key, DefaultsValue value) = 0;
 
-  /// Writes what was set; false when it could not be written. It is then kept and written by the next call
-  /// that can, unless it has a value that cannot be stored: then all of it is dropped.
+  /// Writes what was set. Returns false if it could not be written; then it is kept for the next call, unless
+  /// one of its values cannot be stored: then all of it is dropped.
   virtual bool synchronize() = 0;
 
-  /// The process's own store: in memory, one per process, not shared with others, gone when the process ends.
-  /// Always available; any thread may use it.
+  /// The process's own store: in memory, not shared, gone when the process ends. Always available. Any
+  /// thread.
   static std::shared_ptr<UserDefaults> standard();
 
-  /// A new handle on the store that every process of this user shares under `name` (see suite_store.hpp for
-  /// where it lives and how it behaves), or null when it cannot be opened. A handle belongs to one thread at
-  /// a time.
+  /// Returns a new handle to the store that all processes of this user share under `name` (see
+  /// suite_store.hpp), or null if it cannot be opened. A handle is for one thread at a time.
   static std::shared_ptr<UserDefaults> suite(std::string_view name);
 
  protected:

@@ -10,7 +10,9 @@ CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
   auto* const file = save.add_option("FILE", options.file, "File with the record (default: standard input)");
   auto* const date = program::addDateOption(save, "--received-at", options.receivedAt,
                                             "When the report was received (default: now)");
-  save.add_option("--mirror-key", options.mirrorKey, "Also store this text, which only your own programs read")->type_name("KEY");
+  save.add_option("--mirror-key", options.mirrorKey,
+                  "Also store this text, which only your own programs read")
+      ->type_name("KEY");
   auto* const follow =
       save.add_flag(
               "--follow", options.isFollowing,
@@ -30,8 +32,7 @@ CLI::App& addSave(CLI::App& app, status::SaveOptions& options) {
 
 CLI::App& addCheck(CLI::App& app, std::optional<TarnoMacStatus>& expected) {
   auto& check = *app.add_subcommand(
-      "check",
-      "Exit with 0 if the last report is fresh, 1 if not, 69 if it cannot be read; print nothing");
+      "check", "Exit with 0 if the last report is fresh, 1 if not, 69 if it cannot be read; print nothing");
   const auto read = [&expected](const std::string& text) {
     expected = TarnoMacStatus::fromRawValue(text);
     if (!expected)

@@ -11,7 +11,7 @@ std::optional<std::int64_t> ageSeconds(std::optional<tarno::Date> receivedAt, ta
 }
 
 tarno::Date staleFrom(tarno::Date receivedAt) {
-  // Ages count in whole seconds, so that the limit is exceeded at the next one.
+  // Ages are whole seconds: the limit is exceeded one second later.
   const tarno::TimeInterval firstStaleAge{std::floor(localStaleAfter.count()) + 1};
   return tarno::addingTimeInterval(receivedAt, firstStaleAge);
 }

@@ -5,8 +5,7 @@
 #include "tarno/foundation/date.hpp"
 #include "tarno/shared/model/status_snapshot.hpp"
 
-/// What loading hands out: a status report and the local moment at which it was received, where that is
-/// known.
+/// A loaded status report and, if it is known, the local date of its receipt.
 struct TarnoStoredMacStatus {
   TarnoMacStatusSnapshot snapshot;
   std::optional<tarno::Date> receivedAt;

@@ -12,15 +12,17 @@ namespace {
 
 using CodePoints = std::vector<utf8proc_int32_t>;
 
-/// Below U+0300, the first combining mark, no two different texts are equivalent. Its first byte is 0xCC.
+/// Two different texts can be equivalent only from U+0300 on, the first combining mark. Its first byte is
+/// 0xCC.
 bool mayHaveOtherForms(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
 }
 
 int combiningClass(utf8proc_int32_t codePoint) { return utf8proc_get_property(codePoint)->combining_class; }
 
-/// The canonical ordering of Unicode Standard Annex #15: every run of combining marks by class, marks of one
-/// class in the order in which they stand. The library's own takes time in the square of a run's length.
+/// Applies the canonical ordering of Unicode Standard Annex #15: sorts each run of combining marks by class
+/// and keeps the order within a class. The library's own function takes quadratic time in the length of a
+/// run.
 void sortCombiningMarks(CodePoints& text) {
   const auto isMark = [](auto codePoint) { return combiningClass(codePoint) != 0; };
   for (auto first = text.begin(); (first = std::find_if(first, text.end(), isMark)) != text.end();) {
@@ -31,7 +33,7 @@ void sortCombiningMarks(CodePoints& text) {
   }
 }
 
-/// The canonical decomposition (NFD) of UTF-8; nothing for what is not UTF-8.
+/// Returns the canonical decomposition (NFD) of UTF-8; nothing if the text is not UTF-8.
 std::optional<CodePoints> decomposed(std::string_view text) {
   CodePoints result;
   result.reserve(text.size());

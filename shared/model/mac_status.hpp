@@ -12,8 +12,8 @@ class Decoder;
 class Encoder;
 }  // namespace tarno
 
-/// The lock state of the user's Mac as the companion application reports it. `unknown` is a state that a
-/// writer may report; where a status is optional, its absence is something else.
+/// The lock state of the user's Mac as the companion reports it. `unknown` is a state that a companion may
+/// report; an absent status means something else.
 class TarnoMacStatus {
  public:
   enum Case : std::uint8_t { locked, unlocked, locking, unknown };
@@ -24,20 +24,20 @@ class TarnoMacStatus {
   /// In declaration order.
   static const std::array<TarnoMacStatus, 4> allCases;
 
-  /// The case whose raw value is `text`, byte for byte; nothing for every other text.
+  /// Returns the case whose raw value is exactly `text`; nothing for any other text.
   static std::optional<TarnoMacStatus> fromRawValue(std::string_view text);
 
-  /// The only form in which a status leaves the process: "locked", "unlocked", "locking", "unknown".
+  /// The external form of a status: "locked", "unlocked", "locking", "unknown".
   std::string_view rawValue() const;
 
-  /// In English, for people: "Locked" and so on.
+  /// The English text for people: "Locked" and so on.
   std::string_view displayName() const;
 
   /// Writes one JSON string, the raw value.
   void encode(tarno::Encoder& encoder) const;
 
-  /// Reads it. Throws tarno::DecodingError: typeMismatch for what is not a string, dataCorrupted for any text
-  /// but a raw value.
+  /// Reads the raw value. Throws tarno::DecodingError: typeMismatch if the value is not a string,
+  /// dataCorrupted for any other text.
   static TarnoMacStatus decode(const tarno::Decoder& decoder);
 
  private:

@@ -6,12 +6,12 @@
 
 #include "tarno/shared/model/status_snapshot.hpp"
 
-/// What is displayed for people about a report, or where there is none.
+/// The texts that people see about a report, or about a missing one.
 namespace TarnoStatusDisplay {
 
-/// The status line where there is no report.
+/// The status line if there is no report.
 inline constexpr std::string_view noStatus = "No status";
-/// The detail line where nothing explains the status.
+/// The detail line if nothing explains the status.
 inline constexpr std::string_view waiting = "Waiting for Tarno status.";
 
 /// The report's own line, or noStatus.
@@ -20,11 +20,11 @@ std::string statusLine(const std::optional<TarnoMacStatusSnapshot>& report);
 /// The report's own line, or `waiting`.
 std::string detailLine(const std::optional<TarnoMacStatusSnapshot>& report);
 
-/// The name of the Mac that `report` is about; "Mac" when there is no report or it names none.
+/// Returns the name of the Mac in `report`; "Mac" if there is no report or no name in it.
 std::string deviceName(const std::optional<TarnoMacStatusSnapshot>& report);
 
-/// The strongest sign of a person that `report` holds: "Face seen", "Watch near", or "Presence quiet" when it
-/// holds neither or there is no report. How old the report is does not matter.
+/// Returns the strongest sign of presence in `report`: "Face seen", "Watch near", or "Presence quiet" if
+/// there is neither or no report. The age of the report does not matter.
 std::string presence(const std::optional<TarnoMacStatusSnapshot>& report);
 
 }  // namespace TarnoStatusDisplay

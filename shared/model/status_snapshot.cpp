@@ -21,7 +21,7 @@ struct Field {
   std::optional<Value> Snapshot::*member;
 };
 
-/// The record's fields in order. Coding and equality follow this table.
+/// The fields of the record, in order. Coding and equality use this table.
 constexpr std::tuple fields{Field{"schema", &Snapshot::schema},
                             Field{"app", &Snapshot::app},
                             Field{"event", &Snapshot::event},

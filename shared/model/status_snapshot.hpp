@@ -9,9 +9,8 @@
 #include "tarno/foundation/date.hpp"
 #include "tarno/shared/model/mac_status.hpp"
 
-/// One status report about the user's Mac. In its JSON form, schema "tarno.remote.v1", it is what the
-/// companion application and the widget exchange. Every field is optional and starts absent. Copies are
-/// independent; any thread.
+/// A status report about the user's Mac. As JSON (schema "tarno.remote.v1") the companion and the widget
+/// exchange it. Every field is optional and absent at first. A value type; any thread.
 struct TarnoMacStatusSnapshot {
   std::optional<std::string> schema;      ///< the record format; not checked when reading
   std::optional<std::string> app;         ///< the writing application
@@ -30,37 +29,37 @@ struct TarnoMacStatusSnapshot {
   std::optional<std::int64_t> ageSeconds;  ///< of the status
   std::optional<std::string> message;      ///< a text for people, second to `reason`
 
-  /// The record's keys: the JSON names of the sixteen fields, in field order.
+  /// The keys of the record: the sixteen JSON names, in the order of the fields.
   struct CodingKeys {
     static const std::array<std::string_view, 16> all;
   };
 
-  /// `stale` is present and true.
+  /// Returns whether `stale` is present and true.
   bool isStale() const { return stale.value_or(false); }
 
-  /// The status that counts: unknown when stale or absent.
+  /// Returns the status to show: unknown if the report is stale or has no status.
   TarnoMacStatus resolvedStatus() const;
 
-  /// The status in a word or two, for people.
+  /// Returns the status in one or two words, for people.
   std::string statusLine() const;
 
-  /// One line that explains the status: why it is stale, or the reason, the message or a fixed text.
+  /// Returns one line that explains the status: why it is stale, or the reason, the message or a fixed text.
   std::string detailLine() const;
 
-  /// A copy judged by the local clock: its age counted from `receivedAt`, and `stale` set when that age in
-  /// whole seconds exceeds `staleAfter`. A stale snapshot is never made fresh. Without `receivedAt` the copy
+  /// Returns a copy judged by the local clock: its age counts from `receivedAt`, and `stale` is set if the
+  /// age in whole seconds exceeds `staleAfter`. A stale snapshot stays stale. Without `receivedAt` the copy
   /// is unchanged.
   TarnoMacStatusSnapshot withLocalFreshness(std::optional<tarno::Date> receivedAt, tarno::Date now,
                                             tarno::TimeInterval staleAfter) const;
 
-  /// Field by field: texts by Unicode canonical equivalence, everything else exactly.
+  /// Compares all fields: texts by Unicode canonical equivalence, everything else exactly.
   bool operator==(const TarnoMacStatusSnapshot& other) const;
 
   /// Writes one JSON object; absent fields are left out. Throws tarno::EncodingError for an
   /// `inputIdleSeconds` that is not finite and for a text that is not UTF-8.
   void encode(tarno::Encoder& encoder) const;
 
-  /// Reads one JSON object: a missing key and a null leave the field absent, other keys are ignored. Throws
+  /// Reads one JSON object. A missing key or a null leaves the field absent; other keys are ignored. Throws
   /// tarno::DecodingError for the first field that does not fit.
   static TarnoMacStatusSnapshot decode(const tarno::Decoder& decoder);
 };

@@ -39,7 +39,8 @@ void reportFallbackOnce() {
 
 using Entry = std::pair<std::string_view, tarno::DefaultsValue>;
 
-/// What a report is saved as, in the order in which it is written. Throws EncodingError.
+/// Returns the values that a report is saved as, in the order in which they are written. Throws
+/// EncodingError.
 std::vector<Entry> entriesOf(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
                              const std::optional<std::string>& mirrorKey) {
   std::vector<Entry> entries{{lastStatus, tarno::Data{TarnoJSON::encoder().encode(snapshot)}},
@@ -56,7 +57,7 @@ std::optional<Date> storedReceiptDate(const UserDefaults& store) {
   return date != nullptr ? std::optional{*date} : std::nullopt;
 }
 
-/// The snapshot in the record; without one, `fault` says why where there is anything at all.
+/// Returns the snapshot in the record. If there is none although something is stored, `fault` says why.
 std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store, std::string& fault) {
   const auto record = store.data(lastStatus);
   if (!record) {
@@ -74,7 +75,7 @@ std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store, st
   }
 }
 
-/// A record with no more in it than the plain value tells. Without a receipt date nothing says how old it is.
+/// Returns a snapshot that holds only the plain value. Without a date of receipt its age is unknown.
 std::optional<TarnoMacStatusSnapshot> snapshotOfPlainValue(const UserDefaults& store,
                                                            std::optional<Date> receivedAt) {
   const auto value = store.string(lastStatusValue);
