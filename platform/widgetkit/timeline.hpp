@@ -11,16 +11,16 @@ namespace widgetkit {
 
 enum class WidgetFamily { systemSmall, systemMedium, systemLarge };
 
-/// The name that a family goes by in code.
+/// Returns the name of a family as it is written in code.
 std::string_view name(WidgetFamily family);
 
-/// What a host tells a provider about a request.
+/// The context that a host passes to a provider with a request.
 struct TimelineProviderContext {
   WidgetFamily family = WidgetFamily::systemMedium;
   bool isPreview = false;  ///< the entry is for a gallery, not for the desktop
 };
 
-/// When the host is to ask for the next timeline.
+/// When the host should ask for the next timeline.
 struct TimelineReloadPolicy {
   tarno::Date date;
 
@@ -38,7 +38,7 @@ struct Timeline {
   TimelineReloadPolicy policy;
 };
 
-/// What answers a host's requests. A completion is called exactly once, on the caller's thread, before the
+/// Answers the requests of a host. A completion is called exactly once, on the caller's thread, before the
 /// operation returns.
 template <class T>
 concept TimelineProvider = TimelineEntry<typename T::Entry> &&

@@ -10,25 +10,25 @@
 
 namespace widgetkit {
 
-/// What the host installs for a view to look up while it is drawn.
+/// Values that the host provides to a view while the view is drawn.
 struct EnvironmentValues {
   WidgetFamily widgetFamily = WidgetFamily::systemMedium;
 };
 
-/// The key of a text that a host may have in the user's language; shown itself where there is none.
+/// The key of a text that a host may translate; shown itself if there is no translation.
 struct LocalizedStringKey {
   std::string key;
 };
 
-/// The view of an entry. It is made from the entry alone; its body is built anew, in the environment of the
-/// host, each time the entry is drawn, and may read the clock.
+/// The view of an entry. Its body is built anew from the entry and the environment of the host each time the
+/// entry is drawn, and may read the clock.
 template <class T, class Entry>
 concept EntryView = requires(const Entry& entry, const EnvironmentValues& environment) {
   { T{entry}.body(environment) } -> std::same_as<ui::View>;
 };
 
-/// What a widget without options for the user tells the host: its kind, the provider of its entries, the view
-/// of an entry (a `Content`), its texts and its sizes. Each modifier returns a changed copy.
+/// The configuration of a widget without options for the user: its kind, the provider of its entries, the
+/// view of an entry (`Content`), its texts and its sizes. Each modifier returns a changed copy.
 template <TimelineProvider Provider, EntryView<typename Provider::Entry> Content>
 struct StaticConfiguration {
   using Entry = typename Provider::Entry;
@@ -54,13 +54,13 @@ struct StaticConfiguration {
     return changed;
   }
 
-  /// Builds what `entry` looks like now.
+  /// Returns the view of `entry` at this moment.
   ui::View content(const Entry& entry, const EnvironmentValues& environment) const {
     return Content{entry}.body(environment);
   }
 };
 
-/// Asks the widget's provider for an entry to show now, or in a gallery.
+/// Asks the provider of the widget for one entry, to show now or in a gallery.
 template <class Provider, class Content>
 typename Provider::Entry snapshot(const StaticConfiguration<Provider, Content>& widget,
                                   const TimelineProviderContext& context) {
@@ -69,7 +69,7 @@ typename Provider::Entry snapshot(const StaticConfiguration<Provider, Content>& 
   return answer;
 }
 
-/// Asks the widget's provider for entries, and when to ask again.
+/// Asks the provider of the widget for a timeline: entries, and when to ask again.
 template <class Provider, class Content>
 Timeline<typename Provider::Entry> timeline(const StaticConfiguration<Provider, Content>& widget,
                                             const TimelineProviderContext& context) {

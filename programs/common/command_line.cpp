@@ -13,8 +13,8 @@
 namespace program {
 namespace {
 
-/// What this program opens could become a standard descriptor that is closed, and get what others write
-/// there. In its place is now one that still cannot be read from or written to.
+/// Opens a standard descriptor that is closed, for neither reading nor writing. Otherwise a file that this
+/// program opens could take its number and receive what is written there.
 void fillStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -24,7 +24,7 @@ void fillStandardDescriptors() {
 
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command) {
   fillStandardDescriptors();
-  // A write beyond the limit on file sizes then fails like any other, and what was begun is cleaned up.
+  // Writing beyond the limit on file sizes then fails like any other write, and the clean-up runs.
   std::signal(SIGXFSZ, SIG_IGN);
   app.set_version_flag("--version", std::string{program_invocation_short_name} + " " + TARNO_VERSION);
   try {
@@ -48,7 +48,7 @@ int run(CLI::App& app, int argc, char** argv, const std::function<int()>& comman
 }
 
 std::function<std::string(const std::string&)> numberFrom(double least, double most) {
-  // CLI::Range would let NaN pass.
+  // CLI::Range accepts NaN.
   return [=](const std::string& text) -> std::string {
     double number = 0;
     const auto end = text.data() + text.size();

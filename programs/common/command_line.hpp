@@ -8,16 +8,16 @@
 
 namespace program {
 
-/// Parses the arguments into `app`, then calls `command`; the program's main ends with what this returns.
-/// Help is printed for --help, the program's name and version for --version, and the code is 0; a wrong
-/// command line is one line on standard error and EX_USAGE. An exception of `command` is one line on standard
-/// error and the code that currentFailure() gives it.
+/// Parses the arguments into `app`, then calls `command`. Returns the exit code for main. --help prints the
+/// help and --version prints the name and the version; both return 0. A wrong command line prints one line on
+/// standard error and returns EX_USAGE. An exception of `command` prints one line on standard error and
+/// returns the code of currentFailure().
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command);
 
-/// A check for an option that takes a number from `least` to `most`, written with a decimal point.
+/// Returns a check for an option that takes a decimal number from `least` to `most`.
 std::function<std::string(const std::string&)> numberFrom(double least, double most);
 
-/// Sets an example line that --help ends with.
+/// Sets the example at the end of --help.
 void setExample(CLI::App& app, const std::string& example);
 
 }  // namespace program

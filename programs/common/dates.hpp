@@ -9,18 +9,18 @@
 
 namespace program {
 
-/// An option that takes an RFC 3339 date-time, with or without a fraction of a second.
+/// Adds an option that takes an RFC 3339 date-time, with or without a fraction of a second.
 CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional<tarno::Date>& date,
                            const std::string& description);
 
-/// --at DATE, for commands that read the clock: while the command runs, the clock stands still there.
+/// The option --at DATE, for commands that read the clock: it freezes the clock at that date.
 class ClockOption {
  public:
-  /// Adds the option to each of `commands`; this object outlives them.
+  /// Adds the option to each of `commands`. This object must outlive them.
   explicit ClockOption(std::initializer_list<CLI::App*> commands);
   explicit ClockOption(CLI::App& command) : ClockOption({&command}) {}
 
-  /// Stops the clock when the option was given. Call once, after the arguments were parsed.
+  /// Freezes the clock if the option was given. Call it once, after parsing.
   void apply();
 
  private:
@@ -28,7 +28,8 @@ class ClockOption {
   std::optional<tarno::ClockOverride> override_;
 };
 
-/// RFC 3339 in UTC, with milliseconds unless they are zero; the nearest date that has this form.
+/// Returns RFC 3339 in UTC, with milliseconds unless they are zero; a date outside the years 0001 to 9999
+/// becomes the nearest one inside.
 std::string dateText(tarno::Date date);
 
 }  // namespace program

@@ -8,11 +8,11 @@
 
 namespace program {
 
-/// `text` made printable; in more than 1000 bytes an ellipsis takes the place of the middle.
+/// Returns `text` made printable. If it is longer than 1000 bytes, an ellipsis replaces the middle.
 std::string errorLine(std::string_view text);
 
-/// Why a program cannot do what was asked: one printable line for people, and the code that the program ends
-/// with (sysexits.h).
+/// Thrown when a program cannot do what was asked. It has one printable line for people, and the exit code
+/// (sysexits.h).
 class Failure : public std::runtime_error {
  public:
   Failure(int exitCode, const std::string& line) : runtime_error(errorLine(line)), exitCode_(exitCode) {}
@@ -23,11 +23,11 @@ class Failure : public std::runtime_error {
   int exitCode_;
 };
 
-/// The exception being handled, as a Failure: a Failure as it is, out of memory and what the system refused
-/// (std::system_error) as EX_OSERR, any other as EX_SOFTWARE. Call it in a catch block.
+/// Returns the exception that is being handled as a Failure. Out of memory and errors of the system
+/// (std::system_error) become EX_OSERR; any other exception becomes EX_SOFTWARE. Call it in a catch block.
 Failure currentFailure();
 
-/// One line on standard error: the program's name, then errorLine(line).
+/// Prints one line on standard error: the program's name, then errorLine(line).
 void complain(const std::string& line);
 
 }  // namespace program

@@ -19,20 +19,20 @@ namespace {
 using std::filesystem::path;
 using tarno::FileDescriptor;
 
-constexpr int mostLinks = 40;  // as for the kernel, path_resolution(7)
+constexpr int mostLinks = 40;  // the limit of the kernel, path_resolution(7)
 
 Failure cannotCreate(const path& path, const std::string& reason) {
   return {EX_CANTCREAT, "cannot create " + path.string() + ": " + reason};
 }
 
-/// As fs.protected_symlinks has it, which is not set everywhere.
+/// The rule of the kernel's fs.protected_symlinks, which is not enabled everywhere.
 bool mayBeFollowed(const struct stat& link, int folder) {
   struct stat around {};
   if (link.st_uid == geteuid() || link.st_uid == 0) return true;
   return fstat(folder, &around) == 0 && (around.st_mode & (S_ISVTX | S_IWOTH)) == 0;
 }
 
-/// What the link leads to; errno says why it is empty.
+/// Returns the target of the link. If it is empty, errno says why.
 path readLink(const FileDescriptor& link) {
   std::array<char, PATH_MAX> target{};
   const ssize_t length = readlinkat(link.get(), "", target.data(), target.size());
@@ -47,7 +47,8 @@ FilePlace findPlace(const path& path) {
   FileDescriptor folder{open(path.is_absolute() ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC)};
   if (!folder) throw failed();
   for (int links = 0; !rest.empty();) {
-    const auto name = rest.front().empty() ? "." : rest.front();  // empty after a slash at the end
+    const auto name =
+        rest.front().empty() ? "." : rest.front();  // there is an empty name after a trailing slash
     rest.pop_front();
     FileDescriptor item{openat(folder.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)};
     struct stat found {};

@@ -7,16 +7,16 @@
 
 namespace program {
 
-/// Where a path leads: a name in a folder that is held open, so that nobody can lead it elsewhere afterwards.
+/// Where a path leads: a name in an open folder, so that nobody can redirect it afterwards.
 struct FilePlace {
   tarno::FileDescriptor folder;  ///< opened with O_PATH
-  std::string name;              ///< names no symbolic link
-  tarno::FileDescriptor item;    ///< what has the name, opened with O_PATH; none where nothing has it
+  std::string name;              ///< not the name of a symbolic link
+  tarno::FileDescriptor item;  ///< the file of this name, opened with O_PATH; no descriptor if there is none
 };
 
-/// Follows `path` and every link on its way; the last may lead to nothing. A link in a folder that is sticky
-/// or that everybody can write must be root's or ours: anybody can put one there. Throws Failure
-/// (EX_CANTCREAT).
+/// Follows `path` and every link in it; the last link may lead to a file that does not exist. A link in a
+/// sticky or world-writable folder must belong to root or to this user, because anybody can create one there.
+/// Throws Failure (EX_CANTCREAT).
 FilePlace findPlace(const std::filesystem::path& path);
 
 }  // namespace program

@@ -29,7 +29,7 @@ mode_t currentUmask() {
   return mask;
 }
 
-/// "/proc/self/fd/N": a path to what a descriptor leads to, also where it was opened with O_PATH.
+/// Returns "/proc/self/fd/N", a path to an open file, even if it was opened with O_PATH.
 std::string pathOf(const FileDescriptor& file) { return "/proc/self/fd/" + std::to_string(file.get()); }
 
 void writeDirectly(const FilePlace& place, const std::filesystem::path& path, std::string_view bytes) {
@@ -38,9 +38,9 @@ void writeDirectly(const FilePlace& place, const std::filesystem::path& path, st
   if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
 }
 
-/// The permissions for `file`, which takes the place of another: those of the old one where they mean the
-/// same. Another user chose the mode of his file for himself, beside an access list the bits of the group
-/// have another sense, and another group gets what everybody has.
+/// Returns the permissions for `file`, which replaces another file. They are those of the old file if it
+/// belongs to this user and has no access list (which changes the meaning of the group's bits). If the new
+/// file has another group, that group gets the permissions of everybody.
 mode_t modeFor(const FileDescriptor& file, const FilePlace& place) {
   struct stat old {};
   struct stat made {};
@@ -58,11 +58,11 @@ std::string temporaryName() {
   return ".tarno-" + std::to_string(random()) + std::to_string(random());
 }
 
-/// Through a new file, which then takes the name. Not synced: what is written here can be made again.
+/// Writes a new file and renames it. Does not sync it, because whatever is written here can be created again.
 void replaceFile(const FilePlace& place, const std::filesystem::path& path, std::string_view bytes) {
   const int folder = place.folder.get();
   const auto temporary = temporaryName();
-  // A file without a name is gone when the program is killed. Not every file system has them.
+  // An unnamed file disappears when the program is killed. Not every file system supports it.
   constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
   FileDescriptor file{openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, ownerOnly)};
   bool hasName = !file;

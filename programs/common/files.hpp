@@ -7,16 +7,15 @@
 
 namespace program {
 
-/// The whole of a file, or of standard input for "-". Throws Failure: EX_NOINPUT when it cannot be opened or
-/// read, EX_DATAERR when it is larger than `limit` bytes.
+/// Returns the content of a file, or of standard input for "-". Throws Failure: EX_NOINPUT if it cannot be
+/// opened or read, EX_DATAERR if it is larger than `limit` bytes.
 std::string readFile(const std::filesystem::path& path, std::size_t limit);
 
-/// Makes or replaces the file at `path`, whole or not at all: a reader sees the old content or the new one,
-/// and a failure leaves the old one (a power cut may leave neither). The permissions of a file of ours are
-/// kept, without set-user-ID and the like; any other file is replaced by one with those of the umask. A link
-/// is followed, unless another user could have put it there (see findPlace()); what is not a regular file (a
-/// pipe, a device) is written directly. Throws Failure: EX_CANTCREAT when nothing can be made there, EX_IOERR
-/// when writing fails.
+/// Creates or replaces the file at `path` atomically: a reader sees the old or the new content, and an error
+/// leaves the old one (a power cut may lose both). Keeps the permissions of a file that belongs to this user,
+/// without set-user-ID and the like; any other file gets those of the umask. Follows a link unless another
+/// user could have created it (see findPlace()). Writes directly to what is not a regular file, such as a
+/// pipe or a device. Throws Failure: EX_CANTCREAT if the file cannot be created, EX_IOERR if writing fails.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace program

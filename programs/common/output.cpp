@@ -16,8 +16,8 @@ namespace {
 
 int output = STDOUT_FILENO;
 
-/// The character that `text` begins with and how many bytes it takes; where they are not UTF-8 (RFC 3629,
-/// section 4), nothing and one byte.
+/// Returns the first character of `text` and its length in bytes; nothing and 1 if it is not UTF-8 (RFC 3629,
+/// section 4).
 std::pair<std::optional<char32_t>, std::size_t> firstCharacter(std::string_view text) {
   constexpr std::pair<std::nullopt_t, std::size_t> invalid{std::nullopt, 1};
   const auto first = static_cast<unsigned char>(text.front());
@@ -30,7 +30,7 @@ std::pair<std::optional<char32_t>, std::size_t> firstCharacter(std::string_view 
     if (byte < 0x80 || byte > 0xBF) return invalid;
     character = character << 6 | (byte & 0x3Fu);
   }
-  constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};  // by length
+  constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};  // indexed by the length
   const bool isSurrogate = 0xD800 <= character && character <= 0xDFFF;
   if (character < smallest[length] || character > 0x10FFFF || isSurrogate) return invalid;
   return {character, length};

@@ -5,23 +5,23 @@
 
 namespace program {
 
-/// Keeps standard output for writeOutput() alone: whatever else in the process prints there (a library's
-/// diagnostic) goes to standard error from now on. Call first thing in main, before any thread starts.
+/// Reserves standard output for writeOutput(). Anything else that prints there, such as a library, prints to
+/// standard error from now on. Call it first in main, before any thread starts.
 void reserveStandardOutput();
 
-/// Writes all of `bytes` to standard output. Throws Failure (EX_IOERR) when it cannot.
+/// Writes all of `bytes` to standard output. Throws Failure (EX_IOERR) if it cannot.
 void writeOutput(std::string_view bytes);
 
-/// The descriptor that writeOutput() writes to.
+/// Returns the descriptor that writeOutput() writes to.
 int outputDescriptor();
 
-/// `text` on one line, safe for a terminal: a '?' replaces each control character (C0, DEL, C1), each line or
-/// paragraph separator, each character that embeds, overrides or isolates a direction of writing (U+202A to
-/// U+202E, U+2066 to U+2069) and each byte that is not UTF-8. Marks of direction (U+200E, U+200F, U+061C),
-/// which Arabic and Hebrew texts need and which reorder no letters, stay.
+/// Returns `text` on one line, safe for a terminal: '?' replaces control characters (C0, DEL, C1), line and
+/// paragraph separators, characters that embed, override or isolate a writing direction (U+202A to U+202E,
+/// U+2066 to U+2069), and bytes that are not UTF-8. Direction marks (U+200E, U+200F, U+061C) stay: Arabic and
+/// Hebrew texts need them, and they reorder no letters.
 std::string printable(std::string_view text);
 
-/// The same for each of several lines.
+/// Does the same for each of several lines.
 std::string printableLines(std::string_view text);
 
 }  // namespace program

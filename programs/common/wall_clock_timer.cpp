@@ -13,8 +13,9 @@ namespace {
 
 using namespace std::chrono;
 
-/// Arms the timer for an absolute time of CLOCK_REALTIME. False when the clock was set since it was armed
-/// last, which the kernel then reports here and not by waking the timer; it is armed all the same.
+/// Arms the timer for an absolute time of CLOCK_REALTIME. Returns false if the clock was set since the timer
+/// was armed last; the kernel reports this here instead of waking the timer. The timer is armed in either
+/// case.
 bool arm(int timer, tarno::Date moment) {
   const auto sinceEpoch = std::max(moment.time_since_epoch(), microseconds{1});  // 0 would disarm
   const auto whole = duration_cast<seconds>(sinceEpoch);
@@ -32,7 +33,7 @@ WallClockTimer::WallClockTimer(std::function<void()> wake)
 }
 
 void WallClockTimer::sleepUntil(tarno::Date moment) {
-  // The program's clock may stand still, the timer runs on the system's: what counts is the distance.
+  // The program's clock may be frozen, but the timer uses the system's clock: only the distance counts.
   const auto wait = moment - tarno::now();
   if (!arm(timer_.get(), time_point_cast<tarno::Date::duration>(system_clock::now()) + wait))
     arm(timer_.get(), tarno::Date{});

@@ -8,15 +8,15 @@
 
 namespace program {
 
-/// Calls back at a moment of the wall clock; asleep until then. A clock that is set and a machine that wakes
-/// from suspend end the sleep too: the callee finds out what time it is and decides anew.
+/// Calls back at a date of the wall clock and sleeps until then. The sleep also ends when the clock is set
+/// and when the machine resumes from suspend; the callee then checks the time again.
 class WallClockTimer final : public EventSource {
  public:
-  /// Throws std::system_error when the system has no timer left.
+  /// Throws std::system_error if the system has no timer left.
   explicit WallClockTimer(std::function<void()> wake);
 
-  /// Wakes once, when tarno::now() reaches `moment` or when the clock is set; at once when that is past.
-  /// Takes the place of an earlier sleep.
+  /// Wakes once, when tarno::now() reaches `moment` or the clock is set; at once if `moment` has passed.
+  /// Replaces an earlier call.
   void sleepUntil(tarno::Date moment);
 
   Wait prepare() override { return {{{timer_.get(), POLLIN, 0}}}; }

@@ -7,51 +7,51 @@
 #include "tarno/foundation/date.hpp"
 #include "tarno/shared/model/mac_status.hpp"
 
-/// The commands of tarno-status. Each returns the program's exit code and throws program::Failure.
+/// The commands of tarno-status. Each returns the exit code of the program and throws program::Failure.
 namespace status {
 
 struct SaveOptions {
   std::filesystem::path file = "-";       ///< "-" is standard input
-  std::optional<tarno::Date> receivedAt;  ///< now when absent
+  std::optional<tarno::Date> receivedAt;  ///< absent: now
   std::optional<std::string> mirrorKey;
   bool isFollowing = false;   ///< see follow()
-  bool acknowledges = false;  ///< each save that follow() makes
+  bool acknowledges = false;  ///< whether follow() prints a line for each save
 };
 
-/// Decodes a record strictly and saves it into the shared store. A key that no record has is named on
-/// standard error and left out. Hands over to follow() where that is asked for. Fails with EX_DATAERR for a
-/// record or a mirror key that cannot be saved, EX_CANTCREAT where the store may not be used or made,
-/// EX_TEMPFAIL when others keep it locked, else EX_IOERR.
+/// Decodes a record strictly and saves it into the shared store. Unknown keys are ignored and named on
+/// standard error. Calls follow() if the options ask for it. Fails with EX_DATAERR if the record or the
+/// mirror key cannot be saved, EX_CANTCREAT if the store may not be used or created, EX_TEMPFAIL if other
+/// programs keep it locked, otherwise EX_IOERR.
 int save(const SaveOptions& options);
 
-/// Saves standard input, one record in JSON per line, as save() does, until the input ends. A line is saved
-/// as it arrives; of lines that arrive while a save is under way, only the newest is saved, and the number of
-/// those skipped is said at most once a minute and at the end. A line that cannot be saved is one line on
-/// standard error. Blank lines count for nothing, a last line without a line feed is not saved. Where
-/// `options` ask for it, each save is one line on standard output. Waits for no reader of the two outputs:
-/// what they do not take is lost. Returns the code of the first line that failed, as save() would; skipping
-/// is no failure. From now on the process does not die of SIGPIPE.
+/// Saves the records on standard input, one in JSON per line, as save() does, until the input ends. A record
+/// is saved as soon as it arrives. Of the records that arrive during a save, only the newest is saved; the
+/// number of skipped records is printed at most once a minute and at the end. A line that cannot be saved
+/// prints one line on standard error. Blank lines are ignored, and a last line without a line feed is not
+/// saved. If `options` ask for it, prints a line on standard output for each save. Never waits for the
+/// readers of its outputs: what they do not take is lost. Returns the code of the first line that failed, as
+/// save() would; skipping is no failure. Ignores SIGPIPE from now on.
 int follow(const SaveOptions& options);
 
-/// Prints the last saved report, judged for freshness, for people or as JSON; null in JSON when nothing was
-/// saved yet. Fails with EX_UNAVAILABLE when something is stored that cannot be read.
+/// Prints the last saved report, judged for freshness, for people or as JSON (null if nothing was saved yet).
+/// Fails with EX_UNAVAILABLE if something is stored that cannot be read.
 int show(bool asJSON);
 
-/// Prints nothing: 0 when the last report is fresh and, where `expected` is given, of that status; else 1.
-/// Fails as show() does.
+/// Prints nothing. Returns 0 if the last report is fresh and has the status `expected`, if that is given;
+/// otherwise 1. Fails like show().
 int check(std::optional<TarnoMacStatus> expected);
 
-/// Prints a line about the stored status at once, and another whenever that line would differ from the last:
-/// after a save, when the report turns stale, when the store comes, goes or may no longer be read. Sleeps in
-/// between. `format` is as for lineFormat(). What makes the store unreadable is one line on standard error
-/// each time. Returns EX_OK when the reader of standard output has gone. Fails with EX_USAGE for a wrong
-/// format, EX_UNAVAILABLE where there can be no store, EX_OSERR where the system cannot watch it. From now on
-/// the process does not die of SIGPIPE.
+/// Prints a line about the stored status, and another one whenever the line changes: after a save, when the
+/// report turns stale, when the store appears, disappears or becomes unreadable. Sleeps in between. `format`
+/// is as for lineFormat(). If the store cannot be read, prints the reason on standard error, once for each
+/// reason. Returns EX_OK when nobody reads standard output any more. Fails with EX_USAGE for a wrong format,
+/// EX_UNAVAILABLE if there can be no store, EX_OSERR if the system cannot watch it. Ignores SIGPIPE from now
+/// on.
 int watch(const std::string& format);
 
-/// Prints where the shared store is, what it holds, what is wrong with it, whether a save would succeed
-/// (which it tries as far as it changes nothing), whether the user has another store, and what `tarno-widget
-/// fonts` says. The last line says what the tile shows and why. EX_UNAVAILABLE unless the tile shows a fresh
+/// Prints where the shared store is, what it holds, what is wrong with it, whether a save would succeed (it
+/// tries everything that changes nothing), whether the user has another store, the font, and the confinement.
+/// The last line says what the tile shows and why. Returns EX_UNAVAILABLE unless the tile shows a fresh
 /// status, received in the past, and a save would succeed.
 int doctor();
 

@@ -29,7 +29,7 @@ constexpr std::string_view keys[] = {TarnoMacDefaults::lastStatus, TarnoMacDefau
                                      TarnoMacDefaults::lastStatusValue,
                                      TarnoMacDefaults::lastStatusMirrorKey};
 
-/// One line of the report: a label, padded, and what there is to say.
+/// Returns one line of the report: a padded label and its value.
 std::string line(std::string_view label, const std::string& text) {
   std::string padded{label};
   padded.resize(std::max<std::size_t>(padded.size() + 1, 26), ' ');
@@ -67,13 +67,13 @@ std::string ageText(const std::optional<TarnoStoredMacStatus>& status, tarno::Da
   return std::to_string(status->snapshot.ageSeconds.value_or(0)) + " s";
 }
 
-/// Whether a save would work.
+/// Whether a save would succeed.
 struct Saving {
-  std::string fault;  ///< why it would fail; empty when it would not
+  std::string fault;  ///< why it would fail; empty if it would succeed
   bool lasts = true;
 };
 
-/// Tries to save a record as large as the stored one, and larger than most.
+/// Tries to save a record that is as large as the stored one, and larger than most.
 Saving trySaving(const SharedStatus& shared, tarno::Date now) {
   constexpr std::size_t ordinarySize = 4096;
   const auto stored = shared.store ? shared.store->data(TarnoMacDefaults::lastStatus) : std::nullopt;
@@ -93,7 +93,7 @@ std::string savingText(const Saving& saving) {
   return saving.lasts ? "works" : "works, but a power cut may undo it: the file system cannot sync a folder";
 }
 
-/// What a program that lies beside this one answers within `limit`.
+/// Runs the program of this name beside this program and waits at most `limit` for its end.
 program::ProcessResult ask(const char* name, const std::vector<std::string>& arguments,
                            std::chrono::seconds limit) {
   try {
@@ -103,14 +103,14 @@ program::ProcessResult ask(const char* name, const std::vector<std::string>& arg
   }
 }
 
-/// Which font the tile is drawn in, as the program that draws it says.
+/// Returns the font of the tile, as reported by the program that draws it.
 std::string fontText() {
   const auto [output, errors, failure] = ask("tarno-widget", {"fonts"}, std::chrono::seconds{10});
   const auto text = failure.empty() ? output + errors : "unknown: tarno-widget " + failure;
   return text.substr(0, text.find('\n'));
 }
 
-/// What of the confinement in which tiles are drawn the kernel has.
+/// Returns which parts of the confinement of tarno-widget the kernel supports.
 std::string confinementText() {
   const std::uint32_t action = SECCOMP_RET_ERRNO;
   const bool hasSeccomp = syscall(SYS_seccomp, SECCOMP_GET_ACTION_AVAIL, 0, &action) == 0;
@@ -121,7 +121,7 @@ std::string confinementText() {
   return hasSeccomp ? "without landlock, which the kernel lacks" : "without seccomp, which the kernel lacks";
 }
 
-/// XDG_DATA_HOME as programs of the user's session get it; empty where there is no such session.
+/// Returns the XDG_DATA_HOME of the user's session; empty if there is no such session.
 std::filesystem::path sessionDataHome() {
   const auto [output, errors, failure] =
       ask("systemctl", {"--user", "show-environment"}, std::chrono::seconds{2});
@@ -133,8 +133,7 @@ std::filesystem::path sessionDataHome() {
   return value.substr(0, value.find('\n'));
 }
 
-/// A store of the user's in another folder, where programs save that have another XDG_DATA_HOME, as those
-/// that ssh starts may.
+/// Another store of the user. Programs with another XDG_DATA_HOME, such as those that ssh starts, save there.
 struct OtherStore {
   std::filesystem::path file;
   tarno::Date savedAt;
@@ -153,7 +152,7 @@ std::optional<OtherStore> findOtherStore(const std::filesystem::path& ownFile) {
   return std::nullopt;
 }
 
-/// What the tile shows and, unless all is well, why.
+/// Returns what the tile shows and, unless all is well, why.
 std::string verdict(const SharedStatus& shared, tarno::Date now) {
   const auto& status = shared.status;
   const auto says = " tile says \"" + tileReport(status).statusLine + "\"";

@@ -19,20 +19,22 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// What is read before a save: an endless stream must not keep its newest record from being saved.
+/// The limit on reading before a save: otherwise an endless stream would keep its newest record from being
+/// saved.
 constexpr std::size_t mostChunks = 16;
 constexpr std::size_t chunkSize = 1 << 16;
 constexpr std::chrono::minutes quietAboutSkipping{1};
 
 struct Arrival {
-  std::size_t line;  ///< counted from 1
+  std::size_t line;  ///< the first line is 1
   Record record;
   tarno::Date receivedAt;
 };
 
 bool isBlank(std::string_view line) { return line.find_first_not_of(" \t\r") == line.npos; }
 
-/// Whether a write of PIPE_BUF bytes or fewer would not wait. Saving never waits for who reads the outputs.
+/// Returns whether a write of at most PIPE_BUF bytes would succeed at once. Saving must never wait for a
+/// reader.
 bool canWrite(int descriptor) {
   pollfd output{descriptor, POLLOUT, 0};
   return poll(&output, 1, 0) == 1;
@@ -55,7 +57,7 @@ class Follower {
   }
 
  private:
-  /// Waits for input, then reads what is there, up to a limit.
+  /// Waits for input, then reads what is available, up to a limit.
   void readAvailable() {
     for (std::size_t chunks = 0; chunks < mostChunks && !hasEnded_; ++chunks) {
       pollfd input{STDIN_FILENO, POLLIN, 0};
@@ -79,7 +81,7 @@ class Follower {
     addToLine(bytes);
   }
 
-  /// One byte beyond the limit says that the line is too long; the rest of it is not kept.
+  /// Keeps one byte more than the limit, which shows that the line is too long, and drops the rest.
   void addToLine(std::string_view bytes) { line_ += bytes.substr(0, largestRecord + 1 - line_.size()); }
 
   void takeLine() {
@@ -130,12 +132,12 @@ class Follower {
 
   const SaveOptions& options_;
   std::string chunk_ = std::string(chunkSize, '\0');
-  std::string line_;  ///< the one being read
+  std::string line_;  ///< the line that is being read
   std::size_t lines_ = 0;
   std::optional<Arrival> newest_;  ///< not saved yet
   std::size_t skipped_ = 0;
   Clock::time_point lastToldOfSkipping_ = Clock::now();
-  std::string complaint_;  ///< of the last record; the same is said once
+  std::string complaint_;  ///< of the last record; a repeated complaint is not printed
   bool hasEnded_ = false;
   int exitCode_ = EX_OK;
 };
@@ -143,7 +145,7 @@ class Follower {
 }  // namespace
 
 int follow(const SaveOptions& options) {
-  std::signal(SIGPIPE, SIG_IGN);  // the readers of both outputs may go; reports still arrive
+  std::signal(SIGPIPE, SIG_IGN);  // reports still arrive after the readers of the outputs have gone
   return Follower{options}.run();
 }
 

@@ -38,7 +38,7 @@ constexpr Placeholder placeholders[] = {
     {"since", [](const TileReport&, tarno::Date since) { return program::dateText(since); }},
 };
 
-/// A text, then a value, unless it is the end.
+/// A literal text, followed by a value unless it is the last piece.
 struct Piece {
   std::string text;
   Value value = nullptr;
@@ -78,7 +78,7 @@ std::vector<Piece> piecesOf(std::string_view text) {
   return pieces;
 }
 
-/// Pango's markup, in which waybar takes its texts.
+/// Escapes Pango markup, which waybar expects.
 std::string escaped(std::string_view text) {
   std::string markup;
   for (const char c : text) {

@@ -8,14 +8,14 @@
 
 namespace status {
 
-/// What the tile says as a JSON object, beside the record itself; null when there is no status. `indent` is
-/// the number of spaces for each level, -1 for all on one line.
+/// Returns what the tile says and the record itself as a JSON object; null if there is no status. `indent` is
+/// the number of spaces for each level; -1 means one line.
 std::string jsonText(const std::optional<TarnoStoredMacStatus>& stored, int indent);
 
-/// Returns what the tile says, without a line feed at the end. `since` is when the status became what it is.
+/// Returns one line about the status, without a line feed. `since` is when the status became what it is.
 using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacStatus>&, tarno::Date since)>;
 
-/// The format that `text` stands for:
+/// Returns the format that `text` names:
 ///
 /// - "json": as jsonText();
 /// - "waybar": what waybar's custom modules read with "return-type": "json", see waybar-custom(5). `alt` and
@@ -25,7 +25,7 @@ using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacS
 ///   age ("2m", empty when it is unknown), received_at and since. Two braces stand for one. Values are made
 ///   printable, the text around them stays as it is.
 ///
-/// Throws program::Failure, EX_USAGE, for what is none of these.
+/// Throws program::Failure (EX_USAGE) for any other text.
 LineFormat lineFormat(const std::string& text);
 
 }  // namespace status

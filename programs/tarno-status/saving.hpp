@@ -7,14 +7,13 @@
 #include "tarno/foundation/date.hpp"
 #include "tarno/shared/model/status_snapshot.hpp"
 
-/// What the two ways to save a record share.
+/// Functions that save() and follow() share.
 namespace status {
 
-/// Far more than any record; keeps a wrong file from being swallowed whole.
+/// Larger than any record; the limit rejects a wrong file early.
 inline constexpr std::size_t largestRecord = 1 << 20;
 
-/// A record that was read, and one sentence that names the keys in it that hold something and that no record
-/// has; empty when there are none.
+/// A decoded record, and one sentence that names the unknown keys in it; empty if there are none.
 struct Record {
   TarnoMacStatusSnapshot report;
   std::string complaint;
@@ -22,10 +21,10 @@ struct Record {
   static Record decode(const tarno::Decoder& decoder);
 };
 
-/// Throws program::Failure, EX_DATAERR, which names the place.
+/// Throws program::Failure (EX_DATAERR) that names the place of the error.
 Record decodeRecord(std::string_view text);
 
-/// Saves a report into the shared store. Throws program::Failure with the code that save() has for it.
+/// Saves a report into the shared store. Throws program::Failure with the code that save() documents.
 void saveReport(const TarnoMacStatusSnapshot& report, tarno::Date receivedAt,
                 const std::optional<std::string>& mirrorKey);
 

@@ -11,24 +11,24 @@
 
 namespace status {
 
-/// What the shared store says, read the way the widget reads it. Without a status and without a fault,
+/// The content of the shared store, read as the widget reads it. If there is neither a status nor a fault,
 /// nothing is stored.
 struct SharedStatus {
-  std::shared_ptr<tarno::UserDefaults> store;  ///< null when it cannot be opened
-  std::optional<TarnoStoredMacStatus> status;  ///< what the tile shows; nothing for "No status"
-  std::string fault;  ///< why the store, or the record in it, cannot be read, without a full stop
+  std::shared_ptr<tarno::UserDefaults> store;  ///< null if it cannot be opened
+  std::optional<TarnoStoredMacStatus> status;  ///< what the tile shows; absent for "No status"
+  std::string fault;  ///< why the store or the record cannot be read, without a full stop
 };
 
-/// The state of this moment, judged for freshness at `now`.
+/// Reads the store and judges the report for freshness at `now`.
 SharedStatus readSharedStatus(tarno::Date now);
 
-/// Whether there is a report, its age is known and it is not stale.
+/// Returns whether there is a report of a known age that is not stale.
 bool isFresh(const std::optional<TarnoStoredMacStatus>& status);
 
-/// What the tile says, for other programs. Each value is safe to read alone: none passes a stale status off
-/// as current.
+/// What the tile says, for other programs. Each value is safe to use alone: a stale status never looks
+/// current.
 struct TileReport {
-  std::string status;  ///< the raw value of resolvedStatus(); "unknown" where there is no report
+  std::string status;  ///< the raw value of resolvedStatus(); "unknown" if there is no report
   std::string statusLine, detailLine, presence, device;
   bool isStale;
   std::optional<std::int64_t> ageSeconds;

@@ -11,7 +11,7 @@
 namespace status {
 namespace {
 
-/// "face seen, watch near, input 3 s ago"
+/// Returns a text such as "face seen, watch near, input 3 s ago".
 std::string presence(const TarnoMacStatusSnapshot& snapshot) {
   std::string text = snapshot.facePresent.value_or(false) ? "face seen" : "no face";
   text += snapshot.companionPresent.value_or(false) ? ", watch near" : ", no watch";
@@ -35,7 +35,7 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
   return text;
 }
 
-/// Throws Failure when something is stored that cannot be read.
+/// Throws Failure if something is stored that cannot be read.
 std::optional<TarnoStoredMacStatus> readStatus() {
   const auto shared = readSharedStatus(tarno::now());
   if (!shared.status && !shared.fault.empty()) throw program::Failure{EX_UNAVAILABLE, shared.fault};
@@ -51,7 +51,7 @@ int show(bool asJSON) {
 }
 
 int check(std::optional<TarnoMacStatus> expected) {
-  constexpr int no = 1;  // as test(1) has it
+  constexpr int no = 1;  // like test(1)
   const auto stored = readStatus();
   if (!isFresh(stored)) return no;
   return !expected || *expected == stored->snapshot.resolvedStatus() ? EX_OK : no;

@@ -20,15 +20,15 @@
 namespace status {
 namespace {
 
-/// When to look again if no save comes first. Far ahead where nothing can turn stale: a clock that is set
-/// still ends the sleep.
+/// Returns when to look again if no save comes first: far ahead if nothing can turn stale. The timer also
+/// wakes when the clock is set.
 tarno::Date nextLook(const std::optional<TarnoStoredMacStatus>& status) {
   if (!status || !status->receivedAt || status->snapshot.isStale()) return tarno::latestDate;
   return TarnoStatusFreshness::staleFrom(*status->receivedAt);
 }
 
-/// When the status of this moment began, as far as the last report tells: when that was received or turned
-/// stale, and now where no date says so.
+/// Returns since when the current status holds, as far as the last report tells: when it was received or
+/// turned stale; now if no date says so.
 tarno::Date beginning(const std::optional<TarnoStoredMacStatus>& status, tarno::Date now) {
   if (!status || !status->receivedAt) return now;
   const auto staleFrom = TarnoStatusFreshness::staleFrom(*status->receivedAt);
@@ -88,10 +88,10 @@ class Watcher {
   }
 
   LineFormat format_;
-  std::string fault_;                  ///< as it was last
-  std::optional<std::string> status_;  ///< the word for it, as it was last
-  tarno::Date since_;                  ///< when that began
-  std::optional<std::string> line_;    ///< printed last
+  std::string fault_;                  ///< the last one
+  std::optional<std::string> status_;  ///< the last one, as a word
+  tarno::Date since_;                  ///< when it began
+  std::optional<std::string> line_;    ///< the last printed line
   program::EventLoop loop_;
   program::PathWatch store_{[this] { look(); }};
   program::WallClockTimer timer_{[this] { look(); }};
@@ -104,7 +104,7 @@ int watch(const std::string& format) {
   Watcher watcher{lineFormat(format)};
   const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
   if (!location) throw program::Failure{EX_UNAVAILABLE, readSharedStatus(tarno::now()).fault};
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that goes ends the loop
+  std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away ends the loop instead
   return watcher.run(location->file);
 }
 

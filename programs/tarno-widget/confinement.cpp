@@ -16,9 +16,9 @@
 namespace extension {
 namespace {
 
-/// Rules out all that changes files or runs them, since no rule allows it anywhere.
+/// Denies everything that changes or executes files, because the ruleset allows it nowhere.
 void makeFilesReadOnly() {
-  // All rights of the first version, landlock(7), but the two for reading.
+  // All access rights of the first version of landlock(7) except the two for reading.
   landlock_ruleset_attr attributes{};
   attributes.handled_access_fs = ((LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1) &
                                  ~std::uint64_t{LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR};

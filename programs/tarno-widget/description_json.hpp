@@ -6,7 +6,7 @@
 
 namespace extension {
 
-/// The attributes of one node, as an object.
+/// Returns the attributes of one node as an object.
 nlohmann::ordered_json attributes(const ui::Description& description);
 
 /// "name", then the attributes, then "children" where there are any.

@@ -5,8 +5,8 @@
 
 namespace extension {
 
-/// What `draw` returns. Throws program::Failure when there is no picture: EX_USAGE when it cannot have the
-/// size asked for, EX_DATAERR when what is stored cannot be drawn. Out of memory passes through.
+/// Returns what `draw` returns. Throws program::Failure if there is no picture: EX_USAGE if the requested
+/// size is impossible, EX_DATAERR if the stored status cannot be drawn. Out-of-memory errors pass through.
 template <class Draw>
 auto drawn(const Draw& draw) {
   try {

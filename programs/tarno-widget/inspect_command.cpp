@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// Everything between a request and the pixels, at one moment.
+/// Every step from a request to the scene, at one moment.
 struct Inspection {
   TarnoMacWidgetEntry entry;
   ui::Description view;
@@ -25,7 +25,7 @@ struct Inspection {
   ui::Description accessibility;
 };
 
-/// Asks for an entry, builds its view once and lays that out, all for one reading of the clock.
+/// Asks for an entry, builds its view and lays it out, all for one reading of the clock.
 Inspection inspection(const Widget& widget, const TileOptions& tile) {
   const tarno::ClockOverride oneReading{tarno::now()};
   const auto entry = entryFor(widget, tile);

@@ -6,12 +6,12 @@
 
 namespace extension {
 
-/// Takes up the user's language and finds the message catalogues beside the program, in ../share/locale. Call
-/// first thing in main, before any thread starts.
+/// Sets the user's language and finds the message catalogues in ../share/locale beside the program. Call it
+/// first in main, before any thread starts.
 void useCatalogues();
 
-/// The text for a key in the user's language by gettext, domain "tarno", or the key itself where there is
-/// none. The key is not empty: under the empty key gettext keeps a catalogue's header.
+/// Returns the translation of a key (gettext, domain "tarno"), or the key itself if there is none. The key
+/// must not be empty, because gettext keeps the header of a catalogue under the empty key.
 std::string localized(const widgetkit::LocalizedStringKey& key);
 
 }  // namespace extension

@@ -41,14 +41,15 @@ void addTileOptions(CLI::App& command, extension::TileOptions& tile) {
 }
 
 void addScaleOption(CLI::App& command, double& scale) {
-  // Smaller ones cannot be told from 0 by what draws; larger ones lead to no image.
+  // Drawing cannot tell smaller scales from 0, and larger ones exceed the maximum image size.
   command.add_option("--scale", scale, "Pixels per point, a number from 0.01 to 96")
       ->type_name("FACTOR")
       ->check(program::numberFrom(0.01, 96))
       ->capture_default_str();
 }
 
-/// Makes the folder of fontconfig's cache. Fontconfig complains where there is none and it may not make one.
+/// Creates the folder of fontconfig's cache. Fontconfig prints an error if there is none and it cannot create
+/// one.
 [[maybe_unused]] void makeFontCacheFolder() {
   std::error_code ignored;
   if (const auto cache = tarno::cacheHome())

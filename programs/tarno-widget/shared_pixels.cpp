@@ -22,13 +22,13 @@ program::Failure failed(int exitCode, int descriptor, const char* what) {
 SharedPixels::SharedPixels(int descriptor, render::PixelSize size)
     : stride_(static_cast<std::size_t>(size.width) * sizeof(std::uint32_t)),
       length_(stride_ * static_cast<std::size_t>(size.height)) {
-  // Adding no seal succeeds only where one can be added.
+  // Adding no seal succeeds only if the memory can be sealed.
   if (fcntl(descriptor, F_ADD_SEALS, 0) != 0)
     throw failed(EX_USAGE, descriptor, "is not shared memory that can be sealed");
   const auto length = static_cast<off_t>(length_);
   if (ftruncate(descriptor, 0) != 0 || ftruncate(descriptor, length) != 0)
     throw failed(EX_USAGE, descriptor, "cannot be given the size of the image");
-  // Without this, memory that runs out while we draw would be a SIGBUS.
+  // Without this, running out of memory while drawing would raise SIGBUS.
   errno = posix_fallocate(descriptor, 0, length);
   if (errno != 0) throw failed(EX_OSERR, descriptor, "cannot hold the image");
   if (fcntl(descriptor, F_ADD_SEALS, F_SEAL_SHRINK) != 0)

@@ -7,13 +7,14 @@
 
 namespace extension {
 
-/// Memory that this program shares with its caller, as the pixels of one image. Mapped while it lives.
+/// The pixels of one image in memory that this program shares with its caller. Mapped for as long as it
+/// lives.
 class SharedPixels {
  public:
-  /// Gives the memory behind `descriptor` the size of `size` pixels, all transparent, and seals it against
-  /// shrinking, so that whoever maps it can read all of them at any time. The descriptor stays open.
-  /// Throws program::Failure: EX_USAGE when it is no memory that can be sealed (memfd_create(2) with
-  /// MFD_ALLOW_SEALING) or was sealed before, EX_OSERR when there is not enough memory.
+  /// Resizes the memory behind `descriptor` to `size` pixels, all transparent, and seals it against
+  /// shrinking, so that everybody who maps it can always read all of it. The descriptor stays open. Throws
+  /// program::Failure: EX_USAGE if the memory cannot be sealed (memfd_create(2) with MFD_ALLOW_SEALING) or
+  /// already is, EX_OSERR if there is not enough memory.
   SharedPixels(int descriptor, render::PixelSize size);
   ~SharedPixels();
   SharedPixels(const SharedPixels&) = delete;
@@ -21,7 +22,7 @@ class SharedPixels {
 
   std::uint32_t* data() const { return static_cast<std::uint32_t*>(memory_); }
 
-  /// From the start of one row to that of the next, in bytes.
+  /// The distance between two rows, in bytes.
   std::size_t stride() const { return stride_; }
 
  private:

@@ -1,6 +1,6 @@
-// Writes the filters of system calls that confinement.cpp loads, as C++, into a file. It runs while the
-// programs are built: to make a filter takes libseccomp more than 1 ms, which every picture would cost; a
-// filter that is ready is loaded in 0.3 ms.
+// Writes the system call filters that confinement.cpp loads into a C++ file. It runs during the build,
+// because libseccomp takes more than 1 ms to create a filter, for every picture; the kernel loads a prepared
+// filter in 0.3 ms.
 
 #include <fcntl.h>
 #include <linux/filter.h>
@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Memory, threads, time, open descriptors, and what tells about files and folders.
+/// Memory, threads, time, open descriptors, and reading about files and folders.
 constexpr const char* forDrawing =
     "brk mmap mprotect munmap mremap madvise futex set_robust_list rseq sched_yield sched_getaffinity exit "
     "exit_group rt_sigaction rt_sigprocmask rt_sigreturn sigaltstack restart_syscall clock_gettime "
@@ -28,7 +28,7 @@ constexpr const char* forDrawing =
     "fallocate fadvise64 getdents64 fstat stat lstat newfstatat statx statfs fstatfs access faccessat "
     "faccessat2 readlink readlinkat";
 
-/// What it takes beside that to replace a file and to make the folders above it.
+/// In addition: replacing a file and creating folders.
 constexpr const char* forWritingFiles =
     "open openat mkdir mkdirat renameat renameat2 linkat unlinkat fchmod umask getxattr";
 
@@ -38,19 +38,19 @@ void check(int result) {
 
 class Filter {
  public:
-  // Libraries are prepared for ENOSYS: a kernel that is older than they answers so.
+  // Libraries are prepared for ENOSYS, which kernels return for calls that they do not have.
   Filter() : context_(seccomp_init(SCMP_ACT_ERRNO(ENOSYS))) {}
   Filter(const Filter&) = delete;
   Filter& operator=(const Filter&) = delete;
   ~Filter() { seccomp_release(context_); }
 
-  /// Allows system calls. One that this architecture does not have is left out.
+  /// Allows system calls. Calls that this architecture does not have are skipped.
   void allow(const char* names) {
     std::istringstream words{names};
     for (std::string name; words >> name;) check(seccomp_rule_add(context_, SCMP_ACT_ALLOW, number(name), 0));
   }
 
-  /// Allows a system call with certain values of one argument.
+  /// Allows a system call for certain values of one argument.
   void allow(const char* name, scmp_arg_cmp argument) {
     check(seccomp_rule_add(context_, SCMP_ACT_ALLOW, number(name), 1, argument));
   }

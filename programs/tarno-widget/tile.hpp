@@ -8,25 +8,25 @@
 
 namespace extension {
 
-/// The widget that the extension's bundle hands to this program.
+/// The widget that the extension's bundle passes to this program.
 using Widget = TarnoMacStatusWidget::Configuration;
 
-/// The space between a tile's edge and its content, on every side, in points.
+/// The space between the edges of a tile and its content, in points.
 inline constexpr double contentMargin = 16;
 
-/// The radius to which the host clips a tile's corners, in points.
+/// The corner radius that the host clips a tile to, in points.
 inline constexpr double cornerRadius = 22;
 
-/// The size of a family's tile in points: 170 x 170, 364 x 170, 364 x 382.
+/// Returns the size of a tile in points: 170 x 170, 364 x 170, 364 x 382.
 ui::Size tileSize(widgetkit::WidgetFamily family);
 
-/// What a command line calls the families.
+/// The names of the families on a command line.
 inline constexpr std::string_view familyWords = "small, medium or large";
 
-/// The family that one of these words names; nothing for any other word.
+/// Returns the family of this name, or nothing.
 std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
 
-/// What to ask the provider for.
+/// What to request from the provider.
 enum class Request { timeline, placeholder, preview };
 
 /// Which tile a command is about.
@@ -35,7 +35,7 @@ struct TileOptions {
   Request request = Request::timeline;
 };
 
-/// The entry that answers a request; of a timeline, the first.
+/// Returns the entry for a request; of a timeline, the first.
 TarnoMacWidgetEntry entryFor(const Widget& widget, const TileOptions& tile);
 
 /// Lays out an entry's view as a tile.
