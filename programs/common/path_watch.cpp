@@ -5,17 +5,22 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <string>
+
+#include "tarno/common/failure.hpp"
 
 namespace program {
 namespace {
+
+constexpr std::chrono::seconds lookInterval{5};
 
 constexpr unsigned itself = IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB;
 constexpr unsigned names = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE | IN_ATTRIB;
 
 }  // namespace
 
-PathWatch::PathWatch(std::function<void()> changed)
-    : changed_(std::move(changed)), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
+PathWatch::PathWatch(std::function<void()> changed) : changed_(std::move(changed)) {}
 
 bool PathWatch::follow(const std::filesystem::path& path) {
   if (path == path_) return false;
@@ -25,38 +30,49 @@ bool PathWatch::follow(const std::filesystem::path& path) {
 }
 
 void PathWatch::watchAnew() {
+  constexpr int mostAttempts = 100;
+  if (!inotify_) inotify_ = tarno::FileDescriptor{inotify_init1(IN_NONBLOCK | IN_CLOEXEC)};
+  int fault = inotify_ ? EAGAIN : errno;
   for (const int watch : watches_) inotify_rm_watch(inotify_.get(), watch);
-  isExhausted_ = false;
-  do watches_.clear();
-  while (!watchFolders());
+  for (int attempt = 0; attempt < mostAttempts && fault == EAGAIN; ++attempt) {
+    watches_.clear();
+    fault = watchFolders();
+  }
+  const bool isFirst = nextLook_ == Clock::time_point::max();
+  nextLook_ = fault == 0 ? Clock::time_point::max() : Clock::now() + lookInterval;
+  if (fault != 0 && isFirst)
+    complain("cannot watch " + path_.string() + ", and looks at it every 5 s: " + std::strerror(fault));
 }
 
-/// False when a folder came or went meanwhile.
-bool PathWatch::watchFolders() {
+/// Returns 0, or the error that keeps changes from being noticed: EAGAIN when a folder came or went
+/// meanwhile.
+int PathWatch::watchFolders() {
   const auto watch = [this](const std::filesystem::path& path, unsigned events) {
     const int added = inotify_add_watch(inotify_.get(), path.c_str(), events | IN_MASK_ADD);
     if (added >= 0) watches_.push_back(added);
-    isExhausted_ |= added < 0 && (errno == ENOSPC || errno == ENOMEM);
-    return added >= 0;
+    return added >= 0 ? 0 : errno;
   };
+  const auto isExhausted = [](int error) { return error == ENOSPC || error == ENOMEM; };
   std::filesystem::path nearest;
   bool isMissing = false;
   for (const auto& name : path_) {
     awaited_ = nearest / name;
     if (awaited_ == path_) break;
-    watch(awaited_, itself | IN_DONT_FOLLOW);  // a link may be replaced, too
-    const bool isWatched = watch(awaited_, itself | IN_ONLYDIR);
-    isMissing = !isWatched && errno == ENOENT;
-    if (!isWatched && errno != EACCES) break;  // what lies in a folder that cannot be read may be readable
+    const int linkError = watch(awaited_, itself | IN_DONT_FOLLOW);  // a link may be replaced, too
+    const int error = watch(awaited_, itself | IN_ONLYDIR);
+    if (isExhausted(linkError) || isExhausted(error)) return ENOSPC;
+    isMissing = error == ENOENT;
+    if (error != 0 && error != EACCES) break;  // what lies in a folder that cannot be read may be readable
     nearest = awaited_;
   }
-  const bool hasGone = !watch(nearest, names | IN_ONLYDIR) && errno == ENOENT;
+  const int error = watch(nearest, names | IN_ONLYDIR);
   const bool hasCome = isMissing && access(awaited_.c_str(), F_OK) == 0;
-  return !hasGone && !hasCome;
+  return error == ENOENT || hasCome ? EAGAIN : error;
 }
 
 void PathWatch::dispatch(short events) {
-  bool isChanged = false, isElsewhere = false;
+  const bool isDue = Clock::now() >= nextLook_;
+  bool isChanged = isDue, isElsewhere = isDue;
   alignas(inotify_event) char buffer[4096];
   for (ssize_t size; events != 0 && (size = read(inotify_.get(), buffer, sizeof buffer)) > 0;) {
     for (const char* at = buffer; at < buffer + size;) {

@@ -64,8 +64,6 @@ class Watcher {
 
  private:
   void look() {
-    if (!store_.isWatching())
-      throw program::Failure{EX_OSERR, "cannot watch the store: the system has no inotify watch left"};
     const auto now = tarno::now();
     const auto [store, status, fault] = readSharedStatus(now);
     timer_.sleepUntil(nextLook(status));

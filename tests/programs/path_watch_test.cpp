@@ -1,12 +1,18 @@
 #include "tarno/common/path_watch.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
+#include "support/system_calls.hpp"
 #include "support/temporary_store.hpp"
+
+WRAP(int, inotify_init1, (int flags), (flags))
+WRAP(int, inotify_add_watch, (int file, const char* path, std::uint32_t events), (file, path, events))
 
 namespace {
 
@@ -22,7 +28,6 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
   program::PathWatch watch{[&] { ++changes; }};
   EXPECT_TRUE(watch.follow(store.folder() / "link/group/store/file"));
   EXPECT_FALSE(watch.follow(store.folder() / "link/group/store/file"));
-  EXPECT_TRUE(watch.isWatching());
 
   const std::pair<const char*, bool> steps[] = {
       {"mkdir data/other", false},
@@ -63,6 +68,33 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
   for (std::size_t i = 0; i <= kept / 2; ++i) fs::rename(names[i % 2], names[1 - i % 2]);
   EXPECT_TRUE(isToldAfter("rm elsewhere/group/store/file")) << "an event that is lost";
   fs::current_path(before);
+}
+
+TEST(PathWatch, LooksEveryFiveSecondsWhereTheSystemCannotWatchAndSaysSoOnce) {
+  const TemporaryStore store;
+  const struct { int call, error; } faults[] = {{0, EMFILE}, {1, ENOSPC}, {2, ENOSPC}, {3, ENOMEM}};
+  for (const auto& [call, error] : faults) {
+    int changes = 0;
+    program::PathWatch watch{[&] { ++changes; }};
+    testing::internal::CaptureStderr();
+    system_calls::intercept(call, [fault = error] { return fault; });
+    watch.follow(store.folder() / "file");
+    EXPECT_TRUE(system_calls::wasReached()) << call;
+    const auto left = watch.prepare().until - program::EventSource::Clock::now();
+    EXPECT_TRUE(std::chrono::seconds{4} < left && left <= std::chrono::seconds{5}) << call;
+    watch.dispatch(0);
+    EXPECT_EQ(changes, 0) << call;
+    while (watch.prepare().until > program::EventSource::Clock::now()) poll(nullptr, 0, 100);
+    system_calls::intercept(call == 0 ? 0 : 1, [fault = error] { return fault; });
+    watch.dispatch(0);
+    EXPECT_EQ(changes, 1) << "a look for call " << call;
+    const auto said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("cannot watch"), said.npos);
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+    while (watch.prepare().until > program::EventSource::Clock::now()) poll(nullptr, 0, 100);
+    watch.dispatch(0);
+    EXPECT_EQ(watch.prepare().until, program::EventSource::Clock::time_point::max()) << "it watches again";
+  }
 }
 
 }  // namespace
