@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <thread>
 
 #include "tarno/accessibility/accessible_tile.hpp"
 #include "tarno/common/failure.hpp"
@@ -17,26 +18,20 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The signals that end the program.
-const sigset_t endSignals = [] {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
-  return signals;
-}();
-
-/// Returns a descriptor for these and SIGUSR1. From now on the process dies neither of them nor of SIGPIPE: a
-/// reader of standard error or a display may go away.
+/// Sets what signals do to the process, and returns a descriptor for SIGUSR1. A request to end is met at
+/// once, even while a display does not answer; the system releases what the program holds.
 int takeSignals() {
-  sigset_t taken = endSignals;
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, [](int) { _exit(EX_OK); });
+  std::signal(SIGPIPE, SIG_IGN);  // a reader of standard error or a display may go away
+  std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
+  sigset_t taken;
+  sigemptyset(&taken);
   sigaddset(&taken, SIGUSR1);
   sigprocmask(SIG_BLOCK, &taken, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
   return signalfd(-1, &taken, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
-/// The tile on one connection to a display. As an event source, it waits for signals.
+/// The tile on one connection to a display. As an event source, it waits for SIGUSR1.
 class Host final : program::EventSource {
  public:
   /// Starts the first frame, then connects to the display.
@@ -59,8 +54,7 @@ class Host final : program::EventSource {
 
   void dispatch(short events) override {
     signalfd_siginfo info{};
-    while (events != 0 && read(signals_.get(), &info, sizeof info) == sizeof info)
-      info.ssi_signo == SIGUSR1 ? tile_.refresh() : loop_.quit(EX_OK);
+    while (events != 0 && read(signals_.get(), &info, sizeof info) == sizeof info) tile_.refresh();
   }
 
   void follow() {
@@ -122,16 +116,17 @@ OpenedSurface openSurface(const Options& options) {
 int showTile(const Options& options) {
   // Compositors restart: a display that lasted this long is waited for as long when it goes away.
   constexpr auto patience = 5s;
-  constexpr timespec retryInterval{0, 250'000'000};
+  constexpr auto retryInterval = 250ms;
   using Clock = program::EventSource::Clock;
   std::optional<program::Failure> loss;  // of a display that lasted
   Clock::time_point giveUpAt;
-  do {
+  while (true) {
     const auto openedAt = Clock::now();
     try {
       return Host{options}.run();
     } catch (const program::Failure& failure) {
       const auto now = Clock::now();
+      if (failure.exitCode() != EX_UNAVAILABLE) throw;  // what broke is not there again after a restart
       if (now - openedAt >= patience) {
         loss = failure;
         giveUpAt = now + patience;
@@ -139,8 +134,8 @@ int showTile(const Options& options) {
         throw program::Failure{loss.value_or(failure)};
       }
     }
-  } while (sigtimedwait(&endSignals, nullptr, &retryInterval) < 0);
-  return EX_OK;
+    std::this_thread::sleep_for(retryInterval);
+  }
 }
 
 }  // namespace desktop

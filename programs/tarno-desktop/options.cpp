@@ -37,7 +37,9 @@ void addOptions(CLI::App& app, Options& options) {
       "Points between the tile and the edges that it is anchored to (default: 16)")
       ->check(CLI::Range(0, 10000));
   add("--monitor", options.monitor, "NAME",
-      "Connector of the monitor to show it on (default: the primary one)");
+      "Connector of the monitor to show it on (default: the primary one)")
+      ->check(
+          [](const std::string& name) { return name.empty() ? "the name of a monitor is not empty" : ""; });
   addWord("--layer", options.layer, layers,
           "Layer: desktop (below all windows, the default), normal or above");
   add("--scale", options.scale, "FACTOR", "Pixels per point (default: the monitor's scale)")

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 
+#include "tarno/common/failure.hpp"
 #include "tarno/x11/screen.hpp"
 #include "tarno/x11/tile_window.hpp"
 
@@ -75,9 +76,14 @@ program::EventSource::Wait X11Surface::prepare() {
 }
 
 void X11Surface::dispatch(short) {
-  if (xcb_connection_has_error(connection_) == 0) return;
-  const Connection another;  // throws where the whole display went away
-  state_.isClosed = true;    // somebody ended the tile's connection: that is how its window is closed
+  const int error = xcb_connection_has_error(connection_);
+  if (error == 0) return;
+  if (error != XCB_CONN_ERROR)
+    throw program::Failure{
+        EX_PROTOCOL, "the connection to the X11 display broke: xcb reports error " + std::to_string(error)};
+  const Connection another;  // throws if the whole display went away
+  program::complain("the X11 display closed the connection of the tile");  // somebody had its window killed
+  state_.isClosed = true;
 }
 
 void X11Surface::handle(const xcb_generic_event_t& event) {
