@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,33 +20,24 @@ namespace {
 
 using tarno::FileDescriptor;
 
-constexpr int pipeSize = 1 << 20;
-constexpr int cannotRun = 127;  ///< the exit code of a shell
+constexpr std::size_t mostKept = 1 << 20;  ///< of an output
+constexpr int cannotRun = 127;             ///< the exit code of a shell
 
-/// What a system call returned, unless it failed.
+/// Returns the result of a system call, or throws if it failed.
 int checked(long result) {
   if (result < 0) throw std::system_error{errno, std::generic_category(), "cannot start a process"};
   return static_cast<int>(result);
 }
 
-/// The end to read from, and the one to write to.
+/// Returns the end to read from, which never blocks, and the end to write to.
 std::array<FileDescriptor, 2> makePipe() {
   std::array ends{-1, -1};
   checked(pipe2(ends.data(), O_CLOEXEC));
-  fcntl(ends[0], F_SETPIPE_SZ, pipeSize);  // or less, where the user has many pipes
+  fcntl(ends[0], F_SETFL, O_NONBLOCK);
   return {FileDescriptor{ends[0]}, FileDescriptor{ends[1]}};
 }
 
-/// What is in a pipe, without waiting for more: a child of the process may still have it open.
-std::string readAll(const FileDescriptor& pipe) {
-  int size = 0;
-  ioctl(pipe.get(), FIONREAD, &size);
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(pipe.get(), bytes.data(), bytes.size()))));
-  return bytes;
-}
-
-/// In the child: becomes the program, or prints why not.
+/// Runs in the child: executes the program, or prints why it cannot.
 [[noreturn]] void become(const std::filesystem::path& program, char* const* arguments, int output, int errors,
                          int inherited) noexcept {
   dup2(output, STDOUT_FILENO);
@@ -78,13 +68,13 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vect
   words.push_back(nullptr);
   auto [output, outputEnd] = makePipe();
   auto [errors, errorsEnd] = makePipe();
-  // After posix_spawn() this program would sleep until the child is another program: a wake-up more.
+  // posix_spawn() would sleep until the child executes the program, which costs another wake-up.
   pid_ = checked(fork());
   if (pid_ == 0) become(program, words.data(), outputEnd.get(), errorsEnd.get(), inherited);
   // Not through <sys/pidfd.h>, whose functions glibc 2.36 declares as C++.
   process_ = FileDescriptor{checked(syscall(SYS_pidfd_open, pid_, 0))};
-  output_ = std::move(output);
-  errors_ = std::move(errors);
+  output_.pipe = std::move(output);
+  errors_.pipe = std::move(errors);
 }
 
 ChildProcess::~ChildProcess() {
@@ -93,16 +83,46 @@ ChildProcess::~ChildProcess() {
   waitpid(pid_, nullptr, 0);
 }
 
+void ChildProcess::Output::read() {
+  std::array<char, 16384> part{};
+  while (pipe && bytes.size() < mostKept) {
+    const ssize_t count = ::read(pipe.get(), part.data(), std::min(part.size(), mostKept - bytes.size()));
+    if (count == 0) pipe = {};
+    if (count <= 0) return;
+    bytes.append(part.data(), static_cast<std::size_t>(count));
+  }
+}
+
+EventSource::Wait ChildProcess::wait() const {
+  EventSource::Wait wait{{{process_.get(), POLLIN, 0}}, deadline_};
+  for (const auto* const output : {&output_, &errors_})
+    if (output->pipe && output->bytes.size() < mostKept)
+      wait.descriptors.push_back({output->pipe.get(), POLLIN, 0});
+  return wait;
+}
+
+bool ChildProcess::hasEnded() {
+  pollfd process{process_.get(), POLLIN, 0};
+  const bool hasEnded = poll(&process, 1, 0) > 0 || Clock::now() >= deadline_;
+  output_.read();  // after the look at the process: all that it wrote is there
+  errors_.read();
+  return hasEnded;
+}
+
 ProcessResult ChildProcess::finish() {
   using std::chrono::milliseconds;
-  pollfd ended{process_.get(), POLLIN, 0};
-  const auto left = std::chrono::ceil<milliseconds>(deadline_ - Clock::now());
-  const bool isLate = poll(&ended, 1, static_cast<int>(std::max(left, milliseconds{0}).count())) == 0;
+  while (!hasEnded()) {
+    auto [descriptors, until] = wait();
+    const auto left = std::chrono::ceil<milliseconds>(until - Clock::now());
+    poll(descriptors.data(), descriptors.size(), static_cast<int>(std::max(left, milliseconds{0}).count()));
+  }
+  pollfd process{process_.get(), POLLIN, 0};
+  const bool isLate = poll(&process, 1, 0) == 0;
   if (isLate) kill(pid_, SIGKILL);
   int status = 0;
   waitpid(pid_, &status, 0);
   process_ = {};
-  ProcessResult result{readAll(output_), readAll(errors_), ""};
+  ProcessResult result{std::move(output_.bytes), std::move(errors_.bytes), ""};
   if (isLate)
     result.failure = "no answer within " + std::to_string(limit_.count()) + " s";
   else if (WIFSIGNALED(status))

@@ -7,25 +7,26 @@
 #include <string>
 #include <vector>
 
+#include "tarno/common/event_loop.hpp"
 #include "tarno/foundation/file_descriptor.hpp"
 
 namespace program {
 
-/// Where a program of ours lies: beside this one.
+/// Returns the path of another program of ours: they are installed side by side.
 std::filesystem::path siblingProgram(const char* name);
 
-/// What became of a process.
+/// The result of a process.
 struct ProcessResult {
   std::string output, errors;  ///< what it wrote to standard output and to standard error
   std::string failure;         ///< empty after exit code 0; "ended with code 3", "no answer within 10 s"
 };
 
-/// Another program while it runs, for a limited time. It gets the environment and standard input, but nothing
-/// of what this program does with signals. What it writes to its outputs is kept in pipes of 1 MiB; one that
-/// writes more waits until its time is over.
+/// Runs another program for a limited time. The program inherits the environment and standard input; its
+/// signal handling is the default. At most 1 MiB of each of its outputs is kept; a program that writes more
+/// waits until its time is over.
 class ChildProcess {
  public:
-  using Clock = std::chrono::steady_clock;
+  using Clock = EventSource::Clock;
 
   /// Starts `program`; where that cannot be run, the one of its name in PATH takes its place. `inherited` is
   /// a descriptor that stays open for it. Throws std::system_error when the system has no process, memory or
@@ -36,19 +37,27 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  /// Readable once it has ended.
-  int descriptor() const { return process_.get(); }
+  /// What to wait for until hasEnded() is worth another call.
+  EventSource::Wait wait() const;
 
-  /// When its time is over.
-  Clock::time_point deadline() const { return deadline_; }
+  /// Reads what the program has written since. Returns whether it has ended or its time is over.
+  bool hasEnded();
 
-  /// Waits until it has ended, or its time is over: then kills it. To be called once.
+  /// Waits until hasEnded(), and kills the program if it still runs. Call it once.
   ProcessResult finish();
 
  private:
   const std::chrono::seconds limit_;
   const Clock::time_point deadline_;
-  tarno::FileDescriptor output_, errors_;
+  /// One of its outputs, and what was read from it.
+  struct Output {
+    tarno::FileDescriptor pipe;  ///< none after its end
+    std::string bytes;
+
+    void read();
+  };
+
+  Output output_, errors_;
   pid_t pid_ = -1;
   tarno::FileDescriptor process_;  ///< a pidfd; none once it was waited for
 };

@@ -17,6 +17,12 @@ namespace {
 
 constexpr std::chrono::seconds timeLimit{10};
 
+// The limits of an answer. A title of more than 4 KB would end the connection to a Wayland compositor.
+constexpr std::size_t longestAnswer = 256 * 1024;  ///< in bytes
+constexpr std::size_t longestText = 2048;          ///< in bytes
+constexpr double largestTile = 1000;               ///< a side in points
+constexpr int largestImage = 16384;                ///< a side in pixels
+
 std::vector<std::string> arguments(const FrameRequest& request, int memory) {
   std::vector<std::string> words{"frame", "--family", request.family};
   words.insert(words.end(), {"--scale", json(request.scale).dump(), "--fd", std::to_string(memory)});
@@ -32,24 +38,51 @@ tarno::Date readDate(const json& text) {
 
 std::filesystem::path readWatch(const json& watch) {
   const std::filesystem::path folder = watch.at("folder").get<std::string>();
+  const std::filesystem::path file = watch.at("file").get<std::string>();
   if (!folder.is_absolute()) throw std::runtime_error{"the watched folder's path is not absolute"};
-  return folder / watch.at("file").get<std::string>();
+  if (file.empty() || file.has_parent_path()) throw std::runtime_error{"the watched file has no plain name"};
+  return folder / file;
 }
 
-Frame readFrame(const json& answer, FileDescriptor memory, double scale) {
+std::string readText(const json& text) {
+  auto result = text.get<std::string>();
+  if (result.size() > longestText)
+    throw std::runtime_error{"a text is longer than " + std::to_string(longestText) + " bytes"};
+  return result;
+}
+
+/// Whether a picture has as many pixels on a side as a tile of that many points.
+bool isSide(int pixels, double points, double scale) {
+  const double more = pixels - points * scale;  // the last pixel need not be full
+  return 0 < points && points <= largestTile && pixels <= largestImage && -0.01 < more && more < 1.01;
+}
+
+/// The reason that an answer without a picture gives, or nothing.
+std::string reasonIn(const std::string& output) {
+  const auto answer = output.size() <= longestAnswer ? json::parse(output, nullptr, false) : json{};
+  return answer.contains("error") ? ": " + readText(answer["error"]) : "";
+}
+
+}  // namespace
+
+Frame readFrame(const std::string& output, FileDescriptor memory, double scale) {
+  if (output.size() > longestAnswer) throw std::runtime_error{"the answer is longer than 256 KB"};
+  const auto answer = json::parse(output, nullptr, false);
   if (!answer.is_object()) throw std::runtime_error{"the answer is no JSON object"};
   const PictureLayout layout{answer.at("width"), answer.at("height"), answer.at("stride"), scale};
+  const auto& tile = answer.at("tile");
+  if (!isSide(layout.width, tile.at("width"), scale) || !isSide(layout.height, tile.at("height"), scale))
+    throw std::runtime_error{"the picture has another size than the tile"};
   Frame frame{.picture = std::make_shared<Picture>(std::move(memory), layout),
-              .title = answer.at("title"),
-              .announcement = answer.at("announcement"),
+              .title = readText(answer.at("title")),
+              .announcement = readText(answer.at("announcement")),
               .elements = answer.at("accessibility"),
               .reloadDate = readDate(answer.at("reload_after"))};
+  for (const auto& element : answer.at("accessibility")) readText(element.at("label"));
   if (const auto& date = answer.at("stale_from"); !date.is_null()) frame.staleDate = readDate(date);
   if (const auto& watch = answer.at("watch"); !watch.is_null()) frame.storeFile = readWatch(watch);
   return frame;
 }
-
-}  // namespace
 
 FrameProcess::FrameProcess(const FrameRequest& request)
     : scale_(request.scale),
@@ -60,10 +93,8 @@ FrameResult FrameProcess::finish() {
   auto [output, errors, failure] = process_.finish();
   FrameResult result{.errors = std::move(errors)};
   try {
-    const auto answer = json::parse(output, nullptr, false);
-    if (answer.contains("error")) failure += ": " + answer["error"].get<std::string>();
-    if (!failure.empty()) throw std::runtime_error{failure};
-    result.frame = readFrame(answer, std::move(memory_), scale_);
+    if (!failure.empty()) throw std::runtime_error{failure + reasonIn(output)};
+    result.frame = readFrame(output, std::move(memory_), scale_);
   } catch (const std::exception& error) {
     result.failure = error.what();
   }

@@ -32,6 +32,11 @@ struct Frame {
   std::filesystem::path storeFile;       ///< absolute, need not exist; empty when nobody knows where it is
 };
 
+/// Reads the answer of a frame process that was asked for `scale`, and the picture in `memory`. Trusts
+/// neither: throws std::exception unless the picture is as large as the answer says, sealed, and of a tile's
+/// size, and the texts are short.
+Frame readFrame(const std::string& output, tarno::FileDescriptor memory, double scale);
+
 /// What `tarno-widget frame` is asked for.
 struct FrameRequest {
   std::filesystem::path program;  ///< where it cannot be run, the one of its name in PATH takes its place
@@ -54,8 +59,8 @@ class FrameProcess {
   /// Starts it. Throws std::system_error when the system has no process, memory or descriptor left.
   explicit FrameProcess(const FrameRequest& request);
 
-  /// Whose end, or whose deadline, is the time to call finish().
-  const program::ChildProcess& process() const { return process_; }
+  /// Call finish() once it has ended.
+  program::ChildProcess& process() { return process_; }
 
   /// To be called once.
   FrameResult finish();

@@ -52,9 +52,7 @@ program::EventSource::Wait LiveTile::prepare() {
     if (Clock::now() < notBefore_) return {.until = notBefore_};
     start();
   }
-  if (!process_) return {};
-  const auto& process = process_->process();
-  return {{{process.descriptor(), POLLIN, 0}}, process.deadline()};
+  return process_ ? process_->process().wait() : Wait{};
 }
 
 void LiveTile::start() {
@@ -68,8 +66,8 @@ void LiveTile::start() {
   }
 }
 
-void LiveTile::dispatch(short events) {
-  if (!process_ || (events == 0 && Clock::now() < process_->process().deadline())) return;
+void LiveTile::dispatch(short) {
+  if (!process_ || !process_->process().hasEnded()) return;
   const auto [frame, failure, errors] = process_->finish();
   process_.reset();
   sayOnce(errors, failure);

@@ -32,10 +32,23 @@ std::optional<tarno::Date> staleFrom(const TarnoMacWidgetEntry& entry) {
   return TarnoStatusFreshness::staleFrom(*lastRefresh);
 }
 
+/// Cuts a text that nobody listens to the end of, between two characters of UTF-8.
+std::string shortened(std::string text) {
+  constexpr std::size_t mostBytes = 1024;
+  constexpr std::string_view ellipsis = "…";
+  if (text.size() <= mostBytes) return text;
+  auto end = mostBytes - ellipsis.size();
+  while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  return text.replace(end, text.npos, ellipsis);
+}
+
 ordered_json elements(const ui::Scene& scene) {
   auto result = ordered_json::array();
-  for (const auto& element : ui::describeAccessibility(scene).children)
-    result.emplace_back(ordered_json{{"role", element.name}}).update(attributes(element));
+  for (const auto& element : ui::describeAccessibility(scene).children) {
+    auto& added = result.emplace_back(ordered_json{{"role", element.name}});
+    added.update(attributes(element));
+    added["label"] = shortened(added["label"]);
+  }
   return result;
 }
 
@@ -45,7 +58,7 @@ std::string announcement(const ui::Scene& scene) {
   const auto image =
       std::find_if(scene.accessibility.begin(), scene.accessibility.end(),
                    [](const auto& element) { return element.role == ui::AccessibilityElement::Role::image; });
-  return image != scene.accessibility.end() ? image->label : std::string{};
+  return image != scene.accessibility.end() ? shortened(image->label) : std::string{};
 }
 
 ordered_json watched() {

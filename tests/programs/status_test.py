@@ -164,7 +164,8 @@ class Status(ProgramTest):
             done = limited(command)
             self.assertEqual(done.returncode, code)
             self.assertIn(b"File too large", done.stdout + done.stderr)
-        self.assertIn(limited("doctor", "-n 6").returncode, (0, 69))
+        if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs descriptors of its own
+            self.assertIn(limited("doctor", "-n 6").returncode, (0, 69))
         self.assertEqual(self.shown()["snapshot"]["status"], "locked")
         self.assertEqual(os.listdir(self.group), ["defaults.json"])
 

@@ -15,7 +15,8 @@ number = int(sys.argv[sys.argv.index("--fd") + 1])
 os.ftruncate(number, 4 * 728 * 340)
 fcntl.fcntl(number, fcntl.F_ADD_SEALS, fcntl.F_SEAL_SHRINK)
 folder = os.path.dirname(os.path.abspath(sys.argv[0]))
-print(open(folder + "/frame").read())
+scale = float(sys.argv[sys.argv.index("--scale") + 1])
+print(open(folder + "/frame").read() % {"width": 546 / scale, "height": 255 / scale})
 open(folder + "/asked", "a").write("x")
 """
 
@@ -25,8 +26,9 @@ def frame(status, *texts):
     elements = [{"role": "image", "label": status, "x": 16, "y": 23, "width": 124, "height": 124.5}]
     elements += [{"role": "staticText", "label": text, "x": 154.5, "y": 40 + 20 * line, "width": 63, "height": 13}
                  for line, text in enumerate(texts)]
-    return json.dumps({"width": 546, "height": 255, "stride": 2184, "title": "Tarno", "announcement": status,
-                       "accessibility": elements, "reload_after": "2099-11-16T15:42:05Z", "stale_from": None, "watch": None})
+    return json.dumps({"width": 546, "height": 255, "stride": 2184, "tile": "SIZE", "title": "Tarno", "announcement": status,
+                       "accessibility": elements, "reload_after": "2099-11-16T15:42:05Z", "stale_from": None, "watch": None}).replace(
+                           '"SIZE"', '{"width": %(width)f, "height": %(height)f}')
 
 
 def call(bus, name, path, member, *arguments):

@@ -23,6 +23,8 @@ def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
     answer = {"width": 3, "height": 4, "stride": 16, "title": "Tarno", "announcement": "locked", "accessibility": [
         {"role": "staticText", "label": "Locked", "x": 1, "y": 2.5, "width": 3, "height": 4}],
         "reload_after": date(30), "stale_from": None, "watch": {"folder": folder, "file": "store"}, **changes}
+    scale = float(sys.argv[sys.argv.index("--scale") + 1])
+    answer = {"tile": {side: answer[side] / scale if type(answer[side]) is int else 1 for side in ("width", "height")}, **answer}
     print(json.dumps({key: value for key, value in answer.items() if value != "missing"}), end=end, flush=True)
 )";
   folder.write("tarno-widget", preamble + behaviour + "\n");
