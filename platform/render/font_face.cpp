@@ -2,6 +2,7 @@
 
 #include <hb.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -11,7 +12,11 @@ namespace {
 struct Face {
   const char* family;
   PangoWeight weight;
+  double sampleWidth = 0;  ///< of `sample`, in points at the shaping size, where Debian's Quicksand sets it
 };
+
+/// The two texts of the widget that have the least room.
+constexpr const char* sample = "Status stale, Presence quiet";
 
 /// By weight, from regular to bold.
 using Faces = std::array<Face, 4>;
@@ -24,10 +29,10 @@ constexpr Faces standardFaces{{{"sans-serif", PANGO_WEIGHT_NORMAL},
 /// Quicksand as Debian packages it keeps its medium weight in a family of its own: asked for the medium
 /// weight of "Quicksand", fontconfig hands out regular. There is no semibold; text of that weight is set in
 /// bold, since beside regular text, medium does not read as emphasised.
-constexpr Faces roundedFaces{{{roundedFamily, PANGO_WEIGHT_NORMAL},
-                              {"Quicksand Medium", PANGO_WEIGHT_MEDIUM},
-                              {roundedFamily, PANGO_WEIGHT_BOLD},
-                              {roundedFamily, PANGO_WEIGHT_BOLD}}};
+constexpr Faces roundedFaces{{{roundedFamily, PANGO_WEIGHT_NORMAL, 401.5},
+                              {"Quicksand Medium", PANGO_WEIGHT_MEDIUM, 416.6},
+                              {roundedFamily, PANGO_WEIGHT_BOLD, 427.4},
+                              {roundedFamily, PANGO_WEIGHT_BOLD, 427.4}}};
 
 }  // namespace
 
@@ -64,6 +69,16 @@ const char* familiesOfScript(GUnicodeScript script) {
     case G_UNICODE_SCRIPT_ARABIC: return "Noto Sans Arabic,sans-serif";
     default: return "sans-serif";
   }
+}
+
+double standInScale(const ui::Font& font, PangoContext* context, const FontDescription& face) {
+  const tarno::Handle<PangoLayout, g_object_unref> layout(pango_layout_new(context));
+  pango_layout_set_font_description(layout.get(), face.get());
+  pango_layout_set_text(layout.get(), sample, -1);
+  int width = 0;
+  pango_layout_get_size(layout.get(), &width, nullptr);
+  const double wanted = roundedFaces.at(static_cast<std::size_t>(font.fontWeight)).sampleWidth;
+  return width > 0 ? std::min(1.0, wanted / pango_units_to_double(width)) : 1;
 }
 
 LineExtent lineExtent(const ui::Font& font, PangoContext* context, const FontDescription& face) {

@@ -32,6 +32,10 @@ struct LineExtent {
   double descent = 0;
 };
 
+/// Returns what a font of the rounded design is multiplied with where `face` stands in for the missing
+/// rounded face, at most 1: the widget's own texts are then no wider than in that face, and need not be cut.
+double standInScale(const ui::Font& font, PangoContext* context, const FontDescription& face);
+
 /// `face` is that of `font` in `context`. In the rounded design, lines are as high as the rounded face makes
 /// them also where it is missing, so that a layout stays as it is.
 LineExtent lineExtent(const ui::Font& font, PangoContext* context, const FontDescription& face);

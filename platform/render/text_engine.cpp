@@ -4,6 +4,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,17 +22,9 @@ namespace {
 /// Enough for every text of a tile in every width that layout tries.
 constexpr std::size_t keptTexts = 128;
 
-/// Quicksand runs wider than the rounded faces that sizes are usually chosen for. Set this much smaller, the
+/// Quicksand is wider than the rounded faces that sizes are usually chosen for. This much smaller, the
 /// longest status line still fits the dial and the longest pills their row.
 constexpr double roundedScale = 0.97;
-
-/// What the shaping size is multiplied with to give the size of `font`.
-double scaleOf(const ui::Font& font) {
-  constexpr double smallest = 1e-3;
-  constexpr double largest = 4096;
-  const double size = font.size > smallest ? std::min(font.size, largest) : smallest;
-  return size * (font.fontDesign == ui::FontDesign::rounded ? roundedScale : 1) / shapingSize;
-}
 
 /// A width in points as Pango counts it at the shaping size. A thousandth of a unit forgives the rounding
 /// errors of a width that came from here and was moved about since.
@@ -72,6 +65,15 @@ class TextEngine::Impl {
     }
   };
 
+  /// What the shaping size is multiplied with to give the size of `font`.
+  double scaleOf(const ui::Font& font) {
+    constexpr double smallest = 1e-3;
+    constexpr double largest = 4096;
+    const double size = font.size > smallest ? std::min(font.size, largest) : smallest;
+    const bool isRounded = font.fontDesign == ui::FontDesign::rounded;
+    return size * (isRounded ? roundedScale * scaleOfStandIn(font) : 1) / shapingSize;
+  }
+
   /// Valid until the next call.
   Kept& find(std::string_view text, const ui::Font& sizedFont, int width, int maxLines) {
     const ui::Font font{shapingSize, sizedFont.fontWeight, sizedFont.fontDesign};
@@ -101,9 +103,27 @@ class TextEngine::Impl {
     }
     PangoContext* all = contexts_->all();
     const FontDescription face = fontFaceAmongAll(font);
-    return {all, face, lineExtent(font, all, face), shown, width, maxLines};
+    auto extent = lineExtent(font, all, face);
+    if (font.fontDesign == ui::FontDesign::rounded) {  // a smaller face leaves lines as high as they were
+      extent.ascent /= scaleOfStandIn(font);
+      extent.descent /= scaleOfStandIn(font);
+    }
+    return {all, face, extent, shown, width, maxLines};
   }
 
+  /// 1 where the rounded face is installed.
+  double scaleOfStandIn(const ui::Font& font) {
+    if (!contexts_) contexts_.emplace();
+    if (contexts_->hasRounded()) return 1;
+    auto& scale = standInScales_.at(static_cast<std::size_t>(font.fontWeight));
+    if (!scale) {
+      const ui::Font shaped{shapingSize, font.fontWeight, font.fontDesign};
+      scale = standInScale(shaped, contexts_->all(), fontFaceAmongAll(shaped));
+    }
+    return *scale;
+  }
+
+  std::array<std::optional<double>, 4> standInScales_;  ///< by weight
   std::optional<FontContexts> contexts_;  ///< set up for the first text: there are scenes without any
   std::vector<Kept> kept_;
   unsigned long uses_ = 0;
@@ -117,7 +137,7 @@ TextEngine::~TextEngine() = default;
 
 ui::TextMetrics TextEngine::measure(std::string_view text, const ui::Font& font, std::optional<double> width,
                                     int maxLines) {
-  const double scale = scaleOf(font);
+  const double scale = impl_->scaleOf(font);
   ui::TextMetrics metrics = impl_->find(text, font, units(width, scale), maxLines).shaped.metrics();
   metrics.size = {metrics.size.width * scale, metrics.size.height * scale};
   metrics.baseline *= scale;
@@ -126,7 +146,7 @@ ui::TextMetrics TextEngine::measure(std::string_view text, const ui::Font& font,
 }
 
 void TextEngine::draw(const ui::TextRun& run, cairo_t* cairo) {
-  const double scale = scaleOf(run.font);
+  const double scale = impl_->scaleOf(run.font);
   auto& kept = impl_->find(run.text, run.font, units(run.box.size.width, scale), run.maxLines);
   const double slack = run.box.size.width - kept.shaped.metrics().size.width * scale;
   cairo_save(cairo);

@@ -157,6 +157,11 @@ class Widget(ProgramTest):
             self.assertRegex(done.stdout.decode(), printed, value)
         draw = ("render", "--output", "-", "--at", MOMENT)
         self.assertNotEqual(self.widget(*draw, FONTCONFIG_FILE=str(rejecting)), self.widget(*draw))
+        self.save({"stale": True})
+        for family in ("small", "medium", "large"):  # whatever face stands in
+            scene = self.widget("inspect", "--json", "--family", family, FONTCONFIG_FILE=str(rejecting))
+            self.assertIn(b"Status stale", scene)
+            self.assertNotIn(b"truncated", scene)
 
     def test_wrong_command_lines_make_nothing(self):
         for words, reason in (("", "--output"), ("--output tile.gif", "tile.gif"), ("--output /", "format of /"),
