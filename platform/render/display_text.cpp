@@ -15,6 +15,15 @@ bool isControl(gunichar c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
 /// U+FDD0 to U+FDEF, and the last two of every plane. Cairo refuses to write a PDF with one.
 bool isNoncharacter(gunichar c) { return (c >= 0xFDD0 && c <= 0xFDEF) || (c & 0xFFFE) == 0xFFFE; }
 
+/// Embeddings and overrides, which would turn the words of the whole paragraph. Isolates keep to themselves.
+bool overridesDirection(gunichar c) { return c >= 0x202A && c <= 0x202E; }
+
+/// Removes line breaks and blanks at the end.
+void trimEnd(std::string& text) {
+  while (text.ends_with(' ') || text.ends_with(lineBreak))
+    text.resize(text.size() - (text.ends_with(' ') ? 1 : lineBreak.size()));
+}
+
 }  // namespace
 
 DisplayText displayText(std::string_view text, bool singleLine) {
@@ -37,10 +46,11 @@ DisplayText displayText(std::string_view text, bool singleLine) {
       result += breakMark;
     else if (isControl(c))
       result += ' ';
-    else
+    else if (!overridesDirection(c))
       result += text.substr(0, length);
     text.remove_prefix(text.starts_with("\r\n") ? 2 : length);
   }
+  trimEnd(result);
   if (tooLong) result += ellipsis;
   return {std::move(result), tooLong};
 }

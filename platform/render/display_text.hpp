@@ -22,7 +22,8 @@ struct DisplayText {
 
 /// `text` as it is handed to Pango: valid UTF-8 of bounded length, with U+FFFD for every byte that is none
 /// and every noncharacter, a blank for every control character, and every way to write a line break as
-/// `lineBreak`, or as a blank when `singleLine`.
+/// `lineBreak`, or as a blank when `singleLine`. Embeddings and overrides of the writing direction are left
+/// out, and so are line breaks and blanks at the end.
 DisplayText displayText(std::string_view text, bool singleLine);
 
 }  // namespace render

@@ -3,6 +3,7 @@
 import fcntl
 import json
 import os
+import re
 import shutil
 import struct
 import subprocess
@@ -157,6 +158,12 @@ class Widget(ProgramTest):
             self.assertRegex(done.stdout.decode(), printed, value)
         draw = ("render", "--output", "-", "--at", MOMENT)
         self.assertNotEqual(self.widget(*draw, FONTCONFIG_FILE=str(rejecting)), self.widget(*draw))
+        lines = set()
+        for record in ({"stale": True}, {}, {"status": "locked"}, {"status": "unlocked"}, {"status": "locking"}):
+            self.save(record)
+            texts = re.findall(rb"text text=.*? (y=\S+) .*?(height=\S+ baseline=\S+)", self.widget("inspect", "--family", "small"))
+            lines.add(texts[-1])
+        self.assertEqual(len(lines), 1, "the dial's text moves when the status changes")
         self.save({"stale": True})
         for family in ("small", "medium", "large"):  # whatever face stands in
             scene = self.widget("inspect", "--json", "--family", family, FONTCONFIG_FILE=str(rejecting))

@@ -166,7 +166,9 @@ TEST(DisplayText, isValidAndBounded) {
   EXPECT_FALSE(displayText(filler + "xxx", true).cut);
   EXPECT_EQ(displayText("\uFDCF\uFDD0\uFDEF\uFDF0\uFFFE", true).text, "\uFDCF\uFFFD\uFFFD\uFDF0\uFFFD");
   EXPECT_EQ(displayText("\xE3\x81", true).text, "\uFFFD\uFFFD");
-  EXPECT_EQ(displayText("a\tb\x7F\u009F\u0085\r\nc\v", false).text, "a b  \u2028\u2028c\u2028");
+  EXPECT_EQ(displayText("a\tb\x7F\u009F\u0085\r\nc\v \n", false).text, "a b  \u2028\u2028c");
+  EXPECT_EQ(displayText("\u202Ea\u202Cb\u2067c", true).text, "ab\u2067c");
+  EXPECT_EQ(displayText("\n\r\n \u2029", false).text, "");
 }
 
 TEST(TextEngine, drawsInsideTheBoxAtEveryScale) {

@@ -24,26 +24,19 @@ class Fitting {
     return {font, measurer_.measure(text_, font, width_, environment_.lineLimit)};
   }
 
-  /// The width of one line is proportional to its scale, except for hinting and rounding; so the first try
-  /// nearly always fits.
+  /// A shrunk line keeps its baseline and the height that it has unshrunk, so that nothing around it moves.
   FittedText shrunkOnOneLine() const {
-    const double smallest = environment_.minimumScaleFactor;
-    constexpr int tries = 4;
-    double scale = 1;
-    for (int i = 0; i < tries; ++i) {
-      const Font font = environment_.font.scaled(scale);
-      const TextMetrics own = measurer_.measure(text_, font, std::nullopt, 1);
-      if (own.size.width <= width_ + widthTolerance) return {font, own};
-      if (scale * width_ < smallest * own.size.width) break;
-      scale *= width_ / own.size.width;
-    }
-    return atScale(smallest);
+    const TextMetrics whole = measurer_.measure(text_, environment_.font, std::nullopt, 1);
+    FittedText fitted = smallerOnOneLine(whole);
+    fitted.metrics.size.height = whole.size.height;
+    fitted.metrics.baseline = whole.baseline;
+    return fitted;
   }
 
   FittedText shrunkOnSeveralLines() const {
     const double smallest = environment_.minimumScaleFactor;
     FittedText best = atScale(smallest);
-    if (best.metrics.truncated) return best;
+    if (best.metrics.truncated) return hasTooManyLines() ? atScale(1) : best;
     int fits = 0;
     int tooLarge = scaleSteps;
     while (tooLarge - fits > 1) {
@@ -56,6 +49,29 @@ class Fitting {
   }
 
  private:
+  /// Whether the text has more line breaks than lines, so that no scale makes it fit.
+  bool hasTooManyLines() const {
+    return measurer_.measure(text_, environment_.font, std::nullopt, environment_.lineLimit).truncated;
+  }
+
+  /// The width of one line is proportional to its scale, except for hinting and rounding; so the first try
+  /// nearly always fits.
+  FittedText smallerOnOneLine(const TextMetrics& whole) const {
+    const double smallest = environment_.minimumScaleFactor;
+    constexpr int tries = 4;
+    FittedText fitted{environment_.font, whole};
+    double scale = 1;
+    for (int i = 0; i < tries; ++i) {
+      const double own = fitted.metrics.size.width;
+      if (own <= width_ + widthTolerance) return fitted;
+      if (scale * width_ < smallest * own) break;
+      scale *= width_ / own;
+      fitted.font = environment_.font.scaled(scale);
+      fitted.metrics = measurer_.measure(text_, fitted.font, std::nullopt, 1);
+    }
+    return atScale(smallest);
+  }
+
   std::string_view text_;
   const Environment& environment_;
   double width_;

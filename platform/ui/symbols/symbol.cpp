@@ -10,6 +10,10 @@ namespace {
 
 using namespace symbol_pen;
 
+/// The height of all symbols that stand for a status, so that what stands below them does not move when the
+/// status changes.
+constexpr double statusHeight = 25;
+
 // The locks.
 
 /// The legs of a shackle, as far as they reach below the centre of its arch.
@@ -49,7 +53,7 @@ Arcs arrowhead(const GuideCircle& ring, Angle back) {
 
 Symbol lock() {
   const Point top{0, -1.6};
-  return symbol("lock.fill", {19, 24},
+  return symbol("lock.fill", {19, statusHeight},
                 compose({body(top), shackle({{0, -5.5}, 4.75}, {5, 5}, weight)}, {keyhole(top)}));
 }
 
@@ -57,7 +61,7 @@ Symbol openLock() {
   const Point top{-0.2, -0.7};
   const GuideCircle arch{{top.x - 0.2, top.y - 3.9}, 4.8};
   const Rotation turn{Angle::degrees(24), {arch.center.x + arch.radius, top.y}};
-  return symbol("lock.open.fill", {20, 25},
+  return symbol("lock.open.fill", {20, statusHeight},
                 compose({body(top), shackle(arch, {3.9, 5}, weight, turn)}, {keyhole(top)}));
 }
 
@@ -65,7 +69,7 @@ Symbol turningLock() {
   const GuideCircle ring{{0, 0}, 10.4};
   const Angle back = Angle::degrees(-52);
   return symbol(
-      "lock.rotation", {24, 24},
+      "lock.rotation", {24, statusHeight},
       compose({stroke({ring.clockwise(Angle::degrees(8), back)}, 2.2), arrowhead(ring, back),
                roundedRect({{-5.4, -1.1}, {10.8, 7.5}}, 1.5), shackle({{0, -2.9}, 2.95}, {3, 3}, 1.9)}));
 }
@@ -105,7 +109,8 @@ Symbol question() {
   const Arcs mark = stroke({bow.clockwise(Angle::degrees(-175), turn),
                             neck.counterclockwise(Angle::degrees(64 + 180), Angle::degrees(180))},
                            weight);
-  return symbol("questionmark.circle.fill", rimBox, compose({disc(rim)}, {mark, disc({{0, 6.1}, 1.6})}));
+  return symbol("questionmark.circle.fill", {rimBox.width, statusHeight},
+                compose({disc(rim)}, {mark, disc({{0, 6.1}, 1.6})}));
 }
 
 Symbol clock() {
@@ -114,7 +119,7 @@ Symbol clock() {
 
 Symbol clockWithAlarm() {
   const double x = badge.center.x;
-  return symbol("clock.badge.exclamationmark", badgedBox,
+  return symbol("clock.badge.exclamationmark", {badgedBox.width, statusHeight},
                 compose({ringWithRoomForBadge(), hands({-2.2, -0.8}, 5, 3.8), disc(badge)},
                         {line({x, 3.2}, {x, 6}, badgeWeight), disc({{x, 8.9}, 1.1})}));
 }
