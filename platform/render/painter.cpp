@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "tarno/render/cairo_handle.hpp"
+#include "tarno/ui/description/path_bounds.hpp"
 
 namespace render {
 namespace {
@@ -33,14 +34,27 @@ void snap(cairo_t* cairo, ui::Point anchor) {
   cairo_translate(cairo, right, down);
 }
 
+/// Stretches user space by less than a pixel so that `size` ends on whole pixels.
+void stretchToPixels(cairo_t* cairo, const ui::Size& size) {
+  constexpr double tolerance = 1e-6;  // of a product that should be whole
+  double width = size.width, height = size.height;
+  cairo_user_to_device_distance(cairo, &width, &height);
+  cairo_scale(cairo, std::ceil(width - tolerance) / width, std::ceil(height - tolerance) / height);
+}
+
 struct ItemPainter {
+  const ui::Size& size;
   TextEngine& text;
   cairo_t* cairo;
 
   void operator()(const ui::FillPath& item) const {
     cairo_matrix_t place;
     cairo_get_matrix(cairo, &place);
-    if (item.anchor && !isVector(cairo)) snap(cairo, *item.anchor);
+    if (!isVector(cairo)) {
+      if (item.anchor) snap(cairo, *item.anchor);
+      // At a fractional scale, the last row or column of the ground would be half transparent.
+      if (ui::bounds(item.path) == ui::Rect{{}, size}) stretchToPixels(cairo, size);
+    }
     setPath(cairo, item.path);
     setColor(cairo, item.color);
     cairo_fill(cairo);
@@ -66,7 +80,7 @@ void paint(const ui::Scene& scene, TextEngine& text, cairo_t* cairo) {
   cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_WINDING);
   cairo_set_line_join(cairo, CAIRO_LINE_JOIN_MITER);
   cairo_set_miter_limit(cairo, 10);
-  for (const ui::SceneItem& item : scene.items) std::visit(ItemPainter{text, cairo}, item);
+  for (const ui::SceneItem& item : scene.items) std::visit(ItemPainter{scene.size, text, cairo}, item);
   cairo_new_path(cairo);
   cairo_restore(cairo);
 }
