@@ -113,6 +113,10 @@ std::vector<Window> readWindows(const Connection& connection) {
                            attributes->override_redirect != 0 && !isDesktop});
       auto& window = windows[index];
       window.ids.push_back(query.id);
+      if (contains(clients, query.id)) {
+        window.isOverlay = false;  // the frames of some window managers are override-redirect
+        connection.select(query.id, attributes->your_event_mask | XCB_EVENT_MASK_PROPERTY_CHANGE);
+      }
       window.isDesktop |= isDesktop;
       window.isFullScreen |= contains(state, ewmh._NET_WM_STATE_FULLSCREEN);
       if (strut.size() == 12) window.strut = std::move(strut);

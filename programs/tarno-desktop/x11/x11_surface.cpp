@@ -38,6 +38,7 @@ class X11Surface final : public Surface {
  private:
   bool isOwn(xcb_window_t window) const { return window_ && window == window_->id; }
   void handle(const xcb_generic_event_t& event);
+  bool matters(xcb_atom_t property) const;
   void findExtents();
   void look();
   void fit();
@@ -102,9 +103,33 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
       if (notify.event != notify.window) return;  // one of all the windows on the screen
       break;
     }
+    case XCB_PROPERTY_NOTIFY:
+      if (!matters(static_cast<const xcb_property_notify_event_t*>(data)->atom)) return;
+      break;
     default: break;
   }
   looks_ = 2;  // one at once, and one for what follows without being told
+}
+
+/// Whether a property, of the root or of another window, can change the place of the tile.
+bool X11Surface::matters(xcb_atom_t property) const {
+  const auto& ewmh = connection_.ewmh;
+  const auto wanted = {ewmh._NET_SUPPORTING_WM_CHECK,
+                       ewmh._NET_CLIENT_LIST,
+                       ewmh._NET_CLIENT_LIST_STACKING,
+                       ewmh._NET_ACTIVE_WINDOW,
+                       ewmh._NET_CURRENT_DESKTOP,
+                       ewmh._NET_SHOWING_DESKTOP,
+                       ewmh._NET_DESKTOP_GEOMETRY,
+                       ewmh._NET_WORKAREA,
+                       ewmh._NET_WM_STATE,
+                       ewmh._NET_WM_STRUT,
+                       ewmh._NET_WM_STRUT_PARTIAL,
+                       ewmh._NET_WM_WINDOW_TYPE,
+                       connection_.monitorWorkAreas,
+                       connection_.xsettings,
+                       xcb_atom_t{XCB_ATOM_RESOURCE_MANAGER}};
+  return std::ranges::count(wanted, property) != 0;
 }
 
 /// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.

@@ -84,6 +84,18 @@ class X11(DesktopTest):
         self.assertEqual(bytes(screen.property(upper, "_NET_WM_NAME")), b"Tarno")
         self.assertEqual([process.end() for process in (small, above)], [0, 0])
 
+    def test_above_all_windows_but_those_that_fill_the_screen(self):
+        for manager in ("i3", "xfwm4"):  # i3 hides frames from window managers, xfwm4 says nothing of full screens
+            with self.subTest(manager), self.rig.session():
+                screen = self.screen(manager)
+                self.rig.tile(*AT, "--layer", "above")
+                tile, window = screen.tile(), screen.new_window(width=1280, height=800)
+                wait_for(lambda: screen.is_above(tile, window), "the tile above the window")
+                full_screen = screen.atom("_NET_WM_STATE_FULLSCREEN")
+                for is_full in (1, 0):
+                    screen.tell("_NET_WM_STATE", is_full, full_screen, window=window)
+                    wait_for(lambda: screen.is_above(tile, window) != is_full, f"the tile where {is_full} is full screen")
+
     def test_window_managers_come_and_go(self):
         screen = self.screen()
         tile = self.rig.tile(*AT)
@@ -113,7 +125,7 @@ class X11(DesktopTest):
         reserve = lambda depth: screen.set(panel, "_NET_WM_STRUT_PARTIAL", Xatom.CARDINAL, [0, 0, depth] + 6 * [0] + [1279, 0, 0])
         leave = lambda *area: screen.set(screen.root, "_NET_WORKAREA", Xatom.CARDINAL, area)
         reserve(40)
-        for change, y in ((lambda: leave(0, 0, 1280, 800), 16), (panel.map, 16), (lambda: leave(0, 0, 1280, 800), 56),
+        for change, y in ((lambda: leave(0, 0, 1280, 800), 16), (lambda: [panel.map(), leave(0, 0, 1280, 800)], 56),
                           (lambda: reserve(60), 76), (lambda: leave(0, 90, 1280, 710), 106)):
             change()
             screen.display.sync()
