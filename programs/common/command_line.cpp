@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <csignal>
 #include <cstdio>
@@ -36,6 +37,11 @@ int run(CLI::App& app, int argc, char** argv, const std::function<int()>& comman
     } catch (const CLI::Success&) {
       writeOutput(app.help());
       return EX_OK;
+    } catch (const CLI::RequiredError& error) {
+      const auto extra = app.remaining();
+      const bool isUnknown = !app.get_subcommands({}).empty() && !extra.empty() && extra[0][0] != '-';
+      throw Failure{EX_USAGE,
+                    (isUnknown ? "unknown command '" + extra[0] + "'" : error.what()) + " (see --help)"};
     } catch (const CLI::ParseError& error) {
       throw Failure{EX_USAGE, std::string{error.what()} + " (see --help)"};
     }
@@ -58,6 +64,31 @@ std::function<std::string(const std::string&)> numberFrom(double least, double m
     std::snprintf(limits, sizeof limits, "from %g to %g", least, most);
     return "'" + text + "' is not a number " + limits;
   };
+}
+
+std::function<std::string(const std::string&)> wholeNumberFrom(int least, int most) {
+  return [=](const std::string& text) -> std::string {
+    int number = 0;
+    const auto end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    if (read.ec == std::errc{} && read.ptr == end && least <= number && number <= most) return "";
+    return "'" + text + "' is not a whole number from " + std::to_string(least) + " to " +
+           std::to_string(most);
+  };
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& words) {
+  const auto joined = [words](const char* between, const char* last) {
+    std::string list;
+    for (std::size_t i = 0; i < words.size(); ++i)
+      list += (i == 0 ? "" : i + 1 < words.size() ? between : last) + words[i];
+    return list;
+  };
+  const auto check = [words, joined](const std::string& word) {
+    const bool isOne = std::find(words.begin(), words.end(), word) != words.end();
+    return isOne ? std::string{} : "'" + word + "' is not " + joined(", ", " or ");
+  };
+  return CLI::Validator{check, "{" + joined(",", ",") + "}"};
 }
 
 void setExample(CLI::App& app, const std::string& example) { app.footer("Example:\n  " + example); }

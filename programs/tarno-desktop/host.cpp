@@ -68,9 +68,10 @@ class Host final : program::EventSource {
     accessible_.update(frame);
     if (std::exchange(isShown_, true)) return;
     const auto& monitor = state_.monitor;
-    const auto wanted = options_.monitor ? "the monitor " + *options_.monitor : "a monitor";
-    program::complain((monitor ? "shown as " : "to be shown as ") + opened_.surface->kind() +
-                      (monitor ? " on " + monitor->connector : " as soon as there is " + wanted) +
+    const auto wanted = options_.monitor ? "monitor " + *options_.monitor : "a monitor";
+    const auto& kind = opened_.surface->kind();
+    program::complain((monitor ? "shown as " + kind + " on monitor " + monitor->connector
+                               : "waiting for " + wanted + ", to be shown as " + kind) +
                       (opened_.reason.empty() ? "" : " (" + opened_.reason + ")"));
   }
 

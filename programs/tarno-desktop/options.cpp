@@ -24,35 +24,36 @@ void addOptions(CLI::App& app, Options& options) {
   };
   const auto addWord = [&](const char* name, auto& value, const auto& words, const char* description) {
     const auto use = [&value, &words](const std::string& word) { value = words.at(word); };
+    std::vector<std::string> names;
+    for (const auto& [word, meaning] : words) names.push_back(word);
     app.add_option_function<std::string>(name, use, description)
-        ->check(CLI::IsMember(words))
+        ->check(program::oneOf(names))
         ->type_name("WORD");
   };
-  add("--family", options.family, "WORD", "Size: small, medium (default) or large")
-      ->check(CLI::IsMember({"small", "medium", "large"}));
-  addWord(
-      "--anchor", options.anchor, anchors,
-      "Place: top-left, top, top-right (default), left, center, right, bottom-left, bottom or bottom-right");
+  add("--family", options.family, "WORD", "Size of the tile: small, medium (default) or large")
+      ->check(program::oneOf({"small", "medium", "large"}));
+  addWord("--anchor", options.anchor, anchors,
+          "Place of the tile: top-left, top, top-right (default), left, center, right, bottom-left, bottom "
+          "or bottom-right");
   add("--margin", options.margin, "POINTS",
       "Points between the tile and the edges that it is anchored to (default: 16)")
-      ->check(CLI::Range(0, 10000));
+      ->check(program::wholeNumberFrom(0, 10000));
   add("--monitor", options.monitor, "NAME",
       "Connector of the monitor to show it on (default: the primary one)")
       ->check(
           [](const std::string& name) { return name.empty() ? "the name of a monitor is not empty" : ""; });
   addWord("--layer", options.layer, layers,
-          "Layer: desktop (below all windows, the default), normal or above");
+          "Layer of the tile: desktop (below all windows, the default), normal or above");
   add("--scale", options.scale, "FACTOR", "Pixels per point (default: the monitor's scale)")
       ->check(program::numberFrom(0.25, 16));
-  app.add_flag("--plain-window", options.plainWindow,
-               "On Wayland, a window among others, even where a better kind is available");
+  app.add_flag("--plain-window", options.plainWindow, "On Wayland, always use an ordinary window");
   program::addDateOption(app, "--at", options.at,
-                         "Use this date instead of the current time: the tile's clock stands still");
+                         "Use this date instead of the current time: the clock is frozen at that date");
   app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit")
       ->configurable(false);
   add("--autostart", options.autostart, "WORD",
       "Turn the start at every login on or off; print what was done, then exit")
-      ->check(CLI::IsMember({"on", "off"}))
+      ->check(program::oneOf({"on", "off"}))
       ->configurable(false);
   app.allow_config_extras(CLI::config_extras_mode::error);
 }

@@ -52,6 +52,25 @@ std::filesystem::path setAsideEdited(const std::filesystem::path& file, const st
   return kept;
 }
 
+/// Reads one line of the settings file. Throws CLI::Error.
+void readSetting(CLI::App& app, const std::string& line) {
+  const auto start = line.find_first_not_of(" \t\r");
+  if (start == line.npos || line[start] == '#' || line[start] == ';') return;
+  const auto equals = line.find('=');
+  const auto key = line.substr(start, line.find_first_of(" \t=", start) - start);
+  if (equals == line.npos || key.empty() || key[0] == '[')
+    throw CLI::ValidationError{"expected a setting, such as margin = 16"};
+  std::istringstream setting{line};
+  app.clear();
+  try {
+    app.parse_from_stream(setting);
+  } catch (const CLI::ConfigError&) {
+    throw CLI::ValidationError{"unknown setting '" + key + "'"};
+  } catch (const CLI::ArgumentMismatch&) {
+    throw CLI::ValidationError{key + " takes one value"};
+  }
+}
+
 }  // namespace
 
 void readSettings(CLI::App& app) {
@@ -66,12 +85,13 @@ void readSettings(CLI::App& app) {
   if (std::filesystem::file_size(path, error) > most)
     throw program::Failure{EX_CONFIG, path.string() + ": larger than " + std::to_string(most) + " bytes"};
   std::istringstream settings{program::readFile(path, most)};
-  try {
-    app.clear();
-    app.parse_from_stream(settings);
-  } catch (const CLI::Error& invalid) {
-    throw program::Failure{EX_CONFIG, path.string() + ": " + invalid.what()};
-  }
+  std::string line;
+  for (int number = 1; std::getline(settings, line); ++number) try {
+      readSetting(app, line);
+    } catch (const CLI::Error& invalid) {
+      throw program::Failure{EX_CONFIG,
+                             path.string() + ": line " + std::to_string(number) + ": " + invalid.what()};
+    }
 }
 
 std::string setAutostart(bool on) {

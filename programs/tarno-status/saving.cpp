@@ -36,6 +36,8 @@ Record Record::decode(const tarno::Decoder& decoder) {
 }
 
 Record decodeRecord(std::string_view text) {
+  if (text.find_first_not_of(" \t\r\n") == text.npos)
+    throw program::Failure{EX_DATAERR, "the record is empty; nothing was saved"};
   try {
     return TarnoJSON::decoder().decode<Record>(text);
   } catch (const tarno::DecodingError& error) {

@@ -16,7 +16,7 @@ namespace {
 
 using namespace x11;
 
-constexpr std::array kinds{"an X11 window of the desktop", "an X11 window among others",
+constexpr std::array kinds{"an X11 desktop window", "an ordinary X11 window",
                            "an X11 window above others"};  // by layer
 
 /// These window managers keep an unmanaged window above all others, or leave it behind what they raise to

@@ -90,6 +90,10 @@ TEST(Options, RefuseWhatTheyDoNotKnow) {
   for (const auto& settings :
        {std::string{"autostart = on\n"}, std::string{"list-monitors = true\n"}, std::string(70000, '#')})
     EXPECT_TRUE(parsed(settings).failure.starts_with("78 /")) << settings.substr(0, 30);
+  for (const char* const line : {"=", "[", "[]", "[desktop]", "++", "margin"})
+    EXPECT_TRUE(parsed(std::string{"# mine\n\n"} + line)
+                    .failure.ends_with("line 3: expected a setting, such as margin = 16"))
+        << line;
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ from desktop_cells import AT, render, shows
 from desktop_test_case import DesktopTest
 from headless import wait_for
 
-SHOWN = "shown as a layer-shell surface in the bottom layer on X11-1"
+SHOWN = "shown as a layer-shell surface in the bottom layer on monitor X11-1"
 MODE = "output {} mode 1280x800 position {} 0"
 
 
@@ -67,7 +67,7 @@ class Wayland(DesktopTest):
         self.rig.sway(MODE.format("X11-1", 0), MODE.format("X11-2", 1280), MODE.format("X11-3", 0))
         image = render(self.rig)
         tile = self.rig.tile("--monitor", "X11-2", "--anchor", "top-left", *AT)
-        self.says(tile, "to be shown as a layer-shell surface in the bottom layer as soon as there is the monitor X11-2")
+        self.says(tile, "waiting for monitor X11-2, to be shown as a layer-shell surface in the bottom layer")
         self.assertTrue(cells.is_covered(screen, image, 16, 16))
         self.rig.swaymsg("create_output")
         windows = screen.spread((0, 0), (1280, 0))
