@@ -14,7 +14,7 @@ using Config = tarno::Handle<FcConfig, FcConfigDestroy>;
 using FontMap = ObjectHandle<PangoFontMap>;
 using FontOptions = tarno::Handle<cairo_font_options_t, cairo_font_options_destroy>;
 
-/// A configuration of the files that Debian's fonts-quicksand installs, or null where they are not there.
+/// Returns a configuration with only the font files of Debian's fonts-quicksand, or null if they are missing.
 Config roundedFaceOnly() {
   static constexpr char text[] =
       "<fontconfig>"
@@ -34,14 +34,15 @@ Config roundedFaceOnly() {
 FontMap makeFontMap() { return FontMap(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT)); }
 
 FontMap makeFontMap(FcConfig* config) {
-  // With its first font map, Pango has fontconfig load the fonts of the whole machine and then waits for
-  // that, whatever the map is about. It does not when there is a current configuration already.
+  // When Pango creates its first font map, it lets fontconfig load all fonts of the machine and waits for
+  // that, unless there is a current configuration.
   const bool firstInProcess = !g_type_class_peek(PANGO_TYPE_FC_FONT_MAP);
   if (firstInProcess) FcConfigSetCurrent(config);
   FontMap map = makeFontMap();
   pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map.get()), config);
   if (firstInProcess) {
-    pango_fc_font_map_get_config(PANGO_FC_FONT_MAP(map.get()));  // waits until Pango has looked
+    pango_fc_font_map_get_config(
+        PANGO_FC_FONT_MAP(map.get()));  // waits until Pango has read the configuration
     FcConfigSetCurrent(nullptr);
   }
   return map;
@@ -54,15 +55,15 @@ PangoLanguage* languageOfLocale() {
 
 ObjectHandle<PangoContext> makeContext(const FontMap& fontMap) {
   ObjectHandle<PangoContext> context(pango_font_map_create_context(fontMap.get()));
-  // Hints would make widths depend on the scale, and a text that fits at one scale be cut at another.
+  // With hinting, widths would depend on the scale: a text that fits at one scale could be cut at another.
   const FontOptions options(cairo_font_options_create());
   cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
   cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
   cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
   pango_cairo_context_set_font_options(context.get(), options.get());
   pango_context_set_round_glyph_positions(context.get(), FALSE);
-  // Of no language, Pango would look up every face twice: for no language, and for the one it takes Latin
-  // for.
+  // Without a language, Pango would look up every font twice: without a language, and for the language that
+  // it assumes for Latin text.
   pango_context_set_language(context.get(), languageOfLocale());
   return context;
 }

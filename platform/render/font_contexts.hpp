@@ -11,21 +11,20 @@ namespace render {
 template <class T>
 using ObjectHandle = tarno::Handle<T, g_object_unref>;
 
-/// Where Pango finds faces: everywhere, and, for the many texts that need no other, among the files of the
-/// rounded face alone. Setting fontconfig up for all fonts of a machine takes as long as all else that a
-/// first tile needs.
+/// The fonts that Pango finds: all fonts of the machine, or, for the many texts that need no other, Quicksand
+/// alone. Loading the fonts of the whole machine takes as long as everything else that a first tile needs.
 class FontContexts {
  public:
   FontContexts();
 
-  /// Knows the rounded face and no other. Null where that is not installed as Debian does it, or where the
-  /// environment names a font configuration, which then decides alone.
+  /// Contains only Quicksand. Null if Debian's package of it is missing or the environment names a font
+  /// configuration, which then decides alone.
   PangoContext* rounded() const { return rounded_.get(); }
 
-  /// Knows every face; set up when it is first asked for.
+  /// Contains every font. Created on first use.
   PangoContext* all();
 
-  /// Whether the rounded face is installed, in whatever place.
+  /// Returns whether Quicksand is installed anywhere.
   bool hasRounded();
 
  private:

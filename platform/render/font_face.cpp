@@ -12,13 +12,13 @@ namespace {
 struct Face {
   const char* family;
   PangoWeight weight;
-  double sampleWidth = 0;  ///< of `sample`, in points at the shaping size, where Debian's Quicksand sets it
+  double sampleWidth = 0;  ///< of `sample` in Debian's Quicksand, in points at the shaping size
 };
 
-/// The two texts of the widget that have the least room.
+/// The two texts of the widget with the least space.
 constexpr const char* sample = "Status stale, Presence quiet";
 
-/// By weight, from regular to bold.
+/// Indexed by weight, from regular to bold.
 using Faces = std::array<Face, 4>;
 
 constexpr Faces standardFaces{{{"sans-serif", PANGO_WEIGHT_NORMAL},
@@ -26,9 +26,9 @@ constexpr Faces standardFaces{{{"sans-serif", PANGO_WEIGHT_NORMAL},
                                {"sans-serif", PANGO_WEIGHT_SEMIBOLD},
                                {"sans-serif", PANGO_WEIGHT_BOLD}}};
 
-/// Quicksand as Debian packages it keeps its medium weight in a family of its own: asked for the medium
-/// weight of "Quicksand", fontconfig hands out regular. There is no semibold; text of that weight is set in
-/// bold, since beside regular text, medium does not read as emphasised.
+/// Debian's Quicksand has its medium weight in a separate family: for the medium weight of "Quicksand",
+/// fontconfig returns regular. There is no semibold; bold replaces it, because beside regular text, medium
+/// does not look emphasised.
 constexpr Faces roundedFaces{{{roundedFamily, PANGO_WEIGHT_NORMAL, 401.5},
                               {"Quicksand Medium", PANGO_WEIGHT_MEDIUM, 416.6},
                               {roundedFamily, PANGO_WEIGHT_BOLD, 427.4},
@@ -51,9 +51,8 @@ FontDescription fontFaceAmongAll(const ui::Font& font) {
   const std::string families =
       std::string(pango_font_description_get_family(description.get())) + ",sans-serif";
   pango_font_description_set_family(description.get(), families.c_str());
-  // From a request for bold on, fontconfig smears a face that has no bold (Japanese) into one, and at 11
-  // points that closes the gaps between strokes. For semibold it hands out the same bold faces where there
-  // are any.
+  // For bold and heavier weights, fontconfig emboldens fonts that have no bold (Japanese), and at 11 points
+  // that fills the gaps between strokes. For semibold it returns the same bold fonts where there are any.
   if (pango_font_description_get_weight(description.get()) == PANGO_WEIGHT_BOLD)
     pango_font_description_set_weight(description.get(), PANGO_WEIGHT_SEMIBOLD);
   return description;
@@ -65,7 +64,7 @@ const char* familiesOfScript(GUnicodeScript script) {
     case G_UNICODE_SCRIPT_COMMON:
     case G_UNICODE_SCRIPT_INHERITED:
     case G_UNICODE_SCRIPT_UNKNOWN: return nullptr;
-    // Left alone, fontconfig prefers a face that is heavier and wider than ours.
+    // By default, fontconfig prefers a font that is heavier and wider.
     case G_UNICODE_SCRIPT_ARABIC: return "Noto Sans Arabic,sans-serif";
     default: return "sans-serif";
   }

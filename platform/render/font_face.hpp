@@ -9,35 +9,34 @@ namespace render {
 
 using FontDescription = tarno::Handle<PangoFontDescription, pango_font_description_free>;
 
-/// Every text is shaped at this size, in points, and scaled from there to the size of its font: unhinted
-/// glyphs and their distances grow evenly, and each size that Pango hears of costs a search through all
-/// fonts.
+/// The size, in points, at which every text is shaped. It is then scaled to the size of its font: glyphs
+/// without hinting scale evenly, and each additional size would cost Pango a search through all fonts.
 inline constexpr double shapingSize = 32;
 
 /// The family of the rounded design.
 inline constexpr const char* roundedFamily = "Quicksand";
 
-/// The face that `font` is set in, at the shaping size.
+/// Returns the description of `font` at the shaping size.
 FontDescription fontFace(const ui::Font& font);
 
-/// The same for a text that needs other faces too: a plain one stands in where the face is missing.
+/// The same for a text that also needs other fonts: the sans-serif font replaces a missing family.
 FontDescription fontFaceAmongAll(const ui::Font& font);
 
-/// The families that a run in `script` is set in, or null where that is the font's own.
+/// Returns the families for a run in `script`, or null for the family of the font itself.
 const char* familiesOfScript(GUnicodeScript script);
 
-/// What a line takes up above and below its baseline, in points at the shaping size.
+/// The height of a line above and below its baseline, in points at the shaping size.
 struct LineExtent {
   double ascent = 0;
   double descent = 0;
 };
 
-/// Returns what a font of the rounded design is multiplied with where `face` stands in for the missing
-/// rounded face, at most 1: the widget's own texts are then no wider than in that face, and need not be cut.
+/// Returns the factor for a font of the rounded design when `face` replaces the missing Quicksand, at most 1.
+/// It makes the widget's own texts no wider than in Quicksand, so that they are not cut.
 double standInScale(const ui::Font& font, PangoContext* context, const FontDescription& face);
 
-/// `face` is that of `font` in `context`. In the rounded design, lines are as high as the rounded face makes
-/// them also where it is missing, so that a layout stays as it is.
+/// Returns the extent of a line of `font`, whose description in `context` is `face`. The rounded design
+/// always has the line height of Quicksand, even if that is missing, so that the layout stays the same.
 LineExtent lineExtent(const ui::Font& font, PangoContext* context, const FontDescription& face);
 
 }  // namespace render

@@ -60,11 +60,11 @@ cairo_status_t append(void* file, const unsigned char* data, unsigned int length
 
 using CreateSurface = cairo_surface_t* (*)(cairo_write_func_t, void*, double width, double height);
 
-/// `prepare` is called with the surface before anything is drawn.
+/// Calls `prepare` with the surface before drawing.
 template <class Prepare>
 std::string vectorFile(const ui::Scene& scene, TextEngine& text, double scale, CreateSurface create,
                        const Prepare& prepare) {
-  pixelSize(scene.size, scale);  // refuses what is too large
+  pixelSize(scene.size, scale);  // throws if it is too large
   std::string file;
   const Surface surface(create(append, &file, scene.size.width * scale, scene.size.height * scale));
   requireSuccess(cairo_surface_status(surface.get()));
@@ -75,9 +75,9 @@ std::string vectorFile(const ui::Scene& scene, TextEngine& text, double scale, C
   return file;
 }
 
-/// Cairo names the parts of an SVG after a count of all surfaces that the process ever made. Counts them
-/// within the file, so that the same scene gives the same bytes. (Cairo writes texts as shapes: no text can
-/// hold such a name.)
+/// Cairo numbers the parts of an SVG by a counter of all surfaces of the process. This renumbers them within
+/// the file, so that the same scene always gives the same bytes. (No text can contain such a name, because
+/// Cairo writes texts as shapes.)
 std::string withOwnSurfaceNames(const std::string& svg) {
   static constexpr std::string_view prefix = "surface";
   std::string result;
@@ -95,7 +95,7 @@ std::string withOwnSurfaceNames(const std::string& svg) {
   return result.append(svg, copied);
 }
 
-/// What a screen reader says about the image as a whole.
+/// What a screen reader says about the image.
 struct Words {
   std::string title;
   std::string description;
@@ -128,9 +128,9 @@ std::string svg(const ui::Scene& scene, TextEngine& text, double scale, const Wo
 
 std::string pdf(const ui::Scene& scene, TextEngine& text, double scale, const Words& words) {
   return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [&](cairo_surface_t* surface) {
-    // Later versions pack objects into streams, where simple tools do not find the title.
+    // Later versions compress objects, and simple tools do not find the title.
     cairo_pdf_surface_restrict_to_version(surface, CAIRO_PDF_VERSION_1_4);
-    // Otherwise the time of drawing.
+    // The default is the time of drawing.
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, words.title.c_str());
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_SUBJECT, words.description.c_str());

@@ -13,13 +13,13 @@ namespace render {
 
 enum class ImageFormat { png, svg, pdf };
 
-/// An image that cannot be made in the size asked for. what() is one line.
+/// Thrown for an image whose size is impossible. what() is one line.
 class ImageError : public std::runtime_error {
  public:
   using runtime_error::runtime_error;
 };
 
-/// The largest side of an image: pixels of a raster image, units of a vector file.
+/// The maximum side of an image: pixels of a raster image, units of a vector file.
 inline constexpr int largestImageSide = 16384;
 
 struct PixelSize {
@@ -29,9 +29,9 @@ struct PixelSize {
   friend bool operator==(const PixelSize&, const PixelSize&) = default;
 };
 
-/// The whole pixels that cover `points` at `scale` pixels per point, at least 1 x 1; what exceeds a pixel by
-/// a rounding error does not count. Throws ImageError when a side is larger than `largestImageSide` or either
-/// argument is not finite.
+/// Returns the size in whole pixels, rounded up, of `points` at `scale` pixels per point; at least 1 x 1.
+/// Rounding errors do not add a pixel. Throws ImageError if a side exceeds `largestImageSide` or an argument
+/// is not finite.
 PixelSize pixelSize(ui::Size points, double scale);
 
 /// Draws `scene` over `pixels`: pixelSize(scene.size, scale) pixels in rows from the top, `strideBytes` (a
@@ -40,10 +40,10 @@ PixelSize pixelSize(ui::Size points, double scale);
 void drawPixels(const ui::Scene& scene, TextEngine& text, double scale, std::uint32_t* pixels,
                 std::size_t strideBytes);
 
-/// The bytes of an image file that shows `scene` on a transparent ground. A PNG shows what drawPixels()
-/// draws; a point is `scale` user units of an SVG and `scale` points of a PDF. In those, screen readers find
-/// `title` and, as the description, what the scene announces. The same scene gives the same bytes. Throws
-/// ImageError, and std::bad_alloc when memory runs out.
+/// Returns an image file that shows `scene` on a transparent ground. A PNG shows what drawPixels() draws. One
+/// point is `scale` user units of an SVG and `scale` points of a PDF; in these, screen readers find `title`
+/// and a description of the scene. The same scene gives the same bytes. Throws ImageError, and std::bad_alloc
+/// if memory runs out.
 std::string encodeImage(const ui::Scene& scene, TextEngine& text, ImageFormat format, double scale,
                         std::string_view title = {});
 

@@ -25,7 +25,7 @@ void setPath(cairo_t* cairo, const ui::Path& path) {
   for (const auto& element : path.elements) std::visit(PathBuilder{cairo}, element);
 }
 
-/// Moves user space by half a pixel at most so that `anchor` stands on a corner of a pixel.
+/// Moves user space by at most half a pixel, so that `anchor` is on a corner of a pixel.
 void snap(cairo_t* cairo, ui::Point anchor) {
   cairo_user_to_device(cairo, &anchor.x, &anchor.y);
   double right = std::floor(anchor.x + 0.5) - anchor.x;
@@ -36,7 +36,7 @@ void snap(cairo_t* cairo, ui::Point anchor) {
 
 /// Stretches user space by less than a pixel so that `size` ends on whole pixels.
 void stretchToPixels(cairo_t* cairo, const ui::Size& size) {
-  constexpr double tolerance = 1e-6;  // of a product that should be whole
+  constexpr double tolerance = 1e-6;  // for rounding errors of a whole number
   double width = size.width, height = size.height;
   cairo_user_to_device_distance(cairo, &width, &height);
   cairo_scale(cairo, std::ceil(width - tolerance) / width, std::ceil(height - tolerance) / height);
@@ -52,7 +52,7 @@ struct ItemPainter {
     cairo_get_matrix(cairo, &place);
     if (!isVector(cairo)) {
       if (item.anchor) snap(cairo, *item.anchor);
-      // At a fractional scale, the last row or column of the ground would be half transparent.
+      // At a fractional scale, the last row or column of the ground would otherwise be half transparent.
       if (ui::bounds(item.path) == ui::Rect{{}, size}) stretchToPixels(cairo, size);
     }
     setPath(cairo, item.path);

@@ -5,9 +5,8 @@
 
 namespace render {
 
-/// Draws `scene` on `cairo`, whose user space is in points, scaled alike both ways and not turned, with the
-/// scene's corner at the origin; what the scene does not cover is left as it was. The state of `cairo` is the
-/// same afterwards.
+/// Draws `scene` on `cairo`, whose user space is in points, with equal scales and no rotation, and with the
+/// corner of the scene at the origin. Leaves pixels outside of the scene and the state of `cairo` unchanged.
 void paint(const ui::Scene& scene, TextEngine& text, cairo_t* cairo);
 
 }  // namespace render

@@ -15,8 +15,8 @@
 namespace render {
 namespace {
 
-/// What libpng works on. It reports errors by a jump, so nothing between setjmp() and the jump may need
-/// destruction: all of it lives here.
+/// The state of a PNG writer. libpng reports errors by longjmp(), which runs no destructors; everything that
+/// must be destroyed is here.
 struct PngWriter {
   const std::uint32_t* pixels;
   PixelSize size;
@@ -29,7 +29,7 @@ struct PngWriter {
   static void destroy(png_struct* png) {
     png_destroy_write_struct(&png, &static_cast<PngWriter*>(png_get_error_ptr(png))->info);
   }
-  tarno::Handle<png_struct, destroy> png{nullptr};  ///< with `info`
+  tarno::Handle<png_struct, destroy> png{nullptr};  ///< owns `info`, too
 };
 
 void rememberError(png_structp png, png_const_charp message) {
@@ -52,7 +52,7 @@ void append(png_structp png, png_bytep data, png_size_t size) {
 
 void flushNothing(png_structp) {}
 
-/// Writes `count` pixels as RGBA. Most pixels look like the one before.
+/// Writes `count` pixels as RGBA. Most pixels are equal to the one before.
 void convert(const std::uint32_t* pixels, int count, png_byte* target) {
   std::uint32_t last = 0;
   std::array<png_byte, 4> rgba{};
@@ -67,15 +67,15 @@ void convert(const std::uint32_t* pixels, int count, png_byte* target) {
   }
 }
 
-/// Whether all of it could be written; else `writer.failure` says why not.
+/// Returns whether the file is complete; otherwise `writer.failure` says why not.
 bool write(PngWriter& writer) {
   if (setjmp(png_jmpbuf(writer.png.get()))) return false;
   const png_structp png = writer.png.get();
   const png_infop info = writer.info;
   png_set_write_fn(png, &writer, append, flushNothing);
   png_set_user_limits(png, largestImageSide, largestImageSide);
-  // Large even areas with few colours: the fastest level without a filter makes files as small as the slow
-  // ones do.
+  // Tiles have large areas with few colours: the fastest level without filters makes files as small as the
+  // slow levels do.
   png_set_compression_level(png, 1);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
   png_set_IHDR(png, info, static_cast<png_uint_32>(writer.size.width),

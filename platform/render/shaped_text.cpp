@@ -9,8 +9,8 @@ using AttributeList = tarno::Handle<PangoAttrList, pango_attr_list_unref>;
 
 constexpr double points(int units) { return static_cast<double>(units) / PANGO_SCALE; }
 
-/// Where a line break ends the last line of `text` that may be shown and more follows; npos where nothing
-/// does.
+/// Returns the position of the line break that ends the last permitted line of `text`, if more text follows;
+/// otherwise npos.
 std::size_t breakAfter(std::string_view text, const PangoLayoutLine* lastLine) {
   const std::size_t position = text.find(lineBreak, static_cast<std::size_t>(lastLine->start_index));
   return position + lineBreak.size() < text.size() ? position : std::string_view::npos;
@@ -22,9 +22,8 @@ void insert(PangoAttrList* attributes, PangoAttribute* attribute, std::size_t st
   pango_attr_list_insert(attributes, attribute);
 }
 
-/// The rounded face is a Latin one that also has a few letters of other scripts (Greek π). A run in another
-/// script gets a face that has all of it, with the signs in it that belong to no script. Digits and ASCII
-/// signs keep the font's own face.
+/// Quicksand is a Latin font with a few letters of other scripts (Greek π). Each run in another script gets a
+/// font that has all of it, including signs without a script. Digits and ASCII signs stay in the font itself.
 void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
   std::size_t start = 0;
   GUnicodeScript runScript = G_UNICODE_SCRIPT_LATIN;
@@ -49,14 +48,13 @@ void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
 
 AttributeList attributesOf(std::string_view text) {
   AttributeList attributes(pango_attr_list_new());
-  // A text is shown as it stands, also where it is broken in the middle of a word.
+  // No hyphens are added, even where a word is broken.
   pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
   addFacesOfScripts(attributes.get(), text);
   return attributes;
 }
 
-/// Pango's own answer would bring in the metrics of each face, and those cost as much as the rest of the
-/// layout.
+/// Pango's own function would load the metrics of each font, which costs as much as the rest of the layout.
 int width(const PangoLayoutLine* line) {
   int sum = 0;
   for (const GSList* node = line->runs; node; node = node->next)
@@ -93,8 +91,8 @@ void ShapedText::setText(std::string_view text) {
   pango_layout_set_text(layout_.get(), text.data(), static_cast<int>(text.size()));
 }
 
-/// Pango cuts a last line that is too long, but sets what follows a line break behind it when that fits, and
-/// does not count lines at all when it has no width to keep to.
+/// Pango cuts a last line that is too long, but it appends text after a line break if that fits, and without
+/// a width it ignores the number of lines.
 bool ShapedText::cutBetweenLines(std::string_view text, int maxLines) {
   if (pango_layout_get_line_count(layout_.get()) < maxLines) return false;
   const std::size_t end = breakAfter(text, pango_layout_get_line_readonly(layout_.get(), maxLines - 1));

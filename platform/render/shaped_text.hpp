@@ -14,25 +14,24 @@
 
 namespace render {
 
-/// Lengths in Pango's unit, 1/1024 point.
+/// Lengths are in Pango units, 1/1024 point.
 inline constexpr int unlimited = std::numeric_limits<int>::max();
 
-/// A text broken into lines, each a run of placed glyphs. All its lengths are those at the shaping size; it
-/// serves a font of any size.
+/// A text broken into lines of positioned glyphs. All lengths are at the shaping size, so that it can be used
+/// for every size of its font.
 ///
-/// Lines are as high as the font's own face makes them, whatever faces stand in for characters that it lacks,
-/// so that what surrounds a text stays put when the text changes its script. A script that reaches higher or
-/// deeper than that is drawn beyond the line, up to what drawText() allows.
+/// The line height is that of the font itself, whatever other fonts the text needs, so that nothing moves
+/// when a text changes its script. Taller scripts are drawn beyond the line, within the limits of drawText().
 class ShapedText {
  public:
-  /// At most `maxLines` lines of `text` in `face`, no wider than `width` units where that is possible.
+  /// Breaks `text` into at most `maxLines` lines in `face`, no wider than `width` units if possible.
   ShapedText(PangoContext* context, const FontDescription& face, const LineExtent& extent,
              const DisplayText& text, int width, int maxLines);
 
-  /// The width is that of the widest line, even where that is more than the one asked for.
+  /// The width is that of the widest line, even if it exceeds the requested width.
   const ui::TextMetrics& metrics() const { return metrics_; }
 
-  /// The widths, in units, for which shaping would give these same lines again.
+  /// The range of widths, in units, that give the same lines.
   int narrowest() const { return narrowest_; }
   int widest() const { return widest_; }
 

@@ -11,12 +11,12 @@
 namespace render {
 namespace {
 
-/// In pixels. A larger text is filled anew at each drawing.
+/// In pixels. A larger text is filled anew each time.
 constexpr double largestStamp = 4e6;
 
 constexpr std::size_t keptStamps = 4;
 
-/// Whether the glyphs of `run` are pictures, coloured or not.
+/// Returns whether the glyphs of `run` are images, coloured or not.
 bool hasPictures(const PangoGlyphItem* run) {
   PangoFont* font = run->item->analysis.font;
   if (!PANGO_IS_FC_FONT(font)) return false;
@@ -53,7 +53,7 @@ void addOutlines(const ShapedText& text, cairo_t* cairo, double scale) {
   });
 }
 
-/// Cairo draws coloured glyphs without regard to the source's opacity.
+/// Cairo ignores the opacity of the source when it draws coloured glyphs.
 void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
   const tarno::Handle<cairo_pattern_t, cairo_pattern_destroy> source(
       cairo_pattern_reference(cairo_get_source(cairo)));
@@ -68,12 +68,12 @@ void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* ca
   }
 }
 
-/// Clips to the lines of `text` and a quarter of a line around them: enough for every script, and stacks of
-/// combining marks do not run over other texts.
+/// Clips to the lines of `text` and a quarter of a line around them. That is enough for every script, and
+/// stacked combining marks cannot cover other texts.
 void clipToLines(const ShapedText& text, cairo_t* cairo) {
   const double around = text.lineHeight() / 4;
   const ui::TextMetrics& metrics = text.metrics();
-  // Sideways, letters may lean out of their line.
+  // Letters may be slanted beyond the sides of their line.
   const double side = text.lineHeight();
   cairo_rectangle(cairo, -side, -metrics.baseline - around, metrics.size.width + 2 * side,
                   metrics.size.height + 2 * around);
@@ -87,8 +87,8 @@ void drawPictures(const ShapedText& text, cairo_t* cairo, double scale) {
   cairo_new_path(cairo);
 }
 
-/// As one image for the whole run. Shown as glyphs, each would be an image, and Cairo 1.16 lists an image in
-/// a PDF's resources once per use: a file with one emoji twice would be malformed.
+/// Draws one image for the whole run. With one image per glyph, Cairo 1.16 would list an image in the
+/// resources of a PDF once per use, and a file with the same emoji twice would be malformed.
 void showPicturesAsImage(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
   PangoRectangle ink;
   pango_glyph_string_extents(run->glyphs, run->item->analysis.font, &ink, nullptr);

@@ -9,27 +9,27 @@
 
 namespace render {
 
-/// The coverage of a text's outlines on a raster surface, kept from one drawing to the next.
+/// The coverage mask of the outlines of a text on a raster surface, kept between drawings.
 struct TextStamp {
-  double scale = 1;  ///< pixels to the unit that it was made for
-  double start = 0;  ///< where in a pixel the text starts, from 0 to 1
-  Surface coverage;  ///< nothing when the text has no outlines
+  double scale = 1;  ///< pixels per unit, for this mask
+  double start = 0;  ///< position of the text within a pixel, from 0 to 1
+  Surface coverage;  ///< null if the text has no outlines
   int left = 0;      ///< of `coverage`, in pixels from the whole pixel that the text starts in
   int top = 0;
 };
 
-/// The stamps of a text, the newest last: a text may stand on a tile in more than one size.
+/// The masks of a text, the newest last: a tile can show the same text in several sizes.
 using TextStamps = std::vector<TextStamp>;
 
-/// Draws `text`, at the shaping size, in the source colour of `cairo`, with its widest line starting at the
-/// origin of user space and its first baseline on it. User space is scaled alike both ways and not turned. On
-/// a raster surface, baselines move to the nearest whole pixel.
+/// Draws `text` at the shaping size in the source colour of `cairo`. The widest line starts at the origin of
+/// user space, and the first baseline is on it. User space has equal scales and no rotation. On a raster
+/// surface, baselines are rounded to whole pixels.
 ///
-/// There, text is filled as outlines: Cairo's glyphs stand on whole pixels only, and at 11 or 12 points their
-/// spacing would jump from letter to letter. Outlines are slow to fill, hence the stamps. Vector surfaces get
-/// text as glyphs, and so does every surface where the glyphs are pictures (emoji).
+/// On raster surfaces text is filled as outlines, because Cairo puts glyphs on whole pixels only, which makes
+/// the spacing uneven at 11 or 12 points. Filling outlines is slow, so the masks are kept. Vector surfaces
+/// get glyphs, and so does every surface if the glyphs are images (emoji).
 ///
-/// What reaches higher or deeper than the lines and a quarter of a line more is cut off.
+/// Anything more than a quarter of a line above or below the lines is cut off.
 void drawText(const ShapedText& text, TextStamps& stamps, cairo_t* cairo);
 
 }  // namespace render

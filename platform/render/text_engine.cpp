@@ -19,23 +19,23 @@
 namespace render {
 namespace {
 
-/// Enough for every text of a tile in every width that layout tries.
+/// Enough for every text of a tile in every width that the layout tries.
 constexpr std::size_t keptTexts = 128;
 
-/// Quicksand is wider than the rounded faces that sizes are usually chosen for. This much smaller, the
-/// longest status line still fits the dial and the longest pills their row.
+/// Quicksand is wider than the rounded fonts that sizes are usually chosen for. With this factor, the longest
+/// status line fits the dial and the longest pills fit their row.
 constexpr double roundedScale = 0.97;
 
-/// A width in points as Pango counts it at the shaping size. A thousandth of a unit forgives the rounding
-/// errors of a width that came from here and was moved about since.
+/// Converts a width in points to Pango units at the shaping size. A thousandth of a unit is added for
+/// rounding errors.
 int units(std::optional<double> width, double scale) {
   const double count = width.value_or(ui::infinity) / scale * PANGO_SCALE + 1e-3;
   if (count >= unlimited) return unlimited;
   return count > 0 ? static_cast<int>(count) : 0;
 }
 
-/// Whether `text` is Latin letters and punctuation, all of which `face` has. Asked of the whole text, because
-/// a layout that is cut no longer tells what it lacked.
+/// Returns whether `text` consists of Latin letters and punctuation that are all in `face`. It checks the
+/// whole text, because a layout that was cut does not tell what it lacked.
 bool isLatinIn(PangoContext* context, const FontDescription& face, std::string_view text) {
   const ObjectHandle<PangoFont> font(pango_context_load_font(context, face.get()));
   for (const char* at = text.data(); at < text.data() + text.size();
@@ -65,7 +65,7 @@ class TextEngine::Impl {
     }
   };
 
-  /// What the shaping size is multiplied with to give the size of `font`.
+  /// Returns the factor from the shaping size to the size of `font`.
   double scaleOf(const ui::Font& font) {
     constexpr double smallest = 1e-3;
     constexpr double largest = 4096;
@@ -77,7 +77,7 @@ class TextEngine::Impl {
   /// Valid until the next call.
   Kept& find(std::string_view text, const ui::Font& sizedFont, int width, int maxLines) {
     const ui::Font font{shapingSize, sizedFont.fontWeight, sizedFont.fontDesign};
-    text = text.substr(0, longestDisplayText + 1);  // what lies behind is never seen
+    text = text.substr(0, longestDisplayText + 1);  // text beyond the limit is never visible
     auto found = std::find_if(kept_.begin(), kept_.end(),
                               [&](const Kept& kept) { return kept.serves(text, font, width, maxLines); });
     if (found == kept_.end()) {
@@ -104,14 +104,14 @@ class TextEngine::Impl {
     PangoContext* all = contexts_->all();
     const FontDescription face = fontFaceAmongAll(font);
     auto extent = lineExtent(font, all, face);
-    if (font.fontDesign == ui::FontDesign::rounded) {  // a smaller face leaves lines as high as they were
+    if (font.fontDesign == ui::FontDesign::rounded) {  // the line height does not depend on the stand-in font
       extent.ascent /= scaleOfStandIn(font);
       extent.descent /= scaleOfStandIn(font);
     }
     return {all, face, extent, shown, width, maxLines};
   }
 
-  /// 1 where the rounded face is installed.
+  /// Returns 1 if Quicksand is installed.
   double scaleOfStandIn(const ui::Font& font) {
     if (!contexts_) contexts_.emplace();
     if (contexts_->hasRounded()) return 1;
@@ -124,7 +124,7 @@ class TextEngine::Impl {
   }
 
   std::array<std::optional<double>, 4> standInScales_;  ///< by weight
-  std::optional<FontContexts> contexts_;  ///< set up for the first text: there are scenes without any
+  std::optional<FontContexts> contexts_;                ///< created for the first text; some scenes have none
   std::vector<Kept> kept_;
   unsigned long uses_ = 0;
 };

@@ -9,16 +9,16 @@ typedef struct _cairo cairo_t;  // NOLINT(bugprone-reserved-identifier): Cairo's
 
 namespace render {
 
-/// Whether the face of the rounded design, Quicksand, is installed. Without it, texts are set in the plain
-/// sans-serif face of the machine, in lines of the same height.
+/// Returns whether Quicksand, the font of the rounded design, is installed. Without it, texts use the
+/// sans-serif font with the same line height.
 bool hasRoundedFace();
 
-/// Measures and draws text with Pango: shaping, bidirectional order and fallback faces for every script. The
-/// rounded design is set in Quicksand. What it measures is what it draws, at every scale: metrics are not
-/// hinted. Keeps the layouts that it made last, so that drawing what was just measured, or drawing it again,
-/// shapes nothing anew.
+/// Measures and draws text with Pango: shaping, bidirectional text and fallback fonts for every script. The
+/// rounded design uses Quicksand. It draws exactly what it measures, at every scale, because metrics are not
+/// hinted. Recent layouts are kept, so that drawing a text that was measured or drawn before does not shape
+/// it again.
 ///
-/// An engine belongs to one thread at a time.
+/// For one thread at a time.
 class TextEngine final : public ui::TextMeasurer {
  public:
   TextEngine();

@@ -19,12 +19,12 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// A moment to wait for, never too early: rounded up to the millisecond.
+/// Returns the text of a date to wait for, rounded up to the millisecond so that it is never too early.
 std::string momentText(tarno::Date moment) {
   return program::dateText(std::chrono::ceil<std::chrono::milliseconds>(moment));
 }
 
-/// When the status that `entry` shows turns stale by its age; nothing when it is stale already or never will
+/// Returns when the status of `entry` turns stale by its age; nothing if it is stale already or never will
 /// be.
 std::optional<tarno::Date> staleFrom(const TarnoMacWidgetEntry& entry) {
   const auto& [date, status, lastRefresh] = entry;
@@ -32,7 +32,7 @@ std::optional<tarno::Date> staleFrom(const TarnoMacWidgetEntry& entry) {
   return TarnoStatusFreshness::staleFrom(*lastRefresh);
 }
 
-/// Cuts a text that nobody listens to the end of, between two characters of UTF-8.
+/// Limits the length of a label, and cuts it between two characters of UTF-8.
 std::string shortened(std::string text) {
   constexpr std::size_t mostBytes = 1024;
   constexpr std::string_view ellipsis = "…";
@@ -52,8 +52,8 @@ ordered_json elements(const ui::Scene& scene) {
   return result;
 }
 
-/// What a screen reader says when the status changes: the label of the tile's one image, which names the Mac
-/// and its status and nothing that changes by itself.
+/// Returns what a screen reader says when the status changes: the label of the tile's only image, which names
+/// the Mac and its status and contains nothing that changes by itself.
 std::string announcement(const ui::Scene& scene) {
   const auto image =
       std::find_if(scene.accessibility.begin(), scene.accessibility.end(),
@@ -67,7 +67,7 @@ ordered_json watched() {
   return {{"folder", location->directory.string()}, {"file", location->file.filename().string()}};
 }
 
-/// The answer for a host; throws what keeps it from having a picture.
+/// Returns the answer for a host. Throws if there can be no picture.
 ordered_json drawFrame(const Widget& widget, const FrameOptions& options) {
   const auto size = drawn([&] { return render::pixelSize(tileSize(options.family), options.scale); });
   const SharedPixels pixels{options.descriptor, size};
@@ -92,7 +92,7 @@ ordered_json drawFrame(const Widget& widget, const FrameOptions& options) {
 }
 
 void print(const ordered_json& answer) {
-  // A path need not be UTF-8; JSON must.
+  // A path may contain bytes that are not UTF-8; JSON may not.
   program::writeOutput(answer.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n");
 }
 

@@ -7,7 +7,7 @@
 #include "tarno/widget/views/widget_view.hpp"
 #include "tarno/widgetkit/widget_bundle.hpp"
 
-/// The one widget of the extension: what the host learns about it, its provider and its view.
+/// The widget of the extension: what it tells the host, its provider and its view.
 struct TarnoMacStatusWidget {
   using Configuration = widgetkit::StaticConfiguration<TarnoMacWidgetProvider, TarnoMacWidgetView>;
 
@@ -21,5 +21,5 @@ struct TarnoMacWidgetBundle : widgetkit::WidgetBundle<TarnoMacWidgetBundle> {
   std::tuple<TarnoMacStatusWidget> body() const;
 };
 
-/// The extension's main function, for widgetkit::NSExtensionMain: hands control to the bundle, returns 0.
+/// The main function of the extension, for widgetkit::NSExtensionMain: starts the bundle and returns 0.
 extern "C" int TarnoMacWidget_main();

@@ -6,7 +6,7 @@
 #include "tarno/shared/model/status_snapshot.hpp"
 #include "tarno/ui/color.hpp"
 
-/// The widget's colours, and which colour and symbol stand for a status.
+/// The colours of the widget, and the colour and symbol of each status.
 namespace TarnoMacWidgetStyle {
 
 using ui::Color;
@@ -25,7 +25,7 @@ inline constexpr Color gold = Color::sRGB(0.847, 0.608, 0.212);        ///< lock
 /// The accent colour of a status report; `muted` when it is stale, unknown or absent.
 Color statusColor(const std::optional<TarnoMacStatusSnapshot>& snapshot);
 
-/// The symbol's name for a status report; a stale one has a symbol of its own.
+/// Returns the name of the symbol for a status report; a stale report has its own symbol.
 std::string statusIcon(const std::optional<TarnoMacStatusSnapshot>& snapshot);
 
 }  // namespace TarnoMacWidgetStyle

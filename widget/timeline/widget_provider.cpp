@@ -21,7 +21,7 @@ void TarnoMacWidgetProvider::getTimeline(
     const widgetkit::TimelineProviderContext&,
     const std::function<void(widgetkit::Timeline<Entry>)>& completion) const {
   auto entry = readEntry(tarno::now());
-  // Counted from after the store was read, so that a slow read does not shorten the interval.
+  // Counted after reading the store, so that a slow read does not shorten the interval.
   const auto reload = tarno::addingTimeInterval(tarno::now(), reloadInterval);
   completion({{std::move(entry)}, widgetkit::TimelineReloadPolicy::after(reload)});
 }

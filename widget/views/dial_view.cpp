@@ -11,8 +11,8 @@ using namespace ui;
 using namespace TarnoMacWidgetStyle;
 using enum ui::FontWeight;
 
-// The arc's place on the ring. Measured clockwise from 3 o'clock it starts at 126 + 0.08 * 360 = 154.8
-// degrees and spans up to 302.4 of them, so that the gap lies between 6 and 9 o'clock.
+// The position of the arc on the ring. Clockwise from 3 o'clock it starts at 126 + 0.08 * 360 = 154.8 degrees
+// and spans up to 302.4 degrees, so that the gap is between 6 and 9 o'clock.
 constexpr double arcStart = 0.08;
 constexpr double arcSpan = 0.84;
 constexpr Angle arcRotation = Angle::degrees(126);
@@ -20,7 +20,7 @@ constexpr Angle arcRotation = Angle::degrees(126);
 /// Input counts as recent for this long.
 constexpr double recentInputSeconds = 12;
 
-/// Enough for the status lines, which are ASCII.
+/// Converts ASCII letters only, which is enough for the status lines.
 std::string lowercased(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
@@ -56,7 +56,7 @@ View TarnoMacDialView::body() const {
       .accessibilityElement(accessibilityLabel());
 }
 
-/// The fraction of the arc's span that is drawn.
+/// Returns the fraction of the arc that is drawn.
 double TarnoMacDialView::progress() const {
   if (!status) return 0.28;
   if (status->isStale()) return 0.34;

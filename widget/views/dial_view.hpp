@@ -6,9 +6,9 @@
 #include "tarno/shared/model/status_snapshot.hpp"
 #include "tarno/ui/view.hpp"
 
-/// A round gauge: a track ring, an arc whose length and colour tell the lock status, and inside it the status
-/// symbol, the status line and, when wanted, three dots for the presence signals. One element to a screen
-/// reader.
+/// A round gauge: a track ring, an arc whose length and colour show the lock status, and inside it the status
+/// symbol, the status line and optionally three dots for the presence signals. Screen readers find it as one
+/// element.
 struct TarnoMacDialView {
   const std::optional<TarnoMacStatusSnapshot>
       status;         ///< the report to show; absent when none was ever saved

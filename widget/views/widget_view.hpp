@@ -6,12 +6,12 @@
 #include "tarno/widget/timeline/widget_entry.hpp"
 #include "tarno/widgetkit/widget_configuration.hpp"
 
-/// The tile of one entry: the dial alone when small; otherwise the dial beside the device's name, the status,
-/// its detail and two pills, the age of the report and the presence signal.
+/// The tile of an entry: the dial alone if small; otherwise the dial beside the name of the Mac, the status,
+/// its detail and two pills for the age of the report and the presence signal.
 struct TarnoMacWidgetView {
   const TarnoMacWidgetEntry entry;
 
-  /// The tile for the family of the host's environment. Reads the clock for the age line, at every call.
+  /// Returns the tile for the family in the host's environment. Each call reads the clock for the age line.
   ui::View body(const widgetkit::EnvironmentValues& environment) const;
 
  private:

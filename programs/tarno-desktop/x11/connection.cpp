@@ -14,7 +14,8 @@ Connection::Connection() : handle(xcb_connect(nullptr, nullptr)) {
       throw program::Failure{EX_UNAVAILABLE, std::string{"cannot connect to the X11 display '"} +
                                                  (name ? name : "") + "', or it lacks RANDR or XFIXES"};
   };
-  // Neither extension serves a client that has not told its version; without them the connection breaks.
+  // The server ignores clients of these extensions that have not sent their version; without the extensions
+  // the connection breaks.
   answer<xcb_randr_query_version_reply>(xcb_randr_query_version(*this, 1, 5));
   answer<xcb_xfixes_query_version_reply>(xcb_xfixes_query_version(*this, 5, 0));
   require(xcb_connection_has_error(*this) == 0);
@@ -31,14 +32,15 @@ Connection::Connection() : handle(xcb_connect(nullptr, nullptr)) {
   root = screen->root;
   for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem != 0; xcb_depth_next(&depth))
     for (auto each = xcb_depth_visuals_iterator(depth.data); each.rem != 0; xcb_visualtype_next(&each))
-      // Pixels are written as they are in pictures; newer servers have visuals with blue before red, too.
+      // The visual must have the byte order of pictures; newer servers also have visuals with blue before
+      // red.
       if (depth.data->depth == 32 && each.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR &&
           each.data->red_mask == 0xff0000)
         visual = each.data->visual_id;
   if (visual == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no ARGB visual"};
   colormap = xcb_generate_id(*this);
   xcb_create_colormap(*this, XCB_COLORMAP_ALLOC_NONE, colormap, root, visual);
-  // Last: what it allocates is freed here when it fails, and by the destructor otherwise.
+  // This is the last step: what it allocates is freed here if it fails, and by the destructor otherwise.
   require(xcb_ewmh_init_atoms_replies(&ewmh, xcb_ewmh_init_atoms(*this, &ewmh), nullptr) != 0);
 }
 

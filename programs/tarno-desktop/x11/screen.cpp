@@ -30,15 +30,16 @@ xcb_window_t ownerOf(const Connection& connection, xcb_atom_t selection) {
   return reply ? reply->owner : XCB_NONE;
 }
 
-/// The scale in the session's settings or else its resources, in pixels per point: 1 at 96 dots per inch.
+/// Returns the scale from the XSETTINGS of the session, or else from its resources, in pixels per point: 1 at
+/// 96 dpi.
 double sessionScale(const Connection& connection) {
   const auto owner = ownerOf(connection, connection.xsettingsOwner);
   if (owner != XCB_NONE) connection.select(owner, XCB_EVENT_MASK_PROPERTY_CHANGE);
   const auto settings = connection.items<std::string>(connection.ask(owner, connection.xsettings));
   const auto resources =
       "\n" + connection.items<std::string>(connection.ask(connection.root, XCB_ATOM_RESOURCE_MANAGER));
-  // XSETTINGS have an integer, in little-endian order, as: its type 0 and a byte of no use, the length of the
-  // name in 2 bytes, the name and what fills it to 4 bytes, 4 bytes that count the changes, the value.
+  // An integer in XSETTINGS, in little-endian order: type 0, one unused byte, 2 bytes for the length of the
+  // name, the name padded to 4 bytes, 4 bytes for a serial number, the value.
   const auto setting = settings.find("\0\0\7\0Xft/DPI\0", 0, 12), resource = resources.find("\nXft.dpi:");
   std::int32_t value = 0;
   if (setting != std::string::npos && setting + 20 <= settings.size())
@@ -65,11 +66,11 @@ std::vector<Monitor> readMonitors(const Connection& connection, double scale) {
   return monitors;
 }
 
-/// What is asked about a window.
+/// The requests about one window.
 struct WindowQuery {
   const Connection& connection;
   xcb_window_t id;
-  std::size_t index;  ///< of the window on the screen that it is in
+  std::size_t index;  ///< of the top-level window that contains it
   xcb_get_window_attributes_cookie_t attributes = xcb_get_window_attributes(connection, id);
   xcb_get_geometry_cookie_t geometry = xcb_get_geometry(connection, id);
   xcb_query_tree_cookie_t tree = xcb_query_tree(connection, id);
@@ -78,15 +79,15 @@ struct WindowQuery {
   xcb_get_property_cookie_t strut = connection.ask(id, connection.ewmh._NET_WM_STRUT_PARTIAL);
 };
 
-/// Returns the visible windows, bottom to top. All windows of a level of the tree are asked about before an
-/// answer is waited for, so that many take no longer than one.
+/// Returns the visible windows, bottom to top. All requests for a level of the tree are sent before the first
+/// answer is read, so that many windows take no longer than one.
 std::vector<Window> readWindows(const Connection& connection) {
-  constexpr int levels = 3;  // frames, what some window managers have in these, clients
+  constexpr int levels = 3;  // frames, an inner window of some window managers, clients
   const auto& ewmh = connection.ewmh;
   const auto clients = connection.items(connection.ask(connection.root, ewmh._NET_CLIENT_LIST));
   std::vector<Window> windows;
   std::vector<WindowQuery> queries;
-  // Of what is in a frame, the buttons and borders are left out. i3 does not list the panels that it frames.
+  // Buttons and borders in a frame are skipped. i3 does not list the panels that it puts into frames.
   const auto askChildren = [&](const auto& tree, std::size_t index) {
     const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
     for (const auto child : children)
@@ -138,14 +139,15 @@ Range along(std::size_t axis, const Area& area) {
   return axis == 0 ? Range{area.x, area.x + area.width} : Range{area.y, area.y + area.height};
 }
 
-/// How far inwards an area is from an edge of the screen: 0 to 3 for left, right, top, bottom, as in struts.
+/// Returns the distance of an area from an edge of the screen, inwards. Edges are numbered like struts: 0 to
+/// 3 for left, right, top, bottom.
 Range distance(std::size_t edge, const Area& screen, const Area& area) {
   const auto whole = along(edge / 2, screen), part = along(edge / 2, area);
   return edge % 2 == 0 ? Range{part.low - whole.low, part.high - whole.low}
                        : Range{whole.high - part.high, whole.high - part.low};
 }
 
-/// How much of a monitor a window reserves at an edge of it.
+/// Returns how many pixels of a monitor a window reserves at an edge.
 int reserved(const Window& window, std::size_t edge, const Area& monitor, const Screen& screen) {
   const auto& strut = window.strut;
   const auto here = distance(edge, screen.area, monitor), own = distance(edge, screen.area, window.area);
@@ -155,7 +157,7 @@ int reserved(const Window& window, std::size_t edge, const Area& monitor, const 
   const auto axis = 1 - edge / 2;
   const auto range =
       hasRange ? Range{strut[4 + 2 * edge], strut[5 + 2 * edge] + 1} : along(axis, window.area);
-  // What would take the whole monitor is meant for another one beyond it.
+  // A strut as deep as the monitor is meant for another monitor behind it.
   return depth < here.high && overlap(range, along(axis, monitor)) ? std::max(0, depth - here.low) : 0;
 }
 
@@ -168,7 +170,7 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
   const auto manager = connection.items(connection.ask(root, ewmh._NET_SUPPORTING_WM_CHECK));
   if (!manager.empty())
     screen.windowManager = connection.items<std::string>(connection.ask(manager[0], ewmh._NET_WM_NAME));
-  const bool isSilent = screen.windowManager == "i3";  // about panels
+  const bool isSilent = screen.windowManager == "i3";  // it does not report changes of panels
   connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                               (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
   screen.isComposited = ownerOf(connection, ewmh._NET_WM_CM_Sn[0]) != XCB_NONE;

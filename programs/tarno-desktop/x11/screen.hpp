@@ -9,32 +9,33 @@
 
 namespace desktop::x11 {
 
-/// A window on the screen itself that is seen, such as a frame, and what is in it.
+/// A visible top-level window, such as a frame, and the windows in it.
 struct Window {
-  std::vector<xcb_window_t> ids;  ///< of the window itself, then of those in it
+  std::vector<xcb_window_t> ids;  ///< the window itself first
   Area area;
-  bool isOverlay = false;  ///< not managed: such as a window manager's own panel
-  bool isDesktop = false;  ///< of a file manager; or a tile
+  bool isOverlay = false;  ///< not managed, such as a panel of the window manager
+  bool isDesktop = false;  ///< the desktop of a file manager, or a tile
   bool isFullScreen = false;
-  std::vector<int> strut;  ///< the 12 values of _NET_WM_STRUT_PARTIAL, or nothing
+  std::vector<int> strut;  ///< the 12 values of _NET_WM_STRUT_PARTIAL, or empty
 };
 
-/// All that concerns the tile on a screen, at one moment. Areas are in pixels.
+/// The state of a screen at one moment, as far as it concerns the tile. Areas are in pixels.
 struct Screen {
-  Area area;                           ///< of the root window, from whose edges struts count
-  std::vector<Monitor> monitors;       ///< that are on, in the display's order
+  Area area;                           ///< of the root window; struts count from its edges
+  std::vector<Monitor> monitors;       ///< the active monitors in the display's order
   std::vector<Window> windows;         ///< bottom to top
-  Area workArea;                       ///< what the window manager leaves of the whole screen
-  std::vector<Area> monitorWorkAreas;  ///< the same of single monitors, as far as it is known
+  Area workArea;                       ///< the part of the screen that the window manager leaves free
+  std::vector<Area> monitorWorkAreas;  ///< the same for single monitors, if known
   std::string windowManager;           ///< its name; empty without one
   bool isComposited = false;           ///< transparency shows
 };
 
-/// Looks at the screen, and asks for events when any of this changes. `scale` overrides the session's.
+/// Reads the state of the screen and requests events for its changes. `scale` overrides the scale of the
+/// session.
 Screen readScreen(const Connection& connection, std::optional<double> scale);
 
-/// What panels leave of a monitor: struts that reach into it, panels of the window manager's own, which lie
-/// where its work area does not, and what it says about the monitor itself.
+/// Returns the part of a monitor that panels leave free. It considers struts, panels of the window manager
+/// outside of its work area, and the work area of the monitor itself.
 Area freeArea(const Area& monitor, const Screen& screen);
 
 }  // namespace desktop::x11

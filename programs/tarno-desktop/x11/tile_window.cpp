@@ -12,7 +12,7 @@ namespace {
 
 std::uint32_t alpha(std::uint32_t pixel) { return pixel >> 24; }
 
-/// Without the transparency, so that no black is seen where an edge is cut.
+/// Returns the colour without transparency, so that cut edges do not look black.
 std::uint32_t unpremultiplied(std::uint32_t pixel) {
   std::uint32_t color = 0xff000000;
   for (const int shift : {0, 8, 16})
@@ -20,7 +20,7 @@ std::uint32_t unpremultiplied(std::uint32_t pixel) {
   return color;
 }
 
-/// What is more than half opaque in row `y`, added to `outline`.
+/// Adds the parts of row `y` that are more than half opaque to `outline`.
 void addOutline(std::span<const std::uint32_t> row, int y, std::vector<xcb_rectangle_t>& outline) {
   const auto isSolid = [](std::uint32_t pixel) { return alpha(pixel) > 127; };
   for (auto end = row.begin(); end != row.end();) {
@@ -31,7 +31,7 @@ void addOutline(std::span<const std::uint32_t> row, int y, std::vector<xcb_recta
   }
 }
 
-/// Makes some areas, or none, a shape of a window.
+/// Sets a shape of a window to some areas, or to none.
 void setShape(xcb_connection_t* connection, xcb_window_t window, std::uint8_t shape,
               const std::vector<xcb_rectangle_t>& areas) {
   const xcb_xfixes_region_t region = xcb_generate_id(connection);
@@ -59,10 +59,11 @@ TileWindow::TileWindow(const Connection& connection, Layer layer, bool managed)
   xcb_icccm_wm_hints_t hints{};
   xcb_icccm_wm_hints_set_input(&hints, 0);
   xcb_icccm_set_wm_hints(connection, id, &hints);
-  constexpr std::array<std::uint32_t, 5> noDecorations{2};  // a flag for the third word, which stays 0
+  constexpr std::array<std::uint32_t, 5> noDecorations{
+      2};  // a flag that says that the third word counts; it stays 0
   xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, connection.motifHints, connection.motifHints, 32,
                       noDecorations.size(), noDecorations.data());
-  // Around what is part of the desktop, managed or not, compositors draw no shadow.
+  // Compositors draw no shadow around windows of the desktop, managed or not.
   auto& ewmh = connection.ewmh;
   auto type = isManaged && !isDesktop ? ewmh._NET_WM_WINDOW_TYPE_UTILITY : ewmh._NET_WM_WINDOW_TYPE_DESKTOP;
   xcb_ewmh_set_wm_window_type(&ewmh, id, 1, &type);
@@ -78,7 +79,7 @@ void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string&
   picture_ = std::move(picture);
   isComposited_ = isComposited;
   xcb_ewmh_set_wm_name(&connection_.ewmh, id, static_cast<std::uint32_t>(title.size()), title.data());
-  // As the window's background, the picture comes back by itself wherever the window is uncovered.
+  // As the background of the window, the X server redraws the picture whenever the window is uncovered.
   const auto width = static_cast<std::uint16_t>(picture_->width),
              height = static_cast<std::uint16_t>(picture_->height);
   const xcb_pixmap_t pixmap = xcb_generate_id(connection_);
@@ -87,7 +88,7 @@ void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string&
   xcb_create_gc(connection_, context, pixmap, 0, nullptr);
   std::vector<xcb_rectangle_t> outline;
   std::vector<std::uint32_t> opaque(width);
-  for (std::int16_t y = 0; y < height; ++y) {  // a row fits into a request, whatever its limit is
+  for (std::int16_t y = 0; y < height; ++y) {  // one row always fits into a request
     const auto row = picture_->row(y);
     addOutline(row, y, outline);
     if (!isComposited_) std::ranges::transform(row, opaque.begin(), unpremultiplied);
@@ -111,7 +112,8 @@ void TileWindow::place(const Area& area) {
   xcb_icccm_size_hints_set_size(&hints, 1, area.width, area.height);
   xcb_icccm_size_hints_set_min_size(&hints, area.width, area.height);
   xcb_icccm_size_hints_set_max_size(&hints, area.width, area.height);
-  xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);  // x and y are not the frame's
+  xcb_icccm_size_hints_set_win_gravity(
+      &hints, XCB_GRAVITY_STATIC);  // x and y are those of the window, not of its frame
   xcb_icccm_set_wm_normal_hints(connection_, id, &hints);
   const xcb_configure_window_value_list_t values{.x = area.x,
                                                  .y = area.y,

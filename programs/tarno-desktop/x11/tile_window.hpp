@@ -9,25 +9,26 @@
 
 namespace desktop::x11 {
 
-/// The window that shows the tile: in no taskbar, without the focus. Clicks pass through it, except in the
+/// The window of the tile. It is in no taskbar and never has the focus. Clicks pass through it, except in the
 /// layer "normal", where they drag it.
 class TileWindow {
  public:
-  /// Not on the screen yet. Window managers pass over one that is not managed. `connection` outlives it.
+  /// Creates the window but does not show it. Window managers ignore a window that is not managed.
+  /// `connection` must outlive it.
   TileWindow(const Connection& connection, Layer layer, bool isManaged);
   TileWindow(TileWindow&&) = delete;
   ~TileWindow() { xcb_destroy_window(connection_, id); }
 
-  /// Fills the window. Where nothing composes windows, it is cut to the picture's outline.
+  /// Shows a picture. Without a compositor, the window gets the shape of the picture's outline.
   void show(std::shared_ptr<const Picture> picture, const std::string& title, bool isComposited);
 
-  /// Puts the window to `area` of the screen, in pixels. One that was dragged only follows in size.
+  /// Moves the window to `area` of the screen, in pixels. A window that was dragged is only resized.
   void place(const Area& area);
 
-  /// Puts the window directly above another on the root window; for none, below all.
+  /// Puts the window directly above another top-level window; without one, below all.
   void stack(xcb_window_t below) const;
 
-  /// Lets the pointer, which pressed a button here, drag the window.
+  /// Starts dragging the window with the pointer, whose button was pressed on it.
   void drag(const xcb_button_press_event_t& press);
 
   const bool isManaged;

@@ -17,11 +17,11 @@ namespace {
 using namespace x11;
 
 constexpr std::array kinds{"an X11 desktop window", "an ordinary X11 window",
-                           "an X11 window above others"};  // by layer
+                           "an X11 window above others"};  // indexed by layer
 
-/// These window managers keep an unmanaged window above all others, or leave it behind what they raise to
-/// show the desktop; and they let the pointer through a managed one. The others put managed windows into
-/// frames, which catch it.
+/// These window managers keep an unmanaged window above all others, or hide it when they show the desktop,
+/// and they let clicks pass through a managed one. All others put managed windows into frames, which catch
+/// clicks.
 bool isManaged(Layer layer, std::string_view windowManager) {
   constexpr std::array<std::string_view, 4> frameless{"GNOME Shell", "KWin", "Metacity", "Mutter"};
   const auto isPartOfIt = [&](auto name) { return windowManager.find(name) != std::string_view::npos; };
@@ -47,7 +47,7 @@ class X11Surface final : public Surface {
   const Connection connection_;
   Screen screen_;
   std::optional<TileWindow> window_;
-  int looks_ = 1;  // that are still to be taken
+  int looks_ = 1;  // how many looks at the screen are still due
   Clock::time_point nextLook_;
 };
 
@@ -63,7 +63,7 @@ X11Surface::X11Surface(const Options& options)
 }
 
 program::EventSource::Wait X11Surface::prepare() {
-  for (bool isDue = true; isDue;) {  // events arrive beside the answers to what a look asks
+  for (bool isDue = true; isDue;) {  // events also arrive while a look waits for answers
     while (const tarno::Handle<xcb_generic_event_t, std::free> event{xcb_poll_for_event(connection_)})
       handle(*event);
     isDue = looks_ > 0 && nextLook_ <= Clock::now();
@@ -71,7 +71,7 @@ program::EventSource::Wait X11Surface::prepare() {
   }
   fit();
   xcb_flush(connection_);
-  if (xcb_connection_has_error(connection_) != 0) return {.until = Clock::now()};  // for dispatch() to tell
+  if (xcb_connection_has_error(connection_) != 0) return {.until = Clock::now()};  // dispatch() reports it
   return {{{xcb_get_file_descriptor(connection_), POLLIN, 0}},
           looks_ > 0 ? nextLook_ : Clock::time_point::max()};
 }
@@ -83,7 +83,7 @@ void X11Surface::dispatch(short) {
     throw program::Failure{
         EX_PROTOCOL, "the connection to the X11 display broke: xcb reports error " + std::to_string(error)};
   const Connection another;  // throws if the whole display went away
-  program::complain("the X11 display closed the connection of the tile");  // somebody had its window killed
+  program::complain("the X11 display closed the connection of the tile");  // somebody killed its window
   state_.isClosed = true;
 }
 
@@ -100,7 +100,7 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
     case XCB_CONFIGURE_NOTIFY: {
       const auto& notify = *static_cast<const xcb_configure_notify_event_t*>(data);
       if (isOwn(notify.window)) return findExtents();
-      if (notify.event != notify.window) return;  // one of all the windows on the screen
+      if (notify.event != notify.window) return;  // of some other window on the screen
       break;
     }
     case XCB_PROPERTY_NOTIFY:
@@ -108,7 +108,7 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
       break;
     default: break;
   }
-  looks_ = 2;  // one at once, and one for what follows without being told
+  looks_ = 2;  // one now, and one later for what follows without an event
 }
 
 /// Whether a property, of the root or of another window, can change the place of the tile.
@@ -132,14 +132,15 @@ bool X11Surface::matters(xcb_atom_t property) const {
   return std::ranges::count(wanted, property) != 0;
 }
 
-/// A window in a frame is told its place in the frame, so the display is asked where it is on the screen.
+/// The event of a window in a frame has its position in the frame, so this asks for its position on the
+/// screen.
 void X11Surface::findExtents() {
   const auto cookie = xcb_translate_coordinates(connection_, window_->id, connection_.root, 0, 0);
   const auto at = connection_.answer<xcb_translate_coordinates_reply>(cookie);
   if (at) state_.extents = {at->dst_x, at->dst_y, picture_->width, picture_->height};
 }
 
-/// Looks at the screen, and follows what has changed.
+/// Reads the state of the screen and adapts the tile to it.
 void X11Surface::look() {
   --looks_;
   nextLook_ = Clock::now() + std::chrono::milliseconds{100};
@@ -150,7 +151,7 @@ void X11Surface::look() {
   if (window_) restack();
 }
 
-/// Shows the picture in its place, in a window as the window manager needs it.
+/// Shows the picture in its place, in a managed or unmanaged window as the window manager requires.
 void X11Surface::fit() {
   if (!state_.monitor || !picture_) return window_.reset();
   const bool managed = isManaged(options_.layer, screen_.windowManager);
@@ -161,15 +162,15 @@ void X11Surface::fit() {
   window_->place(place(picture_->width, picture_->height, room, options_.anchor, margin));
 }
 
-/// Puts the tile back to its place in the stack: below all other windows, but directly above the desktop of
-/// a file manager, which is a window too; or, in the layer above, over all that do not fill the screen.
+/// Restores the position of the tile in the stack: below all other windows, but directly above the desktop
+/// window of a file manager; or, in the layer above, over all windows that do not fill the screen.
 void X11Surface::restack() {
-  if (window_->isManaged && options_.layer != Layer::desktop) return;  // that is up to the window manager
+  if (window_->isManaged && options_.layer != Layer::desktop) return;  // the window manager decides
   xcb_window_t highest = XCB_NONE;
   bool isAbove = true;
   for (const auto& window : screen_.windows) {
     if (std::ranges::count(window.ids, window_->id) != 0) isAbove = true;
-    // A smaller one is another tile, which wants to be there too.
+    // A smaller window of this type is another tile, which belongs there too.
     const bool isLarger = window.area.width > picture_->width && window.area.height > picture_->height;
     if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
                                          : window.isDesktop || window.isOverlay || window.isFullScreen)
