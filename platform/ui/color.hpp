@@ -20,7 +20,7 @@ struct Color {
   friend bool operator==(const Color&, const Color&) = default;
 };
 
-/// A component as one of 256 steps, half rounded up: what is drawn, and what inspection prints.
+/// Returns a component as one of 256 steps, rounded half up: this is what is drawn and what `inspect` prints.
 inline long byteOf(double component) {
   return component > 0 ? std::lround(std::min(component, 1.0) * 255) : 0;
 }

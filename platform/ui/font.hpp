@@ -4,13 +4,13 @@ namespace ui {
 
 enum class FontWeight { regular, medium, semibold, bold };
 
-/// `standard` is the system's plain face, `rounded` its face with round ends.
+/// `standard` is the plain font of the system, `rounded` a font with round ends.
 enum class FontDesign { standard, rounded };
 
 /// The named sizes.
 enum class TextStyle { title3, body, caption, caption2 };
 
-/// The size of a style in points.
+/// Returns the size of a text style in points.
 constexpr double textStyleSize(TextStyle style) {
   switch (style) {
     case TextStyle::title3: return 20;
@@ -21,7 +21,7 @@ constexpr double textStyleSize(TextStyle style) {
   return 15;
 }
 
-/// A face of the system font at a size in points.
+/// A design and weight of the system font at a size in points.
 struct Font {
   double size = 13;
   FontWeight fontWeight = FontWeight::regular;

@@ -8,10 +8,10 @@ namespace ui {
 
 inline constexpr double infinity = std::numeric_limits<double>::infinity();
 
-/// No length that a view or a container asks for is longer than this, in points.
+/// The maximum of every length in points that a view or a container asks for.
 inline constexpr double longestLength = 10'000;
 
-/// `value` kept within `low` to `high`, 0 in place of a NaN.
+/// Returns `value` limited to `low` to `high`; 0 for a NaN.
 constexpr double bounded(double value, double low, double high) {
   return std::clamp(value == value ? value : 0, low, high);
 }
@@ -37,7 +37,7 @@ struct Rect {
   constexpr Point center() const { return {origin.x + size.width / 2, origin.y + size.height / 2}; }
   constexpr double right() const { return origin.x + size.width; }
   constexpr double bottom() const { return origin.y + size.height; }
-  /// Smaller by `margin` on every side, never below nothing.
+  /// Returns the rectangle reduced by `margin` on every side, never below an empty size.
   constexpr Rect inset(double margin) const {
     return {{origin.x + margin, origin.y + margin},
             {std::max(size.width - 2 * margin, 0.0), std::max(size.height - 2 * margin, 0.0)}};
@@ -46,10 +46,10 @@ struct Rect {
   friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-/// Where the children of a vertical stack, or the content of a frame, stand from left to right.
+/// The horizontal position of the children of a vertical stack, or of the content of a frame.
 enum class HorizontalAlignment { leading, center };
 
-/// Where the children of a horizontal stack stand from top to bottom.
+/// The vertical position of the children of a horizontal stack.
 enum class VerticalAlignment { center };
 
 /// The middle, along either axis.

@@ -6,7 +6,7 @@
 
 namespace ui {
 
-/// The room that a view gets in its container. A NaN or a negative length counts as 0, and lengths end at
+/// The space of a view in its container. A NaN or a negative length counts as 0; lengths are limited to
 /// `longestLength`.
 struct ContainerShape {
   Size size;                 ///< of the whole container
@@ -14,8 +14,8 @@ struct ContainerShape {
   double cornerRadius = 0;   ///< of the container background
 };
 
-/// Places `view` in a container and resolves everything about it. Reads nothing but its arguments, and calls
-/// `measurer` on the caller's thread.
+/// Lays out `view` in a container. Depends only on its arguments, and calls `measurer` on the caller's
+/// thread.
 ///
 /// The rules, in short. A parent proposes a size, a child answers with its own, the parent places it. A stack
 /// takes its spacing off what it was offered, then offers the rest to its children from the least flexible to

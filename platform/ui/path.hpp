@@ -26,7 +26,7 @@ struct Rotation {
   Point apply(Point point) const;
 };
 
-/// An outline: a run of pieces, each starting where the last one ended.
+/// An outline: a sequence of elements, each starting where the last one ended.
 struct Path {
   struct Move {
     Point to;
@@ -52,13 +52,13 @@ struct Path {
 
   std::vector<Element> elements;
 
-  /// Corner radius cut to half of the shorter side.
+  /// A rectangle with round corners; the radius is limited to half of the shorter side.
   static Path roundedRect(const Rect& rect, double radius);
   /// The outline of the circle inscribed in `rect`, from fraction `from` to `to` of its length, measured
   /// clockwise from 3 o'clock; closed when it is the whole circle.
   static Path circle(const Rect& rect, double from = 0, double to = 1);
 
-  /// This outline enlarged by `factor` about the origin, then moved by `offset`.
+  /// Returns this outline scaled by `factor` about the origin, then moved by `offset`.
   Path placed(double factor, Point offset) const;
   Path rotated(const Rotation& rotation) const;
 

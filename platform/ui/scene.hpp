@@ -16,8 +16,8 @@ namespace ui {
 struct FillPath {
   Path path;
   Color color;
-  /// Drawn on pixels, the outline moves by half a pixel at most so that this point stands between four of
-  /// them: the edges of a small sign stay crisp.
+  /// When drawn on pixels, the outline moves by at most half a pixel so that this point is on a corner of a
+  /// pixel. This keeps the edges of small symbols sharp.
   std::optional<Point> anchor{};
 
   friend bool operator==(const FillPath&, const FillPath&) = default;
@@ -47,7 +47,7 @@ struct TextRun {
 
 using SceneItem = std::variant<FillPath, StrokePath, TextRun>;
 
-/// One thing that a screen reader stops at.
+/// An element that a screen reader finds.
 struct AccessibilityElement {
   enum class Role { staticText, image };
 
@@ -58,8 +58,8 @@ struct AccessibilityElement {
   friend bool operator==(const AccessibilityElement&, const AccessibilityElement&) = default;
 };
 
-/// A view laid out: what to draw, from bottom to top, with every colour, font, size and position resolved,
-/// and what a screen reader finds, in reading order.
+/// A laid-out view: the items to draw, from bottom to top, with all colours, fonts, sizes and positions, and
+/// the elements that a screen reader finds, in reading order.
 struct Scene {
   Size size;
   std::vector<SceneItem> items;

@@ -8,14 +8,14 @@
 
 namespace ui {
 
-/// How much room a text takes.
+/// The size of a text.
 struct TextMetrics {
-  Size size;               ///< the box around its lines; never wider than the width that was given
+  Size size;               ///< of all lines; never wider than the given width
   double baseline = 0;     ///< of the first line, from the top of the box
   bool truncated = false;  ///< cut with an ellipsis because it did not fit
 };
 
-/// What layout asks of a text renderer. Implementations say which threads may call them.
+/// Measures text for the layout. Implementations say which threads may call them.
 class TextMeasurer {
  public:
   virtual ~TextMeasurer() = default;

@@ -9,19 +9,20 @@
 namespace ui {
 namespace {
 
-/// Between a label's symbol and its title, in points: a word space at the sizes that labels are set in.
+/// The space between the symbol and the title of a label, in points: a word space at the usual sizes.
 constexpr double labelSpacing = 4;
 
 double boundedLength(double length) { return bounded(length, 0, longestLength); }
 
-/// Font libraries run out of memory when they scale colour glyphs to sizes far outside of this.
+/// The maximum font size: font libraries run out of memory when they scale colour glyphs to much larger
+/// sizes.
 double boundedFontSize(double size) {
   constexpr double smallest = 1;
   constexpr double largest = 1000;
   return size >= smallest ? bounded(size, smallest, largest) : 0;
 }
 
-/// A length that may also draw things together.
+/// A length that may be negative.
 double boundedDistance(double length) { return bounded(length, -longestLength, longestLength); }
 
 double boundedFraction(double fraction) { return bounded(fraction, 0, 1); }

@@ -12,8 +12,8 @@
 #include "tarno/ui/geometry.hpp"
 #include "tarno/ui/path.hpp"
 
-/// Views: descriptions of what to show, as values. Factories make them, modifiers wrap them, layout() places
-/// them.
+/// Views are values that describe what to show. Factories create them, modifiers wrap them, and layout() lays
+/// them out.
 ///
 /// You may pass any number. Factories and modifiers bound it before they keep it: a NaN becomes 0, a length
 /// is at most `longestLength` and not negative (spacing and padding may be negative, down to
@@ -47,8 +47,8 @@ class View {
 
   const Node& node() const { return *node_; }
 
-  /// Font, colour and text limits hold for everything inside, unless something further inside says otherwise.
-  /// A font larger than 1000 points counts as 1000; one smaller than 1 counts as 0 and takes no room.
+  /// The font, colour and text limits apply to everything inside, unless something further inside changes
+  /// them. A font larger than 1000 points counts as 1000; one smaller than 1 counts as 0 and takes no space.
   View font(Font font) const;
   View foregroundStyle(Color color) const;
   /// 1 to `unlimitedLines`.
@@ -71,14 +71,14 @@ class View {
   View accessibilityElement(std::string label) const;
   View accessibilityHidden() const;
 
-  /// By content.
+  /// Compares the content.
   friend bool operator==(const View& a, const View& b);
 
  private:
   std::shared_ptr<const Node> node_;
 };
 
-/// The children of a stack: views, and optional views of which only the present ones count.
+/// The children of a stack. Absent optional views are skipped.
 class Children {
  public:
   template <class... Views>
@@ -109,13 +109,13 @@ struct VStackOptions {
   friend bool operator==(const VStackOptions&, const VStackOptions&) = default;
 };
 
-/// A text shown verbatim, not a localisation key.
+/// A text, shown verbatim; it is not a localisation key.
 View Text(std::string text);
 
-/// The symbol of that name (see symbol.hpp) at the size of the font in force. Decoration to a screen reader.
+/// The symbol of that name (see symbol.hpp) at the size of the current font. Screen readers ignore it.
 View Image(std::string systemName);
 
-/// A title with a symbol before it, both in the font in force.
+/// A title after a symbol, both in the current font.
 View Label(std::string title, std::string systemImage);
 
 View makeHStack(HStackOptions options, std::vector<View> children);
@@ -132,14 +132,14 @@ View VStack(VStackOptions options, const Views&... children) {
   return makeVStack(options, Children{children...}.views);
 }
 
-/// Children over one another and centred, the first at the bottom.
+/// Children on top of each other and centred, the first at the bottom.
 template <class... Views>
 View ZStack(const Views&... children) {
   return makeZStack(Children{children...}.views);
 }
 
-/// A shape becomes a view when it is filled or stroked; it takes the size that it is offered. Strokes
-/// straddle the outline.
+/// A shape becomes a view when it is filled or stroked. It takes all space that it is offered. Strokes are
+/// centred on the outline.
 class Circle {
  public:
   /// The part of the outline between two fractions of its length, clockwise from 3 o'clock.

@@ -10,7 +10,7 @@ namespace {
 
 using Clock = EventSource::Clock;
 
-/// What poll() takes for a deadline: whole milliseconds, rounded up so that it does not wake too early.
+/// Returns the timeout for poll(): whole milliseconds, rounded up so that it does not wake too early.
 int milliseconds(Clock::time_point until) {
   if (until == Clock::time_point::max()) return -1;
   constexpr auto longest = std::chrono::milliseconds{std::chrono::hours{24}};
@@ -22,7 +22,7 @@ int milliseconds(Clock::time_point until) {
 
 int EventLoop::run() {
   std::vector<pollfd> polled;
-  std::vector<std::size_t> counts;  // of the descriptors of each source
+  std::vector<std::size_t> counts;  // the number of descriptors of each source
   while (!exitCode_) {
     polled.clear();
     counts.clear();

@@ -8,39 +8,39 @@
 
 namespace program {
 
-/// Something that the event loop waits for.
+/// A source of events for the event loop.
 class EventSource {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// What to wait for: the events of any number of descriptors, as for poll(), and a deadline.
+  /// What to wait for: events of any number of descriptors, as for poll(), and a deadline.
   struct Wait {
     std::vector<pollfd> descriptors{};
     Clock::time_point until = Clock::time_point::max();
   };
 
   EventSource() = default;
-  EventSource(EventSource&&) = delete;  // the loop finds it where it is
+  EventSource(EventSource&&) = delete;  // the loop keeps its address
   virtual ~EventSource() = default;
 
-  /// Called before every sleep: sends what is pending and says what to wait for.
+  /// Called before every sleep. Sends what is pending and returns what to wait for.
   virtual Wait prepare() = 0;
 
-  /// Called after every sleep, in the order in which the sources were added. `events` is what poll() found
-  /// for all descriptors of the source together, 0 for nothing. Also called when nothing has happened.
+  /// Called after every sleep, in the order in which the sources were added, even if nothing happened.
+  /// `events` has the events of all descriptors of the source together.
   virtual void dispatch(short events) = 0;
 };
 
-/// One poll() over everything that the program waits for. One thread; asleep in between.
+/// Waits with one poll() for everything that the program waits for, and sleeps in between. For one thread.
 class EventLoop {
  public:
-  /// Asks `source`, which outlives the loop, from the next run() on.
+  /// Adds `source`, which must outlive the loop, from the next run() on.
   void add(EventSource& source) { sources_.push_back(&source); }
 
-  /// Waits and dispatches until quit(); returns its code. Throws what a source throws.
+  /// Waits and dispatches until quit(), and returns its code. Exceptions of a source pass through.
   int run();
 
-  /// Ends run() after the sources have been dispatched.
+  /// Ends run() after the current round of dispatching.
   void quit(int exitCode) { exitCode_ = exitCode; }
 
  private:

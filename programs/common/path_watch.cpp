@@ -44,7 +44,7 @@ void PathWatch::watchAnew() {
     complain("cannot watch " + path_.string() + ", and looks at it every 5 s: " + std::strerror(fault));
 }
 
-/// Returns 0, or the error that keeps changes from being noticed: EAGAIN when a folder came or went
+/// Returns 0, or the error that keeps changes from being noticed: EAGAIN if a folder appeared or disappeared
 /// meanwhile.
 int PathWatch::watchFolders() {
   const auto watch = [this](const std::filesystem::path& path, unsigned events) {
@@ -58,11 +58,12 @@ int PathWatch::watchFolders() {
   for (const auto& name : path_) {
     awaited_ = nearest / name;
     if (awaited_ == path_) break;
-    const int linkError = watch(awaited_, itself | IN_DONT_FOLLOW);  // a link may be replaced, too
+    const int linkError = watch(awaited_, itself | IN_DONT_FOLLOW);  // notices when a link is replaced
     const int error = watch(awaited_, itself | IN_ONLYDIR);
     if (isExhausted(linkError) || isExhausted(error)) return ENOSPC;
     isMissing = error == ENOENT;
-    if (error != 0 && error != EACCES) break;  // what lies in a folder that cannot be read may be readable
+    if (error != 0 && error != EACCES)
+      break;  // files in a folder that cannot be listed may still be readable
     nearest = awaited_;
   }
   const int error = watch(nearest, names | IN_ONLYDIR);
@@ -80,7 +81,8 @@ void PathWatch::dispatch(short events) {
       const auto& event = *static_cast<const inotify_event*>(record);
       at += sizeof event + event.len;
       const bool isOurs = std::find(watches_.begin(), watches_.end(), event.wd) != watches_.end();
-      const bool isLost = (event.mask & IN_Q_OVERFLOW) != 0;  // events, and with them the way
+      const bool isLost =
+          (event.mask & IN_Q_OVERFLOW) != 0;  // events were lost, perhaps about the folders of the path
       if (!isOurs && !isLost) continue;
       const bool isNamed = event.len != 0 && awaited_.filename() == event.name;
       isElsewhere |= event.len == 0 || (isNamed && awaited_ != path_);

@@ -9,16 +9,16 @@
 
 namespace program {
 
-/// Tells when the file at a path is made, replaced, written, removed or given other permissions, whichever of
-/// the folders above it come, go, move or change theirs meanwhile. It sleeps through whatever else happens:
-/// only the folder of the file, or the nearest one that exists, is watched for names. Changes behind a link
-/// that leads to nothing go unnoticed. Where the system cannot watch the path, it prints the reason on
-/// standard error once, and calls back every 5 s until it can.
+/// Calls back when the file at a path is created, replaced, written, removed or given other permissions, even
+/// if the folders above it appear, disappear, move or change meanwhile. It ignores everything else: it
+/// watches only the folder of the file, or the nearest one that exists. It does not notice changes behind a
+/// link to nothing. If the system cannot watch the path, it prints the reason on standard error once and
+/// calls back every 5 s until it can.
 class PathWatch final : public EventSource {
  public:
   explicit PathWatch(std::function<void()> changed);
 
-  /// Watches the file at `path`, absolute, in place of the one before. Returns whether it was another.
+  /// Watches the file at `path` (absolute) instead of the previous one. Returns whether the path is another.
   bool follow(const std::filesystem::path& path);
 
   Wait prepare() override { return {{{inotify_.get(), POLLIN, 0}}, nextLook_}; }
@@ -32,8 +32,8 @@ class PathWatch final : public EventSource {
   tarno::FileDescriptor inotify_;
   std::filesystem::path path_;
   std::vector<int> watches_;
-  Clock::time_point nextLook_ = Clock::time_point::max();  ///< when it tries again; never while it watches
-  std::filesystem::path awaited_;  ///< what lies on the way to the file, in the nearest folder that exists
+  Clock::time_point nextLook_ = Clock::time_point::max();  ///< the next attempt; never while it watches
+  std::filesystem::path awaited_;  ///< the next part of the path below the nearest folder that exists
 };
 
 }  // namespace program

@@ -51,13 +51,13 @@ std::string readText(const json& text) {
   return result;
 }
 
-/// Whether a picture has as many pixels on a side as a tile of that many points.
+/// Returns whether a picture has the right number of pixels for a side of this many points.
 bool isSide(int pixels, double points, double scale) {
-  const double more = pixels - points * scale;  // the last pixel need not be full
+  const double more = pixels - points * scale;  // the last pixel may be partly covered
   return 0 < points && points <= largestTile && pixels <= largestImage && -0.01 < more && more < 1.01;
 }
 
-/// The reason that an answer without a picture gives, or nothing.
+/// Returns the reason in an answer without a picture, or an empty text.
 std::string reasonIn(const std::string& output) {
   const auto answer = output.size() <= longestAnswer ? json::parse(output, nullptr, false) : json{};
   return answer.contains("error") ? ": " + readText(answer["error"]) : "";

@@ -18,12 +18,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Sets what signals do to the process, and returns a descriptor for SIGUSR1. A request to end is met at
-/// once, even while a display does not answer; the system releases what the program holds.
+/// Sets the signal handlers, and returns a descriptor for SIGUSR1. The signals that end the program do so at
+/// once, even while a display does not answer; the system releases everything that the program holds.
 int takeSignals() {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, [](int) { _exit(EX_OK); });
   std::signal(SIGPIPE, SIG_IGN);  // a reader of standard error or a display may go away
-  std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores its children hands that on
+  std::signal(SIGCHLD, SIG_DFL);  // the parent may have set it to be ignored
   sigset_t taken;
   sigemptyset(&taken);
   sigaddset(&taken, SIGUSR1);
@@ -37,7 +37,7 @@ class Host final : program::EventSource {
   /// Starts the first frame, then connects to the display.
   explicit Host(const Options& options) : options_(options) {
     loop_.add(*opened_.surface);
-    loop_.add(*this);  // after the surface, whose changes it hands on, and before what they concern
+    loop_.add(*this);  // after the surface, whose changes it passes on, and before the receivers of these
     tile_.addTo(loop_);
     loop_.add(accessible_);
     follow();
@@ -107,7 +107,7 @@ OpenedSurface openSurface(const Options& options) {
   }
   if (hasX11) try {
       return {openX11Surface(options), "the compositor has no layer-shell"};
-    } catch (const program::Failure&) {  // DISPLAY leads nowhere: as if it were not set
+    } catch (const program::Failure&) {  // DISPLAY is unusable: treat it as if it were not set
     }
   Options plain = options;
   plain.plainWindow = true;
@@ -115,7 +115,8 @@ OpenedSurface openSurface(const Options& options) {
 }
 
 int showTile(const Options& options) {
-  // Compositors restart: a display that lasted this long is waited for as long when it goes away.
+  // When a display that lasted this long disappears, the program waits this long for it, because compositors
+  // restart.
   constexpr auto patience = 5s;
   constexpr auto retryInterval = 250ms;
   using Clock = program::EventSource::Clock;
@@ -127,7 +128,7 @@ int showTile(const Options& options) {
       return Host{options}.run();
     } catch (const program::Failure& failure) {
       const auto now = Clock::now();
-      if (failure.exitCode() != EX_UNAVAILABLE) throw;  // what broke is not there again after a restart
+      if (failure.exitCode() != EX_UNAVAILABLE) throw;  // a restart of the compositor does not help
       if (now - openedAt >= patience) {
         loss = failure;
         giveUpAt = now + patience;

@@ -13,16 +13,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Between pictures when one change follows another.
+/// The minimum time between two pictures.
 constexpr auto shortestInterval = 250ms;
 
-/// A status that should be stale by now but is not, by the extension's clock, is asked for again after this.
+/// The time until the next request if a status should be stale by now but is not, by the clock of the
+/// extension.
 constexpr auto shortestStaleWait = 1s;
 
-/// If the reload date is past or nearer than this, the next request waits this long.
+/// The minimum time until the next request, even if the reload date has passed.
 constexpr auto shortestReload = 5s;
 
-/// A request that failed is made again after this long.
+/// The time until a failed request is repeated.
 constexpr auto retryInterval = 30s;
 
 }  // namespace
@@ -73,12 +74,12 @@ void LiveTile::dispatch(short) {
   sayOnce(errors, failure);
   sleep(frame);
   if (!frame) return;
-  // What changed between the process' reading of the store and the first watch would go unnoticed.
+  // Changes between the process's reading of the store and the first watch would otherwise go unnoticed.
   if (!frame->storeFile.empty() && store_.follow(frame->storeFile)) refresh();
   if (frame->picture->scale == request_.scale)
     show_(*frame);
   else
-    notBefore_ = {};  // the right one comes at once
+    notBefore_ = {};  // start the frame of the right scale at once
 }
 
 void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
@@ -91,7 +92,7 @@ void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
 void LiveTile::sleep(const std::optional<Frame>& frame) {
   const auto now = tarno::now();
   auto next = nextRequest(now, frame ? std::optional{frame->reloadDate} : std::nullopt);
-  // A clock that stands still never gets there.
+  // A frozen clock never reaches it.
   if (frame && frame->staleDate && !request_.at)
     next = std::min(next, std::max(*frame->staleDate, now + shortestStaleWait));
   timer_.sleepUntil(next);

@@ -9,25 +9,26 @@
 
 namespace desktop {
 
-/// Returns when to make the next request, after the one at `now` was answered with `reloadDate`, or failed
-/// (no value). Always later than `now`, so that no answer keeps the tile busy.
+/// Returns the date of the next request, after the one at `now` was answered with `reloadDate`, or failed (no
+/// value). It is always later than `now`, so that no answer keeps the tile busy.
 tarno::Date nextRequest(tarno::Date now, const std::optional<tarno::Date>& reloadDate);
 
-/// Keeps a picture of the tile up to date: asks the extension's process for one at the start, at the reload
-/// date, when the status turns stale, when the store's file, the clock or the time zone changes. What goes
-/// wrong is said on standard error, once for as long as it stays the same, and tried again after 30 s.
+/// Keeps the picture of the tile up to date: requests a frame at the start, at the reload date, when the
+/// status turns stale, and when the file of the store, the clock or the time zone changes. Prints each error
+/// once until it changes, and tries again after 30 s.
 class LiveTile final : public program::EventSource {
  public:
-  /// Starts the first frame at once. `show` is called with each new frame.
+  /// Starts the first frame at once. Calls `show` with each new frame.
   LiveTile(FrameRequest request, std::function<void(const Frame&)> show);
 
-  /// Adds this and all that it waits for to `loop`, which outlives it.
+  /// Adds this and its event sources to `loop`, which must outlive it.
   void addTo(program::EventLoop& loop);
 
-  /// Asks for a frame because something may have changed; at most four are shown a second, the last always.
+  /// Requests a frame because something may have changed. At most four frames a second are drawn, the last
+  /// one always.
   void refresh() { isNeeded_ = true; }
 
-  /// Asks for a frame at `scale` pixels per point, unless that is the scale already.
+  /// Requests a frame at `scale` pixels per point if the scale has changed.
   void setScale(double scale);
 
   Wait prepare() override;
@@ -43,9 +44,9 @@ class LiveTile final : public program::EventSource {
   program::WallClockTimer timer_{[this] { refresh(); }};
   program::PathWatch timeZone_{[this] { refresh(); }}, store_{[this] { refresh(); }};
   std::optional<FrameProcess> process_;
-  bool isNeeded_ = true;          ///< a frame
+  bool isNeeded_ = true;          ///< whether a frame is requested
   Clock::time_point notBefore_;   ///< when the next frame may start
-  std::string errors_, failure_;  ///< that were said last, and still hold
+  std::string errors_, failure_;  ///< the last printed ones that still apply
 };
 
 }  // namespace desktop

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A line for each: "HDMI-1 1920x1080+0+0 scale 1.5 primary".
+/// Prints one line for each monitor: "HDMI-1 1920x1080+0+0 scale 1.5 primary".
 void listMonitors(const desktop::Options& options) {
   const auto surface = desktop::openSurface(options).surface;
   std::ostringstream list;
@@ -35,7 +35,7 @@ int main(int argc, char** argv) {
       return EX_OK;
     }
     desktop::readSettings(app);
-    app.parse(argc, argv);  // once more: the command line wins over the settings
+    app.parse(argc, argv);  // again, so that the command line overrides the settings
     if (options.listMonitors) {
       listMonitors(options);
       return EX_OK;

@@ -12,7 +12,7 @@
 namespace desktop {
 namespace {
 
-/// Whether all of a picture can be mapped, and nobody can take its memory away.
+/// Returns whether all of a picture can be mapped, and nobody can shrink its memory.
 bool isSafe(int memory, const PictureLayout& layout) {
   struct stat file {};
   const int seals = fcntl(memory, F_GET_SEALS);

@@ -10,10 +10,10 @@ namespace desktop {
 /// Returns empty shared memory for a picture. Throws std::system_error when the system has none left.
 tarno::FileDescriptor makePictureMemory();
 
-/// How a picture lies in memory, and how large it is to be shown.
+/// The layout of a picture in memory, and its scale.
 struct PictureLayout {
   int width = 0, height = 0;  ///< in pixels
-  int stride = 0;             ///< from row to row, in bytes; at least 4 * `width`
+  int stride = 0;             ///< from row to row in bytes; at least 4 * `width`
   double scale = 1;           ///< pixels per point
 
   std::size_t size() const { return static_cast<std::size_t>(stride) * static_cast<std::size_t>(height); }
@@ -22,21 +22,21 @@ struct PictureLayout {
 
 /// A picture of the tile in shared memory: rows of premultiplied ARGB, 32-bit words in the machine's byte
 /// order, from the top. Mapped for as long as it lives, and sealed against shrinking, so that a display
-/// server can map it safely, too. Nobody writes to it once it is made.
+/// server can also map it safely. Nobody writes to it.
 class Picture : public PictureLayout {
  public:
-  /// Maps `memory`, a memfd. Throws std::runtime_error when it is smaller than the layout says or not sealed,
-  /// std::system_error when it cannot be mapped.
+  /// Maps `memory`, a memfd. Throws std::runtime_error if it is smaller than the layout says or not sealed,
+  /// std::system_error if it cannot be mapped.
   Picture(tarno::FileDescriptor memory, const PictureLayout& layout);
   Picture(Picture&&) = delete;
   ~Picture();
 
   int descriptor() const { return memory_.get(); }
 
-  /// The `width` pixels of row `y`.
+  /// Returns the `width` pixels of row `y`.
   std::span<const std::uint32_t> row(int y) const;
 
-  /// Whether two pictures look the same.
+  /// Compares the layouts and the pixels.
   friend bool operator==(const Picture& a, const Picture& b);
 
  private:

@@ -20,13 +20,13 @@ struct Monitor {
   bool isPrimary = false;
 };
 
-/// Chooses the monitor that a tile belongs to. One that is named but absent is waited for; while one that was
-/// there is away, or for no name, it is the primary one, or else the first.
+/// Chooses the monitor of a tile. It waits for a named monitor that was never there. While a named monitor is
+/// away, and if none is named, it chooses the primary monitor, or else the first.
 class MonitorChoice {
  public:
   explicit MonitorChoice(std::optional<std::string> connector) : connector_(std::move(connector)) {}
 
-  /// Nothing while the tile has to wait.
+  /// Returns nothing while the tile has to wait.
   std::optional<Monitor> among(const std::vector<Monitor>& monitors);
 
  private:
@@ -34,17 +34,17 @@ class MonitorChoice {
   bool wasThere_ = false;
 };
 
-/// Where a tile stands between the edges of the room that it has: 0 at the left or top edge, 1 at the right
-/// or bottom edge, 0.5 in the middle.
+/// The position of a tile in the available area: 0 at the left or top edge, 1 at the right or bottom edge,
+/// 0.5 in the middle.
 struct Anchor {
   double x = 1, y = 0;
 
   friend bool operator==(const Anchor&, const Anchor&) = default;
 };
 
-/// Where a tile of `width` x `height` stands in `room`: `margin` away from the edges that it is anchored to,
-/// in the middle of an axis that it is not anchored on. A tile that does not fit keeps its left and top edge
-/// in the room. All in one unit.
+/// Returns the area of a tile of `width` x `height` in `room`: `margin` away from the edges that it is
+/// anchored to, and centred on an axis without an anchor. A tile that does not fit starts at the left or top
+/// edge of `room`. All values have the same unit.
 Area place(int width, int height, const Area& room, const Anchor& anchor, int margin);
 
 }  // namespace desktop

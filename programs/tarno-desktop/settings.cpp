@@ -11,13 +11,13 @@
 namespace desktop {
 namespace {
 
-/// A file in the configuration home; empty where that is not known.
+/// Returns the path of a file in the configuration home; empty if that is unknown.
 std::filesystem::path configurationFile(const char* name) {
   const auto home = tarno::configurationHome();
   return home ? *home / name : std::filesystem::path{};
 }
 
-/// `text` with `mark` before each of `characters`.
+/// Returns `text` with `mark` before each of `characters`.
 std::string marked(const std::string& text, std::string_view characters, char mark = '\\') {
   std::string result;
   for (const char c : text) {
@@ -27,7 +27,8 @@ std::string marked(const std::string& text, std::string_view characters, char ma
   return result;
 }
 
-/// With the program's path: a login may know another PATH. Without that file the entry is skipped.
+/// Has the full path of the program, because a login may have another PATH. Desktops skip the entry if the
+/// program is gone.
 std::string autostartEntry() {
   const auto program = std::filesystem::read_symlink("/proc/self/exe").string();
   // The Desktop Entry Specification: quoted as an argument (section 7), then as a string (section 4).
@@ -36,7 +37,7 @@ std::string autostartEntry() {
          marked(program, "\\") + "\nExec=\"" + argument + "\"\n";
 }
 
-/// Puts aside the entry that a person made or edited; where it is then, empty when there was none.
+/// Renames an entry that a person made or edited. Returns its new path, or an empty one if there was none.
 std::filesystem::path setAsideEdited(const std::filesystem::path& file, const std::string& entry) {
   namespace fs = std::filesystem;
   std::error_code error;
@@ -78,7 +79,7 @@ void readSettings(CLI::App& app) {
   std::error_code error;
   const auto type = std::filesystem::status(path, error).type();
   if (type == std::filesystem::file_type::not_found) return;
-  if (type != std::filesystem::file_type::regular)  // a pipe would be waited for
+  if (type != std::filesystem::file_type::regular)  // opening a pipe would block
     throw program::Failure{EX_NOINPUT, "cannot read " + path.string() + ": " +
                                            (error ? error.message() : "it is not a regular file")};
   constexpr std::size_t most = 64 * 1024;

@@ -8,15 +8,14 @@ class App;
 
 namespace desktop {
 
-/// Reads the settings file ${XDG_CONFIG_HOME:-~/.config}/tarno/desktop.ini, when there is one, by the options
-/// of `app`. Throws program::Failure: EX_CONFIG when something in it is wrong, EX_NOINPUT when it cannot be
-/// read.
+/// Reads the settings file ${XDG_CONFIG_HOME:-~/.config}/tarno/desktop.ini, if there is one, into the options
+/// of `app`. Throws program::Failure: EX_CONFIG if a line is wrong, EX_NOINPUT if the file cannot be read.
 void readSettings(CLI::App& app);
 
-/// Has the desktop start this program after each login, or not any more: writes or removes the user's
-/// autostart entry. An entry with other content is kept under another name. Returns the line that says what
-/// was done. Throws program::Failure: EX_CANTCREAT when the entry or its folder cannot be made, EX_IOERR when
-/// writing or removing fails.
+/// Writes or removes the user's autostart entry, so that the desktop does or does not start this program at
+/// login. Keeps an entry with other content under another name. Returns one line that says what was done.
+/// Throws program::Failure: EX_CANTCREAT if the entry or its folder cannot be created, EX_IOERR if writing or
+/// removing fails.
 std::string setAutostart(bool on);
 
 }  // namespace desktop

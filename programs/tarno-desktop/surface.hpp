@@ -12,30 +12,29 @@
 
 namespace desktop {
 
-/// How a surface is shown.
+/// The state of a surface.
 struct SurfaceState {
-  std::vector<Monitor> monitors;  ///< all, in the display's order
-  std::optional<Monitor>
-      monitor;            ///< the tile's, with the scale for pictures; nothing while it waits for one
-  Area extents;           ///< on the screen, in pixels; at 0, 0 where the display does not tell
-  bool isClosed = false;  ///< by somebody
+  std::vector<Monitor> monitors;   ///< in the display's order
+  std::optional<Monitor> monitor;  ///< of the tile, with its scale; absent while the tile waits for a monitor
+  Area extents;                    ///< on the screen, in pixels; at 0, 0 if unknown
+  bool isClosed = false;           ///< somebody closed it
 };
 
-/// The tile's place on a display: the window or layer surface that shows its pictures. It follows the
-/// monitors, the panels and the window manager by itself; without a monitor it keeps the picture and waits.
-/// Its constructor throws program::Failure (EX_UNAVAILABLE) when it cannot connect to the display, and
-/// dispatch() when that goes away.
+/// The window or layer surface that shows the pictures of the tile on a display. It follows the monitors, the
+/// panels and the window manager; without a monitor it keeps the picture and waits. Its constructor throws
+/// program::Failure (EX_UNAVAILABLE) if it cannot connect to the display, and dispatch() if the display
+/// disappears.
 class Surface : public program::EventSource {
  public:
-  /// Brought up to date by the constructor and prepare().
+  /// Updated by the constructor and prepare().
   const SurfaceState& state() const { return state_; }
 
-  /// What it is, for people: "a layer-shell surface in the bottom layer".
+  /// A description for people: "a layer-shell surface in the bottom layer".
   const std::string& kind() const { return kind_; }
 
-  /// From the next prepare() on, shows `picture` in place of the one before, unless they look the same: then
-  /// neither the display nor a compositor has to do anything. The first makes the window. One of another
-  /// scale than the monitor's is shown all the same. Window lists show `title`.
+  /// Shows `picture` from the next prepare() on, unless it looks like the last one: then nothing is sent to
+  /// the display. The first picture creates the window. A picture whose scale is not the monitor's is shown,
+  /// too. Window lists show `title`.
   void show(std::shared_ptr<const Picture> picture, const std::string& title) {
     if (!picture_ || *picture_ != *picture) picture_ = std::move(picture);
     title_ = title;

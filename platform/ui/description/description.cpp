@@ -24,7 +24,7 @@ std::string quoted(std::string_view text) {
   return result + '"';
 }
 
-/// How an outline shows an attribute. Text from a user is always quoted, a word of ours only if it has
+/// Formats an attribute for an outline. Text from a user is always quoted, fixed words only if they contain
 /// blanks.
 struct OutlineValue {
   std::string_view name;

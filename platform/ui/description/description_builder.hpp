@@ -12,23 +12,23 @@
 
 namespace ui {
 
-/// Puts one Description together, attribute by attribute.
+/// Builds a Description attribute by attribute.
 class DescriptionBuilder {
  public:
   explicit DescriptionBuilder(std::string name) { description_.name = std::move(name); }
 
-  /// Rounded to 3 decimals; infinity is given as a word. An absent number is left out.
+  /// Adds a number, rounded to 3 decimals; infinity becomes a word. An absent number is left out.
   DescriptionBuilder& number(std::string_view name, std::optional<double> value);
   DescriptionBuilder& text(std::string_view name, std::string value);
-  /// One of a few words; left out where it is the usual one.
+  /// Adds one of a few words; left out if it is the default.
   DescriptionBuilder& choice(std::string_view name, std::string_view value, std::string_view usual);
-  /// Left out where it does not hold.
+  /// Left out if false.
   DescriptionBuilder& flag(std::string_view name, bool value);
   DescriptionBuilder& rect(const Rect& rect);
 
   DescriptionBuilder& child(Description child);
 
-  /// Hands over what has been put together.
+  /// Returns the finished description.
   Description take() { return std::move(description_); }
 
  private:

@@ -4,8 +4,8 @@
 
 namespace ui {
 
-/// The smallest rectangle around an outline, without the width of a stroke. Nothing at the origin for no
-/// outline.
+/// Returns the smallest rectangle around an outline, without the width of a stroke; an empty one at the
+/// origin for an empty outline.
 Rect bounds(const Path& path);
 
 }  // namespace ui

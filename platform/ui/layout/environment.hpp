@@ -6,8 +6,8 @@
 
 namespace ui {
 
-/// What holds for everything inside a view until something further inside says otherwise. Travels down a
-/// layout by value; the defaults are what the outermost view starts with.
+/// The settings for everything inside a view, unless something further inside changes them. Passed down by
+/// value during a layout. The outermost view starts with the defaults.
 struct Environment {
   Font font = Font::system(TextStyle::body);
   Color foreground = black;
@@ -18,7 +18,7 @@ struct Environment {
   friend bool operator==(const Environment&, const Environment&) = default;
 };
 
-/// The environment inside each of the modifiers that change it.
+/// The modifiers that change the environment of their content.
 inline Environment inside(const nodes::WithFont& node, Environment environment) {
   environment.font = node.font;
   return environment;
@@ -49,7 +49,7 @@ inline Environment inside(const nodes::AccessibilityHidden&, Environment environ
   return environment;
 }
 
-/// A node that is its content in an environment of its own.
+/// A node that only changes the environment of its content.
 template <class Node>
 concept EnvironmentModifier = requires(const Node& node, const Environment& environment) {
   inside(node, environment);

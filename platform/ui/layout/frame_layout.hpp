@@ -7,11 +7,11 @@ namespace ui {
 
 struct FrameLayout {
   Size offer;    ///< to the content
-  Size content;  ///< what the content takes of it; may be larger than the frame, and then sticks out
+  Size content;  ///< the size of the content; it may be larger than the frame
   Size size;     ///< of the frame
 };
 
-/// The size of a frame that is fixed both ways; its content then says nothing about it and need not be asked.
+/// Returns the size of a frame with two fixed lengths, which does not depend on its content.
 std::optional<Size> fixedSize(const nodes::Frame& frame);
 
 /// Sizes a frame and its content. Along each axis:

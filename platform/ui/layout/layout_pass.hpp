@@ -10,7 +10,7 @@
 
 namespace ui {
 
-/// One of the two directions, for rules that are the same along both.
+/// An axis, for rules that are the same in both directions.
 struct Axis {
   double Size::*length;
   double Point::*position;
@@ -39,8 +39,8 @@ struct StackLayout {
 struct LayoutPass {
   explicit LayoutPass(TextMeasurer& measurerOfTexts) : measurer(measurerOfTexts) {}
 
-  /// The layout of `stack` for this environment and proposal; `make` is called where it is not known yet. The
-  /// result stays valid as long as the pass.
+  /// Returns the layout of `stack` for this environment and proposal; calls `make` if it is not cached. The
+  /// result is valid as long as the pass.
   template <class Make>
   const StackLayout& cached(const void* stack, const Environment& environment, const Size& proposal,
                             const Make& make) {

@@ -10,15 +10,15 @@
 
 namespace ui {
 
-/// What placing a view yields, in the coordinates of the container.
+/// The result of placing a view, in the coordinates of the container.
 struct DisplayList {
   std::vector<SceneItem> items;
   std::vector<AccessibilityElement> accessibility;
   std::optional<Color> containerBackground;  ///< the outermost one found
 };
 
-/// Where a view goes: what it was offered, and the space that it took. Both are needed, because a view that
-/// is offered what it took may take less.
+/// The place of a view: the size that it was offered, and the rectangle that it took. Both are needed,
+/// because a view that is offered the size that it took may take less.
 struct Placement {
   Size offer;
   Rect rect;

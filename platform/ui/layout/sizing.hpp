@@ -6,20 +6,20 @@
 
 namespace ui {
 
-/// The size that `view` takes when it is offered `proposal`, where `environment` holds. Neither is ever
-/// negative. An infinite length offers as much as the view likes, and a shape then is that long.
+/// Returns the size that `view` takes in `environment` when it is offered `proposal`. Neither is negative. An
+/// infinite length offers unlimited space; a shape then takes all of it.
 Size sizeThatFits(const View& view, const Environment& environment, const Size& proposal, LayoutPass& pass);
 
-/// The share of the room left over that comes before what is aligned.
+/// Returns the fraction of the unused space that goes before the aligned content.
 constexpr double fraction(HorizontalAlignment alignment) {
   return alignment == HorizontalAlignment::leading ? 0 : 0.5;
 }
 constexpr double fraction(VerticalAlignment) { return 0.5; }
 
-/// How much larger than its content a padded view is.
+/// Returns how much a padding adds to the size of its content.
 Size paddingSize(const nodes::Padding& padding);
 
-/// `size` less `taken`, but never negative.
+/// Returns `size` minus `taken`, but at least 0.
 Size reduced(const Size& size, const Size& taken);
 
 }  // namespace ui

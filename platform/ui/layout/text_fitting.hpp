@@ -7,7 +7,7 @@
 
 namespace ui {
 
-/// A text made to fit: the font that it is set in after shrinking, and what it takes up in that font.
+/// A fitted text: its font after shrinking, and its metrics in that font.
 struct FittedText {
   Font font;
   TextMetrics metrics;

@@ -16,7 +16,7 @@ struct Symbol {
   Path outline;
 };
 
-/// The symbol of that name, or null. Lives until the process ends; any thread.
+/// Returns the symbol of that name, or null. It lives until the process ends. Any thread.
 const Symbol* findSymbol(std::string_view name);
 
 /// All symbols, to draw or check the whole set.

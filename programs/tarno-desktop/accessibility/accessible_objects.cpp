@@ -15,7 +15,7 @@ namespace atspi_role {
 constexpr int frame = 23, image = 27, label = 29, application = 75, notification = 101;
 }
 
-/// A question about an object, and the message that takes the answer.
+/// A request about an object, and the message for the reply.
 struct Question {
   const Objects& objects;
   int object;
@@ -106,7 +106,7 @@ constexpr struct {
     {"Contains", "", addContains},
     {"GetExtents", "", addExtents}};
 
-/// Leaves what nobody can answer to the bus library, which returns an error.
+/// Unknown requests are left to the bus library, which returns an error.
 int answer(sd_bus_message* call, void* data, sd_bus_error*) {
   const auto& objects = *static_cast<const Objects*>(data);
   const std::string_view path = sd_bus_message_get_path(call);
@@ -145,7 +145,7 @@ std::vector<AccessibleObject> makeTree(const Frame& frame, const Area& extents, 
 }
 
 int answerFor(AccessibleObjects& objects, sd_bus* bus) {
-  // Clients complain where there is no cache; where it is empty, they ask each object.
+  // Clients print errors if there is no cache. If it is empty, they ask each object.
   const auto addNothing = [](sd_bus_message* call, void*, sd_bus_error*) {
     return sd_bus_reply_method_return(call, "a((so)(so)(so)iiassusau)", 0);
   };

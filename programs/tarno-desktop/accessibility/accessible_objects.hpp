@@ -10,18 +10,19 @@
 
 namespace desktop {
 
-/// Something that a screen reader finds.
+/// An object that a screen reader finds.
 struct AccessibleObject {
   int role;          ///< AtspiRole
-  std::string path;  ///< on the bus; of another role, of another path: clients remember what is at one
+  std::string path;  ///< on the bus; an object of another role has another path, because clients cache
+                     ///< objects by path
   std::string name;
   Area bounds;  ///< in pixels on the screen
 };
 
-/// What AT-SPI's clients may ask about; may change from one answer to the next.
+/// The objects that AT-SPI clients can ask about. They may change between requests.
 struct AccessibleObjects {
-  /// Where they are in the tree. The window is the application's only child; all from the first element on
-  /// are the window's. So is the notification, but it is not among its children: it is only told of.
+  /// The positions in the tree. The window is the only child of the application; the elements are children of
+  /// the window. The notification has the window as its parent, too, but is not among its children.
   enum Index { application, window, notification, firstElement };
 
   std::vector<AccessibleObject> tree;
@@ -30,10 +31,10 @@ struct AccessibleObjects {
   std::string desktopPath = "/org/a11y/atspi/null";  ///< of the application's parent
 };
 
-/// What `frame` shows in a window at `extents`, in pixels, with `scale` pixels per point.
+/// Returns the objects of `frame` in a window at `extents`, in pixels, with `scale` pixels per point.
 std::vector<AccessibleObject> makeTree(const Frame& frame, const Area& extents, double scale);
 
-/// Answers on `bus` what is asked about `objects`, which outlive it. Returns a negative errno on failure.
+/// Answers requests on `bus` about `objects`, which must outlive it. Returns a negative errno on failure.
 int answerFor(AccessibleObjects& objects, sd_bus* bus);
 
 }  // namespace desktop

@@ -71,7 +71,7 @@ void AccessibleTile::openSession() {
   askStatus(nullptr);
 }
 
-/// A service that does not run is not started for this: then nobody listens.
+/// Does not start the service: if it does not run, nobody listens.
 void AccessibleTile::askStatus(sd_bus_message*) {
   sd_bus_message* made = nullptr;
   if (sd_bus_message_new_method_call(bus_.get(), &made, service, servicePath, properties, "Get") < 0) return;
@@ -88,7 +88,7 @@ void AccessibleTile::askAddress(sd_bus_message* status) {
                              answered<&AccessibleTile::enter>, this, "");
 }
 
-/// Leaves the session bus for the accessibility bus.
+/// Switches from the session bus to the accessibility bus.
 void AccessibleTile::enter(sd_bus_message* address) {
   const char* text = nullptr;
   sd_bus* bus = nullptr;
@@ -120,7 +120,7 @@ void AccessibleTile::join(sd_bus_message* desktop) {
   isJoined_ = true;
 }
 
-/// Tells an event of `object` to whoever listens for it.
+/// Sends an event of `object` to all listeners.
 template <class... Values>
 void AccessibleTile::tell(const AccessibleObject& object, const char* event, const char* kind, int detail,
                           const char* type, Values... values) const {
@@ -145,7 +145,7 @@ void AccessibleTile::tellChanges(const std::vector<AccessibleObject>& before) co
   }
 }
 
-/// As an announcement to readers that know of these, else as a notification that shows up.
+/// Sends an announcement to readers that support it, and a notification to all others.
 void AccessibleTile::announce(sd_bus_message* listeners) {
   std::string events;
   const char *client = nullptr, *event = nullptr;

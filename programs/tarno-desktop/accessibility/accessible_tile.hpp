@@ -8,17 +8,16 @@
 
 namespace desktop {
 
-/// The tile for screen readers: an application with one window, an image and labels in it, on the AT-SPI bus.
-/// Joins that when there is one and a screen reader listens, now or later: the session bus tells so, and
-/// where the other bus is, which then takes its place. Without it nothing else changes: it waits for no
-/// answer, and all failures of the buses are absorbed.
+/// The tile for screen readers: an application with one window that contains an image and labels, on the
+/// AT-SPI bus. It joins that bus as soon as a screen reader listens, which it learns on the session bus, and
+/// then leaves the session bus. It never waits for an answer, and absorbs all failures of the buses.
 class AccessibleTile final : public program::EventSource {
  public:
-  /// What is on the tile now. A new announcement is spoken politely, a changed label is told as a change of
-  /// its name, and what stays the same says nothing.
+  /// Sets the content of the tile. A new announcement is spoken politely; a changed label sends a change of
+  /// name; unchanged elements send nothing.
   void update(const Frame& frame);
 
-  /// Where the tile is on the screen and how many pixels a point has there.
+  /// Sets the position of the tile on the screen and the pixels per point.
   void place(const Area& extents, double scale);
 
   Wait prepare() override;
@@ -41,13 +40,13 @@ class AccessibleTile final : public program::EventSource {
   void tellChanges(const std::vector<AccessibleObject>& before) const;
   void announce(sd_bus_message* listeners);
 
-  Frame frame_;  ///< without its picture
+  Frame frame_;  ///< without the picture
   Area extents_;
   double scale_ = 1;
   AccessibleObjects objects_;
   tarno::Handle<sd_bus, sd_bus_close_unref> bus_;
-  bool isDue_ = false;     ///< the way to the bus, unless it is on it
-  bool isJoined_ = false;  ///< in the accessibility bus
+  bool isDue_ = false;     ///< whether to try to join the bus
+  bool isJoined_ = false;  ///< whether it is on the accessibility bus
 };
 
 }  // namespace desktop

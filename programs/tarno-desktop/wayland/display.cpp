@@ -35,10 +35,11 @@ constexpr zxdg_output_v1_listener detailsListener{.logical_position = store<&Out
 }  // namespace
 
 double outputScale(const Area& pixels, const Area& points) {
-  constexpr int finestParts = 120;  // of a pixel, as wp_fractional_scale_v1 counts
+  constexpr int finestParts = 120;  // of a pixel; the unit of wp_fractional_scale_v1
   const double ratio = static_cast<double>(pixels.width + pixels.height) / (points.width + points.height);
   for (int parts = 1; parts <= finestParts; ++parts) {
-    if (finestParts % parts != 0 && 100 % parts != 0) continue;  // as the protocol counts, and as people do
+    if (finestParts % parts != 0 && 100 % parts != 0)
+      continue;  // scales of the protocol, and round percentages
     const double scale = std::round(ratio * parts) / parts;
     if (std::abs(pixels.width / scale - points.width) < 1 &&
         std::abs(pixels.height / scale - points.height) < 1)
@@ -56,7 +57,7 @@ int surfaceSide(int pixels, double scale) {
 }
 
 Display::Display() {
-  wl_log_set_handler_client([](auto...) {});  // the library would print what check() says better
+  wl_log_set_handler_client([](auto...) {});  // check() prints a better message
   connection.reset(wl_display_connect(nullptr));
   if (const char* const name = std::getenv("WAYLAND_DISPLAY"); !connection)
     throw program::Failure{EX_UNAVAILABLE,
@@ -65,10 +66,10 @@ Display::Display() {
                                                  .global_remove = call<&Display::remove>};
   registry.reset(wl_display_get_registry(connection.get()));
   wl_registry_add_listener(registry.get(), &listener, this);
-  check(wl_display_roundtrip(connection.get()));  // what there is
+  check(wl_display_roundtrip(connection.get()));  // receives the list of globals
   static constexpr wl_seat_listener seatListener{.capabilities = store<&Display::seatCapabilities>};
   if (seat) wl_seat_add_listener(seat.get(), &seatListener, this);
-  check(wl_display_roundtrip(connection.get()));  // and what that is like
+  check(wl_display_roundtrip(connection.get()));  // receives their first events
   if (!compositor || !memory || !viewports || !windows || !outputDetails)
     throw program::Failure{EX_UNAVAILABLE, "the Wayland compositor lacks a protocol that the tile needs"};
   static constexpr xdg_wm_base_listener aliveListener{

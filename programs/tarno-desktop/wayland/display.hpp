@@ -16,7 +16,7 @@
 namespace desktop::wayland {
 
 struct DestroyGlobal {
-  /// What lives as long as the connection ends with it; the compositor need not be told.
+  /// Releases on the client's side only: objects that live as long as the connection end with it.
   void operator()(auto* proxy) const { wl_proxy_destroy(reinterpret_cast<wl_proxy*>(proxy)); }
   void operator()(wl_display* connection) const { wl_display_disconnect(connection); }
   void operator()(zxdg_output_v1* details) const { zxdg_output_v1_destroy(details); }
@@ -26,11 +26,11 @@ struct DestroyGlobal {
   }
 };
 
-/// Owns what the registry lists. The connection outlives it.
+/// Owns a global of the registry. The connection must outlive it.
 template <class T>
 using Global = tarno::Handle<T, DestroyGlobal{}>;
 
-/// For listeners: ignores an event.
+/// A listener that ignores an event.
 constexpr auto ignore = [](auto...) {};
 
 /// The object with `member` that a listener was added with.
@@ -39,12 +39,12 @@ T& listening(void* object, Member T::*) {
   return *static_cast<T*>(object);
 }
 
-/// For listeners: stores what an event brings in members of that object.
+/// A listener that stores the arguments of an event in members of the object.
 template <auto... members>
 constexpr auto store =
     [](void* object, auto*, auto... values) { ((listening(object, members).*members = values), ...); };
 
-/// For listeners: hands what an event brings to a member function of that object.
+/// A listener that passes the arguments of an event to a member function of the object.
 template <auto function>
 constexpr auto call =
     [](void* object, auto*, auto... values) { (listening(object, function).*function)(values...); };
@@ -55,39 +55,38 @@ struct Output {
   Global<wl_output> proxy{};
   Global<zxdg_output_v1> details{};
 
-  /// The place in points, as the compositor lays its monitors out; the size in pixels. Nothing until the
-  /// compositor has said everything about it; changes that belong together show at once.
+  /// The position in points in the compositor's layout, and the size in pixels. Absent until the compositor
+  /// has sent everything about the monitor; related changes take effect together.
   std::optional<Monitor> info{};
 
-  // What the compositor has said so far.
+  // What the compositor has sent so far.
   std::string name{};
   Area mode{};                              // in pixels, as the monitor scans it
   int x = 0, y = 0, width = 0, height = 0;  // in points
 };
 
-/// The scale of an output that shows `pixels` as `points`, in pixels per point. Compositors make a whole
-/// number of points of each side, this way or that; it is the simplest of the likely fractions that lead to
-/// both.
+/// Returns the scale of an output that shows `pixels` as `points`, in pixels per point. Compositors round
+/// each side to whole points, up or down; this is the simplest likely fraction that gives both sides.
 double outputScale(const Area& pixels, const Area& points);
 
-/// The length in points of a surface's side that shows `pixels` at `scale` pixels per point, pixel by pixel.
-/// At a fractional scale a whole number of points may end within a pixel: this is the shortest that does not,
-/// if there is one, for a picture that is grown to it. Compositors put both edges on the next pixel, so that
-/// such a surface is sharp wherever it stands.
+/// Returns the length, in points, of a side of a surface that shows `pixels` unscaled at `scale` pixels per
+/// point. At a fractional scale, a whole number of points may end within a pixel; this is the shortest length
+/// that does not, if there is one. The picture is enlarged to it. Compositors round both edges of a surface
+/// to whole pixels, so that such a surface is sharp at every position.
 int surfaceSide(int pixels, double scale);
 
-/// A connection to the Wayland display that WAYLAND_DISPLAY names, and what there is. It throws
-/// program::Failure: EX_UNAVAILABLE when there is none, when it lacks what every tile needs or when it went
-/// away, EX_PROTOCOL when the compositor refuses what it was sent.
+/// A connection to the Wayland display that WAYLAND_DISPLAY names, with its globals. Throws program::Failure:
+/// EX_UNAVAILABLE if there is no display, it lacks a protocol that every tile needs, or it disappears;
+/// EX_PROTOCOL if the compositor refuses a request.
 struct Display {
-  /// Waits until the compositor has said what there is.
+  /// Connects and waits for the globals.
   Display();
-  Display(Display&&) = delete;  // events find it where it is
+  Display(Display&&) = delete;  // listeners keep its address
 
-  /// To poll() for POLLIN.
+  /// The descriptor to poll() for POLLIN.
   int descriptor() const { return wl_display_get_fd(connection.get()); }
 
-  /// Handles what has arrived. Does not block.
+  /// Handles events that have arrived. Does not block.
   void dispatch();
 
   Global<wl_display> connection;
@@ -97,12 +96,12 @@ struct Display {
   Global<wp_viewporter> viewports;
   Global<xdg_wm_base> windows;
   Global<zxdg_output_manager_v1> outputDetails;
-  Global<zwlr_layer_shell_v1> layers;                       ///< null where there is none
-  Global<wp_fractional_scale_manager_v1> fractionalScales;  ///< null where there is none
-  Global<wl_seat> seat;                                     ///< the first; null where there is none
+  Global<zwlr_layer_shell_v1> layers;                       ///< null if missing
+  Global<wp_fractional_scale_manager_v1> fractionalScales;  ///< null if missing
+  Global<wl_seat> seat;                                     ///< the first one; null if missing
   std::uint32_t seatCapabilities = 0;
   bool isKWin = false;
-  std::list<Output> outputs;  ///< in the order in which they came
+  std::list<Output> outputs;  ///< in the order of their announcement
 
  private:
   void add(std::uint32_t id, const char* interface, std::uint32_t version);

@@ -18,10 +18,10 @@ namespace {
 using namespace wayland;
 using tarno::Handle;
 
-/// Between two surfaces, for a compositor that closes each: it may while its monitors change.
+/// The minimum time between two surfaces. A compositor may close each new surface while its monitors change.
 constexpr std::chrono::milliseconds surfaceInterval{200};
 
-/// Follows whether KWin shows the desktop, by the session's bus. Waits for no answer.
+/// Learns from the session bus whether KWin shows the desktop. Never waits for an answer.
 class ShowDesktop {
  public:
   ShowDesktop() {
@@ -35,14 +35,14 @@ class ShowDesktop {
                               changed, nullptr, &isShown_);
   }
 
-  /// To poll() for POLLIN; -1 without the bus.
+  /// The descriptor to poll() for POLLIN; -1 without the bus.
   int descriptor() const { return bus_ ? sd_bus_get_fd(bus_.get()) : -1; }
 
-  /// Sends and handles what is pending, then answers.
+  /// Sends and handles pending messages, then returns whether the desktop is shown.
   bool isShown() {
     int processed = 1;
     while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
-    if (processed < 0) bus_.reset();  // it went away
+    if (processed < 0) bus_.reset();  // the bus disappeared
     return bus_ && isShown_ != 0;
   }
 
@@ -51,24 +51,24 @@ class ShowDesktop {
   int isShown_ = 0;
 };
 
-/// The tile on the display: in a layer of an output, where clicks pass through it, or in a window without a
+/// The objects of the tile on the display: a layer surface, through which clicks pass, or a window without a
 /// frame, which the pointer drags.
 struct Tile {
-  std::vector<Handle<wl_buffer, wl_buffer_destroy>> buffers;  // that the compositor reads
+  std::vector<Handle<wl_buffer, wl_buffer_destroy>> buffers;  // the compositor still reads these
   Handle<wl_surface, wl_surface_destroy> surface;
   Handle<wp_viewport, wp_viewport_destroy> viewport;
   Handle<wp_fractional_scale_v1, wp_fractional_scale_v1_destroy> fractionalScale;
-  Handle<zwlr_layer_surface_v1, zwlr_layer_surface_v1_destroy> layer;  // or the next two
+  Handle<zwlr_layer_surface_v1, zwlr_layer_surface_v1_destroy> layer;  // this, or the next two
   Handle<xdg_surface, xdg_surface_destroy> window;
   Handle<xdg_toplevel, xdg_toplevel_destroy> toplevel;
-  wl_output* output = nullptr;   // whose layer it is in, or that the window came to last
-  std::uint32_t scaleParts = 0;  // the scale that the compositor prefers, as its protocol counts; 0 for none
+  wl_output* output = nullptr;   // of the layer surface, or the last one that the window entered
+  std::uint32_t scaleParts = 0;  // the preferred scale in the unit of the protocol; 0 if unknown
   bool isConfigured = false, isClosed = false, isRaised = false;
-  std::shared_ptr<const Picture> picture;  // that is shown, at
-  double scale = 0;                        // pixels per point
+  std::shared_ptr<const Picture> picture;  // the current picture
+  double scale = 0;                        // its pixels per point
 };
 
-/// `picture`, or a copy of it that is transparent on the sides away from `anchor`.
+/// Returns `picture`, or a copy enlarged by transparent pixels on the sides away from `anchor`.
 std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int width, int height,
                                     const Anchor& anchor) {
   if (width == picture->width && height == picture->height) return picture;
@@ -94,7 +94,7 @@ class WaylandSurface final : public Surface {
  public:
   WaylandSurface(const Options& options, bool isPlain);
 
-  /// False without layer-shell, where the options ask for a layer.
+  /// Returns false if the options ask for a layer and there is no layer-shell.
   bool isPossible() const { return isPlain_ || display_.layers; }
 
   Wait prepare() override;
@@ -117,20 +117,20 @@ class WaylandSurface final : public Surface {
   Display display_;
   std::optional<ShowDesktop> showDesktop_;
   wl_output* output_ = nullptr;  // the monitor
-  double displayScale_ = 1;      // at which the display shows the tile, in pixels per point
-  Handle<wl_pointer, wl_pointer_destroy> pointer_;  // for a window
+  double displayScale_ = 1;      // the scale of the display for the tile, in pixels per point
+  Handle<wl_pointer, wl_pointer_destroy> pointer_;  // for dragging a window
   std::optional<Tile> tile_;
-  Clock::time_point notBefore_;  // the next one
+  Clock::time_point notBefore_;  // the earliest time of the next surface
 };
 
 WaylandSurface::WaylandSurface(const Options& options, bool isPlain)
     : Surface(options, kindFor(options, isPlain)), isPlain_(isPlain) {
-  if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // that is up to the compositor
+  if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // the compositor chooses
   if (!isPlain_ && options.layer == Layer::desktop && display_.isKWin) showDesktop_.emplace();
   followMonitors();
 }
 
-/// Does what the compositor's events and the owner's calls have made necessary.
+/// Reacts to the events of the compositor and the calls of the owner.
 program::EventSource::Wait WaylandSurface::prepare() {
   followMonitors();
   if (tile_ && !isPlain_ && (tile_->isClosed || tile_->output != output_)) tile_.reset();
@@ -149,7 +149,7 @@ program::EventSource::Wait WaylandSurface::prepare() {
           isMissing ? notBefore_ : Clock::time_point::max()};
 }
 
-/// Finds the monitor: a layer surface stays on one, a window is on the one that it came to last.
+/// Finds the monitor: a layer surface stays on one; a window is on the one that it entered last.
 void WaylandSurface::followMonitors() {
   auto& [monitors, monitor, extents, isClosed] = state_;
   monitors.clear();
@@ -185,8 +185,8 @@ void WaylandSurface::make() {
 
 void WaylandSurface::makeLayer() {
   tile_->output = output_;
-  // KWin would take what says "desktop" for part of the desktop: it stays on "show desktop", but the next
-  // click on another part of the desktop, the wallpaper, covers it for good. So it is raised meanwhile.
+  // KWin treats a surface named "desktop" as part of the desktop: it stays visible on "show desktop", but the
+  // next click on the wallpaper covers it for good. So the tile is raised instead while the desktop is shown.
   tile_->layer.reset(zwlr_layer_shell_v1_get_layer_surface(
       display_.layers.get(), tile_->surface.get(), output_,
       options_.layer == Layer::above ? ZWLR_LAYER_SHELL_V1_LAYER_TOP : ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM,
@@ -205,7 +205,7 @@ void WaylandSurface::makeLayer() {
   zwlr_layer_surface_v1_set_anchor(
       layer, edge(x, ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT, ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT) |
                  edge(y, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP, ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM));
-  const int margin = options_.margin;  // counts at the edges that are anchored to
+  const int margin = options_.margin;  // it applies to anchored edges only
   zwlr_layer_surface_v1_set_margin(layer, margin, margin, margin, margin);
   const Handle<wl_region, wl_region_destroy> nothing{wl_compositor_create_region(display_.compositor.get())};
   wl_surface_set_input_region(tile_->surface.get(), nothing.get());
@@ -242,7 +242,7 @@ void WaylandSurface::drag(std::uint32_t serial, std::uint32_t, std::uint32_t but
     xdg_toplevel_move(tile_->toplevel.get(), display_.seat.get(), serial);
 }
 
-/// A commit takes what was configured; the first picture's takes the first.
+/// Acknowledges the last configure event with the next commit; the first one with the first picture.
 void WaylandSurface::configured(std::uint32_t serial) {
   if (isPlain_)
     xdg_surface_ack_configure(tile_->window.get(), serial);
@@ -251,11 +251,12 @@ void WaylandSurface::configured(std::uint32_t serial) {
   if (std::exchange(tile_->isConfigured, true)) wl_surface_commit(tile_->surface.get());
 }
 
-/// Shows the picture when it is not shown yet and the compositor is ready.
+/// Shows the picture if it is new and the compositor is ready.
 void WaylandSurface::draw() {
   Tile& tile = *tile_;
   const double scale = state_.monitor ? picture_->scale * displayScale_ / state_.monitor->scale : 0;
-  const bool isReady = tile.isConfigured && !tile.isClosed && tile.buffers.size() < 3;  // it may be asleep
+  const bool isReady = tile.isConfigured && !tile.isClosed &&
+                       tile.buffers.size() < 3;  // a compositor that sleeps releases no buffers
   if (!isReady || scale == 0 || (tile.picture == picture_ && tile.scale == scale)) return;
   tile.picture = picture_;
   tile.scale = scale;
@@ -263,7 +264,7 @@ void WaylandSurface::draw() {
   const int width = surfaceSide(picture_->width, scale), height = surfaceSide(picture_->height, scale);
   attach(*grow(picture_, pixels(width), pixels(height), options_.anchor));
   wp_viewport_set_destination(tile.viewport.get(), width, height);
-  if (isPlain_) {  // of one size, which tiling compositors leave alone
+  if (isPlain_) {  // a fixed size, so that tiling compositors let the window float
     xdg_toplevel_set_min_size(tile.toplevel.get(), width, height);
     xdg_toplevel_set_max_size(tile.toplevel.get(), width, height);
     xdg_toplevel_set_title(tile.toplevel.get(), title_.c_str());
@@ -274,7 +275,7 @@ void WaylandSurface::draw() {
   wl_surface_commit(tile.surface.get());
 }
 
-/// Lends a picture to the compositor, which keeps its memory until it releases the buffer.
+/// Creates a buffer for a picture, which is kept until the compositor releases the buffer.
 void WaylandSurface::attach(const Picture& picture) {
   const Handle<wl_shm_pool, wl_shm_pool_destroy> pool{
       wl_shm_create_pool(display_.memory.get(), picture.descriptor(), static_cast<int>(picture.size()))};
@@ -289,7 +290,7 @@ void WaylandSurface::attach(const Picture& picture) {
   wl_surface_damage_buffer(tile_->surface.get(), 0, 0, picture.width, picture.height);
 }
 
-/// Puts the tile above everything else, or back in the bottom layer.
+/// Raises the tile above everything else, or puts it back into the bottom layer.
 void WaylandSurface::raise(bool isRaised) {
   if (std::exchange(tile_->isRaised, isRaised) == isRaised) return;
   zwlr_layer_surface_v1_set_layer(
