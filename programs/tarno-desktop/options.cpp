@@ -25,6 +25,7 @@ void addOptions(CLI::App& app, Options& options) {
   const auto addWord = [&](const char* name, auto& value, const auto& words, const char* description) {
     const auto use = [&value, &words](const std::string& word) { value = words.at(word); };
     std::vector<std::string> names;
+    names.reserve(words.size());
     for (const auto& [word, meaning] : words) names.push_back(word);
     app.add_option_function<std::string>(name, use, description)
         ->check(program::oneOf(names))

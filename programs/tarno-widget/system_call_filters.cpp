@@ -76,12 +76,20 @@ class Filter {
   scmp_filter_ctx context_;
 };
 
+// Not by the macros of libseccomp, which are C.
+
+scmp_arg_cmp equals(unsigned argument, scmp_datum_t value) { return {argument, SCMP_CMP_EQ, value, 0}; }
+
+scmp_arg_cmp hasBits(unsigned argument, scmp_datum_t mask, scmp_datum_t bits) {
+  return {argument, SCMP_CMP_MASKED_EQ, mask, bits};
+}
+
 void allowDrawing(Filter& filter) {
   filter.allow(forDrawing);
-  filter.allow("clone", SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD));  // not fork()
-  filter.allow("prctl", SCMP_A0(SCMP_CMP_EQ, PR_SET_NAME));
-  filter.allow("ioctl", SCMP_A1(SCMP_CMP_EQ, TCGETS));  // isatty()
-  filter.allow("prlimit64", SCMP_A2(SCMP_CMP_EQ, 0));   // reads limits, sets none
+  filter.allow("clone", hasBits(0, CLONE_THREAD, CLONE_THREAD));  // not fork()
+  filter.allow("prctl", equals(0, PR_SET_NAME));
+  filter.allow("ioctl", equals(1, TCGETS));  // isatty()
+  filter.allow("prlimit64", equals(2, 0));   // reads limits, sets none
 }
 
 }  // namespace
@@ -91,8 +99,8 @@ int main(int, char** argv) {
   Filter readOnly;
   allowDrawing(readOnly);
   constexpr auto writing = O_ACCMODE | O_CREAT | O_TRUNC | (O_TMPFILE & ~O_DIRECTORY);
-  readOnly.allow("open", SCMP_A1(SCMP_CMP_MASKED_EQ, writing, O_RDONLY));
-  readOnly.allow("openat", SCMP_A2(SCMP_CMP_MASKED_EQ, writing, O_RDONLY));
+  readOnly.allow("open", hasBits(1, writing, O_RDONLY));
+  readOnly.allow("openat", hasBits(2, writing, O_RDONLY));
   readOnly.print("readOnlyFilter");
 
   Filter readWrite;
