@@ -23,6 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (int y = 0; y < frame.picture->height; ++y)
       for (const auto pixel : frame.picture->row(y)) sum += pixel;
     if (sum != 0 || frame.title.size() > 4000) std::abort();
+    for (const auto& element : frame.elements)
+      if (element.role.size() > 4000 || !(element.x + element.width < 1e5)) std::abort();
   } catch (const std::exception&) {
   }
   return 0;

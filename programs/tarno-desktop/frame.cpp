@@ -1,5 +1,6 @@
 #include "tarno/tarno-desktop/frame.hpp"
 
+#include <climits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -11,8 +12,6 @@ namespace desktop {
 using nlohmann::json;
 using tarno::FileDescriptor;
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AccessibleElement, role, label, x, y, width, height)
-
 namespace {
 
 constexpr std::chrono::seconds timeLimit{10};
@@ -22,6 +21,9 @@ constexpr std::size_t longestAnswer = 256 * 1024;  ///< in bytes
 constexpr std::size_t longestText = 2048;          ///< in bytes
 constexpr double largestTile = 1000;               ///< a side in points
 constexpr int largestImage = 16384;                ///< a side in pixels
+constexpr int widestGap = 256;                     ///< between two rows, in bytes
+constexpr std::size_t mostElements = 64;           ///< for screen readers
+constexpr double farthest = 16384;                 ///< of an element from the corner, in points
 
 std::vector<std::string> arguments(const FrameRequest& request, int memory) {
   std::vector<std::string> words{"frame", "--family", request.family};
@@ -41,7 +43,10 @@ std::filesystem::path readWatch(const json& watch) {
   const std::filesystem::path file = watch.at("file").get<std::string>();
   if (!folder.is_absolute()) throw std::runtime_error{"the watched folder's path is not absolute"};
   if (file.empty() || file.has_parent_path()) throw std::runtime_error{"the watched file has no plain name"};
-  return folder / file;
+  auto path = folder / file;
+  if (path.native().size() >= PATH_MAX || path.native().find('\0') != path.native().npos)
+    throw std::runtime_error{"the watched file's path is too long or has a NUL"};
+  return path;
 }
 
 std::string readText(const json& text) {
@@ -51,10 +56,43 @@ std::string readText(const json& text) {
   return result;
 }
 
-/// Returns whether a picture has the right number of pixels for a side of this many points.
-bool isSide(int pixels, double points, double scale) {
+/// Reads a number from `smallest` to `largest`.
+template <class Number>
+Number readNumber(const json& number, double largest, double smallest = 0) {
+  const double value = number.get<double>();
+  if (!(smallest <= value && value <= largest)) throw std::runtime_error{"a number is out of range"};
+  return static_cast<Number>(value);
+}
+
+/// Reads how many pixels a side of the picture has: as many as a tile of that many points.
+int readSide(const json& side, const json& tile, double scale) {
+  const int pixels = readNumber<int>(side, largestImage);
+  const double points = readNumber<double>(tile, largestTile);
   const double more = pixels - points * scale;  // the last pixel may be partly covered
-  return 0 < points && points <= largestTile && pixels <= largestImage && -0.01 < more && more < 1.01;
+  if (pixels == 0 || points == 0 || more < -0.01 || more > 1.01)
+    throw std::runtime_error{"the picture has another size than the tile"};
+  return pixels;
+}
+
+PictureLayout readLayout(const json& answer, double scale) {
+  const auto& tile = answer.at("tile");
+  const int width = readSide(answer.at("width"), tile.at("width"), scale);
+  const int height = readSide(answer.at("height"), tile.at("height"), scale);
+  return {width, height, readNumber<int>(answer.at("stride"), 4 * width + widestGap), scale};
+}
+
+std::vector<AccessibleElement> readElements(const json& elements) {
+  if (!elements.is_array() || elements.size() > mostElements)
+    throw std::runtime_error{"the elements are no array, or more than " + std::to_string(mostElements)};
+  std::vector<AccessibleElement> result;
+  for (const auto& each : elements) {
+    const auto number = [&](const char* key) {
+      return readNumber<double>(each.at(key), farthest, -farthest);
+    };
+    result.push_back({readText(each.at("role")), readText(each.at("label")), number("x"), number("y"),
+                      number("width"), number("height")});
+  }
+  return result;
 }
 
 /// Returns the reason in an answer without a picture, or an empty text.
@@ -69,16 +107,11 @@ Frame readFrame(const std::string& output, FileDescriptor memory, double scale) 
   if (output.size() > longestAnswer) throw std::runtime_error{"the answer is longer than 256 KB"};
   const auto answer = json::parse(output, nullptr, false);
   if (!answer.is_object()) throw std::runtime_error{"the answer is no JSON object"};
-  const PictureLayout layout{answer.at("width"), answer.at("height"), answer.at("stride"), scale};
-  const auto& tile = answer.at("tile");
-  if (!isSide(layout.width, tile.at("width"), scale) || !isSide(layout.height, tile.at("height"), scale))
-    throw std::runtime_error{"the picture has another size than the tile"};
-  Frame frame{.picture = std::make_shared<Picture>(std::move(memory), layout),
+  Frame frame{.picture = std::make_shared<Picture>(std::move(memory), readLayout(answer, scale)),
               .title = readText(answer.at("title")),
               .announcement = readText(answer.at("announcement")),
-              .elements = answer.at("accessibility"),
+              .elements = readElements(answer.at("accessibility")),
               .reloadDate = readDate(answer.at("reload_after"))};
-  for (const auto& element : answer.at("accessibility")) readText(element.at("label"));
   if (const auto& date = answer.at("stale_from"); !date.is_null()) frame.staleDate = readDate(date);
   if (const auto& watch = answer.at("watch"); !watch.is_null()) frame.storeFile = readWatch(watch);
   return frame;
