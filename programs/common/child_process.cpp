@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -43,6 +44,7 @@ std::array<FileDescriptor, 2> makePipe() {
   dup2(output, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);
   if (inherited >= 0) fcntl(inherited, F_SETFD, 0);
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
   for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);

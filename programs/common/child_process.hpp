@@ -22,8 +22,8 @@ struct ProcessResult {
 };
 
 /// Runs another program for a limited time. The program inherits the environment and standard input; its
-/// signal handling is the default. At most 1 MiB of each of its outputs is kept; a program that writes more
-/// waits until its time is over.
+/// signal handling is the default. It is killed when this program ends. At most 1 MiB of each of its outputs
+/// is kept; a program that writes more waits until its time is over.
 class ChildProcess {
  public:
   using Clock = EventSource::Clock;

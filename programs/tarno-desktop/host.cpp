@@ -19,12 +19,18 @@ namespace {
 using namespace std::chrono_literals;
 
 /// Sets the signal handlers, and returns a descriptor for SIGUSR1. The signals that end the program do so at
-/// once, even while a display does not answer; the system releases everything that the program holds.
+/// once, even while a display does not answer; the system releases everything that the program holds, and
+/// kills its child process.
 int takeSignals() {
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, [](int) { _exit(EX_OK); });
-  std::signal(SIGPIPE, SIG_IGN);  // a reader of standard error or a display may go away
-  std::signal(SIGCHLD, SIG_DFL);  // the parent may have set it to be ignored
   sigset_t taken;
+  sigemptyset(&taken);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    std::signal(signal, [](int) { _exit(EX_OK); });
+    sigaddset(&taken, signal);
+  }
+  sigprocmask(SIG_UNBLOCK, &taken, nullptr);  // the parent may have blocked them
+  std::signal(SIGPIPE, SIG_IGN);              // a reader of standard error or a display may go away
+  std::signal(SIGCHLD, SIG_DFL);              // the parent may have set it to be ignored
   sigemptyset(&taken);
   sigaddset(&taken, SIGUSR1);
   sigprocmask(SIG_BLOCK, &taken, nullptr);

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 #include "tarno/common/failure.hpp"
@@ -118,8 +119,11 @@ void Display::dispatch() {
 
 void Display::check(int result) const {
   if (result >= 0) return;
-  if (wl_display_get_error(connection.get()) != EPROTO)
-    throw program::Failure{EX_UNAVAILABLE, "the display went away"};
+  const int error = wl_display_get_error(connection.get());
+  if (error == EPIPE || error == ECONNRESET) throw program::Failure{EX_UNAVAILABLE, "the display went away"};
+  if (error != EPROTO && error != EINVAL && error != EFAULT)  // what errors of the protocol become
+    throw program::Failure{
+        EX_OSERR, std::string{"the connection to the Wayland display broke: "} + std::strerror(error)};
   throw program::Failure{EX_PROTOCOL,
                          "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one"};
 }

@@ -77,7 +77,7 @@ int surfaceSide(int pixels, double scale);
 
 /// A connection to the Wayland display that WAYLAND_DISPLAY names, with its globals. Throws program::Failure:
 /// EX_UNAVAILABLE if there is no display, it lacks a protocol that every tile needs, or it disappears;
-/// EX_PROTOCOL if the compositor refuses a request.
+/// EX_PROTOCOL if the compositor refuses a request; EX_OSERR if the connection breaks.
 struct Display {
   /// Connects and waits for the globals.
   Display();

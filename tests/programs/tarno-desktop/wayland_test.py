@@ -125,14 +125,16 @@ class Wayland(DesktopTest):
         self.says(tile, SHOWN, SHOWN, "the display went away")
 
     def test_bad_displays(self):
-        error = struct.pack("=5I4s", 1, 24 << 16, 1, 3, 3, b"no")  # wl_display.error of wl_display: code 3
+        error = lambda code: struct.pack("=5I4s", 1, 24 << 16, 1, code, 3, b"no")  # wl_display.error of wl_display
+        refused = "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one"
         self.rig.env["WAYLAND_DISPLAY"] = "display"
         with socket.socket(socket.AF_UNIX) as server:
             server.bind(self.rig.path("display"))
             os.chmod(self.rig.path("display"), 0o777)
             for answer, code, line in (
                     (None, 69, "cannot connect to the Wayland display 'display'"), (b"", 69, "the display went away"),
-                    (error, 76, "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one")):
+                    (error(3), 76, refused), (error(0), 76, refused),
+                    (error(2), 71, "the connection to the Wayland display broke: Cannot allocate memory")):
                 tile = self.rig.start(self.rig.path("tarno-desktop"))
                 if answer is not None:
                     with server.accept()[0] as client:
@@ -141,6 +143,11 @@ class Wayland(DesktopTest):
                 self.assertEqual(tile.wait(), code)
                 self.says(tile, line)
                 server.listen()
+            for number in signal.SIGTERM, signal.SIGINT, signal.SIGHUP:  # while the display does not answer
+                tile = self.rig.start("env", "--block-signal", self.rig.path("tarno-desktop"))
+                with server.accept()[0] as client:
+                    client.recv(4096)
+                    self.assertEqual(tile.end(number), 0)
 
     def test_plain_window(self):
         screen, _ = self.one_output()
