@@ -14,6 +14,9 @@ namespace program {
 namespace {
 
 constexpr std::chrono::seconds lookInterval{5};
+constexpr auto never = EventSource::Clock::time_point::max();
+
+int lookers = 0;  // watches of the program that cannot watch
 
 constexpr unsigned itself = IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB;
 constexpr unsigned names = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE | IN_ATTRIB;
@@ -21,6 +24,8 @@ constexpr unsigned names = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE |
 }  // namespace
 
 PathWatch::PathWatch(std::function<void()> changed) : changed_(std::move(changed)) {}
+
+PathWatch::~PathWatch() { lookers -= nextLook_ != never; }
 
 bool PathWatch::follow(const std::filesystem::path& path) {
   if (path == path_) return false;
@@ -38,10 +43,14 @@ void PathWatch::watchAnew() {
     watches_.clear();
     fault = watchFolders();
   }
-  const bool isFirst = nextLook_ == Clock::time_point::max();
-  nextLook_ = fault == 0 ? Clock::time_point::max() : Clock::now() + lookInterval;
-  if (fault != 0 && isFirst)
-    complain("cannot watch " + path_.string() + ", and looks at it every 5 s: " + std::strerror(fault));
+  const bool isBlind = fault != 0, wasBlind = nextLook_ != never;
+  nextLook_ = isBlind ? Clock::now() + lookInterval : never;
+  if (isBlind && !wasBlind && lookers == 0) {
+    const auto* const reason =
+        fault == ENOSPC ? "the system has no inotify watch left" : std::strerror(fault);
+    complain("cannot watch files such as " + path_.string() + ", and looks at them every 5 s: " + reason);
+  }
+  lookers += isBlind - wasBlind;
 }
 
 /// Returns 0, or the error that keeps changes from being noticed: EAGAIN if a folder appeared or disappeared

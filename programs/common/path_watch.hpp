@@ -12,11 +12,12 @@ namespace program {
 /// Calls back when the file at a path is created, replaced, written, removed or given other permissions, even
 /// if the folders above it appear, disappear, move or change meanwhile. It ignores everything else: it
 /// watches only the folder of the file, or the nearest one that exists. It does not notice changes behind a
-/// link to nothing. If the system cannot watch the path, it prints the reason on standard error once and
-/// calls back every 5 s until it can.
+/// link to nothing. If the system cannot watch the path, it prints the reason on standard error, once
+/// for all watches of the program, and calls back every 5 s until it can.
 class PathWatch final : public EventSource {
  public:
   explicit PathWatch(std::function<void()> changed);
+  ~PathWatch() override;
 
   /// Watches the file at `path` (absolute) instead of the previous one. Returns whether the path is another.
   bool follow(const std::filesystem::path& path);

@@ -45,8 +45,8 @@ int check(std::optional<TarnoMacStatus> expected);
 /// report turns stale, when the store appears, disappears or becomes unreadable. Sleeps in between. `format`
 /// is as for lineFormat(). If the store cannot be read, prints the reason on standard error, once for each
 /// reason. Returns EX_OK when nobody reads standard output any more. Fails with EX_USAGE for a wrong format,
-/// EX_UNAVAILABLE if there can be no store, EX_OSERR if the system cannot watch it. Ignores SIGPIPE from now
-/// on.
+/// EX_UNAVAILABLE if there can be no store, EX_OSERR if the system has no timer left. Ignores SIGPIPE from
+/// now on.
 int watch(const std::string& format);
 
 /// Prints where the shared store is, what it holds, what is wrong with it, whether a save would succeed (it

@@ -84,6 +84,9 @@ TEST(PathWatch, LooksEveryFiveSecondsWhereTheSystemCannotWatchAndSaysSoOnce) {
     EXPECT_TRUE(std::chrono::seconds{4} < left && left <= std::chrono::seconds{5}) << call;
     watch.dispatch(0);
     EXPECT_EQ(changes, 0) << call;
+    program::PathWatch other{[] {}};
+    system_calls::intercept(call, [fault = error] { return fault; });
+    other.follow(store.folder() / "file");
     const auto said = testing::internal::GetCapturedStderr();
     EXPECT_NE(said.find("cannot watch"), said.npos) << call;
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;

@@ -154,6 +154,6 @@ class Watch(ProgramTest):
         self.assertEqual(self.call("sh", "-c", "tarno-status watch > /dev/full").returncode, 74)
         if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs descriptors of its own
             blind = self.start("sh", "-c", "ulimit -n 5; exec tarno-status watch", stderr=subprocess.PIPE, text=True)
-            self.assertRegex(blind.stderr.readline(), "cannot watch .*, and looks at it every 5 s: Too many open files")
+            self.assertRegex(blind.stderr.readline(), "cannot watch .*, and looks at them every 5 s: Too many open files")
             blind.terminate()
             self.assertEqual(blind.wait(20), -signal.SIGTERM)
