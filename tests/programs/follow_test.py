@@ -16,7 +16,8 @@ FOLLOW = ("tarno-status", "save", "--follow")
 class Follow(ProgramTest):
     def follow(self, text, *arguments):
         """Its exit code and the lines on standard error, without the program's name."""
-        done = self.call(*FOLLOW, "--at", MOMENT, *arguments, stdin=text)
+        (self.folder / "reports").write_text(text, encoding="utf-8")  # a file, so that all of it waits at once
+        done = self.call("sh", "-c", 'exec "$@" < reports', "sh", *FOLLOW, "--at", MOMENT, *arguments)
         self.assertEqual(done.stdout, b"")
         self.assertRegex(done.stderr.decode(), r"\A(tarno-status: [^\n]+\n)*\Z")
         return done.returncode, re.findall("^tarno-status: (.*)", done.stderr.decode(), re.M)
