@@ -170,9 +170,11 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
   const auto manager = connection.items(connection.ask(root, ewmh._NET_SUPPORTING_WM_CHECK));
   if (!manager.empty())
     screen.windowManager = connection.items<std::string>(connection.ask(manager[0], ewmh._NET_WM_NAME));
-  const bool isSilent = screen.windowManager == "i3";  // it does not report changes of panels
+  if (!screen.windowManager.empty())  // one that ended leaves its list behind
+    screen.supported = connection.items(connection.ask(root, ewmh._NET_SUPPORTED));
+  // No property reports the panels that a window manager ignores, nor what is raised without one.
   connection.select(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                              (isSilent ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT));
+                              XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
   screen.isComposited = ownerOf(connection, ewmh._NET_WM_CM_Sn[0]) != XCB_NONE;
   screen.monitors = readMonitors(connection, scale ? *scale : sessionScale(connection));
   if (const auto geometry = connection.answer<xcb_get_geometry_reply>(xcb_get_geometry(connection, root)))

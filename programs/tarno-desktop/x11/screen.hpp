@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,7 +28,11 @@ struct Screen {
   Area workArea;                       ///< the part of the screen that the window manager leaves free
   std::vector<Area> monitorWorkAreas;  ///< the same for single monitors, if known
   std::string windowManager;           ///< its name; empty without one
+  std::vector<xcb_atom_t> supported;   ///< the hints and messages that the window manager follows
   bool isComposited = false;           ///< transparency shows
+
+  /// Whether the window manager follows a hint or a message. Never without a window manager.
+  bool supports(xcb_atom_t hint) const { return std::ranges::count(supported, hint) != 0; }
 };
 
 /// Reads the state of the screen and requests events for its changes. `scale` overrides the scale of the

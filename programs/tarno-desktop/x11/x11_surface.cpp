@@ -21,11 +21,12 @@ constexpr std::array kinds{"an X11 desktop window", "an ordinary X11 window",
 
 /// These window managers keep an unmanaged window above all others, or hide it when they show the desktop,
 /// and they let clicks pass through a managed one. All others put managed windows into frames, which catch
-/// clicks.
-bool isManaged(Layer layer, std::string_view windowManager) {
+/// clicks. Marco, which also has "Metacity" in its name, does not restack a managed window on request.
+bool isManaged(Layer layer, const Screen& screen, xcb_atom_t restackRequest) {
   constexpr std::array<std::string_view, 4> frameless{"GNOME Shell", "KWin", "Metacity", "Mutter"};
-  const auto isPartOfIt = [&](auto name) { return windowManager.find(name) != std::string_view::npos; };
-  return layer == Layer::normal || std::ranges::any_of(frameless, isPartOfIt);
+  const auto isPartOfIt = [&](auto name) { return screen.windowManager.find(name) != std::string::npos; };
+  return layer == Layer::normal ||
+         (std::ranges::any_of(frameless, isPartOfIt) && screen.supports(restackRequest));
 }
 
 class X11Surface final : public Surface {
@@ -39,6 +40,7 @@ class X11Surface final : public Surface {
   bool isOwn(xcb_window_t window) const { return window_ && window == window_->id; }
   void handle(const xcb_generic_event_t& event);
   bool matters(xcb_atom_t property) const;
+  bool isMisplaced(const xcb_configure_notify_event_t& notify) const;
   void findExtents();
   void look();
   void fit();
@@ -96,25 +98,43 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
       return;
     case XCB_DESTROY_NOTIFY:
       state_.isClosed |= isOwn(static_cast<const xcb_destroy_notify_event_t*>(data)->window);
-      break;
+      return;
     case XCB_CONFIGURE_NOTIFY: {
       const auto& notify = *static_cast<const xcb_configure_notify_event_t*>(data);
       if (isOwn(notify.window)) return findExtents();
-      if (notify.event != notify.window) return;  // of some other window on the screen
+      if (notify.window != connection_.root && !isMisplaced(notify)) return;
       break;
     }
     case XCB_PROPERTY_NOTIFY:
       if (!matters(static_cast<const xcb_property_notify_event_t*>(data)->atom)) return;
       break;
+    case XCB_CREATE_NOTIFY:
+    case XCB_REPARENT_NOTIFY:
+    case XCB_GRAVITY_NOTIFY:
+    case XCB_CIRCULATE_NOTIFY:
+    case XCB_MAPPING_NOTIFY: return;  // of windows that are not shown yet, and of keys
     default: break;
   }
   looks_ = 2;  // one now, and one later for what follows without an event
+}
+
+/// Whether another top-level window is now on the wrong side of the tile. It is directly above `above_sibling`,
+/// whose place in the stack is known from the last look.
+bool X11Surface::isMisplaced(const xcb_configure_notify_event_t& notify) const {
+  if (!window_ || window_->isManaged || notify.event != connection_.root) return false;
+  const auto has = [](xcb_window_t id) {
+    return [id](const Window& window) { return std::ranges::count(window.ids, id) != 0; };
+  };
+  const auto tile = std::ranges::find_if(screen_.windows, has(window_->id));
+  const bool isAbove = std::any_of(tile, screen_.windows.end(), has(notify.above_sibling));
+  return isAbove == (options_.layer == Layer::above);
 }
 
 /// Whether a property, of the root or of another window, can change the place of the tile.
 bool X11Surface::matters(xcb_atom_t property) const {
   const auto& ewmh = connection_.ewmh;
   const auto wanted = {ewmh._NET_SUPPORTING_WM_CHECK,
+                       ewmh._NET_SUPPORTED,
                        ewmh._NET_CLIENT_LIST,
                        ewmh._NET_CLIENT_LIST_STACKING,
                        ewmh._NET_ACTIVE_WINDOW,
@@ -154,7 +174,7 @@ void X11Surface::look() {
 /// Shows the picture in its place, in a managed or unmanaged window as the window manager requires.
 void X11Surface::fit() {
   if (!state_.monitor || !picture_) return window_.reset();
-  const bool managed = isManaged(options_.layer, screen_.windowManager);
+  const bool managed = isManaged(options_.layer, screen_, connection_.ewmh._NET_RESTACK_WINDOW);
   if (!window_ || window_->isManaged != managed) window_.emplace(connection_, options_.layer, managed);
   const auto margin = static_cast<int>(std::lround(options_.margin * state_.monitor->scale));
   const auto room = freeArea(state_.monitor->area, screen_);
@@ -163,23 +183,29 @@ void X11Surface::fit() {
 }
 
 /// Restores the position of the tile in the stack: below all other windows, but directly above the desktop
-/// window of a file manager; or, in the layer above, over all windows that do not fill the screen.
+/// window of a file manager; or, in the layer above, over all windows that do not fill the screen. Leaves it
+/// alone where it is right, so that two tiles do not fight for a place.
 void X11Surface::restack() {
   if (window_->isManaged && options_.layer != Layer::desktop) return;  // the window manager decides
+  const bool isDesktop = options_.layer == Layer::desktop;
   xcb_window_t highest = XCB_NONE;
-  bool isAbove = true;
+  bool isPassed = false, isRight = true;
   for (const auto& window : screen_.windows) {
-    if (std::ranges::count(window.ids, window_->id) != 0) isAbove = true;
-    // A smaller window of this type is another tile, which belongs there too.
-    const bool isLarger = window.area.width > picture_->width && window.area.height > picture_->height;
-    if (options_.layer == Layer::desktop ? !window.isDesktop || !isLarger
-                                         : window.isDesktop || window.isOverlay || window.isFullScreen)
+    if (std::ranges::count(window.ids, window_->id) != 0) {
+      isPassed = true;
       continue;
-    highest = window.ids.front();
-    if (window.isDesktop) connection_.select(highest, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    isAbove = false;
+    }
+    // A smaller window of this type is another tile, which belongs there too.
+    const bool isTile = window.isDesktop && (window.area.width <= picture_->width ||
+                                             window.area.height <= picture_->height);
+    const bool isLower =
+        !isTile && (isDesktop ? window.isDesktop : !window.isOverlay && !window.isFullScreen);
+    const bool isHigher = isDesktop ? !window.isDesktop : window.isFullScreen;
+    if (isLower) highest = window.ids.front();
+    if (isLower && window.isDesktop) connection_.select(highest, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    isRight &= isPassed ? !isLower : !isHigher || window_->isManaged;
   }
-  if (!window_->isManaged || !isAbove) window_->stack(highest);
+  if (!isRight) window_->stack(highest);
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
       {"both", {strut(2, 40, 0, 1023)}, screen, {{0, 20, 1024, 748}}, {0, 40, 1024, 728}, second},
   };
   for (const auto& [name, windows, workArea, monitorWorkAreas, ofFirst, ofSecond] : cases) {
-    const Screen state{screen, {}, windows, workArea, monitorWorkAreas, "", false};
+    const Screen state{screen, {}, windows, workArea, monitorWorkAreas, "", {}, false};
     EXPECT_EQ(freeArea(first, state), ofFirst) << name;
     EXPECT_EQ(freeArea(second, state), ofSecond) << name;
   }

@@ -85,14 +85,18 @@ class X11(DesktopTest):
         self.assertEqual([process.end() for process in (small, above)], [0, 0])
 
     def test_above_all_windows_but_those_that_fill_the_screen(self):
-        for manager in ("i3", "xfwm4"):  # i3 hides frames from window managers, xfwm4 says nothing of full screens
+        # i3 hides frames from window managers, xfwm4 says nothing of full screens; without one, no property changes.
+        for manager in (("i3",), ("xfwm4",), ()):
             with self.subTest(manager), self.rig.session():
-                screen = self.screen(manager)
+                screen = self.screen(*manager)
                 self.rig.tile(*AT, "--layer", "above")
                 tile, window = screen.tile(), screen.new_window(width=1280, height=800)
                 wait_for(lambda: screen.is_above(tile, window), "the tile above the window")
+                window.configure(stack_mode=X.Above)
+                screen.display.sync()
+                wait_for(lambda: screen.is_above(tile, window), "the tile above the raised window")
                 full_screen = screen.atom("_NET_WM_STATE_FULLSCREEN")
-                for is_full in (1, 0):
+                for is_full in (1, 0) if manager else ():
                     screen.tell("_NET_WM_STATE", is_full, full_screen, window=window)
                     wait_for(lambda: screen.is_above(tile, window) != is_full, f"the tile where {is_full} is full screen")
 
@@ -109,7 +113,9 @@ class X11(DesktopTest):
         check = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
         screen.set(check, "_NET_WM_NAME", screen.atom("UTF8_STRING"), b"GNOME Shell")
         screen.set(screen.root, "_NET_SUPPORTING_WM_CHECK", Xatom.WINDOW, [check.id])
-        follows("GNOME Shell", True)
+        for supported in ("_NET_RESTACK_WINDOW", "_NET_WM_STATE"):  # without the first it does not restack windows
+            screen.set(screen.root, "_NET_SUPPORTED", Xatom.ATOM, [screen.atom(supported)])
+            follows("GNOME Shell that has " + supported, supported == "_NET_RESTACK_WINDOW")
         self.rig.window_manager("openbox")
         follows("openbox", False)
         self.rig.window_manager("xfwm4", "--replace")
