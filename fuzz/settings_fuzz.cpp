@@ -1,6 +1,7 @@
 // Any settings file is read or refused with one line.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -47,7 +48,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   if (options.listMonitors || options.autostart) std::abort();  // options of the command line only
-  if (options.margin < 0 || (options.scale && !(*options.scale >= 0.25 && *options.scale <= 16)))
+  const auto& [top, right, bottom, left] = options.margin;
+  if (std::min({top, right, bottom, left}) < 0 ||
+      (options.scale && !(*options.scale >= 0.25 && *options.scale <= 16)))
     std::abort();
   return 0;
 }

@@ -66,17 +66,6 @@ std::function<std::string(const std::string&)> numberFrom(double least, double m
   };
 }
 
-std::function<std::string(const std::string&)> wholeNumberFrom(int least, int most) {
-  return [=](const std::string& text) -> std::string {
-    int number = 0;
-    const auto end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, number);
-    if (read.ec == std::errc{} && read.ptr == end && least <= number && number <= most) return "";
-    return "'" + text + "' is not a whole number from " + std::to_string(least) + " to " +
-           std::to_string(most);
-  };
-}
-
 CLI::Validator oneOf(const std::vector<std::string>& words) {
   const auto joined = [words](const char* between, const char* last) {
     std::string list;

@@ -17,9 +17,6 @@ int run(CLI::App& app, int argc, char** argv, const std::function<int()>& comman
 /// Returns a check for an option that takes a decimal number from `least` to `most`.
 std::function<std::string(const std::string&)> numberFrom(double least, double most);
 
-/// Returns a check for an option that takes a whole number from `least` to `most`.
-std::function<std::string(const std::string&)> wholeNumberFrom(int least, int most);
-
 /// Returns a check for an option that takes one of `words`, which --help then lists.
 CLI::Validator oneOf(const std::vector<std::string>& words);
 

@@ -1,12 +1,16 @@
 #include "tarno/tarno-desktop/options.hpp"
 
+#include <charconv>
 #include <map>
+#include <string_view>
 
 #include "tarno/common/command_line.hpp"
 #include "tarno/common/dates.hpp"
 
 namespace desktop {
 namespace {
+
+constexpr int mostMargin = 10000;  // points
 
 const std::map<std::string, Layer> layers{
     {"desktop", Layer::desktop}, {"normal", Layer::normal}, {"above", Layer::above}};
@@ -15,6 +19,28 @@ const std::map<std::string, Anchor> anchors{
     {"top-left", {0, 0}},    {"top", {0.5, 0}},      {"top-right", {1, 0}},
     {"left", {0, 0.5}},      {"center", {0.5, 0.5}}, {"right", {1, 0.5}},
     {"bottom-left", {0, 1}}, {"bottom", {0.5, 1}},   {"bottom-right", {1, 1}}};
+
+/// Reads one number for all edges, or four. Returns nothing if the text is something else.
+std::optional<Margin> readMargin(std::string_view text) {
+  std::vector<int> numbers;
+  const char *at = text.data(), *const end = at + text.size();
+  while (true) {
+    const auto [rest, error] = std::from_chars(at, end, numbers.emplace_back());
+    if (error != std::errc{} || numbers.back() < 0 || numbers.back() > mostMargin) return {};
+    if (rest == end) break;
+    if (*rest != ',') return {};
+    at = rest + 1;
+  }
+  if (numbers.size() == 1) numbers.resize(4, numbers[0]);
+  if (numbers.size() != 4) return {};
+  return Margin{numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+std::string checkMargin(const std::string& text) {
+  if (readMargin(text)) return "";
+  return "'" + text + "' is not a whole number from 0 to " + std::to_string(mostMargin) +
+         ", or four of them (TOP,RIGHT,BOTTOM,LEFT)";
+}
 
 }  // namespace
 
@@ -36,9 +62,13 @@ void addOptions(CLI::App& app, Options& options) {
   addWord("--anchor", options.anchor, anchors,
           "Place of the tile: top-left, top, top-right (default), left, center, right, bottom-left, bottom "
           "or bottom-right");
-  add("--margin", options.margin, "POINTS",
-      "Points between the tile and the edges that it is anchored to (default: 16)")
-      ->check(program::wholeNumberFrom(0, 10000));
+  const auto useMargin = [&options](const std::string& text) { options.margin = *readMargin(text); };
+  app.add_option_function<std::string>(
+         "--margin", useMargin,
+         "Points between the tile and the edges that it is anchored to: one number (default: 16) or "
+         "TOP,RIGHT,BOTTOM,LEFT")
+      ->check(checkMargin)
+      ->type_name("POINTS");
   add("--monitor", options.monitor, "NAME",
       "Connector of the monitor to show it on (default: the primary one)")
       ->check(

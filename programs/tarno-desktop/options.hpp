@@ -20,7 +20,7 @@ enum class Layer { desktop, normal, above };
 struct Options {
   std::string family = "medium";       ///< "small", "medium" or "large"; passed to the frame process
   Anchor anchor;                       ///< top right
-  int margin = 16;                     ///< to the edges that the tile is anchored to, in points
+  Margin margin{16, 16, 16, 16};       ///< to the edges that the tile is anchored to, in points
   std::optional<std::string> monitor;  ///< the connector; absent: the primary monitor
   Layer layer = Layer::desktop;
   std::optional<double> scale;           ///< pixels per point; absent: the scale of the monitor

@@ -13,14 +13,15 @@ std::optional<Monitor> MonitorChoice::among(const std::vector<Monitor>& monitors
   return found == monitors.end() ? std::nullopt : std::optional{*found};
 }
 
-static int placeOnAxis(int start, int room, int length, double fraction, int margin) {
-  const int free = room - length;
-  return start + std::max(0, static_cast<int>(std::lround(margin + fraction * (free - 2 * margin))));
+static int placeOnAxis(int start, int room, int length, double fraction, int before, int after) {
+  const int margin = fraction == 0 ? before : fraction == 1 ? -after : 0;
+  return start + std::max(0, static_cast<int>(std::lround(margin + fraction * (room - length))));
 }
 
-Area place(int width, int height, const Area& room, const Anchor& anchor, int margin) {
-  return {placeOnAxis(room.x, room.width, width, anchor.x, margin),
-          placeOnAxis(room.y, room.height, height, anchor.y, margin), width, height};
+Area place(int width, int height, const Area& room, const Anchor& anchor, const Margin& margin) {
+  const auto& [top, right, bottom, left] = margin;
+  return {placeOnAxis(room.x, room.width, width, anchor.x, left, right),
+          placeOnAxis(room.y, room.height, height, anchor.y, top, bottom), width, height};
 }
 
 }  // namespace desktop

@@ -42,9 +42,16 @@ struct Anchor {
   friend bool operator==(const Anchor&, const Anchor&) = default;
 };
 
+/// Lengths at the edges of an area.
+struct Margin {
+  int top = 0, right = 0, bottom = 0, left = 0;
+
+  friend bool operator==(const Margin&, const Margin&) = default;
+};
+
 /// Returns the area of a tile of `width` x `height` in `room`: `margin` away from the edges that it is
 /// anchored to, and centred on an axis without an anchor. A tile that does not fit starts at the left or top
 /// edge of `room`. All values have the same unit.
-Area place(int width, int height, const Area& room, const Anchor& anchor, int margin);
+Area place(int width, int height, const Area& room, const Anchor& anchor, const Margin& margin);
 
 }  // namespace desktop

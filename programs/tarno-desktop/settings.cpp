@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "tarno/common/command_line.hpp"
 #include "tarno/common/failure.hpp"
 #include "tarno/common/files.hpp"
 #include "tarno/foundation/base_directories.hpp"
@@ -53,22 +54,41 @@ std::filesystem::path setAsideEdited(const std::filesystem::path& file, const st
   return kept;
 }
 
+/// Returns `text` without blanks at its ends.
+std::string trimmed(const std::string& text) {
+  constexpr const char* blanks = " \t\r";
+  const auto start = text.find_first_not_of(blanks);
+  return start == text.npos ? "" : text.substr(start, text.find_last_not_of(blanks) + 1 - start);
+}
+
+/// Returns a value without its quotation marks and the comment behind it.
+std::string valueOf(const std::string& text) {
+  const auto end = text[0] == '"' || text[0] == '\'' ? text.find(text[0], 1) : text.npos;
+  if (end != text.npos && (end + 1 == text.size() || trimmed(text.substr(end + 1))[0] == '#'))
+    return text.substr(1, end - 1);
+  return trimmed(text.substr(0, text.find(" #")));
+}
+
 /// Reads one line of the settings file. Throws CLI::Error.
 void readSetting(CLI::App& app, const std::string& line) {
-  const auto start = line.find_first_not_of(" \t\r");
-  if (start == line.npos || line[start] == '#' || line[start] == ';') return;
-  const auto equals = line.find('=');
-  const auto key = line.substr(start, line.find_first_of(" \t=", start) - start);
-  if (equals == line.npos || key.empty() || key[0] == '[')
+  const auto setting = trimmed(line);
+  if (setting.empty() || setting[0] == '#' || setting[0] == ';') return;
+  const auto equals = setting.find('=');
+  const auto key = trimmed(setting.substr(0, equals));
+  if (equals == setting.npos || key.empty() || key[0] == '[')
     throw CLI::ValidationError{"expected a setting, such as margin = 16"};
-  std::istringstream setting{line};
-  app.clear();
+  const auto* const option = app.get_option_no_throw("--" + key);
+  if (!option || !option->get_configurable()) throw CLI::ValidationError{"unknown setting '" + key + "'"};
+  const auto value = valueOf(trimmed(setting.substr(equals + 1)));
+  const auto isSwitch = option->get_expected_max() == 0;
+  if (const auto wrong = program::oneOf({"true", "false", "on", "off"})(value); isSwitch && !wrong.empty())
+    throw CLI::ValidationError{key + ": " + wrong};
+  if (value.empty()) throw CLI::ValidationError{key + " takes a value"};
   try {
-    app.parse_from_stream(setting);
-  } catch (const CLI::ConfigError&) {
-    throw CLI::ValidationError{"unknown setting '" + key + "'"};
-  } catch (const CLI::ArgumentMismatch&) {
-    throw CLI::ValidationError{key + " takes one value"};
+    app.parse(std::vector{"--" + key + "=" + value});
+  } catch (const CLI::Error& invalid) {  // it names the option
+    const std::string words = invalid.what();
+    throw CLI::ValidationError{words.substr(words.starts_with("--") ? 2 : 0)};
   }
 }
 

@@ -73,7 +73,7 @@ std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int 
                                     const Anchor& anchor) {
   if (width == picture->width && height == picture->height) return picture;
   const PictureLayout layout{width, height, 4 * width};
-  const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, 0);
+  const Area area = place(picture->width, picture->height, {0, 0, width, height}, anchor, {});
   std::vector<std::uint32_t> pixels(layout.size() / 4);
   for (int y = 0; y < area.height; ++y)
     std::ranges::copy(picture->row(y), pixels.begin() + (area.y + y) * width + area.x);
@@ -205,8 +205,8 @@ void WaylandSurface::makeLayer() {
   zwlr_layer_surface_v1_set_anchor(
       layer, edge(x, ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT, ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT) |
                  edge(y, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP, ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM));
-  const int margin = options_.margin;  // it applies to anchored edges only
-  zwlr_layer_surface_v1_set_margin(layer, margin, margin, margin, margin);
+  const auto& [top, right, bottom, left] = options_.margin;  // it applies to anchored edges only
+  zwlr_layer_surface_v1_set_margin(layer, top, right, bottom, left);
   const Handle<wl_region, wl_region_destroy> nothing{wl_compositor_create_region(display_.compositor.get())};
   wl_surface_set_input_region(tile_->surface.get(), nothing.get());
   zwlr_layer_surface_v1_set_size(layer, 1, 1);  // until the first picture

@@ -118,8 +118,8 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
   looks_ = 2;  // one now, and one later for what follows without an event
 }
 
-/// Whether another top-level window is now on the wrong side of the tile. It is directly above `above_sibling`,
-/// whose place in the stack is known from the last look.
+/// Whether another top-level window is now on the wrong side of the tile. It is directly above
+/// `above_sibling`, whose place in the stack is known from the last look.
 bool X11Surface::isMisplaced(const xcb_configure_notify_event_t& notify) const {
   if (!window_ || window_->isManaged || notify.event != connection_.root) return false;
   const auto has = [](xcb_window_t id) {
@@ -176,7 +176,11 @@ void X11Surface::fit() {
   if (!state_.monitor || !picture_) return window_.reset();
   const bool managed = isManaged(options_.layer, screen_, connection_.ewmh._NET_RESTACK_WINDOW);
   if (!window_ || window_->isManaged != managed) window_.emplace(connection_, options_.layer, managed);
-  const auto margin = static_cast<int>(std::lround(options_.margin * state_.monitor->scale));
+  const auto pixels = [this](int points) {
+    return static_cast<int>(std::lround(points * state_.monitor->scale));
+  };
+  const auto& [top, right, bottom, left] = options_.margin;
+  const Margin margin{pixels(top), pixels(right), pixels(bottom), pixels(left)};
   const auto room = freeArea(state_.monitor->area, screen_);
   window_->show(picture_, title_, screen_.isComposited);
   window_->place(place(picture_->width, picture_->height, room, options_.anchor, margin));
@@ -196,8 +200,8 @@ void X11Surface::restack() {
       continue;
     }
     // A smaller window of this type is another tile, which belongs there too.
-    const bool isTile = window.isDesktop && (window.area.width <= picture_->width ||
-                                             window.area.height <= picture_->height);
+    const bool isTile =
+        window.isDesktop && (window.area.width <= picture_->width || window.area.height <= picture_->height);
     const bool isLower =
         !isTile && (isDesktop ? window.isDesktop : !window.isOverlay && !window.isFullScreen);
     const bool isHigher = isDesktop ? !window.isDesktop : window.isFullScreen;

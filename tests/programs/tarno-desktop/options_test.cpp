@@ -41,16 +41,17 @@ TEST(Options, ComeFromTheSettingsFileUnlessTheCommandLineSaysOtherwise) {
   EXPECT_EQ(usual.failure, "");
   EXPECT_EQ(usual.family, "medium");
   EXPECT_EQ(usual.anchor, (desktop::Anchor{1, 0}));
-  EXPECT_EQ(usual.margin, 16);
+  EXPECT_EQ(usual.margin, (desktop::Margin{16, 16, 16, 16}));
   EXPECT_FALSE(usual.monitor || usual.scale || usual.at || usual.plainWindow || usual.listMonitors);
   const auto options = parsed(
-      "# mine\nfamily = small\nanchor=\"bottom-left\"\nmargin = 5\nmonitor = HDMI-1\nlayer = above\n"
+      "# mine\nfamily = small # now\nanchor=\"bottom-left\"\nmargin = 5,6,7,8\nmonitor = HDMI-1\nlayer = "
+      "above\n"
       "scale = 1.5\nplain-window = true\nat = 2026-11-16T15:41:35.25Z\n",
-      "--family large --margin 7");
+      "--family large --margin 7,8,9,0");
   EXPECT_EQ(options.failure, "");
   EXPECT_EQ(options.family, "large");
   EXPECT_EQ(options.anchor, (desktop::Anchor{0, 1}));
-  EXPECT_EQ(options.margin, 7);
+  EXPECT_EQ(options.margin, (desktop::Margin{7, 8, 9, 0}));
   EXPECT_EQ(options.monitor, "HDMI-1");
   EXPECT_EQ(options.layer, desktop::Layer::above);
   EXPECT_EQ(options.scale, 1.5);
@@ -64,21 +65,27 @@ TEST(Options, PutATileAtEachOfTheNinePlaces) {
   const int x[] = {110, 418, 726}, y[] = {60, 265, 470};
   for (std::size_t i = 0; i < 9; ++i) {
     const auto anchor = parsed({}, std::string{"--anchor "} + names[i]).anchor;
-    EXPECT_EQ(desktop::place(364, 170, {100, 50, 1000, 600}, anchor, 10),
+    EXPECT_EQ(desktop::place(364, 170, {100, 50, 1000, 600}, anchor, {10, 10, 10, 10}),
               (desktop::Area{x[i % 3], y[i / 3], 364, 170}))
         << names[i];
   }
-  EXPECT_EQ(desktop::place(364, 170, {100, 50, 200, 100}, {1, 1}, 10), (desktop::Area{100, 50, 364, 170}))
+  EXPECT_EQ(desktop::place(364, 170, {100, 50, 200, 100}, {1, 1}, {9, 9, 9, 9}),
+            (desktop::Area{100, 50, 364, 170}))
       << "a tile that does not fit";
+  const auto uneven = desktop::place(10, 10, {0, 0, 100, 50}, {0.5, 1}, {1, 2, 3, 4});
+  EXPECT_EQ(uneven, (desktop::Area{45, 37, 10, 10}));
 }
 
 TEST(Options, RefuseWhatTheyDoNotKnow) {
   for (const char* const limits : {"--scale 0.25 --margin 0", "--scale 16 --margin 10000"})
     EXPECT_EQ(parsed({}, limits).failure, "");
   const std::pair<std::string, std::string> cases[] = {
-      {"family", "huge"}, {"anchor", "middle"}, {"margin", "-1"}, {"margin", "10001"}, {"margin", "wide"},
-      {"layer", "below"}, {"scale", "0"},       {"scale", "17"},  {"scale", "nan"},    {"at", "tomorrow"},
-      {"colour", "red"},  {"help", "true"},     {"scale", "1,5"}, {"autostart", "no"}};
+      {"family", "huge"},     {"anchor", "middle"},      {"margin", "-1"},
+      {"margin", "10001"},    {"margin", "1,2,3"},       {"margin", "1,,3,4"},
+      {"margin", "1,2,3,4,"}, {"layer", "below"},        {"scale", "0"},
+      {"scale", "17"},        {"scale", "nan"},          {"at", "tomorrow"},
+      {"colour", "red"},      {"help", "true"},          {"scale", "1,5"},
+      {"margin", "12.5"},     {"plain-window", "maybe"}, {"autostart", "no"}};
   for (const auto& [name, value] : cases) {
     const auto failure = parsed(name + " = " + value + "\n").failure;
     EXPECT_TRUE(failure.starts_with("78 /")) << name << " " << value << ": " << failure;
