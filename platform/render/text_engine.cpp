@@ -70,8 +70,12 @@ class TextEngine::Impl {
     constexpr double smallest = 1e-3;
     constexpr double largest = 4096;
     const double size = font.size > smallest ? std::min(font.size, largest) : smallest;
-    const bool isRounded = font.fontDesign == ui::FontDesign::rounded;
-    return size * (isRounded ? roundedScale * scaleOfStandIn(font) : 1) / shapingSize;
+    return size * drawnScale(font) / shapingSize;
+  }
+
+  /// Returns the factor from the size of `font` to the size that its glyphs are drawn at.
+  double drawnScale(const ui::Font& font) {
+    return font.fontDesign == ui::FontDesign::rounded ? roundedScale * scaleOfStandIn(font) : 1;
   }
 
   /// Valid until the next call.
@@ -141,6 +145,7 @@ ui::TextMetrics TextEngine::measure(std::string_view text, const ui::Font& font,
   ui::TextMetrics metrics = impl_->find(text, font, units(width, scale), maxLines).shaped.metrics();
   metrics.size = {metrics.size.width * scale, metrics.size.height * scale};
   metrics.baseline *= scale;
+  metrics.drawnScale = impl_->drawnScale(font);
   if (width) metrics.size.width = std::min(metrics.size.width, std::max(*width, 0.0));
   return metrics;
 }

@@ -41,6 +41,7 @@ struct TextRun {
   double baseline = 0;  ///< of the first line, from the top of the box
   int maxLines = 1;
   bool truncated = false;
+  double drawnScale = 1;  ///< the factor from the size of `font` to the size that is drawn
 
   friend bool operator==(const TextRun&, const TextRun&) = default;
 };

@@ -13,6 +13,7 @@ struct TextMetrics {
   Size size;               ///< of all lines; never wider than the given width
   double baseline = 0;     ///< of the first line, from the top of the box
   bool truncated = false;  ///< cut with an ellipsis because it did not fit
+  double drawnScale = 1;   ///< the factor from the size of the font to the size that is drawn
 };
 
 /// Measures text for the layout. Implementations say which threads may call them.

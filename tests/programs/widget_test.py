@@ -97,8 +97,8 @@ class Widget(ProgramTest):
         shown = self.widget("inspect", "--at", MOMENT).decode()
         self.assertNotRegex(shown, "[\x00-\x09\x0b-\x1f\x7f-\x9f\u202a-\u202e]")
         self.assertEqual(self.inspected("--at", MOMENT)["entry"]["status"]["device_name"], name)
-        self.assertRegex(shown, r"(?s)\Aentry systemMedium\n  date .*\n    HStack spacing=14\n.*\nScene .* start=154.8 end=239.472"
-                                r"\n.*\naccessibility\n  image ")
+        self.assertRegex(shown, r"(?s)\Aentry systemMedium\n  date .*\n    HStack spacing=14\n.* size=16.12 .*\nScene .* end=239.472"
+                                r"\n.* font=\"15.636 bold.*\naccessibility\n  image ")
 
     def test_gallery(self):
         self.assertEqual(json.loads(self.widget("gallery", "--json", "--output", "previews")),

@@ -43,7 +43,7 @@ struct ItemDescriber {
   Builder operator()(const TextRun& item) const {
     Builder builder{"text"};
     builder.text("text", item.text)
-        .text("font", describe(item.font))
+        .text("font", describe(item.font.scaled(item.drawnScale)))
         .text("color", describe(item.color))
         .rect(item.box)
         .number("baseline", item.baseline)

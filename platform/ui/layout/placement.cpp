@@ -64,7 +64,8 @@ struct Placer {
                                     .box = {where.rect.origin, metrics.size},
                                     .baseline = metrics.baseline,
                                     .maxLines = environment.lineLimit,
-                                    .truncated = metrics.truncated});
+                                    .truncated = metrics.truncated,
+                                    .drawnScale = metrics.drawnScale});
   }
   void operator()(const nodes::Image& node) const {
     const Color& color = environment.foreground;
