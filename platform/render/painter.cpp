@@ -1,5 +1,6 @@
 #include "tarno/render/painter.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "tarno/render/cairo_handle.hpp"
@@ -34,12 +35,34 @@ void snap(cairo_t* cairo, ui::Point anchor) {
   cairo_translate(cairo, right, down);
 }
 
-/// Stretches user space by less than a pixel so that `size` ends on whole pixels.
-void stretchToPixels(cairo_t* cairo, const ui::Size& size) {
+/// Stretches user space so that `box` covers the pixels from `low` to `high`.
+void stretch(cairo_t* cairo, const ui::Rect& box, ui::Point low, ui::Point high) {
+  if (!(box.size.width > 0 && box.size.height > 0)) return;
+  const double across = (high.x - low.x) / box.size.width;
+  const double down = (high.y - low.y) / box.size.height;
+  cairo_matrix_t matrix;
+  cairo_matrix_init(&matrix, across, 0, 0, down, low.x - box.origin.x * across, low.y - box.origin.y * down);
+  cairo_set_matrix(cairo, &matrix);
+}
+
+/// The ground, whose last row or column would otherwise be half transparent at a fractional scale.
+void stretchGround(cairo_t* cairo, const ui::Rect& box) {
   constexpr double tolerance = 1e-6;  // for rounding errors of a whole number
-  double width = size.width, height = size.height;
-  cairo_user_to_device_distance(cairo, &width, &height);
-  cairo_scale(cairo, std::ceil(width - tolerance) / width, std::ceil(height - tolerance) / height);
+  ui::Point end{box.right(), box.bottom()};
+  cairo_user_to_device(cairo, &end.x, &end.y);
+  stretch(cairo, box, {}, {std::ceil(end.x - tolerance), std::ceil(end.y - tolerance)});
+}
+
+/// Of an outline that fits pixels.
+void stretchToPixels(cairo_t* cairo, const ui::Rect& box) {
+  ui::Point low = box.origin, high{box.right(), box.bottom()};
+  cairo_user_to_device(cairo, &low.x, &low.y);
+  cairo_user_to_device(cairo, &high.x, &high.y);
+  // An even number of rows, so that what is anchored at the centre stands in the middle.
+  const double middle = std::floor((low.y + high.y) / 2 + 0.5);
+  const double half = std::max(std::round((high.y - low.y) / 2), 1.0);
+  const double left = std::round(low.x);
+  stretch(cairo, box, {left, middle - half}, {std::max(std::round(high.x), left + 1), middle + half});
 }
 
 struct ItemPainter {
@@ -52,8 +75,11 @@ struct ItemPainter {
     cairo_get_matrix(cairo, &place);
     if (!isVector(cairo)) {
       if (item.anchor) snap(cairo, *item.anchor);
-      // At a fractional scale, the last row or column of the ground would otherwise be half transparent.
-      if (ui::bounds(item.path) == ui::Rect{{}, size}) stretchToPixels(cairo, size);
+      const ui::Rect box = ui::bounds(item.path);
+      if (box == ui::Rect{{}, size})
+        stretchGround(cairo, box);
+      else if (item.fitsPixels)
+        stretchToPixels(cairo, box);
     }
     setPath(cairo, item.path);
     setColor(cairo, item.color);

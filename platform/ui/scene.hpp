@@ -19,6 +19,9 @@ struct FillPath {
   /// When drawn on pixels, the outline moves by at most half a pixel so that this point is on a corner of a
   /// pixel. This keeps the edges of small symbols sharp.
   std::optional<Point> anchor{};
+  /// When drawn on pixels, the outline stretches and moves by at most a pixel so that the sides of its bounds
+  /// are between pixels, and the middle of its height is where an anchor there would be.
+  bool fitsPixels = false;
 
   friend bool operator==(const FillPath&, const FillPath&) = default;
 };

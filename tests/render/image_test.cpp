@@ -103,12 +103,18 @@ TEST(Image, pdfTakesEveryText) {
   EXPECT_GT(std::stoi(emoji.substr(emoji.find("/Width ") + 7)), 100);
 }
 
-TEST(Image, vectorFilesAreNotFittedToPixels) {
-  const auto svg = [](std::optional<ui::Point> anchor) {
-    const ui::FillPath square{Path::roundedRect({{5.3, 5.6}, {10, 10}}, 0), red, anchor};
-    return encode({{20, 20}, {square}, {}}, ImageFormat::svg);
+TEST(Image, outlinesAreFittedToPixelsButNotInVectorFiles) {
+  const auto draw = [](ImageFormat format, std::optional<ui::Point> anchor, bool fits) {
+    const ui::FillPath pane{Path::roundedRect({{5.3, 5.6}, {10.4, 9.1}}, 0), red, anchor, fits};
+    return encode({{20, 20}, {pane}, {}}, format);
   };
-  EXPECT_TRUE(svg(ui::Point{10.3, 10.6}) == svg({}));
+  const ui::Point corner{5.3, 5.6};
+  EXPECT_TRUE(draw(ImageFormat::svg, corner, true) == draw(ImageFormat::svg, {}, false));
+  const auto pixels = Pixels::decode(draw(ImageFormat::png, {}, true));
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(pixels.at(i, 10)[3], i >= 5 && i < 16 ? 255 : 0) << i;
+    EXPECT_EQ(pixels.at(10, i)[3], i >= 5 && i < 15 ? 255 : 0) << i;
+  }
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ struct Placer {
     const bool isCircle = std::holds_alternative<nodes::Circle>(node.outline);
     list.items.emplace_back(
         FillPath{std::visit([&](const auto& shape) { return outline(shape, where.rect); }, node.outline),
-                 node.color, isCircle ? std::optional{where.rect.center()} : std::nullopt});
+                 node.color, isCircle ? std::optional{where.rect.center()} : std::nullopt, !isCircle});
   }
   void operator()(const nodes::Stroke& node) const {
     list.items.emplace_back(StrokePath{outline(node.circle, where.rect), node.style, node.color});
