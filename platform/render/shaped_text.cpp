@@ -22,14 +22,33 @@ void insert(PangoAttrList* attributes, PangoAttribute* attribute, std::size_t st
   pango_attr_list_insert(attributes, attribute);
 }
 
+bool isEastAsian(GUnicodeScript script) {
+  return script == G_UNICODE_SCRIPT_HAN || script == G_UNICODE_SCRIPT_HIRAGANA ||
+         script == G_UNICODE_SCRIPT_KATAKANA || script == G_UNICODE_SCRIPT_HANGUL;
+}
+
+/// Returns the language that the East Asian characters of `text` are in: Japanese with kana, Korean with
+/// hangul. Otherwise null, and the locale decides. Without it, one sentence could get its Chinese characters
+/// from one font and the rest from another.
+PangoLanguage* eastAsianLanguage(std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); at += g_utf8_skip[static_cast<unsigned char>(text[at])]) {
+    const GUnicodeScript script = g_unichar_get_script(g_utf8_get_char(text.data() + at));
+    if (isEastAsian(script) && script != G_UNICODE_SCRIPT_HAN)
+      return pango_language_from_string(script == G_UNICODE_SCRIPT_HANGUL ? "ko" : "ja");
+  }
+  return nullptr;
+}
+
 /// Quicksand is a Latin font with a few letters of other scripts (Greek π). Each run in another script gets a
 /// font that has all of it, including signs without a script. Digits and ASCII signs stay in the font itself.
 void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
   std::size_t start = 0;
   GUnicodeScript runScript = G_UNICODE_SCRIPT_LATIN;
+  PangoLanguage* const language = eastAsianLanguage(text);
   const auto endRun = [&](std::size_t end) {
     if (const char* families = familiesOfScript(runScript))
       insert(attributes, pango_attr_family_new(families), start, end);
+    if (language && isEastAsian(runScript)) insert(attributes, pango_attr_language_new(language), start, end);
   };
   const auto length = [&](std::size_t at) {
     return static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[at])]);

@@ -158,6 +158,12 @@ class Widget(ProgramTest):
             self.assertRegex(done.stdout.decode(), printed, value)
         draw = ("render", "--output", "-", "--at", MOMENT)
         self.assertNotEqual(self.widget(*draw, FONTCONFIG_FILE=str(rejecting)), self.widget(*draw))
+        for language, letter in ("ja", "の"), ("ko", "맥"):  # out of sight, but the words before it are of its language
+            self.save({"device_name": "書斎" * 30 + letter})
+            bold = self.folder / language
+            bold.write_text(f"<fontconfig><include>/etc/fonts/fonts.conf</include><match><test name='lang'><string>{language}</string>"
+                            "</test><edit name='embolden'><bool>true</bool></edit></match></fontconfig>")
+            self.assertNotEqual(self.widget(*draw, FONTCONFIG_FILE=str(bold)), self.widget(*draw), language)
         lines = set()
         for record in ({"stale": True}, {}, {"status": "locked"}, {"status": "unlocked"}, {"status": "locking"}):
             self.save(record)
