@@ -11,24 +11,45 @@ namespace render {
 namespace {
 
 using Config = tarno::Handle<FcConfig, FcConfigDestroy>;
+using Pattern = tarno::Handle<FcPattern, FcPatternDestroy>;
 using FontMap = ObjectHandle<PangoFontMap>;
 using FontOptions = tarno::Handle<cairo_font_options_t, cairo_font_options_destroy>;
 
+bool isRounded(const Pattern& pattern) {
+  FcChar8* family = nullptr;
+  return pattern && FcPatternGetString(pattern.get(), FC_FAMILY, 0, &family) == FcResultMatch &&
+         FcStrCmpIgnoreCase(family, reinterpret_cast<const FcChar8*>(roundedFamily)) == 0;
+}
+
+/// Returns whether `config` has Quicksand and replaces it by no other font.
+bool servesRounded(FcConfig* config) {
+  const Pattern wanted(FcPatternBuild(nullptr, FC_FAMILY, FcTypeString, roundedFamily, nullptr));
+  if (!wanted || !FcConfigSubstitute(config, wanted.get(), FcMatchPattern)) return false;
+  FcDefaultSubstitute(wanted.get());
+  FcResult result{};
+  return isRounded(wanted) && isRounded(Pattern(FcFontMatch(config, wanted.get(), &result)));
+}
+
 /// Returns a configuration with only the font files of Debian's fonts-quicksand, or null if they are missing.
+/// It contains what the administrator and the user configured themselves, so that this applies to all texts.
 Config roundedFaceOnly() {
   static constexpr char text[] =
       "<fontconfig>"
       "<dir>/usr/share/fonts/truetype/quicksand</dir>"
       "<cachedir>/var/cache/fontconfig</cachedir>"
       "<cachedir prefix=\"xdg\">fontconfig</cachedir>"
+      "<include ignore_missing=\"yes\" prefix=\"xdg\">fontconfig/conf.d</include>"
+      "<include ignore_missing=\"yes\" prefix=\"xdg\">fontconfig/fonts.conf</include>"
+      "<include ignore_missing=\"yes\" deprecated=\"yes\">~/.fonts.conf.d</include>"
+      "<include ignore_missing=\"yes\" deprecated=\"yes\">~/.fonts.conf</include>"
+      "<include ignore_missing=\"yes\">/etc/fonts/local.conf</include>"
       "</fontconfig>";
   Config config(FcConfigCreate());
   const bool built =
       config &&
       FcConfigParseAndLoadFromMemory(config.get(), reinterpret_cast<const FcChar8*>(text), FcFalse) &&
       FcConfigBuildFonts(config.get());
-  const FcFontSet* fonts = built ? FcConfigGetFonts(config.get(), FcSetSystem) : nullptr;
-  return fonts && fonts->nfont > 0 ? std::move(config) : nullptr;
+  return built && servesRounded(config.get()) ? std::move(config) : nullptr;
 }
 
 FontMap makeFontMap() { return FontMap(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT)); }

@@ -158,6 +158,10 @@ class Widget(ProgramTest):
             self.assertRegex(done.stdout.decode(), printed, value)
         draw = ("render", "--output", "-", "--at", MOMENT)
         self.assertNotEqual(self.widget(*draw, FONTCONFIG_FILE=str(rejecting)), self.widget(*draw))
+        (self.folder / "fontconfig").mkdir()
+        (self.folder / "fontconfig/fonts.conf").write_text("<fontconfig><match><edit name='embolden'><bool>true</bool></edit>"
+                                                           "</match></fontconfig>")
+        self.assertNotEqual(self.widget(*draw, XDG_CONFIG_HOME=str(self.folder)), self.widget(*draw))
         for language, letter in ("ja", "の"), ("ko", "맥"):  # out of sight, but the words before it are of its language
             self.save({"device_name": "書斎" * 30 + letter})
             bold = self.folder / language
