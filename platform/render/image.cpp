@@ -128,8 +128,10 @@ std::string svg(const ui::Scene& scene, TextEngine& text, double scale, const Wo
 
 std::string pdf(const ui::Scene& scene, TextEngine& text, double scale, const Words& words) {
   return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [&](cairo_surface_t* surface) {
-    // Later versions compress objects, and simple tools do not find the title.
-    cairo_pdf_surface_restrict_to_version(surface, CAIRO_PDF_VERSION_1_4);
+    // The first version that may say which text some glyphs stand for: Cairo then does so where it is not one
+    // character a glyph (Devanagari). There are no tags for screen readers, because those of Cairo 1.16 have
+    // no labels and do not mark the file as tagged.
+    cairo_pdf_surface_restrict_to_version(surface, CAIRO_PDF_VERSION_1_5);
     // The default is the time of drawing.
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, words.title.c_str());

@@ -1,9 +1,11 @@
 #include "tarno/render/text_drawing.hpp"
 
+#include <hb.h>
 #include <pango/pangocairo.h>
 #include <pango/pangofc-font.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -113,13 +115,45 @@ void showPicturesAsImage(const ShapedText::Line& line, PangoGlyphItem* run, cair
   cairo_restore(cairo);
 }
 
+/// Writes the text of a run of images into a PDF, where it can be selected and searched for and is read
+/// aloud: as two blanks that are as wide as the images. (The text of a single one would get lost where
+/// Cairo 1.16 has not used the blank before.)
+void showBlanksFor(const ShapedText::Line& line, const PangoGlyphItem* run, cairo_t* cairo) {
+  if (!cairo_surface_has_show_text_glyphs(cairo_get_target(cairo))) return;
+  PangoLayout* layout = line.glyphs->layout;
+  const ObjectHandle<PangoFont> font(
+      pango_context_load_font(pango_layout_get_context(layout), pango_layout_get_font_description(layout)));
+  hb_font_t* const metrics = font ? pango_font_get_hb_font(font.get()) : nullptr;
+  hb_codepoint_t blank = 0;
+  if (!metrics || !hb_font_get_nominal_glyph(metrics, ' ', &blank)) return;
+  const double advance = hb_font_get_glyph_h_advance(metrics, blank);
+  const double half = pango_glyph_string_get_width(run->glyphs) / 2.0;
+  if (!(advance > 0 && half > 0)) return;
+
+  cairo_save(cairo);
+  cairo_scaled_font_t* const scaled = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font.get()));
+  cairo_set_font_face(cairo, cairo_scaled_font_get_font_face(scaled));
+  cairo_matrix_t wide;
+  cairo_matrix_init_scale(&wide, shapingSize * half / advance, shapingSize);
+  cairo_set_font_matrix(cairo, &wide);
+  double x, y;
+  cairo_get_current_point(cairo, &x, &y);
+  const std::array<cairo_glyph_t, 2> blanks{{{blank, x, y}, {blank, x + half / PANGO_SCALE, y}}};
+  const cairo_text_cluster_t cluster{run->item->length, 2};
+  cairo_show_text_glyphs(cairo, pango_layout_get_text(layout) + run->item->offset, run->item->length,
+                         blanks.data(), 2, &cluster, 1, cairo_text_cluster_flags_t{});
+  cairo_restore(cairo);
+}
+
 void drawAsVector(const ShapedText& text, cairo_t* cairo) {
   clipToLines(text, cairo);
   visitRuns(text, cairo, 0, [&](const ShapedText::Line& line, PangoGlyphItem* run) {
-    if (hasPictures(run))
+    if (hasPictures(run)) {
+      showBlanksFor(line, run, cairo);
       showPicturesAsImage(line, run, cairo);
-    else
+    } else {
       pango_cairo_show_glyph_item(cairo, pango_layout_get_text(line.glyphs->layout), run);
+    }
   });
   cairo_new_path(cairo);
 }
