@@ -22,6 +22,11 @@ void insert(PangoAttrList* attributes, PangoAttribute* attribute, std::size_t st
   pango_attr_list_insert(attributes, attribute);
 }
 
+/// Returns the length in bytes of the character of `text` at `at`.
+std::size_t lengthOf(std::string_view text, std::size_t at) {
+  return static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[at])]);
+}
+
 bool isEastAsian(GUnicodeScript script) {
   return script == G_UNICODE_SCRIPT_HAN || script == G_UNICODE_SCRIPT_HIRAGANA ||
          script == G_UNICODE_SCRIPT_KATAKANA || script == G_UNICODE_SCRIPT_HANGUL;
@@ -31,7 +36,7 @@ bool isEastAsian(GUnicodeScript script) {
 /// hangul. Otherwise null, and the locale decides. Without it, one sentence could get its Chinese characters
 /// from one font and the rest from another.
 PangoLanguage* eastAsianLanguage(std::string_view text) {
-  for (std::size_t at = 0; at < text.size(); at += g_utf8_skip[static_cast<unsigned char>(text[at])]) {
+  for (std::size_t at = 0; at < text.size(); at += lengthOf(text, at)) {
     const GUnicodeScript script = g_unichar_get_script(g_utf8_get_char(text.data() + at));
     if (isEastAsian(script) && script != G_UNICODE_SCRIPT_HAN)
       return pango_language_from_string(script == G_UNICODE_SCRIPT_HANGUL ? "ko" : "ja");
@@ -50,10 +55,7 @@ void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
       insert(attributes, pango_attr_family_new(families), start, end);
     if (language && isEastAsian(runScript)) insert(attributes, pango_attr_language_new(language), start, end);
   };
-  const auto length = [&](std::size_t at) {
-    return static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[at])]);
-  };
-  for (std::size_t at = 0; at < text.size(); at += length(at)) {
+  for (std::size_t at = 0; at < text.size(); at += lengthOf(text, at)) {
     const GUnicodeScript script = g_unichar_get_script(g_utf8_get_char(text.data() + at));
     const bool ofNoScript =
         script == G_UNICODE_SCRIPT_INHERITED || (script == G_UNICODE_SCRIPT_COMMON && (text[at] & 0x80));
