@@ -1,6 +1,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <random>
 #include <sstream>
 
 #include "tarno/foundation/date.hpp"
@@ -45,6 +49,22 @@ TEST(ISO8601, RefusesEverythingElse) {
       "0000-12-31T23:59:59Z|0001-01-01T00:00:00+00:01|9999-12-31T23:59:59-00:01"};
   for (std::string text; std::getline(texts, text, '|');)
     EXPECT_EQ(dateFromRFC3339(text), std::nullopt) << text;
+}
+
+TEST(ISO8601, AgreesWithTheReaderOfTheCLibrary) {
+  std::mt19937 random{1};
+  const auto upTo = [&](int most) { return std::uniform_int_distribution{0, most}(random); };
+  for (int i = 0; i < 100'000; ++i) {
+    std::array<char, 80> text;
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ", 1 + upTo(9998), upTo(13),
+                  upTo(32), upTo(24), upTo(60), upTo(60));
+    std::tm fields{};
+    const bool isRead = strptime(text.data(), "%Y-%m-%dT%H:%M:%SZ", &fields) != nullptr;
+    const auto day = fields.tm_mday, second = fields.tm_sec;
+    const Date date{seconds{timegm(&fields)}};  // carries what a month or a minute is too short for
+    const bool isDate = isRead && fields.tm_mday == day && fields.tm_sec == second;
+    EXPECT_EQ(dateFromRFC3339(text.data()), isDate ? std::optional{date} : std::nullopt) << text.data();
+  }
 }
 
 TEST(ISO8601, WritesInUTCAndCutsTowardsThePast) {
