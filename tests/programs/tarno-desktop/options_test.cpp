@@ -87,11 +87,11 @@ TEST(Options, RefuseWhatTheyDoNotKnow) {
       {"colour", "red"},      {"help", "true"},          {"scale", "1,5"},
       {"margin", "12.5"},     {"plain-window", "maybe"}, {"autostart", "no"}};
   for (const auto& [name, value] : cases) {
-    const auto failure = parsed(name + " = " + value + "\n").failure;
+    const auto failure = parsed(std::string{name}.append(" = ").append(value)).failure;
     EXPECT_TRUE(failure.starts_with("78 /")) << name << " " << value << ": " << failure;
     EXPECT_NE(failure.find("tarno/desktop.ini: "), std::string::npos) << failure;
     EXPECT_NE(failure.find(name), std::string::npos) << failure;
-    const auto usage = parsed({}, "--" + name + " " + value).failure;
+    const auto usage = parsed({}, std::string{"--"}.append(name).append(" ").append(value)).failure;
     EXPECT_FALSE(usage.empty() || usage.starts_with("78")) << name << " " << value;
   }
   for (const auto& settings :
