@@ -64,6 +64,8 @@ class Host final : program::EventSource {
   }
 
   void follow() {
+    const bool wasNeeded = std::exchange(isPictureNeeded_, state_.needsPicture);
+    if (state_.needsPicture && !wasNeeded) tile_.refresh();
     if (!state_.monitor) return;
     tile_.setScale(state_.monitor->scale);
     accessible_.place(state_.extents, state_.monitor->scale);
@@ -90,7 +92,7 @@ class Host final : program::EventSource {
   OpenedSurface opened_ = openSurface(options_);
   const SurfaceState& state_ = opened_.surface->state();
   AccessibleTile accessible_;
-  bool isShown_ = false;
+  bool isShown_ = false, isPictureNeeded_ = false;
 };
 
 }  // namespace

@@ -5,8 +5,9 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
+#include <functional>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 namespace desktop {
@@ -46,8 +47,8 @@ std::span<const std::uint32_t> Picture::row(int y) const {
   return {static_cast<const std::uint32_t*>(pixels_) + start, static_cast<std::size_t>(width)};
 }
 
-bool operator==(const Picture& a, const Picture& b) {
-  return static_cast<const PictureLayout&>(a) == b && std::memcmp(a.pixels_, b.pixels_, a.size()) == 0;
+std::size_t Picture::hash() const {
+  return std::hash<std::string_view>{}({static_cast<const char*>(pixels_), size()});
 }
 
 }  // namespace desktop

@@ -36,8 +36,8 @@ class Picture : public PictureLayout {
   /// Returns the `width` pixels of row `y`.
   std::span<const std::uint32_t> row(int y) const;
 
-  /// Compares the layouts and the pixels.
-  friend bool operator==(const Picture& a, const Picture& b);
+  /// Returns a hash of the pixels.
+  std::size_t hash() const;
 
  private:
   const tarno::FileDescriptor memory_;

@@ -151,7 +151,7 @@ program::EventSource::Wait WaylandSurface::prepare() {
 
 /// Finds the monitor: a layer surface stays on one; a window is on the one that it entered last.
 void WaylandSurface::followMonitors() {
-  auto& [monitors, monitor, extents, isClosed] = state_;
+  auto& [monitors, monitor, extents, isClosed, needsPicture] = state_;
   monitors.clear();
   for (const Output& output : display_.outputs) {
     if (!output.info) continue;

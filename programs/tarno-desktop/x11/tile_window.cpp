@@ -74,14 +74,12 @@ TileWindow::TileWindow(const Connection& connection, Layer layer, bool managed)
   if (!isNormal) xcb_ewmh_set_wm_desktop(&ewmh, id, allWorkspaces);
 }
 
-void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string& title, bool isComposited) {
-  if (picture == picture_ && isComposited == isComposited_) return;
-  picture_ = std::move(picture);
+void TileWindow::show(const Picture& picture, const std::string& title, bool isComposited) {
   isComposited_ = isComposited;
   xcb_ewmh_set_wm_name(&connection_.ewmh, id, static_cast<std::uint32_t>(title.size()), title.data());
   // As the background of the window, the X server redraws the picture whenever the window is uncovered.
-  const auto width = static_cast<std::uint16_t>(picture_->width),
-             height = static_cast<std::uint16_t>(picture_->height);
+  const auto width = static_cast<std::uint16_t>(picture.width),
+             height = static_cast<std::uint16_t>(picture.height);
   const xcb_pixmap_t pixmap = xcb_generate_id(connection_);
   const xcb_gcontext_t context = xcb_generate_id(connection_);
   xcb_create_pixmap(connection_, 32, pixmap, id, width, height);
@@ -89,7 +87,7 @@ void TileWindow::show(std::shared_ptr<const Picture> picture, const std::string&
   std::vector<xcb_rectangle_t> outline;
   std::vector<std::uint32_t> opaque(width);
   for (std::int16_t y = 0; y < height; ++y) {  // one row always fits into a request
-    const auto row = picture_->row(y);
+    const auto row = picture.row(y);
     addOutline(row, y, outline);
     if (!isComposited_) std::ranges::transform(row, opaque.begin(), unpremultiplied);
     const void* const bytes = isComposited_ ? row.data() : opaque.data();

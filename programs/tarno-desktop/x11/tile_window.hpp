@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "tarno/tarno-desktop/options.hpp"
@@ -19,8 +18,10 @@ class TileWindow {
   TileWindow(TileWindow&&) = delete;
   ~TileWindow() { xcb_destroy_window(connection_, id); }
 
-  /// Shows a picture. Without a compositor, the window gets the shape of the picture's outline.
-  void show(std::shared_ptr<const Picture> picture, const std::string& title, bool isComposited);
+  /// Shows a picture, which the X server keeps. Without a compositor, the window gets the shape of the
+  /// picture's outline.
+  void show(const Picture& picture, const std::string& title, bool isComposited);
+  bool isComposited() const { return isComposited_; }
 
   /// Moves the window to `area` of the screen, in pixels. A window that was dragged is only resized.
   void place(const Area& area);
@@ -38,7 +39,6 @@ class TileWindow {
   void configure(int fields, const xcb_configure_window_value_list_t& values) const;
 
   const Connection& connection_;
-  std::shared_ptr<const Picture> picture_;
   Area area_;
   bool isComposited_ = false, isDragged_ = false;
 };

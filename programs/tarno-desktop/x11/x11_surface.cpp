@@ -157,7 +157,7 @@ bool X11Surface::matters(xcb_atom_t property) const {
 void X11Surface::findExtents() {
   const auto cookie = xcb_translate_coordinates(connection_, window_->id, connection_.root, 0, 0);
   const auto at = connection_.answer<xcb_translate_coordinates_reply>(cookie);
-  if (at) state_.extents = {at->dst_x, at->dst_y, picture_->width, picture_->height};
+  if (at) state_.extents = {at->dst_x, at->dst_y, layout_.width, layout_.height};
 }
 
 /// Reads the state of the screen and adapts the tile to it.
@@ -171,19 +171,25 @@ void X11Surface::look() {
   if (window_) restack();
 }
 
-/// Shows the picture in its place, in a managed or unmanaged window as the window manager requires.
+/// Shows the picture in its place, in a managed or unmanaged window as the window manager requires. Releases
+/// a picture that was sent, because the X server has a copy of it.
 void X11Surface::fit() {
-  if (!state_.monitor || !picture_) return window_.reset();
+  if (!state_.monitor || layout_.width == 0) return window_.reset();
   const bool managed = isManaged(options_.layer, screen_, connection_.ewmh._NET_RESTACK_WINDOW);
-  if (!window_ || window_->isManaged != managed) window_.emplace(connection_, options_.layer, managed);
+  const bool isMissing = !window_ || window_->isManaged != managed;
+  state_.needsPicture = !picture_ && (isMissing || window_->isComposited() != screen_.isComposited);
+  if (picture_) {
+    if (isMissing) window_.emplace(connection_, options_.layer, managed);
+    window_->show(*std::exchange(picture_, nullptr), title_, screen_.isComposited);
+  }
+  if (!window_) return;
   const auto pixels = [this](int points) {
     return static_cast<int>(std::lround(points * state_.monitor->scale));
   };
   const auto& [top, right, bottom, left] = options_.margin;
   const Margin margin{pixels(top), pixels(right), pixels(bottom), pixels(left)};
   const auto room = freeArea(state_.monitor->area, screen_);
-  window_->show(picture_, title_, screen_.isComposited);
-  window_->place(place(picture_->width, picture_->height, room, options_.anchor, margin));
+  window_->place(place(layout_.width, layout_.height, room, options_.anchor, margin));
 }
 
 /// Restores the position of the tile in the stack: below all other windows, but directly above the desktop
@@ -201,7 +207,7 @@ void X11Surface::restack() {
     }
     // A smaller window of this type is another tile, which belongs there too.
     const bool isTile =
-        window.isDesktop && (window.area.width <= picture_->width || window.area.height <= picture_->height);
+        window.isDesktop && (window.area.width <= layout_.width || window.area.height <= layout_.height);
     const bool isLower =
         !isTile && (isDesktop ? window.isDesktop : !window.isOverlay && !window.isFullScreen);
     const bool isHigher = isDesktop ? !window.isDesktop : window.isFullScreen;
