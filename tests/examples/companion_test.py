@@ -2,7 +2,6 @@
 
 import re
 import shutil
-import unittest
 
 from document import PAGE, block, blocks
 from program_test_case import BIN, ProgramTest

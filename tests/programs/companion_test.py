@@ -1,11 +1,11 @@
-"""Every command of docs/companion.md, run as it stands there."""
+"""The commands of docs/companion.md, run as they stand there. Those of other chapters are in tests/companion, tests/examples."""
 
 import json
 import re
 import socket
 import subprocess
 
-from document import PAGE, block, blocks, under
+from document import PAGE, block, under
 from program_test_case import RECORD, ProgramTest
 
 STUBS = {
@@ -90,10 +90,3 @@ class Companion(ProgramTest):
         anybody = self.call("/usr/bin/mosquitto_pub", "-p", port, "-t", "mac/status", "-m", "{}",
                             environment={"XDG_CONFIG_HOME": "/nonexistent"})
         self.assertIn(b"not authori", anybody.stderr)
-
-    def test_no_command_is_left_out(self):
-        run = [*["A Mac that reports by itself"] * 3,  # those in tests/companion/
-               "A shell over ssh", "One ssh connection", *["MQTT"] * 3, "In C++", "In C++",  # those in examples/
-               *["Ask from a script"] * 2, "Lock the desk when the Mac locks", "A notification at every change", "A log",
-               "When the tile does not follow"]
-        self.assertEqual([heading for heading, _ in blocks("sh")], run)

@@ -6,7 +6,6 @@ import os
 import re
 import subprocess
 import time
-import unittest
 
 from program_test_case import MOMENT, ProgramTest
 

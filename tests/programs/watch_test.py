@@ -8,7 +8,6 @@ import shutil
 import signal
 import subprocess
 import time
-import unittest
 
 from program_test_case import RECORD, ProgramTest
 

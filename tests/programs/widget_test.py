@@ -124,32 +124,25 @@ class Widget(ProgramTest):
             f"TarnoMacWidget-system{family}.png": self.widget("render", "--placeholder", "--family", family.lower(),
                                                               "--scale", 2, "--output", "-")
             for family in ("Small", "Medium", "Large")})
-        self.assertEqual(self.widget("gallery").decode(),
-                         "Tarno\nMac lock status and presence signals.\nkind TarnoMacWidget\n"
-                         "  systemSmall   170 x 170 points\n  systemMedium  364 x 170 points\n"
-                         "  systemLarge   364 x 382 points\n")
+        self.assertIn(b"\n  systemLarge   364 x 382 points\n", self.widget("gallery"))
 
     def test_the_widgets_words_are_in_the_users_language(self):
-        programs, catalogues = self.folder / "bin", self.folder / "share/locale/de/LC_MESSAGES"
-        programs.mkdir()
+        catalogues = self.folder / "share/locale/de/LC_MESSAGES"
         catalogues.mkdir(parents=True)
-        shutil.copy(BIN / "tarno-widget", programs)
-        text = ('msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n'
-                'msgid "Tarno"\nmsgstr "Tarno-Kachel"\n'
-                'msgid "Mac lock status and presence signals."\nmsgstr "Sperre für den Mac"\n')
+        copy = self.folder / "bin/tarno-widget"
+        copy.parent.mkdir()
+        shutil.copy(BIN / "tarno-widget", copy)
+        text = 'msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\nmsgid "Tarno"\nmsgstr "für Sie"\n'
         subprocess.run(["msgfmt", "-o", catalogues / "tarno.mo", "-"], input=text.encode(), check=True)
         # A locale of its own: the system need not have any, and in C.UTF-8 newer C libraries translate nothing.
         subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8", self.folder / "de_DE.UTF-8"], check=True)
         self.environment |= {"LOCPATH": str(self.folder)}
-        german = {"LC_ALL": "de_DE.UTF-8"}
-        messages = {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "de_DE.UTF-8"}
-        theirs, ours = ("Tarno-Kachel", "Sperre für den Mac"), ("Tarno", "Sperrstatus und Anwesenheitssignale Ihres Macs.")
-        copy = programs / "tarno-widget"
-        for program, locale, words in ((copy, german, theirs), ("tarno-widget", german, ours), (copy, messages, theirs)):
-            shown = json.loads(self.run_program(program, "gallery", "--json", **locale).stdout)
-            self.assertEqual((shown["display_name"], shown["description"]), words, locale)
-        answer, _ = self.frame(program=copy, **german)
-        self.assertEqual(answer["title"], "Tarno-Kachel")
+        german, messages = {"LC_ALL": "de_DE.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "de_DE.UTF-8"}
+        for locale in german, messages:
+            answer, _ = self.frame(program=copy, **locale)
+            self.assertEqual(answer["title"], "für Sie", locale)
+        shown = json.loads(self.widget("gallery", "--json", **german))
+        self.assertEqual(shown["description"], "Sperrstatus und Anwesenheitssignale Ihres Macs.")
 
     def test_fonts_tell_when_the_rounded_face_is_missing(self):
         rejecting, bare, other, fonts = (self.folder / name for name in ("fonts.conf", "bare", "other", "fonts"))

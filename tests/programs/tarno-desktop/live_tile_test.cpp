@@ -52,15 +52,12 @@ constexpr auto showStore =
 
 TEST(NextRequest, WaitsForTheReloadDateAndAtLeastFiveSeconds) {
   constexpr tarno::Date now = std::chrono::sys_days{std::chrono::days{20'000}};
-  const struct {
-    const char* what;
-    std::optional<tarno::Date> reloadDate;
-    tarno::Date next;
-  } cases[] = {{"no answer", {}, now + 30s},
-               {"later", now + 31s, now + 31s},
-               {"soon", now + 4999ms, now + 5s},
-               {"past", now - 1h, now + 5s},
-               {"after all dates", tarno::Date::max(), tarno::latestDate}};
+  const std::tuple<const char*, std::optional<tarno::Date>, tarno::Date> cases[] = {
+      {"no answer", {}, now + 30s},
+      {"later", now + 31s, now + 31s},
+      {"soon", now + 4999ms, now + 5s},
+      {"past", now - 1h, now + 5s},
+      {"after all dates", tarno::Date::max(), tarno::latestDate}};
   for (const auto& [what, reloadDate, next] : cases)
     EXPECT_EQ(desktop::nextRequest(now, reloadDate), next) << what;
 }

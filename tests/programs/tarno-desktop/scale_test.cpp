@@ -7,19 +7,14 @@ namespace {
 
 TEST(ScaleTest, IsToldByAnOutputsModeAndItsSizeInPoints) {
   // Compositors cut what is left of a point, round it, or round it up.
-  const std::tuple<Area, Area, double> rows[] = {{{0, 0, 1280, 720}, {0, 0, 1280, 720}, 1},
-                                                 {{0, 0, 1280, 800}, {0, 0, 1024, 640}, 1.25},
-                                                 {{0, 0, 1280, 800}, {0, 0, 853, 533}, 1.5},
-                                                 {{0, 0, 1280, 800}, {0, 0, 854, 534}, 1.5},
-                                                 {{0, 0, 800, 1280}, {0, 0, 533, 853}, 1.5},
-                                                 {{0, 0, 3840, 2160}, {0, 0, 2880, 1620}, 4.0 / 3},
-                                                 {{0, 0, 3840, 2160}, {0, 0, 3051, 1716}, 1.258333},
-                                                 {{0, 0, 640, 480}, {0, 0, 1280, 960}, 0.5},
-                                                 {{0, 0, 40, 800}, {0, 0, 29, 576}, 1.39},
-                                                 {{0, 0, 200, 150}, {0, 0, 159, 119}, 1.26},
-                                                 {{0, 0, 1280, 800}, {0, 0, 1271, 900}, 2080.0 / 2171}};
-  for (const auto& [pixels, points, scale] : rows)
-    EXPECT_NEAR(outputScale(pixels, points), scale, 1e-6) << pixels.width << " shown as " << points.width;
+  const std::tuple<int, int, int, int, double> rows[] = {
+      {1280, 720, 1280, 720, 1},         {1280, 800, 1024, 640, 1.25},         {1280, 800, 853, 533, 1.5},
+      {1280, 800, 854, 534, 1.5},        {800, 1280, 533, 853, 1.5},           {640, 480, 1280, 960, 0.5},
+      {3840, 2160, 2880, 1620, 4.0 / 3}, {3840, 2160, 3051, 1716, 1.258333},   {40, 800, 29, 576, 1.39},
+      {200, 150, 159, 119, 1.26},        {1280, 800, 1271, 900, 2080.0 / 2171}};
+  for (const auto& [width, height, shownWidth, shownHeight, scale] : rows)
+    EXPECT_NEAR(outputScale({0, 0, width, height}, {0, 0, shownWidth, shownHeight}), scale, 1e-6)
+        << shownWidth;
 }
 
 TEST(ScaleTest, MakesSurfacesOfWholePixels) {

@@ -26,14 +26,8 @@ TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
   const auto placed = overlay({1024, 0, 1024, 24}, {0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0});
   auto framed = bar, unplaced = placed;
   framed.isOverlay = unplaced.isOverlay = false;
-  struct Case {
-    const char* name;
-    std::vector<Window> windows;
-    Area workArea;
-    std::vector<Area> monitorWorkAreas;
-    Area first, second;
-  };
-  const std::vector<Case> cases{
+  const std::vector<Area> workAreas{{9, 20, 1000, 700}, {1024, 0, 900, 768}};
+  const std::tuple<const char*, std::vector<Window>, Area, std::vector<Area>, Area, Area> cases[] = {
       {"nothing", {}, screen, {}, first, second},
       {"top of the second", {strut(2, 40, 1024, 2047)}, screen, {}, first, {1024, 40, 1024, 560}},
       {"of one column", {strut(2, 40, 1023, 1024)}, screen, {}, {0, 40, 1024, 728}, {1024, 40, 1024, 560}},
@@ -45,16 +39,10 @@ TEST(FreeArea, IsWhatPanelsLeaveOfTheirMonitor) {
       {"a bar", {bar}, {0, 0, 2048, 740}, {}, {0, 0, 1024, 740}, second},
       {"a bar in the work area", {highBar}, {0, 0, 2048, 740}, {}, first, second},
       {"a window in a frame", {framed}, {0, 0, 2048, 740}, {}, first, second},
-      {"work areas",
-       {},
-       screen,
-       {{9, 20, 1000, 700}, {1024, 0, 900, 768}},
-       {9, 20, 1000, 700},
-       {1024, 0, 900, 600}},
-      {"both", {strut(2, 40, 0, 1023)}, screen, {{0, 20, 1024, 748}}, {0, 40, 1024, 728}, second},
-  };
-  for (const auto& [name, windows, workArea, monitorWorkAreas, ofFirst, ofSecond] : cases) {
-    const Screen state{screen, {}, windows, workArea, monitorWorkAreas, "", {}, false};
+      {"work areas", {}, screen, workAreas, {9, 20, 1000, 700}, {1024, 0, 900, 600}},
+      {"both", {strut(2, 40, 0, 1023)}, screen, {{0, 20, 1024, 748}}, {0, 40, 1024, 728}, second}};
+  for (const auto& [name, windows, workArea, ofMonitors, ofFirst, ofSecond] : cases) {
+    const Screen state{screen, {}, windows, workArea, ofMonitors, "", {}, false};
     EXPECT_EQ(freeArea(first, state), ofFirst) << name;
     EXPECT_EQ(freeArea(second, state), ofSecond) << name;
   }
