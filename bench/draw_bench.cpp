@@ -1,5 +1,5 @@
-// Redrawing a medium tile at scale 2 that has been drawn before: the view, its layout and its painting,
-// against the bare Cairo and Pango calls for the same shapes and texts.
+// Measures how long it takes to draw a medium tile at scale 2 again: the view, its layout and its painting,
+// beside plain Cairo and Pango calls for the same shapes and texts.
 
 #include <benchmark/benchmark.h>
 #include <pango/pangocairo.h>
@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr double scale = 2;
 
-/// A transparent image for a tile of `size` points, whose user space is in points.
+/// Returns a transparent image for a tile of `size` points. Its user space is in points.
 class Canvas {
  public:
   explicit Canvas(ui::Size size)
@@ -46,8 +46,8 @@ class Canvas {
   cairo_t* cairo_;
 };
 
-/// The floor: every path and every layout has been made before and is only drawn. It draws glyphs where Cairo
-/// puts them fastest, on whole pixels. What it holds lives as long as the process.
+/// The floor: it draws paths and layouts that were made before. It puts glyphs on whole pixels, which is the
+/// fastest way in Cairo. Its objects are never released.
 class BareCalls {
  public:
   BareCalls(const ui::Scene& scene, cairo_t* cairo) : cairo_(cairo) {

@@ -1,7 +1,6 @@
-// What loading a status costs, its opening of the store included, against reading the same file and decoding
-// the record with plain calls. Both take turns in one run, so that whatever else the machine does meets both
-// alike. Wanted: a ratio of at most 1.5. And what saving costs against its two syncs, of a file and of its
-// folder.
+// Measures what it costs to open the store and load a status, beside plain calls that read the same file and
+// decode the record. The two take turns in one run, so that other load on the machine affects both alike. The
+// target is a ratio of at most 1.5. Also measures a save, beside its two syncs of a file and of its folder.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -24,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-/// A data directory of our own with one saved status in it.
+/// A temporary data folder that holds one saved status.
 class SavedStatus {
  public:
   SavedStatus() {
@@ -72,7 +71,7 @@ std::string readFile(const std::string& path) {
   return count == found.st_size ? text : std::string{};
 }
 
-/// The floor: no look at the folder or at who owns what, and the parser's own tree.
+/// The floor: it checks neither the folder nor the owners, and uses the parser's own tree.
 bool loadWithPlainCalls(const std::string& file) {
   const auto document = nlohmann::json::parse(readFile(file));
   const auto& record = document.at(TarnoMacDefaults::lastStatus).at("value").get_ref<const std::string&>();
@@ -117,7 +116,7 @@ void loadAgainstPlainCalls(benchmark::State& state) {
 }
 BENCHMARK(loadAgainstPlainCalls)->MinTime(2.0);
 
-/// Replaces `file` the shortest way that survives a power cut.
+/// Replaces `file` in the shortest way that survives a power cut.
 bool replaceWithPlainCalls(const std::string& file, const std::string& folder, const std::string& text) {
   const std::string fresh = file + ".floor";
   const int descriptor = open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);

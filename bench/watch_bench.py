@@ -16,7 +16,7 @@ IDLE = 5
 
 
 def wake_ups(process):
-    """How often it left a wait of its own accord."""
+    """Returns the number of voluntary context switches."""
     with open(f"/proc/{process.pid}/status", encoding="ascii") as status:
         return int(next(line.split()[1] for line in status if line.startswith("voluntary_ctxt_switches")))
 

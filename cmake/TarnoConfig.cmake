@@ -1,4 +1,4 @@
-# Gives Tarno::Shared, a static library, and finds the one library that it needs when a program is linked.
+# Provides Tarno::Shared, a static library, and finds the only library that programs must link with it.
 include(CMakeFindDependencyMacro)
 find_dependency(PkgConfig)
 if(NOT TARGET PkgConfig::UTF8PROC)

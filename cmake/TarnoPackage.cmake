@@ -1,4 +1,4 @@
-# What lets a program outside of this project link Tarno::Shared: find_package(Tarno), and pkg-config's tarno.pc.
+# Installs what other projects need to link Tarno::Shared: files for find_package(Tarno), and tarno.pc for pkg-config.
 include(CMakePackageConfigHelpers)
 
 set(package "${CMAKE_INSTALL_LIBDIR}/cmake/Tarno")
@@ -7,7 +7,7 @@ install(EXPORT Tarno NAMESPACE Tarno:: FILE TarnoTargets.cmake DESTINATION "${pa
 install(FILES cmake/TarnoConfig.cmake "${PROJECT_BINARY_DIR}/TarnoConfigVersion.cmake"
         DESTINATION "${package}" COMPONENT development)
 
-# Both find their files relative to their own place, so that `cmake --install --prefix` can put them anywhere.
+# Both refer to files relative to their own folder, so that they work below any `cmake --install --prefix`.
 file(RELATIVE_PATH prefix_from_pc "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(cmake/tarno.pc.in tarno.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tarno.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

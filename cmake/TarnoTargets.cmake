@@ -1,8 +1,8 @@
-# How every target of the project is made. The only way in is tarno_library(), tarno_program() and tarno_test().
+# Defines how targets are made. Use only tarno_library(), tarno_program() and tarno_test().
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # a companion may be a shared library
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # a shared library may contain ours
 check_pie_supported(LANGUAGES CXX)
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -12,7 +12,7 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
 endif()
 
-# What Debian hardens its packages with (hardening=+all). Some flags exist for some processors only.
+# Debian's hardening flags (hardening=+all). Some exist only for some processors.
 set(TARNO_HARDENING -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 foreach(flag -fcf-protection -mbranch-protection=standard -fstack-clash-protection)
   string(MAKE_C_IDENTIFIER "TARNO_HAS${flag}" has)
@@ -22,18 +22,18 @@ foreach(flag -fcf-protection -mbranch-protection=standard -fstack-clash-protecti
   endif()
 endforeach()
 
-# Compiler settings that hold for all of our own code and for nobody else's. CMAKE_COMPILE_WARNING_AS_ERROR makes errors
-# of warnings: only developers set it, because a newer compiler with new warnings must not keep anybody from building.
+# Compiler settings for this project's code alone. Only developers set CMAKE_COMPILE_WARNING_AS_ERROR, because the new
+# warnings of a newer compiler must not keep anybody from building.
 function(tarno_compile_options target)
   if(PROJECT_IS_TOP_LEVEL)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
                                              -Wold-style-cast -Wcast-qual -Woverloaded-virtual)
-    # Options are structs with a default on every field; naming only some of them is the point.
+    # Options are structs whose fields all have defaults, so that callers name only some of them.
     target_compile_options(${target} PRIVATE -Wno-missing-field-initializers)
     # g++ 12 sees overlaps in std::string's operator+ that cannot be (GCC bug 105651).
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
   endif()
-  # The linker leaves out the sections that nothing refers to.
+  # The linker drops unused sections.
   target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
   if(TARNO_SANITIZE)
     target_compile_definitions(${target} PRIVATE TARNO_SANITIZED)
@@ -48,7 +48,7 @@ function(tarno_compile_options target)
   endif()
 endfunction()
 
-# Gives `target` the include root from which its folder is included as "tarno/<folder>/…".
+# Adds an include root to `target`, so that its folder can be included as "tarno/<folder>/…".
 function(tarno_include_root target)
   get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
   set(root "${PROJECT_BINARY_DIR}/include/${target}")
@@ -59,13 +59,13 @@ endfunction()
 
 # tarno_library(Foundation SOURCES a.cpp … HEADERS a.hpp … PUBLIC libs… PRIVATE libs…): link it as Tarno::Foundation.
 #
-# The target itself is TarnoFoundation, so that it collides with no other in a project that contains this one.
+# The target itself is TarnoFoundation, so that its name is unique in a project that contains this one.
 #
-# Headers are included as "tarno/<folder>/<file>.hpp", where <folder> is the folder that makes the target. A target sees
-# its own folder and those of the targets that it links: the include root of each target holds one link, to its folder,
-# so that an include that the link line does not allow does not build.
+# Headers are included as "tarno/<folder>/<file>.hpp", where <folder> is the folder of the target. A target can include
+# its own folder and those of the targets that it links, and no others: the include root of each target contains a single
+# link, to its folder.
 #
-# A library with HEADERS is installed with them, for programs outside of this project.
+# A library with HEADERS is installed together with them, for other projects.
 function(tarno_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;PUBLIC;PRIVATE" ${ARGN})
   set(target Tarno${name})
@@ -87,15 +87,15 @@ function(tarno_library name)
   endif()
 endfunction()
 
-# tarno_program(tarno-status SOURCES a.cpp … LINK libs…): what people install and run.
+# tarno_program(tarno-status SOURCES a.cpp … LINK libs…): a program that is installed.
 function(tarno_program target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   tarno_include_root(${target})
   target_link_libraries(${target} PRIVATE ${ARG_LINK})
   tarno_compile_options(${target})
-  # A program lives for about 10 ms, a third of which was the dynamic linker's: it gets only libraries that are called,
-  # binds everything in one pass, and has no symbols of the C++ library to look up. A sanitizer needs the shared one.
+  # A program lives for about 10 ms, and the dynamic linker took a third of that. So it loads only libraries that it
+  # calls, binds all symbols at the start, and contains the C++ library. Sanitizers need the shared C++ library.
   target_link_options(${target} PRIVATE -Wl,--as-needed -Wl,-z,now -Wl,--gc-sections)
   if(NOT TARNO_SANITIZE)
     target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
@@ -104,15 +104,15 @@ function(tarno_program target)
   add_dependencies(tarno_programs ${target})
 endfunction()
 
-# tarno_test(model_test SOURCES a.cpp … LINK libs… ENVIRONMENT NAME=value…): a GoogleTest program, every test of which
-# ctest knows by name.
+# tarno_test(model_test SOURCES a.cpp … LINK libs… ENVIRONMENT NAME=value…): a GoogleTest program. ctest lists each of its
+# tests.
 function(tarno_test target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINK} GTest::gtest_main)
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   tarno_compile_options(${target})
-  # An expectation under an if is an if-else inside the macro.
+  # The macros of GoogleTest contain an if-else.
   target_compile_options(${target} PRIVATE -Wno-dangling-else)
   gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
 endfunction()

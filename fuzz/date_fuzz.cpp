@@ -1,4 +1,4 @@
-// Any text is a date or none; a date that was read is the same when it is written and read again.
+// Reads any text as a date. If it is one, it must be the same after it was written and read again.
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Any answer of a frame process, about any memory, is a picture that can be read or is refused.
+// Reads any answer of a frame process, with any memory: every picture that is not refused can be read.
 
 #include <fcntl.h>
 #include <unistd.h>

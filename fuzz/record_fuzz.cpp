@@ -1,4 +1,4 @@
-// Any bytes decode to a record or are refused; what decodes survives being written and read again.
+// Decodes any bytes as a record. If they are one, it must be the same after it was written and read again.
 
 #include <cstdint>
 #include <cstdlib>

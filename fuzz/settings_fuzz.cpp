@@ -1,4 +1,4 @@
-// Any settings file is read or refused with one line.
+// Reads any settings file: it is used, or refused with a message of one line.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The settings file of this process's own, in a folder that goes with it.
+/// The settings file of this process, in a temporary folder.
 class SettingsFile {
  public:
   SettingsFile() {
@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (failure.exitCode() != EX_CONFIG) std::abort();
     return 0;
   }
-  if (options.listMonitors || options.autostart) std::abort();  // options of the command line only
+  if (options.listMonitors || options.autostart) std::abort();  // these are options of the command line only
   const auto& [top, right, bottom, left] = options.margin;
   if (std::min({top, right, bottom, left}) < 0 ||
       (options.scale && !(*options.scale >= 0.25 && *options.scale <= 16)))

@@ -1,5 +1,4 @@
-// Whatever the file of the store holds, it can be loaded, and the next save heals it and loses nothing of a
-// damaged one.
+// Loads any file as the store. The next save must repair it, and keep the bytes of a damaged file.
 
 #include <cstdint>
 #include <cstdlib>
@@ -14,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A store of this process's own, in a folder that goes with it.
+/// A store of this process, in a temporary folder.
 class Store {
  public:
   Store() {
@@ -34,7 +33,7 @@ class Store {
     fs::permissions(file_, fs::perms::owner_read | fs::perms::owner_write);
   }
 
-  /// Whether the bytes still lie in the folder, under another name.
+  /// Returns whether the folder has a file of another name with these bytes.
   bool hasSetAside(std::string_view bytes) const {
     for (const auto& entry : fs::directory_iterator{file_.parent_path()}) {
       std::ifstream stream{entry.path(), std::ios::binary};

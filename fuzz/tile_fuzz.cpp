@@ -1,4 +1,4 @@
-// Any texts lay out inside the tile and draw.
+// Lays out and draws tiles with any texts: everything stays inside the tile.
 
 #include <algorithm>
 #include <cstdint>

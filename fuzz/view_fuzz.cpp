@@ -1,4 +1,4 @@
-// Views of any shape with any numbers and texts lay out to finite geometry, and draw.
+// Lays out and draws views of any structure, with any numbers and texts: all coordinates are finite.
 
 #include <algorithm>
 #include <array>
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Reads the bytes of a test case; zeros behind their end.
+/// Reads the bytes of a test case, followed by zeros.
 class Bytes {
  public:
   Bytes(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
@@ -121,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       {static_cast<double>(bytes.take<std::uint16_t>() % 400), 170}, number(bytes), number(bytes)};
   const auto scene = layout(view(bytes, 8), container, text);
   const auto copy = scene;
-  if (!(copy == scene)) std::abort();  // a NaN somewhere
+  if (!(copy == scene)) std::abort();  // a NaN is unequal to itself
   for (const auto& item : scene.items) {
     if (const auto* fill = std::get_if<ui::FillPath>(&item)) requireFinite(bounds(fill->path));
     if (const auto* stroke = std::get_if<ui::StrokePath>(&item)) requireFinite(bounds(stroke->path));

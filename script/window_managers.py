@@ -1,4 +1,4 @@
-"""The window managers of X11 on which the tile is tried."""
+"""The X11 window managers on which the tile is tried."""
 import typing
 
 AWESOME = """
@@ -18,10 +18,10 @@ FLUXBOX_KEYS = "OnDesktop Mouse3 :RootMenu\nF12 :ShowDesktop\n"
 
 class WindowManager(typing.NamedTuple):
     argv: tuple = ()
-    files: dict = {}  # its configuration: {path in its home: text}
-    plain: tuple | None = ()  # options without a compositor; None where it always composes
-    composing: tuple | None = None  # options for its own compositor; None where it has none
-    has_root_menu: bool = False  # behind the right button
+    files: dict = {}  # configuration files: {path in the home directory: text}
+    plain: tuple | None = ()  # options without a compositor; None if it always composes
+    composing: tuple | None = None  # options for its own compositor; None if it has none
+    has_root_menu: bool = False  # opens with the right button
     shows_desktop: bool = True
 
 
@@ -34,7 +34,7 @@ WINDOW_MANAGERS = {
     "icewm": WindowManager(("icewm",), has_root_menu=True),
     "metacity": WindowManager(("metacity", "--sm-disable"), plain=("--no-composite",), composing=("--composite",)),
     "mutter": WindowManager(("mutter", "--x11", "--sm-disable"), plain=None, composing=()),
-    XWAYLAND: WindowManager(plain=None, composing=()),  # started as a Wayland compositor
+    XWAYLAND: WindowManager(plain=None, composing=()),  # runs as a Wayland compositor
     "kwin_x11": WindowManager(("kwin_x11",), plain=("KWIN_COMPOSE=N",), composing=()),
     "i3": WindowManager(("i3",), shows_desktop=False, files={
         ".config/i3/config": "# i3 config file (v4)\nfont pango:monospace 8\n"}),

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the completions of a program for bash, zsh and fish, from what its --help says.
+"""Generates the completions of a program for bash, zsh and fish from its --help.
 
 usage: completions.py PROGRAM FOLDER
 """
@@ -9,7 +9,7 @@ import shlex
 import subprocess
 import sys
 
-# Words that no --help lists by themselves, and how each shell completes a path.
+# Values that --help does not list, and how each shell completes a path.
 WORDS = {"--format": ["json", "waybar"]}
 BASH = {"FILE": "compopt -o default", "FOLDER": "compopt -o dirnames"}
 ZSH = {"FILE": "_files", "FOLDER": "_files -/"}
@@ -26,7 +26,7 @@ def commands(program):
     for name in names:
         shown = subprocess.run([program, *name.split(), "--help"], capture_output=True, text=True, check=True).stdout
         options, subcommands, positional, section = [], [], ("", []), ""
-        # A long name has its text on the next line.
+        # The text of a long name is on the next line.
         for line in re.sub(r"(?m)^(  -.*)\n {20,}", r"\1  ", shown).splitlines():
             section = line if re.match(r"\S.*:$", line) else section
             if entry := re.match(r"  (\S+)(.*)", line):
@@ -89,7 +89,7 @@ def zsh(program, found):
 def fish(program, found):
     lines = [f"complete -c {program} -f"]
     for name, (options, subcommands, (positional, values)) in found.items():
-        # fish takes the argument of an option for a subcommand: where there is none, nothing is asked.
+        # fish takes the argument of an option for a subcommand, so a program without subcommands has no condition.
         seen = f"__fish_seen_subcommand_from {name}" if name else "__fish_use_subcommand" if subcommands else "true"
         when = f"complete -c {program} -n '{seen}'"
         lines += [f"{when} -a {word} -d {shlex.quote(text)}" for word, text in subcommands]

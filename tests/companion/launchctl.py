@@ -1,4 +1,4 @@
-"""Stands in for the Mac's launchctl, for one agent: bootstrap gui/UID PLIST, print and bootout gui/UID/LABEL."""
+"""Takes the place of the Mac's launchctl for one agent: bootstrap gui/UID PLIST, print and bootout gui/UID/LABEL."""
 
 import contextlib
 import os
@@ -25,7 +25,7 @@ elif name != target:
 elif command == "print":
     print(f"{name} = {{\n\tstate = {'running' if int(pid) in processes(int(pid)) else 'spawn scheduled'}\n}}")
 elif command == "bootout":
-    while int(pid) in processes(int(pid)):  # only the agent itself is told to end
+    while int(pid) in processes(int(pid)):  # the signal goes to the agent alone
         with contextlib.suppress(ProcessLookupError):
             os.kill(int(pid), 15)
         time.sleep(0.1)

@@ -1,4 +1,4 @@
-"""What the tests of the reporter run on: a Mac, whose commands are stand-ins, and a desk with a real sshd."""
+"""The two machines of the reporter's tests: a Mac with stand-ins for its commands, and a desk with a real sshd."""
 
 import contextlib
 import os
@@ -15,7 +15,7 @@ from program_test_case import BIN, ProgramTest
 REPORTER = Path(__file__).resolve().parents[2] / "companion/mac/tarno-report"
 SSHD = shutil.which("sshd", path=os.environ["PATH"] + ":/usr/sbin")
 
-# What `ioreg -n Root -d1` prints. The words to look for also stand where they mean something else, here and below.
+# The output of `ioreg -n Root -d1`. The keys to look for also appear where they mean something else, here and below.
 ROOT = """+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>
     {
       "IOKitBuildVersion" = "Darwin Kernel Version 23.1.0: root:xnu-10002.41.9~6/RELEASE_ARM64_T6000"
@@ -27,7 +27,7 @@ ROOT = """+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>
 """
 SESSION = ('{{"kCGSSessionOnConsoleKey"={},"kSCSecuritySessionID"=100007,"kCGSSessionUserNameKey"="kivo"{},'
            '"kCGSessionLongUserNameKey"="Kivo, the first","kCGSSessionIDKey"=257,"kCGSSessionUserIDKey"=501}}')
-# What `ioreg -c IOHIDSystem` prints.
+# The output of `ioreg -c IOHIDSystem`.
 HID = "+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>\n" + """\
   | +-o AppleARMPE  <class AppleARMPE, id 0x100000246, registered, matched, active, busy 0 (35 ms), retain 42>
 """ * 2000 + """  | +-o IOHIDSystem  <class IOHIDSystem, id 0x1000004a2, registered, matched, active, busy 0 (0 ms), retain 22>
@@ -40,15 +40,15 @@ STAND_INS = {
     "ioreg": 'case "$*" in "-n Root -d1") cat "$MAC/now/root";; "-c IOHIDSystem") cat "$MAC/now/hid";; *) exit 64;; esac',
     "scutil": '[ "$*" = "--get ComputerName" ] && cat "$MAC/now/name"',
     "launchctl": f'exec {sys.executable} -B {Path(__file__).parent}/launchctl.py "$@"',
-    "sleep": '[ "$1" != 1 ] || set 5; exec /bin/sleep "0.$1"',  # the Mac's seconds are short
+    "sleep": '[ "$1" != 1 ] || set 5; exec /bin/sleep "0.$1"',  # each second takes a tenth
     "scp": f'[ "$1" = desk:/usr/share/tarno/tarno-report ] && cp "{REPORTER}" "$2"',
-    # The person at the keyboard knows a password. In batch mode, nobody does.
+    # Outside of batch mode, somebody types the password: a key takes its place.
     "ssh": 'case $* in *BatchMode*) ;; *) set -- -i "$MAC/person" "$@";; esac; exec /usr/bin/ssh -F "$MAC/config" "$@"',
 }
 
 
 def processes(of_session=None, of_parent=None):
-    """The ids of those that run, without those that have ended."""
+    """Yields the ids of the running processes of a session or a parent."""
     for stat in Path("/proc").glob("[0-9]*/stat"):
         try:
             state, parent, _, session = stat.read_text().rpartition(")")[2].split()[:4]
@@ -68,7 +68,7 @@ class MacTest(ProgramTest):
         self.set()
 
     def set(self, console="No", screen="", idle=0.5, name="Kivo's Mac", more=""):
-        """What the Mac's commands say from now on. `screen` is part of a session, and `more` follows it."""
+        """Sets what the Mac's commands print from now on. `screen` is part of a session, and `more` follows it."""
         now = Path(tempfile.mkdtemp(dir=self.mac))
         root = f'      "IOConsoleUsers" = ({SESSION.format("Yes", screen)}{more})\n' if console else ""
         root += f'      "IOConsoleLocked" = {console}\n' if console else ""
@@ -82,7 +82,7 @@ class MacTest(ProgramTest):
         return len((self.mac / f"{name} calls").read_text())
 
     def reporter(self, *words, code=0):
-        """What it prints, on standard error for a `code`. Without a terminal, so that ssh asks nothing."""
+        """Runs the reporter without a terminal, so that ssh asks nothing. Returns its output, or its errors for a `code`."""
         done = self.call("sh", REPORTER, *words, start_new_session=True)
         self.assertEqual(done.returncode, code, (words, done.stdout, done.stderr))
         return (done.stderr if code else done.stdout).decode()
@@ -94,7 +94,7 @@ class DeskTest(MacTest):
         if not SSHD:
             self.skipTest("sshd is not installed")
         if os.geteuid() == 0:
-            with contextlib.suppress(FileExistsError):  # its service makes it, too
+            with contextlib.suppress(FileExistsError):  # the service of sshd makes it, too
                 os.mkdir("/run/sshd", 0o755)
                 self.addCleanup(os.rmdir, "/run/sshd")
         self.port = self.free_port()
@@ -102,10 +102,10 @@ class DeskTest(MacTest):
             subprocess.run(["ssh-keygen", "-q", "-t", "ecdsa", "-N", "", "-f", self.mac / key], check=True)
         self.desk = self.folder / "desk"
         self.keys, self.known_hosts = self.desk / ".ssh/authorized_keys", self.home / ".ssh/known_hosts"
-        for file, text in ((self.keys, "# mine\n" + (self.mac / "person.pub").read_text().strip()),  # the line does not end
+        for file, text in ((self.keys, "# mine\n" + (self.mac / "person.pub").read_text().strip()),  # without a line break at the end
                            (self.known_hosts, f"[127.0.0.1]:{self.port} " + (self.mac / "host_key.pub").read_text()),
                            (self.mac / "config", f"Host desk\nHostName 127.0.0.1\nPort {self.port}\nIdentitiesOnly yes\n"
-                            # What a person may have configured, and what must not hold for the reports.
+                            # Settings that people may have, and that must not apply to the reports.
                             f"ControlMaster auto\nControlPath {self.mac}/control\nRemoteCommand false\n"
                             f"LocalForward {self.port} desk:1\nExitOnForwardFailure yes\nRequestTTY force\n"
                             f'User {pwd.getpwuid(os.geteuid()).pw_name}\nUserKnownHostsFile "{self.known_hosts}"\n')):
@@ -123,7 +123,7 @@ class DeskTest(MacTest):
         self.assertIn(b"listening", self.sshd.stderr.readline())
 
     def stop(self, sshd):
-        """With its connections, which have sessions of their own."""
+        """Kills sshd and the processes of its connections, which have sessions of their own."""
         ending = [sshd.pid] if sshd.poll() is None else []
         for process in ending:
             ending += processes(of_parent=process)

@@ -1,4 +1,4 @@
-"""The Mac's reporter: what it prints, and the road to a desk."""
+"""The reporter for the Mac: what it prints, and how its reports reach a desk."""
 
 import json
 import os
@@ -37,7 +37,7 @@ class Reports(MacTest):
                 record = json.loads(lines.readline())
             self.assertEqual([record["device_name"], record.get("input_idle_seconds")], [name, said["idle"]])
             self.assertEqual([record[key] for key in ("event", "status", "reason")], [event, status, reason])
-        self.assertGreater(self.calls("ioreg"), 2 * 20)  # between a report and one that is unchanged
+        self.assertGreater(self.calls("ioreg"), 2 * 20)  # it looks every 2 s between two unchanged reports
         self.set(idle=11.99)
         self.assertIn(b'"input_idle_seconds": 11.9}', lines.readline())
 
@@ -50,7 +50,7 @@ class Reports(MacTest):
                 if not shutil.which(shell.split()[0]):
                     continue
                 self.set(name=NAME)
-                # Python ignores SIGPIPE; every run but the first does, too.
+                # Python ignores SIGPIPE. So does every run but the first.
                 process = self.report(*shell.split(), stderr=subprocess.PIPE, restore_signals=expected is None)
                 line = process.stdout.readline().decode()
                 self.assertEqual(self.run_program("tarno-status", "save", stdin=line).stderr, b"")
@@ -74,9 +74,9 @@ class Reports(MacTest):
         self.assertIn("'ioreg' is missing", self.reporter(code=69))
 
 
-class Road(DeskTest):
+class FromMacToDesk(DeskTest):
     def homes(self):
-        """Every file of both homes but for the one that each report changes."""
+        """Returns all files of both homes, apart from the one that each report changes."""
         return {path: path.is_file() and (path.read_bytes(), path.lstat().st_mode) for home in (self.home, self.desk)
                 for path in home.rglob("*") if path.name != "last"}
 
@@ -121,7 +121,7 @@ class Road(DeskTest):
             self.stop(self.sshd)
             tried, looked = self.calls("ssh"), self.calls("ioreg")
             self.wait_for(lambda: self.calls("ssh") > tried)
-            self.assertLess(self.calls("ioreg") - looked, 2 * 6)  # before the next report
+            self.assertLess(self.calls("ioreg") - looked, 2 * 6)  # it ends before the next report
             self.wait_for(lambda: self.calls("ssh") > tried + 2)
             self.set(console)
             self.start_sshd()
@@ -130,15 +130,15 @@ class Road(DeskTest):
             self.wait_for_report("status", state)
             self.log.write_text("old\n" * 999 + self.log.read_text())
         self.assertEqual(len(self.log.read_text().splitlines()), 999 + 200)
-        (self.log.parent / "tarno-report").write_text("#!/bin/false\n")  # an older one
+        (self.log.parent / "tarno-report").write_text("#!/bin/false\n")  # an older version
         agent = self.agent()
         self.assertEqual(self.reporter("install", "desk"), TAKEN)
         self.assertNotEqual(self.agent(), agent)
         os.kill(self.agent(), signal.SIGKILL)
-        self.wait_for(lambda: not list(processes(of_session=self.agent())))  # what it had started ends by itself
+        self.wait_for(lambda: not list(processes(of_session=self.agent())))  # its child processes end by themselves
         self.reporter("status", code=69)
         self.stop(self.sshd)
-        self.assertIn(self.keys.read_text().split()[4], self.reporter("uninstall", code=69))  # what is left on the desk
+        self.assertIn(self.keys.read_text().split()[4], self.reporter("uninstall", code=69))  # the key that stays on the desk
         self.assertEqual(list(self.home.iterdir()), [self.home / ".ssh"])
 
     def test_what_fails_is_said_and_undone(self):

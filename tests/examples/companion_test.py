@@ -1,4 +1,4 @@
-"""examples/companion, built as docs/companion.md says: outside of the tree, on an installed library and on a copy."""
+"""Builds examples/companion as docs/companion.md says: outside of the tree, with an installed library and with a copy."""
 
 import re
 import shutil
@@ -8,7 +8,7 @@ from program_test_case import BIN, ProgramTest
 
 TREE = PAGE.parents[1]
 EXAMPLE = TREE / "examples/companion"
-TAKEN = "Foundation Shared Render Desktop programs tests shared_test"  # by the project around a copy
+TAKEN = "Foundation Shared Render Desktop programs tests shared_test"  # target names that the project around a copy uses itself
 
 
 class CompanionExample(ProgramTest):
@@ -36,7 +36,7 @@ class CompanionExample(ProgramTest):
         prefix = self.install()
         symbols = self.call("nm", "--defined-only", "--extern-only", "--format=just-symbols",
                             *prefix.rglob("*.a")).stdout.decode()
-        self.assertNotRegex(symbols, r"(?m)^(?!_Z)\w+$")  # a name in C
+        self.assertNotRegex(symbols, r"(?m)^(?!_Z)\w+$")  # a C name
         self.assertNotRegex(symbols, r"(?m)^_Z(eq|ne|ss|ls)")  # an operator
         names = re.findall(r"(?m)^_Z(?:T[ISV]|GV|Z)*N?[KRO]*(\d+)(\w+)", symbols)
         others = {name[:int(length)] for length, name in names if not name.lower().startswith("tarno")}

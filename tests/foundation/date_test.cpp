@@ -61,7 +61,7 @@ TEST(ISO8601, AgreesWithTheReaderOfTheCLibrary) {
     std::tm fields{};
     const bool isRead = strptime(text.data(), "%Y-%m-%dT%H:%M:%SZ", &fields) != nullptr;
     const auto day = fields.tm_mday, second = fields.tm_sec;
-    const Date date{seconds{timegm(&fields)}};  // carries what a month or a minute is too short for
+    const Date date{seconds{timegm(&fields)}};  // normalizes days and seconds that are out of range
     const bool isDate = isRead && fields.tm_mday == day && fields.tm_sec == second;
     EXPECT_EQ(dateFromRFC3339(text.data()), isDate ? std::optional{date} : std::nullopt) << text.data();
   }

@@ -81,7 +81,7 @@ TEST(JSON, KeepsItsDecimalPointInEveryLocale) {
   const TemporaryStore temporary;
   const auto folder = temporary.folder().string();
   std::ofstream{folder + "/source"} << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3\n"
-                                       "END LC_NUMERIC\n";  // Debian installs no such locale by default
+                                       "END LC_NUMERIC\n";  // such a locale is not installed by default
   const auto command = "localedef -c --no-archive -i " + folder + "/source " + folder + "/comma 2>/dev/null";
   ASSERT_NE(std::system(command.c_str()), -1);
   setenv("LOCPATH", folder.c_str(), 1);
@@ -90,7 +90,7 @@ TEST(JSON, KeepsItsDecimalPointInEveryLocale) {
   EXPECT_EQ(decoder.decode<double>("2.5"), 2.5);
   EXPECT_STREQ(errorOf<std::int64_t>("2.5")->what(), "2.5 is not a whole number of 64 bits");
   EXPECT_EQ(encoder.encode(1234567.5), "1234567.5");
-  EXPECT_STREQ(std::localeconv()->decimal_point, ",");  // there is such a locale, and it is as before
+  EXPECT_STREQ(std::localeconv()->decimal_point, ",");  // the locale exists, and the coder did not change it
   std::setlocale(LC_ALL, "C");
 }
 

@@ -37,7 +37,7 @@ std::optional<SuiteError> errorOf(const std::function<void()>& work) try {
   return error;
 }
 
-/// The sentence with which `work` fails; empty when it does not.
+/// Returns the message with which `work` fails, or an empty text.
 std::string failureOf(const std::function<void()>& work) {
   const auto error = errorOf(work);
   return error ? error->what() : "";
@@ -46,7 +46,7 @@ std::string failureOf(const std::function<void()>& work) {
 std::string readBytes(const fs::path& at) { return (std::stringstream{} << std::ifstream{at}.rdbuf()).str(); }
 void writeBytes(const fs::path& path, std::string_view bytes) { std::ofstream{path} << bytes; }
 
-/// An exception ends the process.
+/// Runs `work` in a child process, which an exception ends.
 pid_t startProcess(const std::function<void()>& work) noexcept {
   const pid_t child = fork();
   if (child == 0) work(), _exit(0);
@@ -62,7 +62,7 @@ class SuiteStoreTest : public testing::Test {
     EXPECT_EQ(load("key"), value);
     EXPECT_EQ(load("twin"), value);
   }
-  /// Starts over and calls `test` with 0, 1, 2 … until it answers that a save makes no call of that number.
+  /// Calls `test` with 0, 1, 2 … on a new store each time, until it returns that a save makes fewer calls.
   void forEachCall(const std::function<bool(int number)>& test) const {
     int number = 0;
     for (bool isMade = true; isMade && number < 100; ++number) {
@@ -72,14 +72,14 @@ class SuiteStoreTest : public testing::Test {
     }
     EXPECT_TRUE(12 < number && number < 100) << number;
   }
-  /// Saves 2 while `event` comes before a call: how the save failed, and whether it came to the call.
+  /// Saves 2, and runs `event` before a call. Returns how the save failed, and whether the call was reached.
   static std::pair<std::string, bool> saveDuring(int call, const std::function<int()>& event) {
     system_calls::intercept(call, event);
     auto failure = failureOf([] { saveTwins(2); });
     return {std::move(failure), system_calls::wasReached()};
   }
 
-  /// The same in a process that is killed before the call.
+  /// Saves 2 in a process that is killed before a call. Returns the same.
   static std::pair<std::string, bool> saveUntilKilled(int call) {
     int status = 0;
     waitpid(startProcess([=] { saveDuring(call, [] { return raise(SIGKILL); }); }), &status, 0);
@@ -134,7 +134,7 @@ TEST_F(SuiteStoreTest, AChildOfAProgramThatSavesHoldsUpNobodyAndAProgramThatItSt
 
 TEST_F(SuiteStoreTest, AFailureTellsAnObstacleFromAnErrorOfTheSystem) {
   const auto kind = [](int error) {
-    system_calls::intercept(2, [error] { return error; });  // where the folder is locked
+    system_calls::intercept(2, [error] { return error; });  // the call that locks the folder
     return errorOf([] { saveTwins(3); }).value().kind();
   };
   for (const int error : {EROFS, EACCES, EPERM, EISDIR})
@@ -218,7 +218,7 @@ TEST_F(SuiteStoreTest, AReaderBesideFourSaversSeesWholeSavesAndNoSaveIsLost) {
     savers[name] = startProcess([&] {
       for (double number = 1; number <= 30; ++number) {
         const auto save = [&] { saveToSuite(suite, {{"key", number}, {"twin", number}, {name, number}}); };
-        // A saver may be refused: three others can keep the lock for longer than a save waits.
+        // Three other savers can hold the lock for longer than a save waits.
         while (const auto error = errorOf(save))
           if (error->kind() != SuiteError::Kind::busy) throw *error;
       }
@@ -255,7 +255,7 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
         EXPECT_TRUE(isNew || readBytes(file) == before);
         saveTwins(3);
         expectTwins(3.0);
-        const auto more = countFiles() - files;  // a killed saver may leave one name more of a damaged file
+        const auto more = countFiles() - files;  // a killed saver may leave a second name of a damaged file
         EXPECT_TRUE(more == 0 || (more == 1 && isKilled && before == "damaged")) << more;
         EXPECT_FALSE(fs::exists(moved));
         return isReached;
@@ -269,7 +269,7 @@ TEST_F(SuiteStoreTest, AFolderThatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
       {[&] { fs::create_directory_symlink(moved, directory); }, false}};
   for (const auto& row : rows)
     forEachCall([&](int number) {
-      bool isOver = false;  // the last check was made, only the unlocking is left
+      bool isOver = false;  // the last check was made, and only unlocking is left
       const auto [failure, isReached] = saveDuring(number, [&] {
         isOver = system_calls::made.ends_with("lstat flock ");
         fs::rename(directory, moved);

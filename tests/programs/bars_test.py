@@ -1,4 +1,4 @@
-"""Bars with the configuration of docs/companion.md, on desktops without a screen: each shows what was saved."""
+"""Bars with the configuration of docs/companion.md show what was saved, on desktops without a screen."""
 
 import datetime
 import re
@@ -20,7 +20,7 @@ class Bars(DesktopTest):
         self.rig.save(RECORD % status, moment.isoformat())
 
     def test_waybar(self):
-        self.rig.session_bus()  # newer ones do not start without
+        self.rig.session_bus()  # newer versions do not start without it
         self.rig.sway()
         css = block("css", "waybar")
         colours = dict(re.findall(r"#custom-tarno\.?(\w*) \{.*background: #(\w+);", css))
@@ -29,14 +29,14 @@ class Bars(DesktopTest):
         self.rig.start("waybar", "-c", config, "-s", self.rig.write("style.css", css))
 
         def shown():
-            """The words whose colour fills a part of the bar."""
+            """Returns the states whose colour fills a part of the bar."""
             header, pixels = self.rig.run("grim", "-t", "ppm", "-g", "0,0 1280x20", "-").split(b"\n255\n", 1)
             self.assertTrue(header.startswith(b"P6"), header)
             filled = [bytes(pixels[i:i + 3]) for i in range(0, len(pixels), 3)]
             return [word for word, colour in colours.items() if filled.count(bytes.fromhex(colour)) > 300]
 
         for status, age, *words in ((None, 0, ""), ("locked", 0, "locked"), ("unlocked", 0, "unlocked"), ("locked", 151, ""),
-                                    ("locked", 140, "locked", "")):  # which turns stale
+                                    ("locked", 140, "locked", "")):  # it turns stale
             if status:
                 self.save(status, age)
             for word in words:
@@ -52,7 +52,7 @@ class Bars(DesktopTest):
                                lambda screen: 0x204060 in {screen.pixel(x, 9) for x in range(0, 1280, 99)})
 
     def shows_each_status(self, command, config, is_there):
-        """A bar of text: another for each status, and the same for the same status."""
+        """Expects that the bar looks different for each status, and the same for the same status."""
         self.rig.x11()
         screen = Screen(self.rig)
         self.rig.start(*command, self.rig.write("config", config))

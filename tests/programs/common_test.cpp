@@ -26,9 +26,10 @@ TEST(Program, TextForATerminalCannotSteerIt) {
       {"\u0080\u009b31m\u009f\u00a0", "??31m?\u00a0"},
       {"\u2027\u2028\u202a\u202e\u202f", "\u2027???\u202f"},
       {"\u2065\u2066\u2069\u206a", "\u2065??\u206a"},
-      {"\x80 \xc2 \xc3\xc3\xa9 \xe2\x82", "? ? ?é ??"},                     // a character that is cut short
-      {"\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "?? ??? ????"},            // longer than it need be
-      {"\xed\xa0\x80 \xf4\x90\x80\x80 \xf9\x90\x80\x80", "??? ???? ????"},  // no character
+      {"\x80 \xc2 \xc3\xc3\xa9 \xe2\x82", "? ? ?é ??"},           // incomplete characters
+      {"\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "?? ??? ????"},  // overlong forms
+      {"\xed\xa0\x80 \xf4\x90\x80\x80 \xf9\x90\x80\x80",
+       "??? ???? ????"},  // surrogates, and numbers that are too large
       {"\u0800\U00010000\ud7ff\ue000\U0010ffff", "\u0800\U00010000\ud7ff\ue000\U0010ffff"}};
   for (const auto& [text, safe] : cases) EXPECT_EQ(program::printable(text), safe);
   EXPECT_EQ(program::printableLines("a\tb\n\n\xffz\n"), "a?b\n\n?z\n");
@@ -41,7 +42,7 @@ TEST(Program, ErrorLinesAreWholeOrLoseTheirMiddle) {
             "<" + std::string(694, 'x') + " … " + std::string(299, 'x') + ">");
   std::string letters;
   while (letters.size() < 2000) letters += "é";
-  EXPECT_EQ(program::errorLine(letters + "."),  // no letter is cut
+  EXPECT_EQ(program::errorLine(letters + "."),  // no character is split
             letters.substr(0, 694) + " … " + letters.substr(0, 298) + ".");
 }
 
@@ -92,7 +93,7 @@ TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {
   program::writeFile(at("file"), "ours");
   EXPECT_EQ(fs::status(at("file")).permissions(), fs::perms{0757});
   fs::create_symlink("loop", at("loop"));
-  if (geteuid() == 0) {  // else nothing here can belong to another user
+  if (geteuid() == 0) {  // only root can give a file to another user
     fs::create_symlink("../inner", at("inner/link"));
     fs::permissions(at("inner"), fs::perms{01755});
     ASSERT_EQ(lchown(at("inner/link").c_str(), 12345, 0), 0);

@@ -1,4 +1,4 @@
-"""The commands of docs/companion.md, run as they stand there. Those of other chapters are in tests/companion, tests/examples."""
+"""Runs the commands of docs/companion.md as they stand there. tests/companion and tests/examples run the others."""
 
 import json
 import re
@@ -11,7 +11,7 @@ from program_test_case import RECORD, ProgramTest
 STUBS = {
     "ssh": '[ "$1" = desk ] && shift && exec "$@"',
     "mac-status": "echo unlocked",
-    # The desk is this machine.
+    # This machine is the desk.
     "mosquitto_pub": 'for word; do shift; [ "$word" = desk ] && word=localhost; set -- "$@" "$word"; done\n'
                      "exec /usr/bin/mosquitto_pub \"$@\"",
     "sudo": 'case $1 in chown | systemctl) ;; *) exec "$@" ;; esac',
@@ -85,7 +85,7 @@ class Companion(ProgramTest):
         with socket.socket() as client:
             self.wait_for(lambda: client.connect_ex(("127.0.0.1", port)) == 0)
         self.start_block(subscribe)
-        # Until the subscriber is there.
+        # The subscriber may need a while.
         self.wait_for(lambda: self.run_block(publish) or self.status() == ("unlocked", "Touch ID"))
         anybody = self.call("/usr/bin/mosquitto_pub", "-p", port, "-t", "mac/status", "-m", "{}",
                             environment={"XDG_CONFIG_HOME": "/nonexistent"})

@@ -20,7 +20,7 @@ namespace {
 
 using extension::FileAccess;
 
-/// Whether an attempt succeeds in a process of its own that is confined.
+/// Returns whether `attempt` succeeds in a confined child process.
 bool succeeds(FileAccess access, const std::function<bool()>& attempt) {
   const pid_t child = fork();
   if (child == 0) {

@@ -1,4 +1,4 @@
-"""tarno-status save --follow: records that keep coming."""
+"""tarno-status save --follow: it saves the records that it reads."""
 
 import fcntl
 import json
@@ -14,8 +14,8 @@ FOLLOW = ("tarno-status", "save", "--follow")
 
 class Follow(ProgramTest):
     def follow(self, text, *arguments):
-        """Its exit code and the lines on standard error, without the program's name."""
-        (self.folder / "reports").write_text(text, encoding="utf-8")  # a file, so that all of it waits at once
+        """Returns the exit status and the lines on standard error, without the program's name."""
+        (self.folder / "reports").write_text(text, encoding="utf-8")  # in a file, so that all of it can be read at once
         done = self.call("sh", "-c", 'exec "$@" < reports', "sh", *FOLLOW, "--at", MOMENT, *arguments)
         self.assertEqual(done.stdout, b"")
         self.assertRegex(done.stderr.decode(), r"\A(tarno-status: [^\n]+\n)*\Z")
@@ -53,11 +53,11 @@ class Follow(ProgramTest):
             self.wait_for(lambda: self.saved() == "locking")
         age = self.shown(time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(before)))["age_seconds"]
         self.assertLessEqual(age, 1)
-        for number in range(2000):  # nobody reads the complaints; the reports still count
+        for number in range(2000):  # nobody reads the errors
             follower.stdin.write(b"[" * 100 + b"\n")
         follower.stdin.write(b'{"status": "unlocked"}\n')
         self.wait_for(lambda: self.saved() == "unlocked")
-        follower.stderr.close()  # nor is there anybody
+        follower.stderr.close()  # nobody can read the errors
         follower.stdin.write(b'nonsense\n{"status": "locked"}\n')
         self.wait_for(lambda: self.saved() == "locked")
         follower.stdin.close()
@@ -93,7 +93,7 @@ class Follow(ProgramTest):
         fcntl.flock(lock, fcntl.LOCK_EX)
         code, said = self.follow('{"status": "unlocked"}\n[]\n')
         os.close(lock)
-        self.assertEqual(code, 65)  # the first that fails is the line that is read
+        self.assertEqual(code, 65)  # the first error is that of reading
         self.assertRegex("\n".join(said), r"\Aline 2: [^\n]+\nline 1: nothing was saved: [^\n]+\Z")
         self.group.chmod(0o777)
         code, said = self.follow('{}\n')

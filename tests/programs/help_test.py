@@ -1,4 +1,4 @@
-"""What --help says, compared with the man pages and with what shells complete."""
+"""Compares --help with the man pages and with the completions of shells."""
 
 import re
 import subprocess
@@ -17,13 +17,13 @@ def output(*command):
 
 
 def completed(line):
-    """What bash completes a line to."""
+    """Returns the words that bash offers at the end of a line."""
     words = line.split(" ")
     return set(output("bash", "-c", COMPLETE, COMPLETIONS / words[0], *words).split())
 
 
 def help_of(command):
-    """The options of a command with their words, {"--layer": {"above", "desktop"}, "--json": set()}; its commands."""
+    """Returns the options of a command with their values, {"--layer": {"above", "desktop"}, "--json": set()}, and its commands."""
     program, *words = command.split()
     text = output(BIN / program, *words, "--help")
     assert re.search(rf"Example:\n  .*{command}", text), text
@@ -34,7 +34,7 @@ def help_of(command):
 
 
 def listed(part):
-    """The options with an entry of their own in a part of a man page, as help_of() gives them."""
+    """Returns the options that have an entry in a part of a man page, in the form of help_of()."""
     entries = re.findall(r"^\.It Fl (?:h , Fl )?-([\w-]+)(?: (?:Ar|Cm) (.*))?$", part, re.M)
     return {"--" + name: set(words.split()) - {"|"} for name, words in entries}
 
@@ -78,5 +78,5 @@ class Help(ProgramTest):
             output("zsh", "-n", COMPLETIONS / f"_{program}")
         for page in PAGES.glob("*.[15]"):
             done = subprocess.run(["mandoc", "-Tlint", page], capture_output=True, text=True, cwd=PAGES)
-            # Which manuals of others are installed is not the page's matter.
+            # A page may refer to a manual that is not installed.
             self.assertEqual([line for line in done.stdout.splitlines() if "referenced manual not found" not in line], [])

@@ -1,4 +1,4 @@
-"""What is installed beside the programs, as the desktop's own tools judge it; starting at login."""
+"""Checks what is installed beside the programs with the desktop's own tools, and the autostart entry."""
 
 import os
 import shutil
@@ -9,7 +9,7 @@ from program_test_case import BIN, ProgramTest
 
 class Packaging(ProgramTest):
     def version_by(self, entry):
-        """What a desktop starts for each Exec: an escaped string, then words quoted as a shell's are."""
+        """Runs each Exec line of a desktop entry with --version, unescaped as desktops do. Returns the number of lines."""
         lines = [line.removeprefix("Exec=") for line in entry.read_text().splitlines() if line.startswith("Exec=")]
         for line in lines:
             self.assertNotIn("%", line.replace("%%", ""))

@@ -31,7 +31,7 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
 
   const std::pair<const char*, bool> steps[] = {
       {"mkdir data/other", false},
-      {"echo text > data/group", true},  // a file where a folder is missing
+      {"echo text > data/group", true},  // a file in place of a folder
       {"rm data/group", true},
       {"mkdir -p data/group/store", true},
       {"echo text > data/group/store/new", false},
@@ -54,14 +54,14 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
   const auto isToldAfter = [&](const char* command) {
     changes = 0;
     EXPECT_EQ(std::system(command), 0) << command;
-    // The kernel notes an event before the call that leads to it returns.
+    // The event is queued before the call that causes it returns.
     for (pollfd polled{watch.prepare().descriptors[0]}; poll(&polled, 1, 0) > 0;)
       watch.dispatch(polled.revents);
     return changes > 0;
   };
   for (const auto& [command, isTold] : steps) EXPECT_EQ(isToldAfter(command), isTold) << command;
 
-  std::size_t kept = 0;  // events, by the kernel: each of these renames makes two
+  std::size_t kept = 0;  // events that the kernel queues at most; each rename causes two
   std::ifstream{"/proc/sys/fs/inotify/max_queued_events"} >> kept;
   const fs::path folder = "elsewhere/group/store", names[] = {folder / "one", folder / "other"};
   std::ofstream{names[0]} << "";

@@ -1,4 +1,4 @@
-"""tarno-status as people run it."""
+"""The commands of tarno-status, apart from watch and save --follow."""
 
 import fcntl
 import json
@@ -57,20 +57,20 @@ class Status(ProgramTest):
                                             (("Locked",), 64, 64)):
             self.assertEqual(checked(*arguments), code, arguments)
             self.assertEqual(checked(*arguments, at="2026-11-16T15:44:06Z"), when_stale, arguments)
-        self.write(record=("data", '{"status": "locked"}'))  # how old, nobody knows
+        self.write(record=("data", '{"status": "locked"}'))  # without a receipt date
         self.assertEqual(checked("locked"), 1)
         self.write(record=("data", 5))
         self.assertEqual(checked(), 69)
 
     def doctor(self, code=69):
-        """Its lines by their labels; the verdict is under ""."""
+        """Returns the lines of doctor by their labels. The conclusion is under ""."""
         done = self.call("tarno-status", "doctor", "--at", MOMENT)
         self.assertEqual((done.returncode, done.stderr), (code, b""), done.stdout)
         lines = done.stdout.decode().splitlines()
         return {**{line[:26].strip(): line[26:] for line in lines[:-2]}, "": lines[-1]}
 
     def write(self, **values):
-        """A file as another program would write it: `at`, `record` and `plain` as (type, value)."""
+        """Writes the store's file as another program would. `at`, `record` and `plain` are pairs (type, value)."""
         keys = {"at": "tarno.lastStatusAt", "record": "tarno.lastStatus", "plain": "tarno.lastStatusValue"}
         document = {keys[name]: dict(zip(("type", "value"), value)) for name, value in values.items()}
         (self.group / "defaults.json").write_text(json.dumps(document))
@@ -94,7 +94,7 @@ class Status(ProgramTest):
         self.save()
         at, record, broken = ("date", MOMENT), ("data", '{"status": "locked"}'), ("data", '{"stale": 3}')
         kind = "the record does not decode: stale: expected true or false, found a number"
-        for code, verdict, values in (  # each fault of a record has a row in a test of the library
+        for code, verdict, values in (  # the library's tests have a row for each fault of a record
                 (0, 'All is well. The report is fresh: the tile says "Locked".', {"at": at, "record": record}),
                 (69, 'The last report is stale, so the tile says "Status stale" until the companion application '
                  "saves a new one.", {"at": ("date", "2026-11-16T15:39:04Z"), "record": record}),
@@ -164,7 +164,7 @@ class Status(ProgramTest):
             done = limited(command)
             self.assertEqual(done.returncode, code)
             self.assertIn(b"File too large", done.stdout + done.stderr)
-        if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs descriptors of its own
+        if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs more descriptors
             self.assertIn(limited("doctor", "-n 6").returncode, (0, 69))
         self.assertEqual(self.shown()["snapshot"]["status"], "locked")
         self.assertEqual(os.listdir(self.group), ["defaults.json"])

@@ -26,17 +26,19 @@ void write(const fs::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-/// The largest difference in a channel. Multiplied by alpha: the colour of what is not seen does not count.
+/// Returns the largest difference in a channel. Channels are multiplied by alpha, because the colour of an
+/// invisible pixel does not count.
 int difference(const Pixels::Pixel& a, const Pixels::Pixel& b) {
   int largest = std::abs(a[3] - b[3]);
   for (std::size_t i = 0; i < 3; ++i) largest = std::max(largest, std::abs(a[i] * a[3] - b[i] * b[3]) / 255);
   return largest;
 }
 
-/// Expects that `png` shows what tests/references/NAME.png shows; with TARNO_RENEW_REFERENCES=1 in the
-/// environment it becomes the reference. Other builds of the drawing libraries round differently: each pixel
-/// may differ by what an edge does that moves by a twentieth of a pixel, and one in 10,000 by more. What does
-/// not match is written to the folder "reference-failures" in the working directory.
+/// Compares `png` with the reference image tests/references/NAME.png. With TARNO_RENEW_REFERENCES=1 in the
+/// environment, it replaces the reference image instead. Other builds of the drawing libraries round
+/// differently. So each pixel may differ as much as an edge that moves by a twentieth of a pixel, and one
+/// pixel in 10,000 by more. An image that differs is written to the folder "reference-failures" in the
+/// working directory.
 void expectReference(const std::string& png, const std::string& name) {
   const fs::path reference = fs::path{TARNO_REFERENCES} / (name + ".png");
   if (const char* renew = std::getenv("TARNO_RENEW_REFERENCES"); renew && *renew == '1')

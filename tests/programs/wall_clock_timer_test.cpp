@@ -9,7 +9,7 @@
 
 #include "support/system_calls.hpp"
 
-// A test cannot set the machine's clock, which the kernel tells by an error of these calls.
+// A test cannot set the clock of the machine. The kernel reports that it was set by an error of these calls.
 WRAP(int, timerfd_settime, (int timer, int flags, const itimerspec* expiry, itimerspec* old),
      (timer, flags, expiry, old))
 WRAP(ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, count))
@@ -22,7 +22,7 @@ struct WallClockTimer : testing::Test {
   int wakes = 0;
   program::WallClockTimer timer{[this] { ++wakes; }};
 
-  /// Whether the timer wakes within `limit`.
+  /// Returns whether the timer wakes within `limit`.
   bool wakesIn(std::chrono::milliseconds limit) {
     wakes = 0;
     pollfd polled = timer.prepare().descriptors[0];
@@ -31,7 +31,7 @@ struct WallClockTimer : testing::Test {
     return wakes == 1;
   }
 
-  /// Whether the kernel tells it when the clock is set.
+  /// Returns whether the kernel reports to the timer that the clock was set.
   bool isTold() {
     std::ifstream info{"/proc/self/fdinfo/" + std::to_string(timer.prepare().descriptors[0].fd)};
     const std::string text{std::istreambuf_iterator<char>{info}, {}};
@@ -54,7 +54,7 @@ TEST_F(WallClockTimer, WakesOnceWhenTheLastMomentItWasGivenHasCome) {
   }
   timer.sleepUntil(tarno::latestDate);
   EXPECT_FALSE(wakesIn(20ms));
-  timer.dispatch(POLLIN);  // for no reason
+  timer.dispatch(POLLIN);  // without an event
   EXPECT_EQ(wakes, 0);
 }
 
@@ -65,12 +65,12 @@ TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
   system_calls::intercept(0, isSet);
   timer.dispatch(POLLIN);
   EXPECT_EQ(wakes, 1);
-  system_calls::intercept(0, isSet);  // while the timer was not read
+  system_calls::intercept(0, isSet);  // before the timer was read
   timer.sleepUntil(tarno::latestDate);
   EXPECT_TRUE(wakesIn(5s));
 }
 
-/// Waits for input on two descriptors, or for a while, then ends the loop.
+/// Waits for input on two descriptors, or for a time, and then ends the loop.
 struct Source final : program::EventSource {
   explicit Source(program::EventLoop& eventLoop) : loop(eventLoop) { loop.add(*this); }
   Wait prepare() override { return {{{-1, POLLIN, 0}, {descriptor, POLLIN, 0}}, Clock::now() + wait}; }

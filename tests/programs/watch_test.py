@@ -1,4 +1,4 @@
-"""tarno-status watch: lines for bars and scripts."""
+"""tarno-status watch: the lines that it prints for bars and scripts."""
 
 import datetime
 import json
@@ -27,7 +27,7 @@ class Watch(ProgramTest):
         return self.watch(*arguments).stdout.readline()
 
     def replace(self, document):
-        """The store's file, by another program."""
+        """Replaces the store's file as another program would."""
         (self.group / "new").write_text(document, encoding="utf-8")
         (self.group / "new").rename(self.group / "defaults.json")
 
@@ -37,7 +37,7 @@ class Watch(ProgramTest):
         self.assertEqual(line(), "unknown |Waiting for Tarno status.\n")
         self.save(at=ago(0))
         self.assertRegex(line(), r"\Alocked \ds\|Mac locked.\n\Z")
-        (self.group / "another").touch()  # is no change
+        (self.group / "another").touch()  # this is no change
         self.save({"status": "unlocked"}, at=ago(145))
         self.assertEqual(line(), "unlocked 2m|Waiting for Tarno status.\n")
         self.assertEqual(line(), "unknown 2m|Mac status is 2m old. Refresh Tarno before trusting it.\n")
@@ -78,7 +78,7 @@ class Watch(ProgramTest):
             self.replace(document)
             if fault:
                 self.assertRegex(watch.stderr.readline(), rf"\Atarno-status: {fault}\n\Z")
-        self.save(at=ago(0))  # sets the damaged file aside, and for a moment there is none
+        self.save(at=ago(0))  # sets the damaged file aside first
         self.assertEqual(watch.stdout.readline(), "locked\n")
         watch.terminate()
         self.assertEqual((watch.wait(20), watch.stderr.read()), (-signal.SIGTERM, ""))
@@ -101,7 +101,7 @@ class Watch(ProgramTest):
         self.wait_for(sleeps)
         before = switches()
         self.assertTrue(sleeps())
-        self.replace((self.group / "defaults.json").read_text())  # only the age differs
+        self.replace((self.group / "defaults.json").read_text())  # only the age may differ
         self.wait_for(lambda: switches() != before)
         self.save({"status": "unlocked"}, at=ago(0))
         self.assertEqual(watch.stdout.readline(), "unlocked\n")
@@ -121,7 +121,7 @@ class Watch(ProgramTest):
         self.assertEqual(self.first("--json"), "null\n")
         self.save({**RECORD, "reason": "<Mac> & \u001b"}, at=ago(0))
         said, shown = self.first("--json"), self.run_program("tarno-status", "show", "--json").stdout.decode()
-        ages = re.compile(r'"age_seconds": ?\d')  # each has its own
+        ages = re.compile(r'"age_seconds": ?\d')  # the two may differ
         self.assertEqual(json.loads(ages.sub('"age_seconds":0', said)), json.loads(ages.sub('"age_seconds":0', shown)))
 
     def test_waybar_gets_its_own_json(self):
@@ -151,7 +151,7 @@ class Watch(ProgramTest):
 
     def test_where_nothing_can_be_written_or_watched(self):
         self.assertEqual(self.call("sh", "-c", "tarno-status watch > /dev/full").returncode, 74)
-        if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs descriptors of its own
+        if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs more descriptors
             blind = self.start("sh", "-c", "ulimit -n 5; exec tarno-status watch", stderr=subprocess.PIPE, text=True)
             self.assertRegex(blind.stderr.readline(), "cannot watch .*, and looks at them every 5 s: Too many open files")
             blind.terminate()

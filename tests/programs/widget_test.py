@@ -1,4 +1,4 @@
-"""tarno-widget as people run it."""
+"""The commands of tarno-widget."""
 
 import fcntl
 import json
@@ -16,11 +16,11 @@ from program_test_case import BIN, MOMENT, ProgramTest
 
 class Widget(ProgramTest):
     def widget(self, command, *arguments, **options):
-        """What tarno-widget prints."""
+        """Returns what a command of tarno-widget prints."""
         return self.run_program("tarno-widget", command, *arguments, **options).stdout
 
     def frame(self, *arguments, code=0, seals=0, said=rb"\A\Z", program="tarno-widget", **environment):
-        """The answer of a frame and the memory that it is in, as a host gets them."""
+        """Returns the answer of a frame process and the memory with the picture, as a host gets them."""
         memory = os.memfd_create("frame", os.MFD_ALLOW_SEALING)
         self.addCleanup(os.close, memory)
         os.write(memory, bytes([255]) * 5000)
@@ -45,7 +45,7 @@ class Widget(ProgramTest):
             self.assertEqual(os.fstat(memory).st_size, answer["stride"] * height)
             for x, y in ((width // 2, 0), (width - 1, height // 2), (width // 2, height - 1), (0, 0)):
                 pixel = int.from_bytes(os.pread(memory, 4, y * answer["stride"] + 4 * x), sys.byteorder)
-                self.assertEqual(hex(pixel), hex(0xFFF7FAF8 if x else 0), (family, x, y))  # the paper ends at the corners
+                self.assertEqual(hex(pixel), hex(0xFFF7FAF8 if x else 0), (family, x, y))  # the corners are transparent
         self.widget("render", "--output", "a.svg")
         self.assertIn(b"<title>Tarno</title>", (self.folder / "a.svg").read_bytes())
         self.assertEqual(sorted(os.listdir(self.folder)), ["a.svg", "data", "tile.png"])
@@ -54,7 +54,7 @@ class Widget(ProgramTest):
         self.save({"device_name": "🔒 हि 🔒"})
         self.widget("render", "--family", "medium", "--output", "a.pdf")
         pdf = (self.folder / "a.pdf").read_bytes()
-        for stream in re.findall(rb"stream\r?\n(.*?)\r?\nendstream", pdf, re.S):  # newer libraries compress dictionaries, too
+        for stream in re.findall(rb"stream\r?\n(.*?)\r?\nendstream", pdf, re.S):  # newer libraries also compress dictionaries
             pdf += zlib.decompressobj().decompress(stream)
         for words in (b"/Title (Tarno)", b"/Subject ", b"/MediaBox [ 0 0 364 170 ]", b"Quicksand",
                       b"/ActualText <feffd83ddd12>", b"/ActualText <feff0939093f>"):
@@ -79,11 +79,11 @@ class Widget(ProgramTest):
                                       ("2026-11-16T15:44:01.124Z", "Kivo's Mac status stale", None)):
             answer, _ = self.frame("--at", at)
             self.assertEqual((answer["announcement"], answer["stale_from"]), (words, stale_from))
-        self.group.chmod(0o777)  # the store says so on standard output, which is not part of the answer
+        self.group.chmod(0o777)  # the store reports that on standard output, which must not mix with the answer
         answer, _ = self.frame("--at", "9999-12-31T23:59:59.9999Z", said=rb"\AERROR: [^\n]+\n\Z")
         self.assertEqual((answer["announcement"], answer["stale_from"]), ("Mac status unknown", None))
         self.assertEqual(answer["reload_after"], "9999-12-31T23:59:59.999Z")
-        answer, _ = self.frame(XDG_DATA_HOME="/\udcff")  # a name need not be UTF-8
+        answer, _ = self.frame(XDG_DATA_HOME="/\udcff")  # a path need not be UTF-8
         self.assertEqual(answer["watch"]["folder"], f"/\ufffd/{self.group.name}")
 
     def test_a_frame_that_cannot_be_drawn_says_why(self):
@@ -134,7 +134,7 @@ class Widget(ProgramTest):
         shutil.copy(BIN / "tarno-widget", copy)
         text = 'msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\nmsgid "Tarno"\nmsgstr "für Sie"\n'
         subprocess.run(["msgfmt", "-o", catalogues / "tarno.mo", "-"], input=text.encode(), check=True)
-        # A locale of its own: the system need not have any, and in C.UTF-8 newer C libraries translate nothing.
+        # The system may have no such locale, and newer C libraries translate nothing in C.UTF-8.
         subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8", self.folder / "de_DE.UTF-8"], check=True)
         self.environment |= {"LOCPATH": str(self.folder)}
         german, messages = {"LC_ALL": "de_DE.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "de_DE.UTF-8"}
@@ -144,11 +144,11 @@ class Widget(ProgramTest):
         shown = json.loads(self.widget("gallery", "--json", **german))
         self.assertEqual(shown["description"], "Sperrstatus und Anwesenheitssignale Ihres Macs.")
 
-    def test_fonts_tell_when_the_rounded_face_is_missing(self):
+    def test_fonts_tell_when_quicksand_is_missing(self):
         rejecting, bare, other, fonts = (self.folder / name for name in ("fonts.conf", "bare", "other", "fonts"))
         rejecting.write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>"
                              "<glob>/*quicksand*</glob></rejectfont></selectfont></fontconfig>")
-        # Fontconfig lists the fonts below its root, but 2.14 then reads the files of the same names outside of it.
+        # Fontconfig 2.14 lists the fonts below its root, but reads the files with these names outside of it.
         for root in (bare, other):
             (root / "etc/fonts").mkdir(parents=True)
             (root / "etc/fonts/fonts.conf").write_text(f"<fontconfig><dir>{fonts}</dir><cachedir>/c</cachedir></fontconfig>")
@@ -157,8 +157,8 @@ class Widget(ProgramTest):
             shutil.copy(next(Path("/usr/share/fonts").rglob("Quicksand-Bold.*")), folder)
         for variable, value, code, printed in (
                 ("FONTCONFIG_FILE", rejecting, 69, r"\AQuicksand is missing[^\n]*fonts-quicksand\n\Z"),
-                ("FONTCONFIG_SYSROOT", bare, 69, r"\AQuicksand is missing"),  # nowhere
-                ("FONTCONFIG_SYSROOT", other, 0, r"\AQuicksand\n\Z"),  # not where Debian has it
+                ("FONTCONFIG_SYSROOT", bare, 69, r"\AQuicksand is missing"),  # it is nowhere
+                ("FONTCONFIG_SYSROOT", other, 0, r"\AQuicksand\n\Z"),  # it is not in Debian's folder
                 ("LC_ALL", "C", 0, r"\AQuicksand\n\Z")):
             done = self.call("tarno-widget", "fonts", environment={variable: str(value)})
             self.assertEqual((done.returncode, done.stderr), (code, b""), value)
@@ -169,7 +169,7 @@ class Widget(ProgramTest):
         (self.folder / "fontconfig/fonts.conf").write_text("<fontconfig><match><edit name='embolden'><bool>true</bool></edit>"
                                                            "</match></fontconfig>")
         self.assertNotEqual(self.widget(*draw, XDG_CONFIG_HOME=str(self.folder)), self.widget(*draw))
-        for language, letter in ("ja", "の"), ("ko", "맥"):  # out of sight, but the words before it are of its language
+        for language, letter in ("ja", "の"), ("ko", "맥"):  # the last letter is cut off, but decides the language of the whole text
             self.save({"device_name": "書斎" * 30 + letter})
             bold = self.folder / language
             bold.write_text(f"<fontconfig><include>/etc/fonts/fonts.conf</include><match><test name='lang'><string>{language}</string>"
@@ -182,7 +182,7 @@ class Widget(ProgramTest):
             lines.add(texts[-1])
         self.assertEqual(len(lines), 1, "the dial's text moves when the status changes")
         self.save({"stale": True})
-        for family in ("small", "medium", "large"):  # whatever face stands in
+        for family in ("small", "medium", "large"):  # with any other font
             scene = self.widget("inspect", "--json", "--family", family, FONTCONFIG_FILE=str(rejecting))
             self.assertIn(b"Status stale", scene)
             self.assertNotIn(b"truncated", scene)

@@ -21,7 +21,7 @@ std::string encode(const ui::Scene& scene, ImageFormat format, double scale = 1)
 
 bool has(const std::string& file, const std::string& text) { return file.find(text) != std::string::npos; }
 
-/// A text on a pane with round corners, and a stripe in one of them.
+/// Returns a scene: a text on a pane with round corners, and a stripe over one corner.
 ui::Scene tile() {
   const ui::Rect whole{{0, 0}, {10, 7}};
   const ui::TextRun text{"Mac", ui::Font::system(2).rounded(), red.opacity(0.5), {{2, 1}, {5, 2}}, 1.5};
@@ -58,7 +58,7 @@ TEST(Image, pngSaysItsColoursColourSpaceAndResolution) {
   const std::string png = encode(tile(), ImageFormat::png, 2);
   EXPECT_EQ(Pixels::decode(png).at(10, 9), (Pixels::Pixel{255, 255, 0, 128}));
   EXPECT_TRUE(has(png, std::string("sRGB\0", 5)));
-  // 144 dots per inch are 5669 per metre.
+  // 144 dots per inch are 5669 dots per metre.
   EXPECT_TRUE(has(png, std::string("pHYs\0\0\x16\x25\0\0\x16\x25\x01", 13)));
   EXPECT_EQ(render::unpremultiplied(0x80402001), 0x80804002);
 }
@@ -79,7 +79,7 @@ TEST(Image, vectorFilesHoldOutlinesAndWordsAndAreTheSameEveryTime) {
   EXPECT_FALSE(has(encode(tile(), ImageFormat::svg), "<title>"));
   EXPECT_TRUE(file(ImageFormat::svg) == svg);
   EXPECT_TRUE(file(ImageFormat::pdf) == pdf);
-  const auto written = [](const std::string& text) {  // characters that no file may have
+  const auto written = [](const std::string& text) {  // noncharacters, which a file must not contain
     const ui::TextRun run{text, ui::Font::system(12), red, {{0, 0}, {90, 20}}, 15};
     return encode({{90, 20}, {run}, {}}, ImageFormat::pdf);
   };

@@ -18,7 +18,7 @@ using namespace std::string_literals;
 
 const ui::Font caption = ui::Font::system(12).rounded();
 
-/// By an engine that has kept nothing.
+/// Measures with a new engine, whose caches are empty.
 ui::TextMetrics measured(const std::string& text, std::optional<double> width, int maxLines,
                          const ui::Font& font = caption) {
   return render::TextEngine{}.measure(text, font, width, maxLines);
@@ -34,12 +34,12 @@ ui::TextRun place(const std::string& text, double width = 1e9, int lines = 1,
   return {text, font, ui::black, {{50, 10}, m.size}, m.baseline, lines, m.truncated};
 }
 
-/// A PNG of `run` on a tile of 300 x 60 points.
+/// Returns a PNG of `run` on a tile of 300 x 60 points.
 std::string png(render::TextEngine& engine, const ui::TextRun& run, double scale = 1) {
   return render::encodeImage({{300, 60}, {run}, {}}, engine, render::ImageFormat::png, scale);
 }
 
-/// By an engine that has kept nothing.
+/// Draws with a new engine, whose caches are empty.
 std::string png(const ui::TextRun& run, double scale = 1) {
   render::TextEngine engine;
   return png(engine, run, scale);
@@ -49,7 +49,7 @@ struct Ink {
   int left, top, right, bottom;  ///< in pixels, the last two exclusive
 };
 
-/// Where `run` leaves marks on the tile.
+/// Returns where `run` leaves marks on the tile.
 Ink ink(const ui::TextRun& run, double scale = 1) {
   const auto pixels = Pixels::decode(png(run, scale));
   Ink found{pixels.width, pixels.height, 0, 0};
@@ -102,21 +102,21 @@ TEST(TextEngine, cutsWhereMoreWouldFollow) {
   EXPECT_TRUE(png(place("mmmmmmm", 40, 3)) == png(place("mmm\nmmm\nm", 40, 3))) << "without hyphens";
 }
 
-TEST(TextEngine, everyTextHasItsFaceAndDigitsNeverFallBack) {
+TEST(TextEngine, everyTextHasItsFontAndDigitsNeverFallBack) {
   const ui::Font plain = ui::Font::system(12);
   EXPECT_LT(width("abc", plain), width("abc", plain.weight(ui::FontWeight::bold)));
   EXPECT_LT(width("abc", plain), width("abc"));
   EXPECT_NEAR(width("Kivo's Mac", caption.scaled(10)), width("Kivo's Mac") * 10, 0.1);
   for (const std::string before : {"書", "🔒", "דה"})
     EXPECT_NEAR(width(before + " Mac 12") - width(before), width(" Mac 12"), 0.01) << before;
-  // The rounded face has a pi, and no other Greek letter; it lacks the letter for a click.
+  // Quicksand has a pi, but no other Greek letter, and no letter for a click.
   for (const std::string text : {"π", "απδ", "\u01C2"})
     EXPECT_NEAR(width(text), 0.97 * width(text, plain), 0.01) << text;
 }
 
 TEST(TextEngine, drawsTheSameWhereNoFontConfigurationIsNamed) {
   render::TextEngine all, alone;
-  all.measure("x", caption, {}, 1);  // reads the environment
+  all.measure("x", caption, {}, 1);  // reads the environment variable
   unsetenv("FONTCONFIG_FILE");
   for (const std::string text : {"Kivo's Mac – déjà vu", "書斎 Mac", "\u01C2"})
     EXPECT_TRUE(png(alone, place(text)) == png(all, place(text))) << text;

@@ -19,7 +19,7 @@ using Snapshot = TarnoMacStatusSnapshot;
 
 constexpr Date now = sys_days{2026y / November / 16} + 15h + 41min + 35s + 250ms;
 
-/// A store that remembers what was asked of it, in order.
+/// A store that records the calls to it in order.
 class RecordingStore : public tarno::UserDefaults {
  public:
   std::optional<DefaultsValue> object(std::string_view key) const override {

@@ -47,7 +47,7 @@ TEST(Snapshot, EveryFieldSurvivesAndCounts) {
   EXPECT_EQ(decoded("{" + members + "}"), full);
   for (const auto& name : Snapshot::CodingKeys::all) {
     const auto key = '"' + std::string{name} + "\":";
-    // The last of a key counts.
+    // Of repeated keys, the last one counts.
     const auto without = decoded(("{" + members + ",").append(key).append("null}"));
     EXPECT_NE(without, full) << key;
     EXPECT_EQ(encoded(without).find(key), std::string::npos) << key;
@@ -71,12 +71,12 @@ TEST(Snapshot, TextsAreEqualByMeaning) {
   EXPECT_NE(Snapshot{.deviceName = "a\xff"}, Snapshot{.deviceName = "e\u0301\xff"});
   EXPECT_NE(Snapshot{.deviceName = ""}, Snapshot{});
   EXPECT_NE(Snapshot{.seenAt = moment}, Snapshot{.seenAt = moment + 1us});
-  std::string mixed, below, above;  // equal; takes minutes in quadratic time
+  std::string mixed, below, above;  // equal texts; a comparison in quadratic time takes minutes
   for (int i = 0; i < 100'000; ++i) mixed += "\u0301\u0323\u0300", below += "\u0323", above += "\u0301\u0300";
   EXPECT_EQ(Snapshot{.message = mixed}, Snapshot{.message = below + above});
 }
 
-/// Returns the UTF-8 of code points in hexadecimal digits, with blanks between them.
+/// Returns the UTF-8 form of code points, which are hexadecimal numbers with spaces between them.
 std::string utf8(const std::string& codePoints) {
   std::string text;
   std::istringstream words{codePoints};
@@ -89,7 +89,7 @@ std::string utf8(const std::string& codePoints) {
 }
 
 TEST(Snapshot, TextsAreEqualAsTheRowsOfTheUnicodeStandardSay) {
-  // Debian's unicode-data; compressed in some releases.
+  // From Debian's package unicode-data, which compresses the file in some releases.
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> rows{
       popen("bzcat -f /usr/share/unicode/NormalizationTest.txt*", "r"), pclose};
   ASSERT_TRUE(rows);

@@ -1,4 +1,4 @@
-"""What the tests on desktops share: a rig of each test's own."""
+"""The base of the tests on desktops. Each test has its own rig."""
 
 import os
 
@@ -15,7 +15,7 @@ class DesktopTest(TidyTest):
         self.assertEqual(tile.lines, [f"tarno-desktop: {line}\n" for line in lines])
 
     def drag(self, screen, start, *places):
-        """Once the window manager has begun to move the window, and so has changed the pointer's picture."""
+        """Drags from `start`. Moves the pointer once its image shows that the window manager has begun to move the window."""
         screen.display.xfixes_query_version()
         pointer = lambda: screen.display.xfixes_get_cursor_image(screen.root).cursor_serial
         screen.point(*start)

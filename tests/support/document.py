@@ -1,4 +1,4 @@
-"""The blocks of code on a page of the documentation."""
+"""Reads the code blocks of docs/companion.md."""
 
 import re
 from pathlib import Path
@@ -7,7 +7,7 @@ PAGE = Path(__file__).resolve().parents[2] / "docs/companion.md"
 
 
 def blocks(language):
-    """(heading, code) of each block in the language, from top to bottom."""
+    """Returns (heading, code) of each block in a language, from top to bottom."""
     found = []
     for section in re.split(r"^##+ ", PAGE.read_text(encoding="utf-8"), flags=re.M)[1:]:
         heading = section.split("\n", 1)[0]
@@ -16,11 +16,11 @@ def blocks(language):
 
 
 def under(heading, language="sh"):
-    """The code of each under a heading."""
+    """Returns the code of each block under a heading."""
     return [code for found, code in blocks(language) if found == heading]
 
 
 def block(language, heading):
-    """The only one under a heading."""
+    """Returns the code of the only block under a heading."""
     (code,) = under(heading, language)
     return code

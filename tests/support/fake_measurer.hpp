@@ -5,8 +5,8 @@
 
 #include "tarno/ui/text_measurer.hpp"
 
-/// Sets every character half an em wide on lines 1.2 em high, with the baseline at 0.9 em. Breaks at blanks,
-/// and inside a word that is too long for a line. A width that is short by the last bit is short.
+/// Measures every character as half an em wide, on lines 1.2 em high with the baseline at 0.9 em. Breaks
+/// lines at spaces, and inside a word that is too long for a line. Compares widths exactly.
 class FakeMeasurer final : public ui::TextMeasurer {
  public:
   ui::TextMetrics measure(std::string_view text, const ui::Font& font, std::optional<double> width,
@@ -24,7 +24,7 @@ class FakeMeasurer final : public ui::TextMeasurer {
       std::size_t length = paragraph <= capacity ? paragraph : std::min(rest.rfind(' ', capacity), capacity);
       ++lines;
       metrics.truncated = length < rest.size() && (lines == maxLines || capacity == 0);
-      if (metrics.truncated) length = std::min(capacity, paragraph + 1);  // the last an ellipsis
+      if (metrics.truncated) length = std::min(capacity, paragraph + 1);  // the last one is an ellipsis
       widest = std::max(widest, length);
       rest.erase(0, rest.find_first_of(" \n", length) == length ? length + 1 : length);
     } while (!rest.empty() && !metrics.truncated);

@@ -4,7 +4,7 @@
 
 #include "system_calls.hpp"
 
-/// The calls by which a store is read and written.
+/// The system calls that read and write a store.
 WRAP(int, openat, (int folder, const char* name, int flags, mode_t mode), (folder, name, flags, mode))
 WRAP(int, fstat, (int file, struct stat* found), (file, found))
 WRAP(int, lstat, (const char* path, struct stat* found), (path, found))

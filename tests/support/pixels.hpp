@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// A decoded picture; pixels are red, green, blue and alpha, not multiplied.
+/// A decoded picture. A pixel is red, green, blue and alpha, not premultiplied.
 struct Pixels {
   using Pixel = std::array<std::uint8_t, 4>;
 
@@ -16,7 +16,7 @@ struct Pixels {
   int height = 0;
   std::vector<Pixel> rows;
 
-  /// Throws std::runtime_error when `png` is no PNG file.
+  /// Decodes a PNG file. Throws std::runtime_error if `png` is not one.
   static Pixels decode(std::string_view png) {
     png_image image{.version = PNG_IMAGE_VERSION};
     if (!png_image_begin_read_from_memory(&image, png.data(), png.size()))

@@ -1,4 +1,4 @@
-"""What the tests of the programs share: the programs run on a store of the test's own."""
+"""The base of the tests that run programs. Each test has its own store."""
 
 import contextlib
 import json
@@ -25,11 +25,11 @@ class ProgramTest(TidyTest):
         self.addCleanup(shutil.rmtree, self.folder)
         self.group = self.folder / "data" / GROUP
         self.environment = {**os.environ, "HOME": str(self.folder), "XDG_DATA_HOME": str(self.folder / "data"),
-                            "LC_ALL": "C.UTF-8", "XDG_CACHE_HOME": str(BIN.parent / "tests"),  # of fontconfig
+                            "LC_ALL": "C.UTF-8", "XDG_CACHE_HOME": str(BIN.parent / "tests"),  # the cache of fontconfig
                             "PATH": f"{BIN}:{os.environ['PATH']}:/usr/sbin", "TMPDIR": str(self.folder)}
 
     def call(self, *command, stdin="", environment=None, **options):
-        """Runs a command to its end, whatever comes of it. The options are those of subprocess.run()."""
+        """Runs a command to its end, and does not check its exit status. The options are those of subprocess.run()."""
         return subprocess.run([str(word) for word in command], input=stdin.encode(), timeout=120, cwd=self.folder,
                               env={**self.environment, **(environment or {})},
                               **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
@@ -43,7 +43,7 @@ class ProgramTest(TidyTest):
         return done
 
     def start(self, *command, **options):
-        """Ends, with all that it started, when the test does. The options are those of subprocess.Popen()."""
+        """Starts a process that is killed with its children when the test ends. The options are those of subprocess.Popen()."""
         process = self.enterContext(subprocess.Popen(command, env=self.environment, cwd=self.folder,
                                                      start_new_session=True, **options))
 
@@ -55,7 +55,7 @@ class ProgramTest(TidyTest):
         return process
 
     def stand_ins(self, folder, texts):
-        """A folder with these programs, {name: lines of shell}."""
+        """Makes a folder with shell scripts, {name: lines}."""
         path = self.folder / folder
         path.mkdir(parents=True)
         for name, text in texts.items():
@@ -82,7 +82,7 @@ class ProgramTest(TidyTest):
         self.run_program("tarno-status", "save", "--received-at", at, stdin=json.dumps(record or RECORD))
 
     def shown(self, at=MOMENT):
-        """Now, without `at`."""
+        """Returns what `show --json` prints for a date, or for now if it is None."""
         return json.loads(self.run_program("tarno-status", "show", "--json", *(["--at", at] if at else [])).stdout)
 
     def inspected(self, *arguments):

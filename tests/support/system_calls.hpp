@@ -5,22 +5,22 @@
 #include <string>
 #include <utility>
 
-/// Comes between code and the system, in a test program that is linked with --wrap for a call and has WRAP()
-/// for it. Include it in one source.
+/// Intercepts the system calls of a test program that is linked with --wrap for a call and has WRAP() for it.
+/// Include it in one source file.
 namespace system_calls {
 
-inline std::string made;  ///< the names of the calls that were made, a space after each
+inline std::string made;  ///< the names of the calls so far, each followed by a space
 inline int callsLeft = 0;
 inline std::function<int()> pending;
 
-/// Runs `event` before call `number`, counted from 0 from now on. When it answers with an error, such as EIO,
-/// the call is not made and fails with that.
+/// Runs `event` before call `number`, counted from 0 from now on. If it returns an error, such as EIO, the
+/// call is not made and fails with that error.
 inline void intercept(int number, std::function<int()> event) {
   callsLeft = number;
   pending = std::move(event);
 }
 
-/// Whether that call was reached; nothing is intercepted any more.
+/// Returns whether that call was reached, and stops intercepting.
 inline bool wasReached() { return std::exchange(pending, nullptr) == nullptr; }
 
 inline bool fails(const char* name) {

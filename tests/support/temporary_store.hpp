@@ -6,14 +6,14 @@
 #include <iterator>
 #include <string>
 
-/// A folder of the test's own.
+/// A temporary folder.
 struct TemporaryFolder {
   TemporaryFolder() = default;
   ~TemporaryFolder() { std::filesystem::remove_all(path); }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  /// Through a rename.
+  /// Replaces a file by a rename.
   void write(const std::string& name, const std::string& content) const {
     std::ofstream{path / "new"} << content;
     std::filesystem::permissions(path / "new", std::filesystem::perms::owner_all);
@@ -29,7 +29,7 @@ struct TemporaryFolder {
   std::filesystem::path path = mkdtemp(pattern.data());
 };
 
-/// A data directory of the test's own, in which suites are opened while it lives.
+/// A temporary data folder. While it lives, suites are opened in it.
 struct TemporaryStore : TemporaryFolder {
   TemporaryStore() { setenv("XDG_DATA_HOME", path.c_str(), 1); }
   ~TemporaryStore() { unsetenv("XDG_DATA_HOME"); }

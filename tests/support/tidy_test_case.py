@@ -1,4 +1,4 @@
-"""What all tests in Python share: they take back what they made, however they end."""
+"""The base of all tests in Python. It cleans up even if a signal ends the test."""
 
 import signal
 import sys
@@ -11,7 +11,7 @@ class TidyTest(unittest.TestCase):
     def run(self, result=None):
         def end(*_):
             result.failfast = True
-            sys.exit("told to end")  # unittest takes it for an error, and cleans up as after any other
+            sys.exit("told to end")  # unittest treats it as an error, and cleans up
 
         for number in (signal.SIGALRM, signal.SIGINT, signal.SIGTERM):
             signal.signal(number, end)

@@ -29,7 +29,7 @@ Scene laidOut(const View& view, Size size, double margin = 0) {
   return layout(view, {.size = size, .contentMargin = margin, .cornerRadius = 22}, measurer);
 }
 
-/// "[x,y widthxheight]", to the millionth.
+/// Returns "[x,y widthxheight]", rounded to a millionth.
 std::string written(const Rect& rect) {
   const auto rounded = [](double length) { return std::round(length * 1e6) / 1e6 + 0; };
   std::ostringstream text;
@@ -38,7 +38,7 @@ std::string written(const Rect& rect) {
   return text.str();
 }
 
-/// Where the things lie that are drawn, in order, with the anchors of those that have one.
+/// Returns the rectangles of the drawn items in order, each with its anchor if it has one.
 std::string drawn(const Scene& scene) {
   std::string result;
   for (const SceneItem& item : scene.items) {
@@ -96,7 +96,7 @@ TEST(Layout, AlignsChildrenInTheLargestOfThem) {
 }
 
 TEST(Layout, SizesFramesByTheProposal) {
-  const View text = word("aaaa bbbb");  // 45 wide, or 20 on two lines
+  const View text = word("aaaa bbbb");  // 45 points wide, or 20 on two lines
   const Size all{infinity, infinity};
   check({{Text("ab"), all, {15, 18}},
          {filler.frame({.maxWidth = 50}), {100, 7}, {50, 7}},
@@ -153,7 +153,7 @@ TEST(Layout, DrawsABoxForAnUnknownSymbolAndNothingForAnEmptyArc) {
   EXPECT_EQ(laidOut(empty, {9, 9}).items.at(0), (SceneItem{StrokePath{{}, {}, black}}));
 }
 
-/// A view that has `x` wherever there is a number.
+/// Returns a view in which every number is `x`.
 View viewOf(double x) {
   const Color color{.red = x, .green = x, .blue = x, .alpha = x};
   const View some = HStack({}, Text("ab cd"), Image("clock"), Image("no.such.symbol"), filler);

@@ -14,7 +14,7 @@ using namespace ui;
 
 namespace {
 
-/// A view of every kind, with what is usual and what is not.
+/// Returns a view that contains every kind of view, with usual and unusual values.
 View tile(const std::string& title) {
   const View arc =
       Circle{}.trim(0.08, 0.92).stroke(white.opacity(0.5), {.lineWidth = 6, .lineCap = LineCap::round});

@@ -14,13 +14,13 @@ using Entry = TarnoMacWidgetEntry;
 
 constexpr Date start = sys_days{2026y / November / 16} + 15h;
 
-/// A clock that runs one second further at every reading.
+/// A clock that advances by one second at every reading.
 struct TickingClock {
   int readings = 0;
   tarno::ClockOverride clock{[this] { return start + seconds{readings++}; }};
 };
 
-/// What a host gets of the bundle: its one widget.
+/// The only widget of the bundle.
 const auto widget = std::get<0>(TarnoMacWidgetBundle{}.body()).body();
 
 TEST(Placeholder, IsALockedMacAndReadsTheClockThreeTimes) {
@@ -42,7 +42,7 @@ TEST(Provider, ReadsTheStoreAnewUnlessForAPreview) {
   const auto empty = timeline(widget, {});
   EXPECT_EQ(clock.readings, 2);
   EXPECT_EQ(empty.entries, std::vector{Entry{.date = start}});
-  EXPECT_EQ(empty.policy.date, start + 1s + 30s);  // counted from the second reading
+  EXPECT_EQ(empty.policy.date, start + 1s + 30s);  // from the second reading
   TarnoMacDefaults::saveStatus({.status = TarnoMacStatus::unlocked}, start - 200s);
   TarnoMacStatusSnapshot stale{.status = TarnoMacStatus::unlocked, .stale = true, .ageSeconds = 202};
   EXPECT_EQ(timeline(widget, {}).entries.at(0), (Entry{start + 2s, stale, start - 200s}));

@@ -14,7 +14,7 @@ using Snapshot = TarnoMacStatusSnapshot;
 
 constexpr tarno::Date now = sys_days{2026y / November / 16} + 15h;
 
-/// The values of `attribute` of all nodes called `name` as they are drawn in turn, a bar after each.
+/// Returns the values of `attribute` of all nodes called `name` in drawing order, each followed by a bar.
 std::string valuesOf(const ui::Description& description, std::string_view name, std::string_view attribute) {
   std::string found;
   for (const auto& [key, value] : description.attributes) {

@@ -5,8 +5,9 @@
 #include "support/temporary_store.hpp"
 #include "tarno/common/event_loop.hpp"
 
-/// A program in the place of tarno-widget, in `folder`: it notes its arguments in the file `log`, then runs
-/// `behaviour`, a few lines of Python. draw(key=value, …) there answers with a small picture.
+/// Writes a program that takes the place of tarno-widget into `folder`. It appends its arguments to the file
+/// `log`, then runs `behaviour`, a few lines of Python. There, draw(key=value, …) answers with a small
+/// picture.
 inline void writeFakeWidget(const TemporaryFolder& folder, const std::string& behaviour) {
   constexpr auto preamble = R"(#!/usr/bin/python3
 import fcntl, json, os, sys, time
@@ -30,12 +31,12 @@ def draw(memory=64, seals=fcntl.F_SEAL_SHRINK, end="\n", **changes):
   folder.write("tarno-widget", preamble + behaviour + "\n");
 }
 
-/// An event loop that a test runs until something is so.
+/// An event loop that a test runs until a condition holds.
 class TestLoop : public program::EventLoop, program::EventSource {
  public:
   TestLoop() { add(*this); }
 
-  /// Returns whether `condition` held in the end, which it is given a minute for.
+  /// Runs for at most a minute. Returns whether `condition` held in the end.
   bool runUntil(std::function<bool()> condition) {
     holds_ = std::move(condition);
     giveUpAt_ = Clock::now() + std::chrono::minutes{1};

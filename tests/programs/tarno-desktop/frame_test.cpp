@@ -9,7 +9,7 @@
 
 namespace {
 
-/// What became of a process, and what it noted.
+/// The result of a frame process, and its log.
 struct Answer : desktop::FrameResult {
   std::string log;
 };
@@ -69,7 +69,7 @@ TEST(FrameProcess, MissesAPictureWhateverTheProcessDoes) {
         "draw(tile={'width': 3, 'height': 2})"}},
       {"out of range",
        {"draw(height=2**40)", "draw(width=2**32+3)", "draw(tile={'width': -3, 'height': 4})",
-        "draw(3600000000, stride=900000000)",  // sparse
+        "draw(3600000000, stride=900000000)",  // a sparse file
         "draw(tile={'width': 3e9, 'height': 4}, width=2**31-1)",
         "draw(accessibility=[{'role': '', 'label': '', 'x': -1e300, 'y': 0, 'width': 0, 'height': 0}])"}},
       {"more than 64", {"draw(accessibility=[{}] * 65)"}},
@@ -104,7 +104,7 @@ TEST(FrameProcess, HandsOnTheEnvironmentAndNoSignalsOrDescriptors) {
   sigset_t all;
   sigfillset(&all);
   sigprocmask(SIG_BLOCK, &all, nullptr);
-  close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);  // what the caller of the test left open
+  close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);  // descriptors that the caller of the test left open
   const auto answer = answerOf(
       "import signal\n"
       "files = [f'/proc/self/fd/{number}' for number in range(3, 1000)]\n"

@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A live tile with a program of its own, and what it showed.
+/// A live tile with a fake widget program, and a record of what it showed.
 struct Fixture {
   explicit Fixture(const std::string& behaviour, std::optional<tarno::Date> at = {}) {
     writeFakeWidget(folder, behaviour);
@@ -26,13 +26,13 @@ struct Fixture {
     tile->addTo(loop);
   }
 
-  /// How often the program was started.
+  /// Returns how often the program was started.
   std::ptrdiff_t requests() const {
     const auto log = folder.read("log");
     return std::count(log.begin(), log.end(), '\n');
   }
   bool waitFor(const std::function<bool()>& condition) { return loop.runUntil(condition); }
-  /// Until no frame is drawn or needed.
+  /// Waits until no frame is being drawn or needed.
   bool waitForRest() {
     return waitFor([this] {
       const auto wait = tile->prepare();
@@ -46,7 +46,7 @@ struct Fixture {
   std::vector<std::string> shown;
 };
 
-/// The store's content is the title.
+/// Draws a frame whose title is the content of the store.
 constexpr auto showStore =
     "draw(title=open(folder + '/store').read() if os.path.exists(folder + '/store') else 'none')";
 
@@ -84,9 +84,9 @@ TEST(LiveTile, AsksAgainInTime) {
   const struct {
     const char *what, *behaviour;
     std::optional<tarno::Date> at;
-    std::ptrdiff_t awaited;         // requests
-    std::chrono::seconds interval;  // at least, from the second request on
-  } cases[] = {{"turns stale", "draw(stale_from=date(2))", {}, 3, 1s},  // date() leaves out parts of seconds
+    std::ptrdiff_t awaited;         // number of requests
+    std::chrono::seconds interval;  // the shortest one, from the second request on
+  } cases[] = {{"turns stale", "draw(stale_from=date(2))", {}, 3, 1s},  // date() drops fractions of a second
                {"is stale in vain", "draw(stale_from=date(-60))", {}, 4, 1s},
                {"stands still", "draw(stale_from=date(2))", tarno::now(), 2, 29s},
                {"has a reload date", "draw(reload_after=date(30))", {}, 2, 29s},
@@ -122,7 +122,7 @@ TEST(LiveTile, KeepsItsPictureAndSaysOnceWhatIsWrong) {
             "desktop_test: no new picture: ended with code 3\n");
 }
 
-/// The seconds that the process' only timer still has, as the kernel shows them; 0 when it is not set.
+/// Returns the remaining seconds of the only timer of the process, or 0 if it is not set.
 int secondsOfTimer() {
   for (const auto& file : std::filesystem::directory_iterator{"/proc/self/fdinfo"}) {
     std::ifstream lines{file.path()};

@@ -12,10 +12,10 @@ namespace {
 using desktop::Options;
 
 struct Parsed : Options {
-  std::string failure;  ///< its words, the code first
+  std::string failure;  ///< the exit code and the message
 };
 
-/// What a settings file and a command line come to.
+/// Returns the options that a settings file and a command line give.
 Parsed parsed(const std::optional<std::string>& settings, const std::string& line = "") {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", "relative/and/ignored", 1);

@@ -5,7 +5,8 @@
 namespace desktop::x11 {
 namespace {
 
-/// A window that reserves `depth` at an edge (left, right, top, bottom), from `start` to `end` along it.
+/// Returns a window that reserves `depth` pixels at an edge (left, right, top, bottom), from `start` to
+/// `end`.
 Window strut(std::size_t edge, int depth, int start, int end) {
   Window window;
   window.strut.resize(12);
@@ -15,7 +16,7 @@ Window strut(std::size_t edge, int depth, int start, int end) {
   return window;
 }
 
-/// A window that the window manager passes over.
+/// Returns a window that the window manager does not manage.
 Window overlay(const Area& area, std::vector<int> strut = {}) {
   return {{}, area, true, false, false, std::move(strut)};
 }
