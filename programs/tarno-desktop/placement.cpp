@@ -5,12 +5,12 @@
 
 namespace desktop {
 
-std::optional<Monitor> MonitorChoice::among(const std::vector<Monitor>& monitors) {
+const Monitor* MonitorChoice::among(const std::vector<Monitor>& monitors) {
   auto found = std::ranges::find(monitors, connector_.value_or(""), &Monitor::connector);
   wasThere_ = wasThere_ || !connector_ || found != monitors.end();
   if (found == monitors.end() && wasThere_)
     found = std::ranges::max_element(monitors, {}, &Monitor::isPrimary);
-  return found == monitors.end() ? std::nullopt : std::optional{*found};
+  return found == monitors.end() ? nullptr : &*found;
 }
 
 static int placeOnAxis(int start, int room, int length, double fraction, int before, int after) {

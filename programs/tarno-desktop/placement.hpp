@@ -26,8 +26,8 @@ class MonitorChoice {
  public:
   explicit MonitorChoice(std::optional<std::string> connector) : connector_(std::move(connector)) {}
 
-  /// Returns nothing while the tile has to wait.
-  std::optional<Monitor> among(const std::vector<Monitor>& monitors);
+  /// Returns one of `monitors`, or null while the tile has to wait.
+  const Monitor* among(const std::vector<Monitor>& monitors);
 
  private:
   std::optional<std::string> connector_;

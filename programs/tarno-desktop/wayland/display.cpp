@@ -21,11 +21,17 @@ void noteInfo(void* data, auto*) {
   if (mode.width <= 0 || width <= 0 || height <= 0) return;
   const bool isTurned = (mode.width < mode.height) != (width < height);
   const Area pixels{x, y, isTurned ? mode.height : mode.width, isTurned ? mode.width : mode.height};
-  info = {name, pixels, outputScale(pixels, {x, y, width, height})};
+  // Old compositors name no outputs.
+  info = {name.empty() ? "output-" + std::to_string(id) : name, pixels,
+          outputScale(pixels, {x, y, width, height})};
 }
 
-constexpr wl_output_listener outputListener{
-    .geometry = ignore, .mode = noteMode, .done = noteInfo, .scale = ignore};
+constexpr wl_output_listener outputListener{.geometry = ignore,
+                                            .mode = noteMode,
+                                            .done = noteInfo,
+                                            .scale = ignore,
+                                            .name = store<&Output::name>,
+                                            .description = ignore};
 
 constexpr zxdg_output_v1_listener detailsListener{.logical_position = store<&Output::x, &Output::y>,
                                                   .logical_size = store<&Output::width, &Output::height>,
@@ -68,11 +74,20 @@ Display::Display() {
   registry.reset(wl_display_get_registry(connection.get()));
   wl_registry_add_listener(registry.get(), &listener, this);
   check(wl_display_roundtrip(connection.get()));  // receives the list of globals
-  static constexpr wl_seat_listener seatListener{.capabilities = store<&Display::seatCapabilities>};
+  static constexpr wl_seat_listener seatListener{.capabilities = store<&Display::seatCapabilities>,
+                                                 .name = ignore};
   if (seat) wl_seat_add_listener(seat.get(), &seatListener, this);
   check(wl_display_roundtrip(connection.get()));  // receives their first events
-  if (!compositor || !memory || !viewports || !windows || !outputDetails)
-    throw program::Failure{EX_UNAVAILABLE, "the Wayland compositor lacks a protocol that the tile needs"};
+  const auto require = [](bool isThere, const wl_interface& protocol) {
+    if (!isThere)
+      throw program::Failure{EX_UNAVAILABLE, std::string{"the Wayland compositor lacks the protocol "} +
+                                                 protocol.name + ", which the tile needs"};
+  };
+  require(compositor != nullptr, wl_compositor_interface);
+  require(memory != nullptr, wl_shm_interface);
+  require(viewports != nullptr, wp_viewporter_interface);
+  require(windows != nullptr, xdg_wm_base_interface);
+  require(outputDetails != nullptr, zxdg_output_manager_v1_interface);
   static constexpr xdg_wm_base_listener aliveListener{
       .ping = [](void*, auto* base, auto serial) { xdg_wm_base_pong(base, serial); }};
   xdg_wm_base_add_listener(windows.get(), &aliveListener, nullptr);
@@ -91,11 +106,11 @@ void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
   bind(zwlr_layer_shell_v1_interface, 2, layers);
   bind(wp_fractional_scale_manager_v1_interface, 1, fractionalScales);
   bind(zxdg_output_manager_v1_interface, 3, outputDetails);
-  bind(wl_seat_interface, 1, seat);
+  bind(wl_seat_interface, 3, seat);  // whose pointers can be released
   if (std::string_view{name} == "org_kde_plasma_shell") isKWin = true;
 
   Output added{id};
-  bind(wl_output_interface, 3, added.proxy);
+  bind(wl_output_interface, 4, added.proxy);
   if (added.proxy) {
     Output& output = outputs.emplace_back(std::move(added));
     wl_output_add_listener(output.proxy.get(), &outputListener, &output);

@@ -24,9 +24,13 @@ struct DestroyGlobal {
     const bool canRelease = wl_output_get_version(output) >= WL_OUTPUT_RELEASE_SINCE_VERSION;
     canRelease ? wl_output_release(output) : wl_output_destroy(output);
   }
+  void operator()(wl_pointer* pointer) const {
+    const bool canRelease = wl_pointer_get_version(pointer) >= WL_POINTER_RELEASE_SINCE_VERSION;
+    canRelease ? wl_pointer_release(pointer) : wl_pointer_destroy(pointer);
+  }
 };
 
-/// Owns a global of the registry. The connection must outlive it.
+/// Owns a global of the registry, or an object that was made from one. The connection must outlive it.
 template <class T>
 using Global = tarno::Handle<T, DestroyGlobal{}>;
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <linux/input-event-codes.h>
-#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <system_error>
 
 #include "tarno/wayland/display.hpp"
+#include "tarno/wayland/show_desktop.hpp"
 
 namespace desktop {
 namespace {
@@ -20,36 +20,6 @@ using tarno::Handle;
 
 /// The minimum time between two surfaces. A compositor may close each new surface while its monitors change.
 constexpr std::chrono::milliseconds surfaceInterval{200};
-
-/// Learns from the session bus whether KWin shows the desktop. Never waits for an answer.
-class ShowDesktop {
- public:
-  ShowDesktop() {
-    sd_bus* bus = nullptr;
-    if (sd_bus_open_user(&bus) < 0) return;
-    bus_.reset(bus);
-    const auto changed = [](sd_bus_message* message, void* isShown, sd_bus_error*) {
-      return sd_bus_message_read(message, "b", isShown);
-    };
-    sd_bus_match_signal_async(bus, nullptr, "org.kde.KWin", "/KWin", "org.kde.KWin", "showingDesktopChanged",
-                              changed, nullptr, &isShown_);
-  }
-
-  /// The descriptor to poll() for POLLIN; -1 without the bus.
-  int descriptor() const { return bus_ ? sd_bus_get_fd(bus_.get()) : -1; }
-
-  /// Sends and handles pending messages, then returns whether the desktop is shown.
-  bool isShown() {
-    int processed = 1;
-    while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
-    if (processed < 0) bus_.reset();  // the bus disappeared
-    return bus_ && isShown_ != 0;
-  }
-
- private:
-  Handle<sd_bus, sd_bus_close_unref> bus_;
-  int isShown_ = 0;
-};
 
 /// The objects of the tile on the display: a layer surface, through which clicks pass, or a window without a
 /// frame, which the pointer drags.
@@ -61,11 +31,20 @@ struct Tile {
   Handle<zwlr_layer_surface_v1, zwlr_layer_surface_v1_destroy> layer;  // this, or the next two
   Handle<xdg_surface, xdg_surface_destroy> window;
   Handle<xdg_toplevel, xdg_toplevel_destroy> toplevel;
-  wl_output* output = nullptr;   // of the layer surface, or the last one that the window entered
-  std::uint32_t scaleParts = 0;  // the preferred scale in the unit of the protocol; 0 if unknown
+  std::vector<wl_output*> outputs;  // the layer surface's, or those that the window entered; the last counts
+  std::uint32_t scaleParts = 0;     // the preferred scale in the unit of the protocol; 0 if unknown
   bool isConfigured = false, isClosed = false, isRaised = false;
   std::shared_ptr<const Picture> picture;  // the current picture
   double scale = 0;                        // its pixels per point
+
+  void enter(wl_output* output) {
+    std::erase(outputs, output);
+    outputs.push_back(output);
+  }
+  /// A window on no output at all, such as one on a hidden workspace, keeps its scale.
+  void leave(wl_output* output) {
+    if (outputs.size() > 1) std::erase(outputs, output);
+  }
 };
 
 /// Returns `picture`, or a copy enlarged by transparent pixels on the sides away from `anchor`.
@@ -118,7 +97,7 @@ class WaylandSurface final : public Surface {
   std::optional<ShowDesktop> showDesktop_;
   wl_output* output_ = nullptr;  // the monitor
   double displayScale_ = 1;      // the scale of the display for the tile, in pixels per point
-  Handle<wl_pointer, wl_pointer_destroy> pointer_;  // for dragging a window
+  Global<wl_pointer> pointer_;   // for dragging a window
   std::optional<Tile> tile_;
   Clock::time_point notBefore_;  // the earliest time of the next surface
 };
@@ -133,7 +112,7 @@ WaylandSurface::WaylandSurface(const Options& options, bool isPlain)
 /// Reacts to the events of the compositor and the calls of the owner.
 program::EventSource::Wait WaylandSurface::prepare() {
   followMonitors();
-  if (tile_ && !isPlain_ && (tile_->isClosed || tile_->output != output_)) tile_.reset();
+  if (tile_ && !isPlain_ && (tile_->isClosed || tile_->outputs.back() != output_)) tile_.reset();
   const bool isMissing = !tile_ && picture_ && output_;
   if (isMissing && Clock::now() >= notBefore_) make();
   state_.isClosed = isPlain_ && tile_ && tile_->isClosed;
@@ -152,18 +131,21 @@ program::EventSource::Wait WaylandSurface::prepare() {
 /// Finds the monitor: a layer surface stays on one; a window is on the one that it entered last.
 void WaylandSurface::followMonitors() {
   auto& [monitors, monitor, extents, isClosed, needsPicture] = state_;
+  std::vector<wl_output*> outputs;  // of the monitors
   monitors.clear();
   for (const Output& output : display_.outputs) {
     if (!output.info) continue;
     monitors.push_back(*output.info);
-    if (isPlain_ && tile_ && tile_->output == output.proxy.get())
-      choice_ = MonitorChoice{output.info->connector};
+    outputs.push_back(output.proxy.get());
   }
-  output_ = nullptr;
-  monitor = choice_.among(monitors);
+  const Monitor* chosen = choice_.among(monitors);
+  if (isPlain_ && tile_)
+    for (wl_output* const entered : tile_->outputs)
+      if (const auto at = std::ranges::find(outputs, entered); at != outputs.end())
+        chosen = &monitors[static_cast<std::size_t>(at - outputs.begin())];
+  output_ = chosen ? outputs[static_cast<std::size_t>(chosen - monitors.data())] : nullptr;
+  monitor = chosen ? std::optional{*chosen} : std::nullopt;
   if (!monitor) return;
-  for (const Output& output : display_.outputs)
-    if (output.info && output.info->connector == monitor->connector) output_ = output.proxy.get();
   displayScale_ = tile_ && tile_->scaleParts > 0 ? tile_->scaleParts / 120.0 : monitor->scale;
   monitor->scale = options_.scale.value_or(displayScale_);
 }
@@ -184,7 +166,7 @@ void WaylandSurface::make() {
 }
 
 void WaylandSurface::makeLayer() {
-  tile_->output = output_;
+  tile_->outputs = {output_};
   // KWin treats a surface named "desktop" as part of the desktop: it stays visible on "show desktop", but the
   // next click on the wallpaper covers it for good. So the tile is raised instead while the desktop is shown.
   tile_->layer.reset(zwlr_layer_shell_v1_get_layer_surface(
@@ -213,7 +195,8 @@ void WaylandSurface::makeLayer() {
 }
 
 void WaylandSurface::makeWindow() {
-  static constexpr wl_surface_listener surfaceListener{.enter = store<&Tile::output>, .leave = ignore};
+  static constexpr wl_surface_listener surfaceListener{.enter = call<&Tile::enter>,
+                                                       .leave = call<&Tile::leave>};
   wl_surface_add_listener(tile_->surface.get(), &surfaceListener, &*tile_);
   static constexpr xdg_surface_listener listener{.configure = call<&WaylandSurface::configured>};
   tile_->window.reset(xdg_wm_base_get_xdg_surface(display_.windows.get(), tile_->surface.get()));

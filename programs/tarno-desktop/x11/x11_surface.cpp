@@ -166,7 +166,8 @@ void X11Surface::look() {
   nextLook_ = Clock::now() + std::chrono::milliseconds{100};
   screen_ = readScreen(connection_, options_.scale);
   state_.monitors = screen_.monitors;
-  state_.monitor = choice_.among(state_.monitors);
+  const Monitor* const chosen = choice_.among(state_.monitors);
+  state_.monitor = chosen ? std::optional{*chosen} : std::nullopt;
   fit();
   if (window_) restack();
 }

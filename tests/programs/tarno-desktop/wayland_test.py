@@ -126,20 +126,23 @@ class Wayland(DesktopTest):
 
     def test_bad_displays(self):
         error = lambda code: struct.pack("=5I4s", 1, 24 << 16, 1, code, 3, b"no")  # wl_display.error of wl_display
+        done = lambda number: struct.pack("=3I", number, 12 << 16, 0)  # of the callback with this number
         refused = "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one"
         self.rig.env["WAYLAND_DISPLAY"] = "display"
         with socket.socket(socket.AF_UNIX) as server:
             server.bind(self.rig.path("display"))
             os.chmod(self.rig.path("display"), 0o777)
-            for answer, code, line in (
-                    (None, 69, "cannot connect to the Wayland display 'display'"), (b"", 69, "the display went away"),
-                    (error(3), 76, refused), (error(0), 76, refused),
-                    (error(2), 71, "the connection to the Wayland display broke: Cannot allocate memory")):
+            for answers, code, line in (
+                    ([], 69, "cannot connect to the Wayland display 'display'"), ([b""], 69, "the display went away"),
+                    ([error(3)], 76, refused), ([error(0)], 76, refused),
+                    ([error(2)], 71, "the connection to the Wayland display broke: Cannot allocate memory"),
+                    ([done(3), done(4)], 69, "the Wayland compositor lacks the protocol wl_compositor, which the tile needs")):
                 tile = self.rig.start(self.rig.path("tarno-desktop"))
-                if answer is not None:
+                if answers:
                     with server.accept()[0] as client:
-                        client.recv(4096)  # closed with something unread, a socket loses what was sent
-                        client.send(answer)
+                        for answer in answers:
+                            client.recv(4096)  # closed with something unread, a socket loses what was sent
+                            client.send(answer)
                 self.assertEqual(tile.wait(), code)
                 self.says(tile, line)
                 server.listen()
