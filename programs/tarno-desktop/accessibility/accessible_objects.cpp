@@ -1,8 +1,12 @@
 #include "tarno/accessibility/accessible_objects.hpp"
 
+#include <libintl.h>
+
 #include <algorithm>
+#include <clocale>
 #include <cmath>
 #include <string_view>
+#include <type_traits>
 
 #include "tarno/foundation/handle.hpp"
 
@@ -11,12 +15,15 @@ namespace {
 
 using Objects = AccessibleObjects;
 
-namespace atspi_role {
-constexpr int frame = 23, image = 27, label = 29, application = 75, notification = 101;
+namespace role {
+constexpr AccessibleRole frame{23, "frame"}, image{27, "image"}, label{29, "label"},
+    application{75, "application"}, notification{101, "notification"};
 }
 
 /// A request about an object, and the message for the reply.
 struct Question {
+  static constexpr int none = -1;
+
   const Objects& objects;
   int object;
   sd_bus_message *call, *answer;
@@ -28,16 +35,35 @@ struct Question {
     if (object == Objects::application) return 1;
     return object == Objects::window ? static_cast<int>(objects.tree.size()) - firstChild() : 0;
   }
-  /// From `origin`, an AtspiCoordType: 0 the screen, 1 the window, 2 the parent.
-  Area bounds(unsigned origin) const {
-    const Area from = origin == 1 ? at(Objects::window).bounds : origin == 2 ? at(parent()).bounds : Area{};
+  /// Of `type`, an AtspiCoordType: 0 the screen, 1 the window, 2 the parent.
+  Area origin(unsigned type) const {
+    return type == 1 ? at(Objects::window).bounds : type == 2 ? at(parent()).bounds : Area{};
+  }
+  /// From the origin of the type that the call asks for.
+  Area bounds() const {
+    unsigned type = 0;
+    read("u", &type);
     const auto& [x, y, width, height] = at(object).bounds;
-    return {x - from.x, y - from.y, width, height};
+    return {x - origin(type).x, y - origin(type).y, width, height};
+  }
+  /// Returns a function that tells whether an object contains the point of the call.
+  auto containing() const {
+    int x = 0, y = 0;
+    unsigned type = 0;
+    read("iiu", &x, &y, &type);
+    x += origin(type).x;
+    y += origin(type).y;
+    return [*this, x, y](int index) {
+      const Area& area = at(index).bounds;
+      return x >= area.x && y >= area.y && x < area.x + area.width && y < area.y + area.height;
+    };
   }
 
   void read(const char* types, auto*... values) const { sd_bus_message_read(call, types, values...); }
   void add(const char* types, auto... values) const { sd_bus_message_append(answer, types, values...); }
-  void addReference(int to) const { add("(so)", objects.busName.c_str(), at(to).path.c_str()); }
+  void addReference(int to) const {
+    add("(so)", objects.busName.c_str(), to == none ? "/org/a11y/atspi/null" : at(to).path.c_str());
+  }
 };
 
 using Q = const Question&;
@@ -50,8 +76,7 @@ void addParent(Q q) {
 void addChild(Q q) {
   int index = -1;
   q.read("i", &index);
-  if (index >= 0 && index < q.childCount()) return q.addReference(q.firstChild() + index);
-  q.add("(so)", q.objects.busName.c_str(), "/org/a11y/atspi/null");
+  q.addReference(index >= 0 && index < q.childCount() ? q.firstChild() + index : Question::none);
 }
 
 void addChildren(Q q) {
@@ -66,19 +91,33 @@ void addInterfaces(Q q) {
         isApplication ? "org.a11y.atspi.Application" : "org.a11y.atspi.Component");
 }
 
-void addContains(Q q) {
-  int x = 0, y = 0;
-  unsigned origin = 0;
-  q.read("iiu", &x, &y, &origin);
-  const Area area = q.bounds(origin);
-  q.add("b", x >= area.x && y >= area.y && x < area.x + area.width && y < area.y + area.height);
+void addExtents(Q q) {
+  const Area area = q.bounds();
+  q.add("(iiii)", area.x, area.y, area.width, area.height);
 }
 
-void addExtents(Q q) {
-  unsigned origin = 0;
-  q.read("u", &origin);
-  const Area area = q.bounds(origin);
-  q.add("(iiii)", area.x, area.y, area.width, area.height);
+void addPosition(Q q) {
+  const Area area = q.bounds();
+  q.add("ii", area.x, area.y);
+}
+
+void addObjectAtPoint(Q q) {
+  const auto isAt = q.containing();
+  int found = isAt(q.object) ? q.object : Question::none;
+  for (int i = 0; i < q.childCount(); ++i)
+    if (isAt(q.firstChild() + i)) found = q.firstChild() + i;
+  q.addReference(found);
+}
+
+/// In the language of the session, as screen readers say it.
+void addLocalizedRole(Q q) {
+  constexpr char domain[] = "at-spi2-core";
+  const tarno::Handle<std::remove_pointer_t<locale_t>, freelocale> language{
+      newlocale(LC_MESSAGES_MASK, "", nullptr)};
+  bind_textdomain_codeset(domain, "UTF-8");
+  const locale_t before = uselocale(language.get());  // null changes nothing
+  q.add("s", dgettext(domain, q.at(q.object).role.name));
+  uselocale(before);
 }
 
 /// The methods and properties of the interfaces Accessible, Application and Component that libatspi and Orca
@@ -96,15 +135,23 @@ constexpr struct {
     {"GetChildren", "", addChildren},
     {"GetIndexInParent", "", [](Q q) { q.add("i", std::max(0, q.object - Objects::firstElement)); }},
     {"GetRelationSet", "", [](Q q) { q.add("a(ua(so))", 0); }},
-    {"GetRole", "", [](Q q) { q.add("u", q.at(q.object).role); }},
+    {"GetRole", "", [](Q q) { q.add("u", q.at(q.object).role.number); }},
+    {"GetRoleName", "", [](Q q) { q.add("s", q.at(q.object).role.name); }},
+    {"GetLocalizedRoleName", "", addLocalizedRole},
     // AtspiStateType: enabled, sensitive, showing, visible
     {"GetState", "", [](Q q) { q.add("au", 2, 1U << 8 | 1U << 24 | 1U << 25 | 1U << 30, 0U); }},
     {"GetAttributes", "", [](Q q) { q.add("a{ss}", 0); }},
     {"GetApplication", "", [](Q q) { q.addReference(Objects::application); }},
     {"GetInterfaces", "", addInterfaces},
     {"ToolkitName", "s", [](Q q) { q.add("s", "tarno"); }},
-    {"Contains", "", addContains},
-    {"GetExtents", "", addExtents}};
+    {"Contains", "", [](Q q) { q.add("b", q.containing()(q.object)); }},
+    {"GetAccessibleAtPoint", "", addObjectAtPoint},
+    {"GetExtents", "", addExtents},
+    {"GetPosition", "", addPosition},
+    {"GetSize", "", [](Q q) { q.add("ii", q.at(q.object).bounds.width, q.at(q.object).bounds.height); }},
+    // AtspiComponentLayer: the window layer, or the widget layer
+    {"GetLayer", "", [](Q q) { q.add("u", q.object == Objects::window ? 7 : 3); }},
+    {"GrabFocus", "", [](Q q) { q.add("b", false); }}};
 
 /// Unknown requests are left to the bus library, which returns an error.
 int answer(sd_bus_message* call, void* data, sd_bus_error*) {
@@ -132,14 +179,14 @@ std::vector<AccessibleObject> makeTree(const Frame& frame, const Area& extents, 
   const std::string folder = "/org/a11y/atspi/accessible/";
   const auto pixels = [scale](double points) { return static_cast<int>(std::lround(points * scale)); };
   std::vector<AccessibleObject> tree{
-      {atspi_role::application, folder + "root", "tarno-desktop", {}},
-      {atspi_role::frame, folder + "window", frame.title, extents},
-      {atspi_role::notification, folder + "notification", frame.announcement, extents}};
-  for (const auto& [role, label, x, y, width, height] : frame.elements) {
+      {role::application, folder + "root", "tarno-desktop", {}},
+      {role::frame, folder + "window", frame.title, extents},
+      {role::notification, folder + "notification", frame.announcement, extents}};
+  for (const auto& [kind, label, x, y, width, height] : frame.elements) {
     const int left = pixels(x), top = pixels(y);
     const Area bounds{extents.x + left, extents.y + top, pixels(x + width) - left, pixels(y + height) - top};
-    tree.push_back({role == "image" ? atspi_role::image : atspi_role::label,
-                    folder + role + std::to_string(tree.size()), label, bounds});
+    tree.push_back({kind == "image" ? role::image : role::label, folder + kind + std::to_string(tree.size()),
+                    label, bounds});
   }
   return tree;
 }

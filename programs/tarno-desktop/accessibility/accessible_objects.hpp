@@ -10,9 +10,14 @@
 
 namespace desktop {
 
+struct AccessibleRole {
+  int number;        ///< AtspiRole
+  const char* name;  ///< in English
+};
+
 /// An object that a screen reader finds.
 struct AccessibleObject {
-  int role;          ///< AtspiRole
+  AccessibleRole role;
   std::string path;  ///< on the bus; an object of another role has another path, because clients cache
                      ///< objects by path
   std::string name;

@@ -1,4 +1,5 @@
 """What a screen reader finds on the tile and hears of it."""
+import gettext
 import json
 import os
 import signal
@@ -53,6 +54,7 @@ class Accessibility(DesktopTest):
         os.environ |= self.rig.env
         self.rig.write("tarno-widget", WIDGET, 0o755)
         self.rig.write("frame", frame("Mac locked", "Kivo's Mac", "3s ago"))
+        self.rig.env["LANGUAGE"] = "de"
         self.tile = self.rig.tile("--anchor", "top-left", "--margin", "20")
         session = Gio.bus_get_sync(Gio.BusType.SESSION)
         session.set_exit_on_close(False)
@@ -108,23 +110,31 @@ class Accessibility(DesktopTest):
         window = application[0]
         extents = lambda: tuple(window.queryComponent().getExtents(0))
         wait_for(lambda: extents() == (30, 30, 546, 255), "the extents at another scale")
-        for element, expected in zip((window, *window), [
-                ("frame", "Tarno", 0, (30, 30, 546, 255), (0, 0, 546, 255), (30, 30, 546, 255)),
-                ("image", "Mac locked", 0, (54, 65, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)),
-                ("label", "Kivo's Mac", 1, (262, 90, 94, 20), (232, 60, 94, 20), (232, 60, 94, 20)),
-                ("label", "3s ago", 2, (262, 120, 94, 20), (232, 90, 94, 20), (232, 90, 94, 20))], strict=True):
+        german = gettext.translation("at-spi2-core", languages=["de"], fallback=True)  # some systems install no translations
+        for element, (*expected, places) in zip((window, *window), [  # the places from the screen, the window and the parent
+                ("frame", "Tarno", 0, 7, [(30, 30, 546, 255), (0, 0, 546, 255), (30, 30, 546, 255)]),
+                ("image", "Mac locked", 0, 3, [(54, 65, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)]),
+                ("label", "Kivo's Mac", 1, 3, [(262, 90, 94, 20), (232, 60, 94, 20), (232, 60, 94, 20)]),
+                ("label", "3s ago", 2, 3, [(262, 120, 94, 20), (232, 90, 94, 20), (232, 90, 94, 20)])
+        ], strict=True):
             with self.subTest(expected[1]):
-                place = element.queryComponent()
-                found = (element.getRoleName(), element.name, element.getIndexInParent(),
-                         *(tuple(place.getExtents(origin)) for origin in range(3)))
+                component = element.queryComponent()
+                found = [element.getRoleName(), element.name, element.getIndexInParent(), component.getLayer()]
                 self.assertEqual(found, expected)
+                self.assertEqual(element.getLocalizedRoleName(), german.gettext(found[0]))
+                self.assertEqual([tuple(component.getExtents(origin)) for origin in range(3)], places)
+                self.assertEqual([component.getPosition(origin) + component.getSize() for origin in range(3)], places)
+                self.assertFalse(component.grabFocus())
                 self.assertEqual(element.parent, application if element == window else window)
                 states = [pyatspi.stateToString(state) for state in element.getState().getStates()]
                 self.assertEqual(states, ["enabled", "sensitive", "showing", "visible"])
+        at = window.queryComponent().getAccessibleAtPoint
         for x, y, origin, is_in in [(54, 65, 0, True), (53, 65, 0, False), (54, 64, 0, False), (239, 250, 0, True),
                                     (240, 250, 0, False), (239, 251, 0, False), (24, 35, 1, True), (24, 34, 1, False)]:
             with self.subTest(x=x, y=y, origin=origin):
                 self.assertEqual(window[0].queryComponent().contains(x, y, origin), is_in)
+                self.assertEqual(at(x, y, origin), window[0] if is_in else window)
+        self.assertIsNone(at(29, 30, 0))
 
     def check_events(self, pyatspi, window):
         heard, expected = [], []
