@@ -2,27 +2,28 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace desktop {
 namespace {
 
+using Objects = AccessibleObjects;
+
 constexpr char service[] = "org.a11y.Bus", servicePath[] = "/org/a11y/bus";
 constexpr char properties[] = "org.freedesktop.DBus.Properties";
-constexpr char registry[] = "org.a11y.atspi.Registry";
+constexpr char registry[] = "org.a11y.atspi.Registry", registryPath[] = "/org/a11y/atspi/registry";
 
 }  // namespace
 
 void AccessibleTile::update(const Frame& frame) {
   isDue_ = true;
-  const auto said = std::exchange(frame_, frame).announcement;
+  frame_ = frame;
   frame_.picture.reset();
   const auto before = std::exchange(objects_.tree, makeTree(frame_, extents_, scale_));
   if (!isJoined_) return;
   tellChanges(before);
-  if (frame_.announcement != said)
-    sd_bus_call_method_async(bus_.get(), nullptr, registry, "/org/a11y/atspi/registry", registry,
-                             "GetRegisteredEvents", answered<&AccessibleTile::announce>, this, "");
+  if (objects_.tree[Objects::notification].name != before[Objects::notification].name) askListeners(nullptr);
 }
 
 void AccessibleTile::place(const Area& extents, double scale) {
@@ -98,12 +99,24 @@ void AccessibleTile::enter(sd_bus_message* address) {
   const bool isEntered = sd_bus_set_address(bus, text) >= 0 && sd_bus_set_bus_client(bus, 1) >= 0 &&
                          answerFor(objects_, bus) >= 0 && sd_bus_set_connected_signal(bus, 1) >= 0 &&
                          sd_bus_match_signal_async(bus, nullptr, local, nullptr, local, "Connected",
-                                                   answered<&AccessibleTile::embed>, nullptr, this) >= 0 &&
+                                                   answered<&AccessibleTile::follow>, nullptr, this) >= 0 &&
                          sd_bus_start(bus) >= 0;
   if (!isEntered) bus_.reset();
 }
 
-void AccessibleTile::embed(sd_bus_message*) {
+/// Notices new listeners and a new registry.
+void AccessibleTile::follow(sd_bus_message*) {
+  heard_.clear();  // another bus gives the same names to others
+  sd_bus_match_signal_async(bus_.get(), nullptr, registry, registryPath, registry, "EventListenerRegistered",
+                            answered<&AccessibleTile::askListeners>, nullptr, this);
+  sd_bus_add_match_async(bus_.get(), nullptr,
+                         "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
+                         "arg0='org.a11y.atspi.Registry'",
+                         answered<&AccessibleTile::embedAgain>, nullptr, this);
+  embed();
+}
+
+void AccessibleTile::embed() {
   const char* name = "";
   sd_bus_get_unique_name(bus_.get(), &name);
   objects_.busName = name;
@@ -118,21 +131,35 @@ void AccessibleTile::join(sd_bus_message* desktop) {
   objects_.desktopName = name;
   objects_.desktopPath = path;
   isJoined_ = true;
+  askListeners(nullptr);
 }
 
-/// Sends an event of `object` to all listeners.
+/// A new registry knows no applications.
+void AccessibleTile::embedAgain(sd_bus_message* owners) {
+  const char *name = nullptr, *before = nullptr, *now = "";
+  sd_bus_message_read(owners, "sss", &name, &before, &now);
+  if (*now && std::exchange(isJoined_, false)) embed();
+}
+
+/// Sends an event of `object` to `reader`, or to all listeners if it is null.
 template <class... Values>
-void AccessibleTile::tell(const AccessibleObject& object, const char* event, const char* kind, int detail,
-                          const char* type, Values... values) const {
-  sd_bus_emit_signal(bus_.get(), object.path.c_str(), "org.a11y.atspi.Event.Object", event, "siiva{sv}", kind,
-                     detail, 0, type, values..., 0);
+void AccessibleTile::tell(const char* reader, const AccessibleObject& object, const char* event,
+                          const char* kind, int detail, const char* type, Values... values) const {
+  sd_bus_message* made = nullptr;
+  if (sd_bus_message_new_signal(bus_.get(), &made, object.path.c_str(), "org.a11y.atspi.Event.Object",
+                                event) < 0)
+    return;
+  const tarno::Handle<sd_bus_message, sd_bus_message_unref> message{made};
+  sd_bus_message_append(made, "siiva{sv}", kind, detail, 0, type, values..., 0);
+  if (reader) sd_bus_message_set_destination(made, reader);
+  sd_bus_send(bus_.get(), made, nullptr);
 }
 
 void AccessibleTile::tellChanges(const std::vector<AccessibleObject>& before) const {
-  constexpr std::size_t first = AccessibleObjects::firstElement;
+  constexpr std::size_t first = Objects::firstElement;
   const auto& now = objects_.tree;
   const auto tellChild = [&](const char* kind, const AccessibleObject& child, std::size_t number) {
-    tell(now[AccessibleObjects::window], "ChildrenChanged", kind, static_cast<int>(number - first), "(so)",
+    tell(nullptr, now[Objects::window], "ChildrenChanged", kind, static_cast<int>(number - first), "(so)",
          objects_.busName.c_str(), child.path.c_str());
   };
   for (auto i = before.size(); i-- > first;)
@@ -141,22 +168,38 @@ void AccessibleTile::tellChanges(const std::vector<AccessibleObject>& before) co
     const bool isNew = i >= before.size() || now[i].path != before[i].path;
     if (isNew) tellChild("add", now[i], i);
     if (isNew || now[i].name != before[i].name)
-      tell(now[i], "PropertyChange", "accessible-name", 0, "s", now[i].name.c_str());
+      tell(nullptr, now[i], "PropertyChange", "accessible-name", 0, "s", now[i].name.c_str());
   }
 }
 
-/// Sends an announcement to readers that support it, and a notification to all others.
+void AccessibleTile::askListeners(sd_bus_message*) {
+  if (isJoined_)
+    sd_bus_call_method_async(bus_.get(), nullptr, registry, registryPath, registry, "GetRegisteredEvents",
+                             answered<&AccessibleTile::announce>, this, "");
+}
+
+/// Tells each reader what it has not heard yet: an announcement if it supports that, or else a notification.
 void AccessibleTile::announce(sd_bus_message* listeners) {
-  std::string events;
-  const char *client = nullptr, *event = nullptr;
-  sd_bus_message_enter_container(listeners, 'a', "(ss)");
-  while (sd_bus_message_read(listeners, "(ss)", &client, &event) > 0) events += event;
-  const auto& said = objects_.tree[AccessibleObjects::notification];
+  if (sd_bus_message_enter_container(listeners, 'a', "(ss)") <= 0) return;
+  std::map<std::string, bool> readers;  // whether each supports announcements
+  const char *reader = nullptr, *event = nullptr;
+  while (sd_bus_message_read(listeners, "(ss)", &reader, &event) > 0) {
+    const std::string_view kind = event;
+    if (kind.starts_with("Object:Announcement"))
+      readers[reader] = true;
+    else if (kind.starts_with("Object:StateChanged"))
+      readers.try_emplace(reader, false);
+  }
+  const auto& said = objects_.tree[Objects::notification];
   constexpr int polite = 1;  // AtspiLive
-  if (events.find("Object:Announcement") != events.npos)
-    tell(objects_.tree[AccessibleObjects::window], "Announcement", "", polite, "s", said.name.c_str());
-  else if (events.find("Object:StateChanged") != events.npos)
-    tell(said, "StateChanged", "showing", 1, "i", 0);
+  for (const auto& [name, takesAnnouncements] : readers) {
+    // Readers that have gone are kept, because some leave and come with each program that gets the focus.
+    if (std::exchange(heard_[name], said.name) == said.name) continue;
+    if (takesAnnouncements)
+      tell(name.c_str(), objects_.tree[Objects::window], "Announcement", "", polite, "s", said.name.c_str());
+    else
+      tell(name.c_str(), said, "StateChanged", "showing", 1, "i", 0);
+  }
 }
 
 }  // namespace desktop

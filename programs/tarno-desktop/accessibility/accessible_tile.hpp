@@ -2,6 +2,9 @@
 
 #include <systemd/sd-bus.h>
 
+#include <map>
+#include <string>
+
 #include "tarno/accessibility/accessible_objects.hpp"
 #include "tarno/common/event_loop.hpp"
 #include "tarno/foundation/handle.hpp"
@@ -13,8 +16,8 @@ namespace desktop {
 /// then leaves the session bus. It never waits for an answer, and absorbs all failures of the buses.
 class AccessibleTile final : public program::EventSource {
  public:
-  /// Sets the content of the tile. A new announcement is spoken politely; a changed label sends a change of
-  /// name; unchanged elements send nothing.
+  /// Sets the content of the tile. Each reader hears an announcement politely and once: when it is new, or
+  /// when the reader comes. A changed label sends a change of name; unchanged elements send nothing.
   void update(const Frame& frame);
 
   /// Sets the position of the tile on the screen and the pixels per point.
@@ -24,20 +27,23 @@ class AccessibleTile final : public program::EventSource {
   void dispatch(short events) override;
 
  private:
-  // In this order, each called with the answer to the one before.
+  // Up to join() in this order, each called with the answer to the one before.
   void openSession();
   void askStatus(sd_bus_message*);
   void askAddress(sd_bus_message* status);
   void enter(sd_bus_message* address);
-  void embed(sd_bus_message* connected);
+  void follow(sd_bus_message* connected);
+  void embed();
   void join(sd_bus_message* desktop);
+  void embedAgain(sd_bus_message* owners);
 
   template <auto use>
   static int answered(sd_bus_message* answer, void* self, sd_bus_error*);
   template <class... Values>
-  void tell(const AccessibleObject& object, const char* event, const char* kind, int detail, const char* type,
-            Values... values) const;
+  void tell(const char* reader, const AccessibleObject& object, const char* event, const char* kind,
+            int detail, const char* type, Values... values) const;
   void tellChanges(const std::vector<AccessibleObject>& before) const;
+  void askListeners(sd_bus_message*);
   void announce(sd_bus_message* listeners);
 
   Frame frame_;  ///< without the picture
@@ -45,8 +51,9 @@ class AccessibleTile final : public program::EventSource {
   double scale_ = 1;
   AccessibleObjects objects_;
   tarno::Handle<sd_bus, sd_bus_close_unref> bus_;
-  bool isDue_ = false;     ///< whether to try to join the bus
-  bool isJoined_ = false;  ///< whether it is on the accessibility bus
+  std::map<std::string, std::string> heard_;  ///< the last announcement to each reader, by its bus name
+  bool isDue_ = false;                        ///< whether to try to join the bus
+  bool isJoined_ = false;                     ///< whether it is on the accessibility bus
 };
 
 }  // namespace desktop
