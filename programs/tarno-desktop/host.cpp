@@ -79,7 +79,7 @@ class Host final : program::EventSource {
     const auto wanted = options_.monitor ? "monitor " + *options_.monitor : "a monitor";
     const auto& kind = opened_.surface->kind();
     program::complain((monitor ? "shown as " + kind + " on monitor " + monitor->connector
-                               : "waiting for " + wanted + ", to be shown as " + kind) +
+                               : "waiting for " + wanted + "; the tile will be shown as " + kind) +
                       (opened_.reason.empty() ? "" : " (" + opened_.reason + ")"));
   }
 

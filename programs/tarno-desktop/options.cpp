@@ -83,7 +83,7 @@ void addOptions(CLI::App& app, Options& options) {
   app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit")
       ->configurable(false);
   add("--autostart", options.autostart, "WORD",
-      "Turn the start at every login on or off; print what was done, then exit")
+      "Start the tile at login: on or off; print what was done, then exit")
       ->check(program::oneOf({"on", "off"}))
       ->configurable(false);
   app.allow_config_extras(CLI::config_extras_mode::error);

@@ -131,7 +131,7 @@ std::string setAutostart(bool on) {
   const auto entry = autostartEntry();
   const auto kept = setAsideEdited(file, entry);
   program::writeFile(file, entry);
-  return "Wrote " + file.string() + ": the tile starts at every login." +
+  return "Wrote " + file.string() + ": the tile starts at login." +
          (kept.empty() ? "" : " The entry that was there is kept as " + kept.string() + ".") + "\n";
 }
 

@@ -87,7 +87,7 @@ int fonts() {
   const bool hasRounded = render::hasRoundedFace();
   program::writeOutput(hasRounded
                            ? "Quicksand\n"
-                           : "Quicksand is missing, so texts are set in a plain sans-serif face; install "
+                           : "Quicksand is missing, so texts are set in a plain sans-serif font; install "
                              "fonts-quicksand\n");
   return hasRounded ? EX_OK : EX_UNAVAILABLE;
 }

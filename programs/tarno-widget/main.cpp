@@ -20,7 +20,7 @@ void addFamilyOption(CLI::App& command, widgetkit::WidgetFamily& family) {
   const std::string words{extension::familyWords};
   const auto read = [&family, words](const std::string& word) {
     const auto named = extension::familyNamed(word);
-    if (!named) throw CLI::ValidationError{"--family takes " + words + ", not '" + word + "'"};
+    if (!named) throw CLI::ValidationError{"--family: '" + word + "' is not " + words};
     family = *named;
   };
   command.add_option_function<std::string>("--family", read, "Size of the tile: " + words)
@@ -104,7 +104,7 @@ int main(int argc, char** argv) {
       ->type_name("FOLDER");
   addScaleOption(gallery, browsing.scale);
 
-  auto& fonts = addCommand(app, "fonts", "Print the font in use, and whether the intended one is missing",
+  auto& fonts = addCommand(app, "fonts", "Print the font in use, and whether Quicksand is missing",
                            "tarno-widget fonts");
 
   program::ClockOption clock{&render, &frame, &timeline, &inspect, &gallery};

@@ -67,7 +67,7 @@ class Wayland(DesktopTest):
         self.rig.sway(MODE.format("X11-1", 0), MODE.format("X11-2", 1280), MODE.format("X11-3", 0))
         image = render(self.rig)
         tile = self.rig.tile("--monitor", "X11-2", "--anchor", "top-left", *AT)
-        self.says(tile, "waiting for monitor X11-2, to be shown as a layer-shell surface in the bottom layer")
+        self.says(tile, "waiting for monitor X11-2; the tile will be shown as a layer-shell surface in the bottom layer")
         self.assertTrue(cells.is_covered(screen, image, 16, 16))
         self.rig.swaymsg("create_output")
         windows = screen.spread((0, 0), (1280, 0))

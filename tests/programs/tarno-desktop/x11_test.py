@@ -145,7 +145,7 @@ class X11(DesktopTest):
         beside = ("DUMMY1", "--mode", "1024x768", "--right-of", "DUMMY0")
         turn("DUMMY1", "--off")
         tile = self.rig.tile(*AT, "--monitor", "DUMMY1", "--anchor", "left")
-        self.says(tile, "waiting for monitor DUMMY1, to be shown as an X11 desktop window")
+        self.says(tile, "waiting for monitor DUMMY1; the tile will be shown as an X11 desktop window")
         for words, places in ((beside, [1040]), (("DUMMY1", "--off"), [16]), (("DUMMY0", "--off"), []),
                               (("DUMMY0", "--mode", "1024x768"), [16]), (beside, [1040])):
             turn(*words)
