@@ -38,10 +38,11 @@ class Companion(ProgramTest):
         shown = self.shown(at=None)
         return shown and (shown["status"], shown["detail_line"])
 
-    def test_the_example_is_a_record_and_the_table_lists_its_keys(self):
+    def test_the_example_is_a_record_and_the_manual_page_lists_its_keys(self):
         example = block("json", "The record")
         self.assertEqual(self.run_program("tarno-status", "save", stdin=example).stderr, b"")
-        keys = re.findall(r"^\| `(\w+)` \|", PAGE.read_text(encoding="utf-8"), re.M)
+        manual = (PAGE.parents[1] / "packaging/man/tarno-status.1").read_text().partition(".Sh THE RECORD")[2]
+        keys = re.findall(r"^\.It Li (\w+)", manual, re.M)
         self.assertEqual(keys, list(json.loads(example)))
         self.assertEqual(len(keys), 16)
 
