@@ -37,9 +37,9 @@ def commands(program):
                 if section == "Options:":
                     argument = re.match(r" ?(?!Excludes:|Needs:|REQUIRED)([A-Z]*)", left)[1]
                     options.append((entry[1].split(","), argument, words, text))
-                elif section == "Positionals:":
+                elif section == "Arguments:":
                     positional = entry[1], words
-                elif section == "Subcommands:":
+                elif section == "Commands:":
                     subcommands.append((entry[1], text))
         found[name] = options, subcommands, positional
         names += [word for word, _ in subcommands]

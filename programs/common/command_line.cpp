@@ -21,13 +21,27 @@ void fillStandardDescriptors() {
     if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
+/// Makes the help of a program and of its commands say the same in the same words.
+void setHelpText(CLI::App& app) {
+  app.get_help_ptr()->description("Print a help text and exit");
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app.get_formatter()->label("Positionals", "Arguments");
+  for (auto* const command : app.get_subcommands({})) {
+    command->group("Commands");
+    setHelpText(*command);
+  }
+}
+
 }  // namespace
 
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command) {
   fillStandardDescriptors();
   // Writing beyond the limit on file sizes then fails like any other write, and the clean-up runs.
   std::signal(SIGXFSZ, SIG_IGN);
-  app.set_version_flag("--version", std::string{program_invocation_short_name} + " " + TARNO_VERSION);
+  const std::string name = program_invocation_short_name;
+  app.name(name);
+  app.set_version_flag("--version", name + " " + TARNO_VERSION, "Print the version and exit");
+  setHelpText(app);
   try {
     try {
       app.parse(argc, argv);

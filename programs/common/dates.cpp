@@ -7,7 +7,8 @@
 namespace program {
 namespace {
 
-const std::string forms = "a date such as 2026-11-16T15:41:35Z or 2026-11-16T16:41:35.250+01:00 (RFC 3339)";
+const std::string forms =
+    "an RFC 3339 date-time such as 2026-11-16T15:41:35Z or 2026-11-16T16:41:35.250+01:00";
 
 }  // namespace
 
@@ -15,7 +16,7 @@ CLI::Option* addDateOption(CLI::App& app, const std::string& name, std::optional
                            const std::string& description) {
   const auto read = [&date, name](const std::string& text) {
     date = tarno::dateFromRFC3339(text);
-    if (!date) throw CLI::ValidationError{name + " takes " + forms + ", not '" + text + "'"};
+    if (!date) throw CLI::ValidationError{name + ": '" + text + "' is not " + forms};
   };
   return app.add_option_function<std::string>(name, read, description + "; " + forms)->type_name("DATE");
 }

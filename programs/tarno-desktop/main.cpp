@@ -21,7 +21,7 @@ void listMonitors(const desktop::Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app{"Shows the widget on the desktop: a live tile that stays up to date."};
+  CLI::App app{"Keeps a live tile with the lock status of your Mac on the desktop."};
   program::setExample(app, "tarno-desktop --family small --anchor bottom-right --margin 24");
   desktop::Options options;
   desktop::addOptions(app, options);
@@ -29,8 +29,8 @@ int main(int argc, char** argv) {
   return program::run(app, argc, argv, [&] {
     if (options.autostart) {
       if (app.parse_order().size() > 1)
-        throw program::Failure{EX_USAGE,
-                               "--autostart stands alone: put other options into the settings file"};
+        throw program::Failure{
+            EX_USAGE, "--autostart cannot be combined with other options: put them into the settings file"};
       program::writeOutput(desktop::setAutostart(*options.autostart == "on"));
       return EX_OK;
     }

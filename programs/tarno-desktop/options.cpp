@@ -48,38 +48,41 @@ void addOptions(CLI::App& app, Options& options) {
   const auto add = [&](const char* name, auto& value, const char* type, const char* description) {
     return app.add_option(name, value, description)->type_name(type);
   };
-  const auto addWord = [&](const char* name, auto& value, const auto& words, const char* description) {
+  const auto addWord = [&](const char* name, auto& value, const auto& words, const char* usual,
+                           const char* description) {
     const auto use = [&value, &words](const std::string& word) { value = words.at(word); };
     std::vector<std::string> names;
     names.reserve(words.size());
     for (const auto& [word, meaning] : words) names.push_back(word);
     app.add_option_function<std::string>(name, use, description)
         ->check(program::oneOf(names))
-        ->type_name("WORD");
+        ->type_name("WORD")
+        ->default_str(usual);
   };
-  add("--family", options.family, "WORD", "Size of the tile: small, medium (default) or large")
-      ->check(program::oneOf({"small", "medium", "large"}));
-  addWord("--anchor", options.anchor, anchors,
-          "Place of the tile: top-left, top, top-right (default), left, center, right, bottom-left, bottom "
-          "or bottom-right");
+  add("--family", options.family, "WORD", "Size of the tile")
+      ->check(program::oneOf({"small", "medium", "large"}))
+      ->capture_default_str();
+  addWord("--anchor", options.anchor, anchors, "top-right",
+          "Place of the tile on its monitor, clear of panels");
   const auto useMargin = [&options](const std::string& text) { options.margin = *readMargin(text); };
   app.add_option_function<std::string>(
          "--margin", useMargin,
-         "Points between the tile and the edges that it is anchored to: one number (default: 16) or "
-         "TOP,RIGHT,BOTTOM,LEFT")
+         "Points between the tile and the edges that it is anchored to, from 0 to 10000: one number for all "
+         "edges, or TOP,RIGHT,BOTTOM,LEFT")
       ->check(checkMargin)
-      ->type_name("POINTS");
+      ->type_name("POINTS")
+      ->default_str("16");
   add("--monitor", options.monitor, "NAME",
-      "Connector of the monitor to show it on (default: the primary one)")
-      ->check(
-          [](const std::string& name) { return name.empty() ? "the name of a monitor is not empty" : ""; });
-  addWord("--layer", options.layer, layers,
-          "Layer of the tile: desktop (below all windows, the default), normal or above");
-  add("--scale", options.scale, "FACTOR", "Pixels per point (default: the monitor's scale)")
+      "Connector of the monitor to show the tile on, such as HDMI-1 (default: the primary monitor)")
+      ->check([](const std::string& name) { return name.empty() ? "'' is not the name of a monitor" : ""; });
+  addWord("--layer", options.layer, layers, "desktop",
+          "Layer of the tile: desktop is below all windows, normal is like an ordinary window, which you can "
+          "drag, and above is above all windows");
+  add("--scale", options.scale, "FACTOR",
+      "Pixels per point, a number from 0.25 to 16 (default: the monitor's scale)")
       ->check(program::numberFrom(0.25, 16));
   app.add_flag("--plain-window", options.plainWindow, "On Wayland, always use an ordinary window");
-  program::addDateOption(app, "--at", options.at,
-                         "Use this date instead of the current time: the clock is frozen at that date");
+  program::addDateOption(app, "--at", options.at, "Use this date instead of the current time");
   app.add_flag("--list-monitors", options.listMonitors, "Print the monitors by connector, then exit")
       ->configurable(false);
   add("--autostart", options.autostart, "WORD",

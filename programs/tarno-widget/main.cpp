@@ -17,14 +17,10 @@ CLI::App& addCommand(CLI::App& app, const char* name, const char* description, c
 }
 
 void addFamilyOption(CLI::App& command, widgetkit::WidgetFamily& family) {
-  const std::string words{extension::familyWords};
-  const auto read = [&family, words](const std::string& word) {
-    const auto named = extension::familyNamed(word);
-    if (!named) throw CLI::ValidationError{"--family: '" + word + "' is not " + words};
-    family = *named;
-  };
-  command.add_option_function<std::string>("--family", read, "Size of the tile: " + words)
-      ->type_name("FAMILY")
+  const auto use = [&family](const std::string& word) { family = *extension::familyNamed(word); };
+  command.add_option_function<std::string>("--family", use, "Size of the tile")
+      ->check(program::oneOf({"small", "medium", "large"}))
+      ->type_name("WORD")
       ->default_str("medium");
 }
 
@@ -71,7 +67,9 @@ int main(int argc, char** argv) {
                             "tarno-widget render --family small --scale 2 --output tile.png");
   addTileOptions(render, rendering.tile);
   addScaleOption(render, rendering.scale);
-  render.add_option("--output", rendering.output, "A .png, .svg or .pdf file; - is PNG on standard output")
+  render
+      .add_option("--output", rendering.output,
+                  "Image file: a .png, .svg or .pdf file, or - for a PNG on standard output")
       ->type_name("FILE")
       ->required();
 
@@ -80,13 +78,16 @@ int main(int argc, char** argv) {
                            "tarno-widget frame --family medium --scale 1.5 --fd 3");
   addFamilyOption(frame, framing.family);
   addScaleOption(frame, framing.scale);
-  frame.add_option("--fd", framing.descriptor, "An inherited descriptor of a memfd that allows sealing")
+  frame
+      .add_option("--fd", framing.descriptor,
+                  "Number of an inherited descriptor of a memfd that allows sealing")
       ->type_name("NUMBER")
       ->required();
 
   auto timelineFamily = widgetkit::WidgetFamily::systemMedium;
-  auto& timeline = addCommand(app, "timeline", "Print a timeline's entries and its reload date as JSON",
-                              "tarno-widget timeline --at 2026-11-16T15:45:00Z");
+  auto& timeline =
+      addCommand(app, "timeline", "Print the entries of the timeline and the reload date as JSON",
+                 "tarno-widget timeline --at 2026-11-16T15:45:00Z");
   addFamilyOption(timeline, timelineFamily);
 
   extension::InspectOptions inspecting;
@@ -100,7 +101,7 @@ int main(int argc, char** argv) {
   auto& gallery = addCommand(app, "gallery", "Print the widget's name, description and sizes",
                              "tarno-widget gallery --output previews");
   gallery.add_flag("--json", browsing.asJSON, "Print JSON");
-  gallery.add_option("--output", browsing.output, "Also draw a preview of every family into this folder")
+  gallery.add_option("--output", browsing.output, "Also draw a preview of each size into this folder")
       ->type_name("FOLDER");
   addScaleOption(gallery, browsing.scale);
 

@@ -20,10 +20,7 @@ inline constexpr double cornerRadius = 22;
 /// Returns the size of a tile in points: 170 x 170, 364 x 170, 364 x 382.
 ui::Size tileSize(widgetkit::WidgetFamily family);
 
-/// The names of the families on a command line.
-inline constexpr std::string_view familyWords = "small, medium or large";
-
-/// Returns the family of this name, or nothing.
+/// Returns the family of this name on a command line (small, medium or large), or nothing.
 std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
 
 /// What to request from the provider.

@@ -27,7 +27,7 @@ def help_of(command):
     program, *words = command.split()
     text = output(BIN / program, *words, "--help")
     assert re.search(rf"Example:\n  .*{command}", text), text
-    options, _, commands = text.partition("\nSubcommands:\n")
+    options, _, commands = text.partition("\nCommands:\n")
     found = re.findall(r"^  (?:-h,)?(--[\w-]+)(?: (?!Excludes|Needs|REQUIRED)([A-Z]+)(?::\{(.*?)\})?)?", options, re.M)
     return ({name: set(words.split(",") if words else argument.split()) for name, argument, words in found},
             re.findall(r"^  ([a-z]+)  ", commands.partition("\n\n")[0], re.M))
