@@ -12,8 +12,8 @@ namespace {
 
 using CodePoints = std::vector<utf8proc_int32_t>;
 
-/// Two different texts can be equivalent only from U+0300 on, the first combining mark. Its first byte is
-/// 0xCC.
+/// Returns false if `text` is canonically equivalent only to itself: it has no character from U+0300 on, the
+/// first combining mark, whose first byte in UTF-8 is 0xCC.
 bool mayHaveOtherForms(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
 }

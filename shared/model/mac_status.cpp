@@ -12,7 +12,7 @@ struct Words {
   std::string_view displayName;
 };
 
-/// In the order of the cases.
+/// The words of each status, in the order of the cases.
 constexpr std::array<Words, TarnoMacStatus::allCases.size()> words{
     {{"locked", "Locked"}, {"unlocked", "Unlocked"}, {"locking", "Locking"}, {"unknown", "Unknown"}}};
 

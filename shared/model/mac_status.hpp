@@ -12,8 +12,8 @@ class Decoder;
 class Encoder;
 }  // namespace tarno
 
-/// The lock state of the user's Mac as the companion reports it. `unknown` is a state that a companion may
-/// report; an absent status means something else.
+/// The lock state of the user's Mac as the companion reports it. A companion may report `unknown`, which is
+/// not the same as an absent status.
 class TarnoMacStatus {
  public:
   enum Case : std::uint8_t { locked, unlocked, locking, unknown };
@@ -21,16 +21,17 @@ class TarnoMacStatus {
   constexpr TarnoMacStatus(Case value = unknown) : case_(value) {}
   constexpr operator Case() const { return case_; }
 
-  /// In declaration order.
+  /// All cases, in declaration order.
   static const std::array<TarnoMacStatus, 4> allCases;
 
   /// Returns the case whose raw value is exactly `text`; nothing for any other text.
   static std::optional<TarnoMacStatus> fromRawValue(std::string_view text);
 
-  /// The external form of a status: "locked", "unlocked", "locking", "unknown".
+  /// Returns the word for the status in records and on command lines: "locked", "unlocked", "locking" or
+  /// "unknown".
   std::string_view rawValue() const;
 
-  /// The English text for people: "Locked" and so on.
+  /// Returns the English word for people: "Locked" and so on.
   std::string_view displayName() const;
 
   /// Writes one JSON string, the raw value.
@@ -47,7 +48,7 @@ class TarnoMacStatus {
 inline constexpr std::array<TarnoMacStatus, 4> TarnoMacStatus::allCases{
     TarnoMacStatus::locked, TarnoMacStatus::unlocked, TarnoMacStatus::locking, TarnoMacStatus::unknown};
 
-/// Hashes as the raw value does.
+/// Gives a status the hash of its raw value.
 template <>
 struct std::hash<TarnoMacStatus> {
   std::size_t operator()(TarnoMacStatus status) const {

@@ -14,10 +14,10 @@ inline constexpr std::string_view noStatus = "No status";
 /// The detail line if nothing explains the status.
 inline constexpr std::string_view waiting = "Waiting for Tarno status.";
 
-/// The report's own line, or noStatus.
+/// Returns the status line of `report`; noStatus if there is no report.
 std::string statusLine(const std::optional<TarnoMacStatusSnapshot>& report);
 
-/// The report's own line, or `waiting`.
+/// Returns the detail line of `report`; `waiting` if there is no report.
 std::string detailLine(const std::optional<TarnoMacStatusSnapshot>& report);
 
 /// Returns the name of the Mac in `report`; "Mac" if there is no report or no name in it.

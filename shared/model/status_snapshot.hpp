@@ -9,8 +9,8 @@
 #include "tarno/foundation/date.hpp"
 #include "tarno/shared/model/mac_status.hpp"
 
-/// A status report about the user's Mac. As JSON (schema "tarno.remote.v1") the companion and the widget
-/// exchange it. Every field is optional and absent at first. A value type; any thread.
+/// A report about the status of the user's Mac. The companion and the widget exchange it as JSON, in the
+/// schema "tarno.remote.v1". Every field is optional and absent at first. A value type; any thread.
 struct TarnoMacStatusSnapshot {
   std::optional<std::string> schema;      ///< the record format; not checked when reading
   std::optional<std::string> app;         ///< the writing application
@@ -24,10 +24,10 @@ struct TarnoMacStatusSnapshot {
   std::optional<std::int64_t> confidence;  ///< on a scale of the writer's own
   std::optional<bool> facePresent;         ///< a face was seen
   std::optional<bool> companionPresent;    ///< the paired watch is near
-  std::optional<double> inputIdleSeconds;  ///< since the last input
-  std::optional<bool> stale;               ///< true: not to be trusted as current
-  std::optional<std::int64_t> ageSeconds;  ///< of the status
-  std::optional<std::string> message;      ///< a text for people, second to `reason`
+  std::optional<double> inputIdleSeconds;  ///< the time since the last input
+  std::optional<bool> stale;               ///< the report is too old to be trusted
+  std::optional<std::int64_t> ageSeconds;  ///< the age of the status
+  std::optional<std::string> message;      ///< a text for people, shown if there is no `reason`
 
   /// The keys of the record: the sixteen JSON names, in the order of the fields.
   struct CodingKeys {

@@ -20,7 +20,7 @@ std::mutex& appGroupFallbackLock() {
   return lock;
 }
 
-/// Guarded by appGroupFallbackLock.
+/// Whether store() has already reported that it fell back. Guarded by appGroupFallbackLock.
 bool loggedAppGroupFallback = false;
 
 void reportFallbackOnce() {
@@ -39,7 +39,7 @@ void reportFallbackOnce() {
 
 using Entry = std::pair<std::string_view, tarno::DefaultsValue>;
 
-/// Returns the values that a report is saved as, in the order in which they are written. Throws
+/// Returns the keys and values that a report is saved as, in the order in which they are written. Throws
 /// EncodingError.
 std::vector<Entry> entriesOf(const TarnoMacStatusSnapshot& snapshot, Date receivedAt,
                              const std::optional<std::string>& mirrorKey) {

@@ -7,7 +7,7 @@
 #include "tarno/widget/views/widget_view.hpp"
 #include "tarno/widgetkit/widget_bundle.hpp"
 
-/// The widget of the extension: what it tells the host, its provider and its view.
+/// The widget of the extension: its texts and sizes for the host, its provider and its view.
 struct TarnoMacStatusWidget {
   using Configuration = widgetkit::StaticConfiguration<TarnoMacWidgetProvider, TarnoMacWidgetView>;
 
@@ -16,7 +16,7 @@ struct TarnoMacStatusWidget {
   Configuration body() const;
 };
 
-/// The extension's main type.
+/// The main type of the extension, which lists its widgets.
 struct TarnoMacWidgetBundle : widgetkit::WidgetBundle<TarnoMacWidgetBundle> {
   std::tuple<TarnoMacStatusWidget> body() const;
 };

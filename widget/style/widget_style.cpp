@@ -12,7 +12,7 @@ struct Appearance {
 
 constexpr Appearance stale{muted, "clock.badge.exclamationmark"};
 
-/// In the order of the status' cases.
+/// The colour and symbol of each status, in the order of the cases.
 constexpr std::array<Appearance, TarnoMacStatus::allCases.size()> appearances{
     {{teal, "lock.fill"},
      {coral, "lock.open.fill"},

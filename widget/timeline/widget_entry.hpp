@@ -11,8 +11,8 @@ struct TarnoMacWidgetEntry {
   std::optional<TarnoMacStatusSnapshot> status;  ///< the last report; absent when there is none
   std::optional<tarno::Date> lastRefresh;        ///< when that report was received; absent if unknown
 
-  /// A locked Mac with all presence signals, for galleries. Each call builds a new entry and reads the clock
-  /// once for each of its three dates.
+  /// Returns a sample entry for galleries: a locked Mac with all presence signals. Each of its three dates is
+  /// the time at which it is set.
   static TarnoMacWidgetEntry placeholder();
 
   friend bool operator==(const TarnoMacWidgetEntry&, const TarnoMacWidgetEntry&) = default;

@@ -17,7 +17,7 @@ constexpr double arcStart = 0.08;
 constexpr double arcSpan = 0.84;
 constexpr Angle arcRotation = Angle::degrees(126);
 
-/// Input counts as recent for this long.
+/// Input within this time counts as recent.
 constexpr double recentInputSeconds = 12;
 
 /// Converts ASCII letters only, which is enough for the status lines.

@@ -7,7 +7,7 @@
 #include "tarno/ui/view.hpp"
 
 /// A round gauge: a track ring, an arc whose length and colour show the lock status, and inside it the status
-/// symbol, the status line and optionally three dots for the presence signals. Screen readers find it as one
+/// symbol, the status line and optionally three dots for the presence signals. Screen readers treat it as one
 /// element.
 struct TarnoMacDialView {
   const std::optional<TarnoMacStatusSnapshot>

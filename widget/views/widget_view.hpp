@@ -6,8 +6,8 @@
 #include "tarno/widget/timeline/widget_entry.hpp"
 #include "tarno/widgetkit/widget_configuration.hpp"
 
-/// The tile of an entry: the dial alone if small; otherwise the dial beside the name of the Mac, the status,
-/// its detail and two pills for the age of the report and the presence signal.
+/// The tile of an entry. A small tile is the dial alone. The others also show, beside the dial, the name of
+/// the Mac, the status, its detail, and two pills with the age of the report and the presence signal.
 struct TarnoMacWidgetView {
   const TarnoMacWidgetEntry entry;
 
