@@ -9,16 +9,16 @@ namespace tarno {
 // ignored unless its path is absolute. Without a usable HOME, the home directory comes from the user
 // database; without that, the functions return nothing.
 
-/// ${XDG_DATA_HOME:-~/.local/share}
+/// Returns ${XDG_DATA_HOME:-~/.local/share}.
 std::optional<std::filesystem::path> dataHome();
 
-/// ~/.local/share, even where XDG_DATA_HOME is set.
+/// Returns ~/.local/share, even if XDG_DATA_HOME is set.
 std::optional<std::filesystem::path> standardDataHome();
 
-/// ${XDG_CONFIG_HOME:-~/.config}
+/// Returns ${XDG_CONFIG_HOME:-~/.config}.
 std::optional<std::filesystem::path> configurationHome();
 
-/// ${XDG_CACHE_HOME:-~/.cache}
+/// Returns ${XDG_CACHE_HOME:-~/.cache}.
 std::optional<std::filesystem::path> cacheHome();
 
 }  // namespace tarno

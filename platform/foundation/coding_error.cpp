@@ -6,7 +6,7 @@
 namespace tarno {
 namespace {
 
-/// Escapes NULs, which a key may contain and at which what() would end.
+/// Returns the text of what(). Replaces NULs, which a key may contain, because what() would end there.
 std::string message(const CodingPath& path, const std::string& text) {
   auto line = path.empty() ? text : description(path) + ": " + text;
   std::replace(line.begin(), line.end(), '\0', '?');

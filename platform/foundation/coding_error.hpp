@@ -7,11 +7,10 @@
 
 namespace tarno {
 
-/// The path to a value: the keys, and in arrays the indices, from the top of a document; empty for the top
-/// itself.
+/// The path from the top of a document to a value: keys and array indices. Empty for the top itself.
 using CodingPath = std::vector<std::string>;
 
-/// "a.b.0"; empty for the top of a document.
+/// Returns the path as text, such as "a.b.0"; an empty text for the top of a document.
 std::string description(const CodingPath& path);
 
 /// Thrown for a document that cannot be read. what() is one line: the path, then the text.

@@ -66,7 +66,7 @@ std::string dateText(Date date) {
   return text.replace(text.size() - 1, 1, fraction);
 }
 
-/// Returns why a value cannot be stored in a document; empty if it can.
+/// Visits a value and returns why it cannot be stored in a document; empty if it can.
 struct Fault {
   std::string_view operator()(const Data& data) const { return (*this)(data.bytes); }
   std::string_view operator()(const std::string& text) const {
@@ -80,6 +80,7 @@ struct Fault {
   }
 };
 
+/// Visits a value and returns its JSON.
 struct Writer {
   std::string operator()(const Data& data) const { return bytes(dataType, data.bytes); }
   std::string operator()(const std::string& text) const { return bytes(stringType, text); }
@@ -97,7 +98,7 @@ struct Writer {
   }
 };
 
-/// A member of the document that is being read.
+/// Reads one member of a document. Members throw DecodingError.
 struct Reader {
   const std::string& key;
   const JSONValue& json;

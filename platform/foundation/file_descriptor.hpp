@@ -33,7 +33,8 @@ class [[nodiscard]] FileDescriptor {
   int value_ = -1;
 };
 
-/// Writes all of `bytes` to a descriptor. Returns false, with errno set, if it cannot.
+/// Writes all of `bytes` to `descriptor`. Returns false, with errno set, if that fails; a part may then have
+/// been written.
 bool writeAll(int descriptor, std::string_view bytes);
 
 }  // namespace tarno

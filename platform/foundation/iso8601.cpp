@@ -29,7 +29,7 @@ class Scanner {
     return value;
   }
 
-  /// Reads one digit or more as a decimal fraction of a second, in microseconds.
+  /// Reads one or more digits as a decimal fraction of a second.
   std::optional<microseconds> fraction() {
     microseconds value{0};
     microseconds unit{100'000};
@@ -69,7 +69,7 @@ std::optional<minutes> readHoursAndMinutes(Scanner& scanner) {
   return hours{*hour} + minutes{*minute};
 }
 
-/// The offset of the local time from UTC.
+/// Reads "Z" or an offset such as "+02:00". Returns how far local time is ahead of UTC.
 std::optional<minutes> readTimeZone(Scanner& scanner) {
   if (scanner.literal('Z')) return minutes{0};
   const bool ahead = scanner.literal('+');
@@ -82,13 +82,13 @@ std::optional<minutes> readTimeZone(Scanner& scanner) {
 // The process has two shared formatters, each created on first use. They are immutable, so that any number of
 // threads may use them at once.
 
-/// Requires a fraction of a second.
+/// Returns the formatter that requires a fraction of a second.
 const ISO8601DateFormatter& tarno() {
   static const ISO8601DateFormatter formatter{withInternetDateTime | withFractionalSeconds};
   return formatter;
 }
 
-/// Allows no fraction of a second.
+/// Returns the formatter that allows no fraction of a second.
 const ISO8601DateFormatter& tarnoNoFractions() {
   static const ISO8601DateFormatter formatter{withInternetDateTime};
   return formatter;
@@ -123,8 +123,7 @@ std::string ISO8601DateFormatter::string(Date date) const {
   const auto day = floor<days>(date);
   const year_month_day calendar{day};
   const hh_mm_ss time{floor<milliseconds>(date - day)};
-  // The calendar type has no years beyond ±32767; a Date outside of them is written with the year wrapped
-  // around.
+  // The calendar type has no years beyond ±32767. The year of a Date outside them wraps around.
   const int year = static_cast<int>(calendar.year());
 
   char text[64];

@@ -9,7 +9,7 @@
 namespace tarno {
 namespace {
 
-/// Limits the depth, because destroying a JSONValue is recursive.
+/// The maximum depth, which is limited because destroying a JSONValue is recursive.
 constexpr std::size_t deepestNesting = 512;
 
 std::string notJSON(std::size_t position) { return "not valid JSON near byte " + std::to_string(position); }
@@ -32,8 +32,8 @@ class CLocaleScope {
   locale_t previous_;
 };
 
-/// Builds a JSONValue from the events of the parser. It keeps the text of each number, which the parser's own
-/// tree drops; integers beyond the precision of a double need it.
+/// Builds a JSONValue from the events of the parser. Keeps the text of each number, which integers beyond the
+/// precision of a double need and the parser's own tree drops.
 class TreeBuilder {
  public:
   using number_integer_t = nlohmann::json::number_integer_t;

@@ -7,7 +7,7 @@
 
 namespace tarno {
 
-/// A parsed JSON document that keeps the text of its numbers. Only for the decoder.
+/// A parsed JSON value that keeps the text of its numbers. Used by the decoders only.
 struct JSONValue {
   struct Number {
     std::string text;
@@ -25,7 +25,7 @@ struct JSONValue::Member {
   JSONValue value;
 };
 
-/// Throws DecodingError (dataCorrupted) with the path of the first syntax error.
+/// Returns the value in `text`. Throws DecodingError (dataCorrupted) with the path of the first syntax error.
 JSONValue parseJSON(std::string_view text);
 
 }  // namespace tarno

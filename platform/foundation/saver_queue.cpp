@@ -10,9 +10,9 @@ namespace {
 
 constexpr const char* fileName = ".defaults.json.queue";
 
-/// Each place is one byte of the file; the process in that place holds a lock on the byte. A process locks
-/// the next byte before it unlocks its own, so that nobody overtakes. A process that finds no free place
-/// waits without one.
+/// The number of places. Each place is one byte of the file, which the process in that place has locked. A
+/// process locks the byte in front before it unlocks its own, so that nobody overtakes. A process that finds
+/// the last place taken tries again later.
 constexpr int places = 64;
 
 struct flock bytes(short type, int first, int count) {

@@ -4,21 +4,23 @@
 
 namespace tarno {
 
-/// A place in the queue of the processes that wait to save in a folder, held until this object or the process
-/// ends. The queue only orders them; the lock of the folder keeps them apart. Where there can be no queue (no
-/// space for its file, no locks of this kind), every process counts as first.
+/// A place in the queue of the processes that wait to save in a folder. It is held until this object is
+/// destroyed or the process ends. The queue only orders the processes; the lock of the folder keeps them
+/// apart. If there can be no queue (no space for its file, no support for such locks), every process counts
+/// as first.
 class SaverQueue {
  public:
-  /// Returns whether anybody waits in `folder`.
+  /// Returns whether a process is waiting in `folder`.
   static bool exists(int folder);
 
-  /// Joins the end of the queue in `folder`, a descriptor that must outlive this object.
+  /// Creates the queue's file if it is missing; isFirst() then joins the queue. `folder` is a descriptor that
+  /// must outlive this object.
   explicit SaverQueue(int folder);
   SaverQueue(SaverQueue&&) = default;
   /// Leaves the queue. The last one to leave removes its file.
   ~SaverQueue();
 
-  /// Moves up as far as possible. Returns whether this is the first place now.
+  /// Moves up as far as possible. Returns whether this process is the first now.
   bool isFirst();
 
  private:

@@ -22,12 +22,14 @@ using std::filesystem::path;
 /// The maximum size of the file: a few values of largestDefaultsValue in the longest JSON form.
 constexpr std::size_t largestFile = std::size_t{64} << 20;
 
-/// Only the lock holder creates it, so one name is enough. It replaces what a killed saver left.
+/// The new file, before it replaces the old one. Only the lock holder creates it, so one name is enough. A
+/// file that a killed saver left is removed first.
 constexpr const char* temporaryName = ".defaults.json.new";
 
 constexpr const char* rehearsalName = ".defaults.json.rehearsal";
 
-/// The lock file for network file systems that only lock writable files, and so no folders.
+/// The lock file for network file systems, which can lock only files that are open for writing, and so no
+/// folders.
 constexpr const char* lockName = ".defaults.json.lock";
 
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
@@ -36,7 +38,7 @@ SuiteError unusable(const path& path, const char* reason) {
   return {SuiteError::Kind::unusable, path.string() + ' ' + reason};
 }
 
-/// Returns the error of the system call that has just failed.
+/// Returns the error for a system call that has just failed, from errno.
 SuiteError failure(const std::string& action, const path& path) {
   const int error = errno;
   const auto obstacles = {EACCES, EPERM, EROFS, ENOENT, ENOTDIR, EISDIR, ELOOP, ENAMETOOLONG, EEXIST};
@@ -51,7 +53,7 @@ bool isUnsupported(int error) {
   return std::find(lacks.begin(), lacks.end(), error) != lacks.end();
 }
 
-/// Makes the names in a folder survive a power cut. Returns false where the file system cannot.
+/// Syncs the names in `folder`, so that they survive a power cut. Returns false if the file system cannot.
 bool synchronizeFolder(int folder, const path& shown) {
   const bool isDone = fsync(folder) == 0;
   if (!isDone && !isUnsupported(errno)) throw failure("write", shown);
@@ -59,7 +61,7 @@ bool synchronizeFolder(int folder, const path& shown) {
 }
 
 /// Opens `name` in `folder` for reading; `shown` is its path for messages. Returns no descriptor if it does
-/// not exist. Throws unless it may be used as a `kind` (S_IFDIR or S_IFREG).
+/// not exist. Throws unless it is a `kind` (S_IFDIR or S_IFREG) that only the user can write.
 FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_t kind) {
   // Without O_NONBLOCK a FIFO would make the reader wait.
   constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
@@ -77,7 +79,7 @@ FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_
   return file;
 }
 
-/// Creates `directory` and its missing parents on the disk, and adds what it created to `made`.
+/// Creates `directory` and its missing parents, syncs them, and adds them to `made`, outermost first.
 void makeDirectory(const path& directory, std::vector<path>& made) {
   int result = mkdir(directory.c_str(), S_IRWXU);
   if (result != 0 && errno == ENOENT && directory.has_relative_path()) {
@@ -93,7 +95,7 @@ void makeDirectory(const path& directory, std::vector<path>& made) {
     throw failure("set the permissions of", directory);
   const auto above = directory.parent_path();
   const FileDescriptor folder{openat(AT_FDCWD, above.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-  if (folder) synchronizeFolder(folder.get(), above);  // else it may be entered, but not read
+  if (folder) synchronizeFolder(folder.get(), above);  // some parents may be entered but not read
 }
 
 }  // namespace
@@ -179,13 +181,14 @@ void SuiteFolder::replaceFile(std::string_view text, const std::optional<std::st
   }
 }
 
-/// The new file is in place, but a power cut may undo it. What is reported as failed must not be seen.
+/// Undoes a failed save: restores the old file, or removes the new one if there was none. Otherwise readers
+/// would see a report whose save was reported as failed.
 void SuiteFolder::putBack(const std::optional<std::string>& old,
                           const std::optional<std::string>& aside) const {
   const int folder = descriptor_.get();
   const auto name = location_.file.filename();
   if (aside) {
-    // renameat() does nothing when both names belong to the same file.
+    // renameat() does nothing if both names belong to the same file.
     if (renameat(folder, aside->c_str(), folder, name.c_str()) == 0) unlinkat(folder, aside->c_str(), 0);
   } else if (old) {
     writeTemporary(*old);
@@ -202,7 +205,7 @@ bool SuiteFolder::rehearse(std::string_view text) const {
     if (renameat(folder, temporaryName, folder, rehearsalName) != 0) throw failure("replace", location_.file);
     if (unlinkat(folder, rehearsalName, 0) != 0) throw failure("remove", location_.directory / rehearsalName);
     const bool lasts = synchronize();
-    // An immutable file is the one obstacle that only replacing this file meets.
+    // All other obstacles have shown by now. Only an immutable file would still stop a real save.
     struct statx found {};
     const bool isThere =
         statx(folder, location_.file.filename().c_str(), AT_SYMLINK_NOFOLLOW, 0, &found) == 0;
@@ -241,7 +244,8 @@ void SuiteFolder::renameTemporary() const {
     throw failure("replace", location_.file);
 }
 
-/// Gives `name` a second, dated name, which it returns. `name` stays where the file system allows two names.
+/// Gives the file `name` a dated name, which it returns. The file keeps its old name as well, if the file
+/// system allows two names.
 std::string SuiteFolder::setAside(const std::string& name) const {
   std::string stamp = ISO8601DateFormatter{withInternetDateTime}.string(now());
   std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
@@ -249,8 +253,8 @@ std::string SuiteFolder::setAside(const std::string& name) const {
   const std::string base = name + ".damaged-" + stamp;
   std::string aside = base;
   for (int number = 2; linkat(folder, name.c_str(), folder, aside.c_str(), 0) != 0; ++number) {
-    // A folder has only one name, and so have files on some file systems. Others (NFS) cannot promise not to
-    // replace.
+    // A folder cannot have two names, nor can a file on some file systems: rename it. NFS does not support
+    // RENAME_NOREPLACE.
     if (errno != EEXIST && renameat2(folder, name.c_str(), folder, aside.c_str(), RENAME_NOREPLACE) == 0)
       break;
     if (errno == EINVAL && renameat(folder, name.c_str(), folder, aside.c_str()) == 0) break;

@@ -33,8 +33,8 @@ class SuiteFolder {
   /// Returns whether the path still leads to this folder.
   bool isInPlace() const;
 
-  /// Takes the lock that keeps savers apart, until this object is destroyed. Returns false if another saver
-  /// has it or is waiting in front. Callers that try again take turns.
+  /// Tries to take the lock that keeps savers apart; it is held until this object is destroyed. Returns false
+  /// if another saver has it or has waited longer. Call again to wait: savers get the lock in turn.
   bool tryLock();
 
   /// Returns the content of the file, or nothing if there is none. Needs no lock and never waits, because a

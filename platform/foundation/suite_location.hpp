@@ -13,7 +13,8 @@ struct SuiteLocation {
   std::filesystem::path file;       ///< defaults.json in it, mode 0600
 };
 
-/// Returns nothing if dataHome() is unknown or `name` is not a plain file name.
+/// Returns the place of the suite `name`; nothing if dataHome() is unknown or `name` is not a plain file
+/// name.
 std::optional<SuiteLocation> suiteLocation(std::string_view name);
 
 }  // namespace tarno

@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono;
 
-/// How long a save waits for the lock, in all.
+/// How long a save waits for the lock in total.
 constexpr milliseconds patience{2000};
 constexpr milliseconds pause{2};  ///< between two attempts
 
@@ -43,9 +43,8 @@ Content readSuite(const SuiteLocation& location) {
   return folder ? readContent(*folder) : Content{};
 }
 
-/// Calls `work` with the locked folder. If the folder turns out to have been removed or replaced, the call
-/// did not count, and `work` is called again with the folder that the path leads to by then. Adds the folders
-/// that it created to `made`.
+/// Calls `work` with the locked folder. If somebody has removed or replaced the folder meanwhile, calls
+/// `work` again with the folder that the path leads to now. Adds the folders that it created to `made`.
 template <class Work>
 void inLockedFolder(const SuiteLocation& location, std::vector<std::filesystem::path>& made, Work work) {
   const auto end = steady_clock::now() + patience;
@@ -72,7 +71,7 @@ std::string apply(const DefaultsValues& changes, Content& content) {
   return encodeDefaults(content.values);
 }
 
-/// Returns what the suite holds afterwards. Also throws EncodingError.
+/// Saves `changes` and returns all values of the suite. Throws SuiteError and EncodingError.
 DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes) {
   DefaultsValues values;
   std::vector<std::filesystem::path> made;
@@ -85,7 +84,7 @@ DefaultsValues save(const SuiteLocation& location, const DefaultsValues& changes
   return values;
 }
 
-/// Folders, outermost first, that are removed with this object if they are empty.
+/// Folders, outermost first. Those that are empty are removed when this object is destroyed.
 struct PassingFolders {
   ~PassingFolders() {
     for (auto path = paths.rbegin(); path != paths.rend(); ++path) rmdir(path->c_str());

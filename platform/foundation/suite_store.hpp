@@ -20,14 +20,14 @@ struct SuiteOpening {
 /// Opens the suite `name` and reads its file once. Writes nothing, never waits, and needs no write
 /// permission. A suite that was never saved is empty.
 ///
-/// A directory or file is refused if it belongs to another user, is a symbolic link, is of another type, is
+/// A folder or file is refused if it belongs to another user, is a symbolic link, is of another type, is
 /// writable by group or others, or cannot be read. A file with other content counts as empty; the next save
 /// sets it aside under a dated name.
 ///
 /// The returned store answers from this reading, plus what was set since. synchronize() saves what was set,
-/// or reads again if nothing was. What was not synchronized when the store is released is lost. After a
-/// failed save the file is unchanged, and what was set waits for the next synchronize(), unless one of its
-/// values cannot be stored (see encodeDefaults()): then all of it is dropped.
+/// or reads again if nothing was. Releasing the store without synchronize() loses what was set. After a
+/// failed save the file is unchanged, and what was set is kept for the next synchronize(). If one of the
+/// values cannot be stored (see encodeDefaults()), all of them are dropped instead.
 SuiteOpening openSuite(std::string_view name);
 
 /// Stores `changes` in the suite `name`, all or none of them, and keeps its other values. Creates the folder
@@ -35,9 +35,9 @@ SuiteOpening openSuite(std::string_view name);
 /// throws SuiteError, the suite is unchanged. Waits at most 2 s for the lock. Any thread.
 void saveToSuite(std::string_view name, const DefaultsValues& changes);
 
-/// Does everything that saveToSuite() does, but with a file of another name. Throws what saveToSuite() would
-/// throw. Leaves the suite unchanged and nothing else behind. Returns whether a save would survive a power
-/// cut, which not every file system can promise.
+/// Tests whether saveToSuite() would work: takes the same steps with a file of another name, which it
+/// removes, and throws what saveToSuite() would throw. Leaves the suite unchanged. Returns whether a save
+/// would survive a power cut, which not every file system can promise.
 bool rehearseSavingToSuite(std::string_view name, const DefaultsValues& changes);
 
 }  // namespace tarno

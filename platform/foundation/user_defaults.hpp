@@ -9,15 +9,15 @@
 
 namespace tarno {
 
-/// A store of typed values by key. Its members throw nothing because of the content of the store or because
-/// of the disk: what cannot be read counts as missing, and synchronize() returns false if it cannot write.
+/// A store of typed values by key. Its members do not throw for damaged content or disk errors: what cannot
+/// be read counts as missing, and synchronize() returns false if it cannot write.
 class UserDefaults {
  public:
   virtual ~UserDefaults() = default;
   UserDefaults(const UserDefaults&) = delete;
   UserDefaults& operator=(const UserDefaults&) = delete;
 
-  /// Returns the value of `key`, of any type, or nothing.
+  /// Returns the value of `key`, whatever its type; nothing if the key is missing.
   virtual std::optional<DefaultsValue> object(std::string_view key) const = 0;
 
   /// Returns the data of `key`; nothing if the key is missing or has another type.
@@ -29,12 +29,12 @@ class UserDefaults {
   /// Sets the value of `key`. Other processes see it after synchronize().
   virtual void set(std::string_view key, DefaultsValue value) = 0;
 
-  /// Writes what was set. Returns false if it could not be written; then it is kept for the next call, unless
-  /// one of its values cannot be stored: then all of it is dropped.
+  /// Writes what was set. Returns false if that fails. What was set is then kept for the next call; but if
+  /// one of the values cannot be stored, all of them are dropped.
   virtual bool synchronize() = 0;
 
-  /// The process's own store: in memory, not shared, gone when the process ends. Always available. Any
-  /// thread.
+  /// Returns the process's own store, which is in memory, not shared, and lost when the process ends. Never
+  /// null. Any thread.
   static std::shared_ptr<UserDefaults> standard();
 
   /// Returns a new handle to the store that all processes of this user share under `name` (see
