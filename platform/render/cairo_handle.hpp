@@ -10,8 +10,8 @@ namespace render {
 using Surface = tarno::Handle<cairo_surface_t, cairo_surface_destroy>;
 using Context = tarno::Handle<cairo_t, cairo_destroy>;
 
-/// Sets the source colour. Each component is rounded like ui::byteOf(), because Cairo itself truncates to the
-/// 256 steps.
+/// Sets the source colour. Rounds each component as ui::byteOf() does, because Cairo itself would truncate
+/// it.
 inline void setColor(cairo_t* cairo, const ui::Color& color) {
   const auto step = [](double component) { return static_cast<double>(ui::byteOf(component)) / 255; };
   cairo_set_source_rgba(cairo, step(color.red), step(color.green), step(color.blue), step(color.alpha));

@@ -9,13 +9,15 @@ namespace {
 
 bool breaksLine(gunichar c) { return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029; }
 
-/// Control characters: Pango would draw them as boxes, skip them, or treat them as tabs.
+/// Returns whether `c` is a control character. Pango would draw it as a box, skip it, or treat it as a tab.
 bool isControl(gunichar c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
 
-/// U+FDD0 to U+FDEF and the last two code points of every plane. Cairo cannot write them into a PDF.
+/// Returns whether `c` is one of U+FDD0 to U+FDEF or of the last two code points of a plane. Cairo cannot
+/// write them into a PDF.
 bool isNoncharacter(gunichar c) { return (c >= 0xFDD0 && c <= 0xFDEF) || (c & 0xFFFE) == 0xFFFE; }
 
-/// Embeddings and overrides, which would reorder the whole paragraph. Isolates affect only their own text.
+/// Returns whether `c` starts or ends an embedding or override, which would reorder the whole paragraph.
+/// Isolates affect only their own text.
 bool overridesDirection(gunichar c) { return c >= 0x202A && c <= 0x202E; }
 
 /// Removes line breaks and blanks at the end.
@@ -38,7 +40,7 @@ DisplayText displayText(std::string_view text, bool singleLine) {
     const gunichar c =
         text.front() == '\0' ? 0 : g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
     const bool valid = c < 0x110000;
-    if (!valid && tooLong && text.size() < 4) break;  // the limit cuts through this character
+    if (!valid && tooLong && text.size() < 4) break;  // the limit divides this character
     const std::size_t length = valid ? static_cast<std::size_t>(g_unichar_to_utf8(c, nullptr)) : 1;
     if (!valid || isNoncharacter(c))
       result += "\uFFFD";

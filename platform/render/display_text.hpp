@@ -6,8 +6,8 @@
 
 namespace render {
 
-/// The maximum length of a text in bytes. A longer text is cut and gets an ellipsis. This is far more than a
-/// tile can show, and keeps shaping fast for any text.
+/// The maximum length of a text in bytes. A longer text is cut and gets an ellipsis. The maximum is far more
+/// than a tile can show, and small enough to shape any text quickly.
 inline constexpr std::size_t longestDisplayText = 4096;
 
 /// The line break inside a paragraph: Pango then treats the whole text as one paragraph.
@@ -17,7 +17,7 @@ inline constexpr std::string_view ellipsis = "\u2026";
 
 struct DisplayText {
   std::string text;
-  bool cut = false;  ///< it was too long
+  bool cut = false;  ///< the text was too long
 };
 
 /// Returns the form of `text` that is passed to Pango: valid UTF-8 of bounded length. Invalid bytes and

@@ -21,7 +21,7 @@ bool isRounded(const Pattern& pattern) {
          FcStrCmpIgnoreCase(family, reinterpret_cast<const FcChar8*>(roundedFamily)) == 0;
 }
 
-/// Returns whether `config` has Quicksand and replaces it by no other font.
+/// Returns whether `config` has Quicksand and does not replace it with another font.
 bool servesRounded(FcConfig* config) {
   const Pattern wanted(FcPatternBuild(nullptr, FC_FAMILY, FcTypeString, roundedFamily, nullptr));
   if (!wanted || !FcConfigSubstitute(config, wanted.get(), FcMatchPattern)) return false;
@@ -31,7 +31,7 @@ bool servesRounded(FcConfig* config) {
 }
 
 /// Returns a configuration with only the font files of Debian's fonts-quicksand, or null if they are missing.
-/// It contains what the administrator and the user configured themselves, so that this applies to all texts.
+/// Includes the settings of the administrator and the user, so that they apply to all texts.
 Config roundedFaceOnly() {
   static constexpr char text[] =
       "<fontconfig>"
@@ -55,8 +55,8 @@ Config roundedFaceOnly() {
 FontMap makeFontMap() { return FontMap(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT)); }
 
 FontMap makeFontMap(FcConfig* config) {
-  // When Pango creates its first font map, it lets fontconfig load all fonts of the machine and waits for
-  // that, unless there is a current configuration.
+  // When Pango creates the first font map of a process, it makes fontconfig load all fonts of the machine and
+  // waits for that, unless there is a current configuration.
   const bool firstInProcess = !g_type_class_peek(PANGO_TYPE_FC_FONT_MAP);
   if (firstInProcess) FcConfigSetCurrent(config);
   FontMap map = makeFontMap();

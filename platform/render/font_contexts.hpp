@@ -11,17 +11,18 @@ namespace render {
 template <class T>
 using ObjectHandle = tarno::Handle<T, g_object_unref>;
 
-/// The fonts that Pango finds: all fonts of the machine, or, for the many texts that need no other, Quicksand
-/// alone. Loading the fonts of the whole machine takes as long as everything else that a first tile needs.
+/// The two sets of fonts that Pango searches: Quicksand alone, which is enough for most texts, and all fonts
+/// of the machine. Loading all fonts takes as long as everything else that a first tile needs. For one thread
+/// at a time.
 class FontContexts {
  public:
   FontContexts();
 
-  /// Contains only Quicksand. Null if Debian's package of it is missing or the environment names a font
-  /// configuration, which then decides alone.
+  /// Returns the context with only Quicksand. Null if Debian's package of it is missing, or if the
+  /// environment names a font configuration, because that then decides which fonts there are.
   PangoContext* rounded() const { return rounded_.get(); }
 
-  /// Contains every font. Created on first use.
+  /// Returns the context with all fonts, which is created on first use.
   PangoContext* all();
 
   /// Returns whether Quicksand is installed anywhere.

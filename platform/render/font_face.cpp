@@ -12,10 +12,10 @@ namespace {
 struct Face {
   const char* family;
   PangoWeight weight;
-  double sampleWidth = 0;  ///< of `sample` in Debian's Quicksand, in points at the shaping size
+  double sampleWidth = 0;  ///< the width of `sample` in Debian's Quicksand, in points at the shaping size
 };
 
-/// The two texts of the widget with the least space.
+/// The two texts of the widget that have the least spare space.
 constexpr const char* sample = "Status stale, Presence quiet";
 
 /// Indexed by weight, from regular to bold.
@@ -26,9 +26,9 @@ constexpr Faces standardFaces{{{"sans-serif", PANGO_WEIGHT_NORMAL},
                                {"sans-serif", PANGO_WEIGHT_SEMIBOLD},
                                {"sans-serif", PANGO_WEIGHT_BOLD}}};
 
-/// Debian's Quicksand has its medium weight in a separate family: for the medium weight of "Quicksand",
-/// fontconfig returns regular. There is no semibold; bold replaces it, because beside regular text, medium
-/// does not look emphasised.
+/// In Debian's Quicksand, the medium weight has a family of its own; for the medium weight of "Quicksand",
+/// fontconfig returns regular. There is no semibold. Bold replaces it, because medium does not look
+/// emphasised beside regular text.
 constexpr Faces roundedFaces{{{roundedFamily, PANGO_WEIGHT_NORMAL, 401.5},
                               {"Quicksand Medium", PANGO_WEIGHT_MEDIUM, 416.6},
                               {roundedFamily, PANGO_WEIGHT_BOLD, 427.4},
@@ -51,8 +51,9 @@ FontDescription fontFaceAmongAll(const ui::Font& font) {
   const std::string families =
       std::string(pango_font_description_get_family(description.get())) + ",sans-serif";
   pango_font_description_set_family(description.get(), families.c_str());
-  // For bold and heavier weights, fontconfig emboldens fonts that have no bold (Japanese), and at 11 points
-  // that fills the gaps between strokes. For semibold it returns the same bold fonts where there are any.
+  // If bold is requested from a font without bold (Japanese), fontconfig thickens its strokes, which fills
+  // the gaps between them at 11 points. If semibold is requested, it does not, and still returns bold fonts
+  // where they exist.
   if (pango_font_description_get_weight(description.get()) == PANGO_WEIGHT_BOLD)
     pango_font_description_set_weight(description.get(), PANGO_WEIGHT_SEMIBOLD);
   return description;

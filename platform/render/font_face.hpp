@@ -9,8 +9,8 @@ namespace render {
 
 using FontDescription = tarno::Handle<PangoFontDescription, pango_font_description_free>;
 
-/// The size, in points, at which every text is shaped. It is then scaled to the size of its font: glyphs
-/// without hinting scale evenly, and each additional size would cost Pango a search through all fonts.
+/// The size, in points, at which every text is shaped. The result is then scaled to the size of the font,
+/// which glyphs without hinting allow. Pango would search through all fonts for each additional size.
 inline constexpr double shapingSize = 32;
 
 /// The family of the rounded design.
@@ -19,10 +19,10 @@ inline constexpr const char* roundedFamily = "Quicksand";
 /// Returns the description of `font` at the shaping size.
 FontDescription fontFace(const ui::Font& font);
 
-/// The same for a text that also needs other fonts: the sans-serif font replaces a missing family.
+/// Does the same for a text that also needs other fonts. If the family is missing, sans-serif replaces it.
 FontDescription fontFaceAmongAll(const ui::Font& font);
 
-/// Returns the families for a run in `script`, or null for the family of the font itself.
+/// Returns the font families, separated by commas, for a run in `script`; null if the font itself will do.
 const char* familiesOfScript(GUnicodeScript script);
 
 /// The height of a line above and below its baseline, in points at the shaping size.
@@ -31,8 +31,9 @@ struct LineExtent {
   double descent = 0;
 };
 
-/// Returns the factor for a font of the rounded design when `face` replaces the missing Quicksand, at most 1.
-/// It makes the widget's own texts no wider than in Quicksand, so that they are not cut.
+/// Returns the factor, at most 1, by which a font of the rounded design is reduced when `face` replaces the
+/// missing Quicksand. With it, the widget's own texts are no wider than in Quicksand, so that they are not
+/// cut.
 double standInScale(const ui::Font& font, PangoContext* context, const FontDescription& face);
 
 /// Returns the extent of a line of `font`, whose description in `context` is `face`. The rounded design

@@ -60,7 +60,8 @@ cairo_status_t append(void* file, const unsigned char* data, unsigned int length
 
 using CreateSurface = cairo_surface_t* (*)(cairo_write_func_t, void*, double width, double height);
 
-/// Calls `prepare` with the surface before drawing.
+/// Returns a file that shows `scene` on a surface from `create`, which `prepare` may change before the
+/// drawing.
 template <class Prepare>
 std::string vectorFile(const ui::Scene& scene, TextEngine& text, double scale, CreateSurface create,
                        const Prepare& prepare) {
@@ -75,9 +76,8 @@ std::string vectorFile(const ui::Scene& scene, TextEngine& text, double scale, C
   return file;
 }
 
-/// Cairo numbers the parts of an SVG by a counter of all surfaces of the process. This renumbers them within
-/// the file, so that the same scene always gives the same bytes. (No text can contain such a name, because
-/// Cairo writes texts as shapes.)
+/// Numbers the parts of an SVG anew, so that the same scene always gives the same bytes. (Cairo counts the
+/// surfaces of the whole process.) No text can contain such a name, because Cairo writes texts as shapes.
 std::string withOwnSurfaceNames(const std::string& svg) {
   static constexpr std::string_view prefix = "surface";
   std::string result;
@@ -95,7 +95,7 @@ std::string withOwnSurfaceNames(const std::string& svg) {
   return result.append(svg, copied);
 }
 
-/// What a screen reader says about the image.
+/// The texts of an image for screen readers.
 struct Words {
   std::string title;
   std::string description;
@@ -128,11 +128,11 @@ std::string svg(const ui::Scene& scene, TextEngine& text, double scale, const Wo
 
 std::string pdf(const ui::Scene& scene, TextEngine& text, double scale, const Words& words) {
   return vectorFile(scene, text, scale, cairo_pdf_surface_create_for_stream, [&](cairo_surface_t* surface) {
-    // The first version that may say which text some glyphs stand for: Cairo then does so where it is not one
-    // character a glyph (Devanagari). There are no tags for screen readers, because those of Cairo 1.16 have
-    // no labels and do not mark the file as tagged.
+    // PDF 1.5 is the first version in which glyphs can refer to the text that they stand for. Cairo writes
+    // that text where characters and glyphs do not correspond one to one (Devanagari). The file has no tags
+    // for screen readers, because those of Cairo 1.16 have no labels and do not mark the file as tagged.
     cairo_pdf_surface_restrict_to_version(surface, CAIRO_PDF_VERSION_1_5);
-    // The default is the time of drawing.
+    // The default would be the current time.
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, "");
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, words.title.c_str());
     cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_SUBJECT, words.description.c_str());

@@ -45,7 +45,8 @@ void stretch(cairo_t* cairo, const ui::Rect& box, ui::Point low, ui::Point high)
   cairo_set_matrix(cairo, &matrix);
 }
 
-/// The ground, whose last row or column would otherwise be half transparent at a fractional scale.
+/// Stretches user space so that the background `box` covers whole pixels. At a fractional scale, its last row
+/// or column would otherwise be half transparent.
 void stretchGround(cairo_t* cairo, const ui::Rect& box) {
   constexpr double tolerance = 1e-6;  // for rounding errors of a whole number
   ui::Point end{box.right(), box.bottom()};
@@ -53,12 +54,12 @@ void stretchGround(cairo_t* cairo, const ui::Rect& box) {
   stretch(cairo, box, {}, {std::ceil(end.x - tolerance), std::ceil(end.y - tolerance)});
 }
 
-/// Of an outline that fits pixels.
+/// Stretches user space so that `box` covers whole pixels (see ui::FillPath::fitsPixels).
 void stretchToPixels(cairo_t* cairo, const ui::Rect& box) {
   ui::Point low = box.origin, high{box.right(), box.bottom()};
   cairo_user_to_device(cairo, &low.x, &low.y);
   cairo_user_to_device(cairo, &high.x, &high.y);
-  // An even number of rows, so that what is anchored at the centre stands in the middle.
+  // The number of rows is even, so that an anchor at the centre is in the middle.
   const double middle = std::floor((low.y + high.y) / 2 + 0.5);
   const double half = std::max(std::round((high.y - low.y) / 2), 1.0);
   const double left = std::round(low.x);

@@ -15,8 +15,8 @@
 namespace render {
 namespace {
 
-/// The state of a PNG writer. libpng reports errors by longjmp(), which runs no destructors; everything that
-/// must be destroyed is here.
+/// The state of a PNG writer. Everything that must be destroyed is here, because libpng reports errors by
+/// longjmp(), which runs no destructors.
 struct PngWriter {
   const std::uint32_t* pixels;
   PixelSize size;
@@ -52,7 +52,7 @@ void append(png_structp png, png_bytep data, png_size_t size) {
 
 void flushNothing(png_structp) {}
 
-/// Writes `count` pixels as RGBA. Most pixels are equal to the one before.
+/// Writes `count` pixels as RGBA. Converts only changes, because most pixels equal the one before.
 void convert(const std::uint32_t* pixels, int count, png_byte* target) {
   std::uint32_t last = 0;
   std::array<png_byte, 4> rgba{};
@@ -67,7 +67,7 @@ void convert(const std::uint32_t* pixels, int count, png_byte* target) {
   }
 }
 
-/// Returns whether the file is complete; otherwise `writer.failure` says why not.
+/// Writes the file. Returns false if that fails; then `writer.failure` says why.
 bool write(PngWriter& writer) {
   if (setjmp(png_jmpbuf(writer.png.get()))) return false;
   const png_structp png = writer.png.get();

@@ -32,9 +32,9 @@ bool isEastAsian(GUnicodeScript script) {
          script == G_UNICODE_SCRIPT_KATAKANA || script == G_UNICODE_SCRIPT_HANGUL;
 }
 
-/// Returns the language that the East Asian characters of `text` are in: Japanese with kana, Korean with
-/// hangul. Otherwise null, and the locale decides. Without it, one sentence could get its Chinese characters
-/// from one font and the rest from another.
+/// Returns the language of the East Asian characters in `text`: Japanese if there is kana, Korean if there is
+/// hangul. Otherwise returns null, and the locale decides. Without a language, the Chinese characters of a
+/// sentence could come from one font and the rest from another.
 PangoLanguage* eastAsianLanguage(std::string_view text) {
   for (std::size_t at = 0; at < text.size(); at += lengthOf(text, at)) {
     const GUnicodeScript script = g_unichar_get_script(g_utf8_get_char(text.data() + at));
@@ -44,8 +44,9 @@ PangoLanguage* eastAsianLanguage(std::string_view text) {
   return nullptr;
 }
 
-/// Quicksand is a Latin font with a few letters of other scripts (Greek π). Each run in another script gets a
-/// font that has all of it, including signs without a script. Digits and ASCII signs stay in the font itself.
+/// Gives each run in another script a font that has all of it, including characters without a script.
+/// Quicksand is a Latin font that has only a few letters of other scripts (Greek π). Digits and ASCII
+/// characters stay in the font itself.
 void addFacesOfScripts(PangoAttrList* attributes, std::string_view text) {
   std::size_t start = 0;
   GUnicodeScript runScript = G_UNICODE_SCRIPT_LATIN;
@@ -75,7 +76,8 @@ AttributeList attributesOf(std::string_view text) {
   return attributes;
 }
 
-/// Pango's own function would load the metrics of each font, which costs as much as the rest of the layout.
+/// Returns the width of `line` in Pango units. Pango's own function would also load the metrics of each font,
+/// which takes as long as the rest of the layout.
 int width(const PangoLayoutLine* line) {
   int sum = 0;
   for (const GSList* node = line->runs; node; node = node->next)
@@ -112,8 +114,9 @@ void ShapedText::setText(std::string_view text) {
   pango_layout_set_text(layout_.get(), text.data(), static_cast<int>(text.size()));
 }
 
-/// Pango cuts a last line that is too long, but it appends text after a line break if that fits, and without
-/// a width it ignores the number of lines.
+/// Cuts the text at a line break after line `maxLines`. Pango itself cuts a last line that is too wide; but
+/// it appends the text after a line break if that fits, and it ignores the number of lines if there is no
+/// width.
 bool ShapedText::cutBetweenLines(std::string_view text, int maxLines) {
   if (pango_layout_get_line_count(layout_.get()) < maxLines) return false;
   const std::size_t end = breakAfter(text, pango_layout_get_line_readonly(layout_.get(), maxLines - 1));

@@ -14,29 +14,30 @@
 
 namespace render {
 
-/// Lengths are in Pango units, 1/1024 point.
+/// The width of a text without a width limit. Widths are in Pango units, 1/1024 point.
 inline constexpr int unlimited = std::numeric_limits<int>::max();
 
-/// A text broken into lines of positioned glyphs. All lengths are at the shaping size, so that it can be used
-/// for every size of its font.
+/// A text broken into lines of positioned glyphs. All lengths are at the shaping size, so that one object
+/// serves every size of its font.
 ///
-/// The line height is that of the font itself, whatever other fonts the text needs, so that nothing moves
-/// when a text changes its script. Taller scripts are drawn beyond the line, within the limits of drawText().
+/// The line height is that of the font itself, even if the text also needs other fonts, so that nothing moves
+/// when the script of a text changes. Taller scripts extend beyond the line, within the limits of drawText().
 class ShapedText {
  public:
   /// Breaks `text` into at most `maxLines` lines in `face`, no wider than `width` units if possible.
   ShapedText(PangoContext* context, const FontDescription& face, const LineExtent& extent,
              const DisplayText& text, int width, int maxLines);
 
-  /// The width is that of the widest line, even if it exceeds the requested width.
+  /// Returns the size of the text. Its width is that of the widest line, which may exceed the requested
+  /// width.
   const ui::TextMetrics& metrics() const { return metrics_; }
 
-  /// The range of widths, in units, that give the same lines.
+  // Return the smallest and the largest width, in Pango units, that give the same lines.
   int narrowest() const { return narrowest_; }
   int widest() const { return widest_; }
 
   struct Line {
-    PangoLayoutLine* glyphs;  ///< owned by the text
+    PangoLayoutLine* glyphs;  ///< owned by this object
     double x;                 ///< from the left edge of the widest line, in points
   };
   const std::vector<Line>& lines() const { return lines_; }

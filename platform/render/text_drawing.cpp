@@ -13,7 +13,7 @@
 namespace render {
 namespace {
 
-/// In pixels. A larger text is filled anew each time.
+/// The maximum size of a mask in pixels. A larger text is filled anew each time.
 constexpr double largestStamp = 4e6;
 
 constexpr std::size_t keptStamps = 4;
@@ -30,9 +30,9 @@ bool hasPictures(const PangoGlyphItem* run) {
   return color || !outline;
 }
 
-/// Calls `visit(line, run)` for every run of glyphs, with the current point of `cairo` at its start. Runs
-/// stand on one baseline; where Pango lifts one script against another, it does so in the middle of a word.
-/// Baselines stand on whole pixels, `scale` of which make a unit; where it is 0, they stand anywhere.
+/// Calls `visit(line, run)` for every run of glyphs, with the current point of `cairo` at its start. All runs
+/// of a line are put on the same baseline: Pango would shift some scripts up or down, even within a word.
+/// `scale` is the number of pixels per unit; baselines are rounded to whole pixels, unless `scale` is 0.
 template <class Visit>
 void visitRuns(const ShapedText& text, cairo_t* cairo, double scale, const Visit& visit) {
   double y = 0;
@@ -55,7 +55,7 @@ void addOutlines(const ShapedText& text, cairo_t* cairo, double scale) {
   });
 }
 
-/// Cairo ignores the opacity of the source when it draws coloured glyphs.
+/// Draws a run of images with the opacity of the source, which Cairo ignores for coloured glyphs.
 void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
   const tarno::Handle<cairo_pattern_t, cairo_pattern_destroy> source(
       cairo_pattern_reference(cairo_get_source(cairo)));
@@ -70,12 +70,12 @@ void showPictures(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* ca
   }
 }
 
-/// Clips to the lines of `text` and a quarter of a line around them. That is enough for every script, and
-/// stacked combining marks cannot cover other texts.
+/// Clips to the lines of `text` and a quarter of a line above and below. That is enough for every script, and
+/// keeps stacked combining marks from covering other texts.
 void clipToLines(const ShapedText& text, cairo_t* cairo) {
   const double around = text.lineHeight() / 4;
   const ui::TextMetrics& metrics = text.metrics();
-  // Letters may be slanted beyond the sides of their line.
+  // Slanted letters may extend beyond the sides of their line.
   const double side = text.lineHeight();
   cairo_rectangle(cairo, -side, -metrics.baseline - around, metrics.size.width + 2 * side,
                   metrics.size.height + 2 * around);
@@ -89,14 +89,14 @@ void drawPictures(const ShapedText& text, cairo_t* cairo, double scale) {
   cairo_new_path(cairo);
 }
 
-/// Draws one image for the whole run. With one image per glyph, Cairo 1.16 would list an image in the
-/// resources of a PDF once per use, and a file with the same emoji twice would be malformed.
+/// Draws a run of images as one image. With one image per glyph, Cairo 1.16 would list an image in the
+/// resources of a PDF once per use, and a PDF with the same emoji twice would be malformed.
 void showPicturesAsImage(const ShapedText::Line& line, PangoGlyphItem* run, cairo_t* cairo) {
   PangoRectangle ink;
   pango_glyph_string_extents(run->glyphs, run->item->analysis.font, &ink, nullptr);
   pango_extents_to_pixels(&ink, nullptr);
   if (ink.width <= 0 || ink.height <= 0) return;
-  // At the shaping size, about what the bitmaps of emoji faces hold.
+  // At the shaping size, this is about the resolution of the bitmaps in emoji fonts.
   const double resolution = std::min(4.0, 16384.0 / ink.width);
   const Surface image(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
                                                  static_cast<int>(std::ceil(ink.width * resolution)),
@@ -115,9 +115,9 @@ void showPicturesAsImage(const ShapedText::Line& line, PangoGlyphItem* run, cair
   cairo_restore(cairo);
 }
 
-/// Writes the text of a run of images into a PDF, where it can be selected and searched for and is read
-/// aloud: as two blanks that are as wide as the images. (The text of a single one would get lost where
-/// Cairo 1.16 has not used the blank before.)
+/// Writes the text of a run of images into a PDF, so that it can be selected, searched and read aloud. The
+/// text belongs to two blanks that are together as wide as the images. (Cairo 1.16 would lose the text of a
+/// single blank if the PDF has no blank before it.)
 void showBlanksFor(const ShapedText::Line& line, const PangoGlyphItem* run, cairo_t* cairo) {
   if (!cairo_surface_has_show_text_glyphs(cairo_get_target(cairo))) return;
   PangoLayout* layout = line.glyphs->layout;
@@ -158,9 +158,9 @@ void drawAsVector(const ShapedText& text, cairo_t* cairo) {
   cairo_new_path(cairo);
 }
 
-/// None when it would be too large.
+/// Returns the mask of `text`; nothing if it would be too large.
 std::optional<TextStamp> makeStamp(const ShapedText& text, double scale, double start) {
-  // Without bounds, because Cairo leaves out glyphs that lie far outside of a surface.
+  // The surface has no bounds, because Cairo omits glyphs that are far outside a surface.
   const Surface sheet(cairo_recording_surface_create(CAIRO_CONTENT_ALPHA, nullptr));
   const Context outlines(cairo_create(sheet.get()));
   cairo_translate(outlines.get(), start, 0);
@@ -190,7 +190,8 @@ std::optional<TextStamp> makeStamp(const ShapedText& text, double scale, double 
   return stamp;
 }
 
-/// Null when it would be too large. Valid until the next call.
+/// Returns the mask of `text` from `stamps`, which it adds if it is missing. Null if it would be too large.
+/// Valid until the next call.
 const TextStamp* findStamp(TextStamps& stamps, const ShapedText& text, double scale, double start) {
   const auto found = std::find_if(stamps.begin(), stamps.end(), [&](const TextStamp& stamp) {
     return stamp.scale == scale && stamp.start == start;
@@ -205,7 +206,8 @@ const TextStamp* findStamp(TextStamps& stamps, const ShapedText& text, double sc
 void drawOnPixels(const ShapedText& text, TextStamps& stamps, cairo_t* cairo) {
   cairo_matrix_t pixels;
   cairo_get_matrix(cairo, &pixels);
-  // Sideways by a sixteenth of a pixel at most, so that rounding errors do not ask for a new stamp.
+  // The text moves sideways by at most a sixteenth of a pixel, so that rounding errors do not require a new
+  // mask.
   pixels.x0 = std::round(pixels.x0 * 8) / 8;
   pixels.y0 = std::round(pixels.y0);
   const double scale = pixels.xx;

@@ -9,12 +9,12 @@
 
 namespace render {
 
-/// The coverage mask of the outlines of a text on a raster surface, kept between drawings.
+/// The mask of a text: how much of each pixel its outlines cover. Kept between drawings.
 struct TextStamp {
-  double scale = 1;  ///< pixels per unit, for this mask
-  double start = 0;  ///< position of the text within a pixel, from 0 to 1
+  double scale = 1;  ///< pixels per unit
+  double start = 0;  ///< where the text starts within its first pixel, from 0 to 1
   Surface coverage;  ///< null if the text has no outlines
-  int left = 0;      ///< of `coverage`, in pixels from the whole pixel that the text starts in
+  int left = 0;      ///< position of `coverage`, in pixels from the first pixel of the text
   int top = 0;
 };
 
@@ -25,9 +25,9 @@ using TextStamps = std::vector<TextStamp>;
 /// user space, and the first baseline is on it. User space has equal scales and no rotation. On a raster
 /// surface, baselines are rounded to whole pixels.
 ///
-/// On raster surfaces text is filled as outlines, because Cairo puts glyphs on whole pixels only, which makes
-/// the spacing uneven at 11 or 12 points. Filling outlines is slow, so the masks are kept. Vector surfaces
-/// get glyphs, and so does every surface if the glyphs are images (emoji).
+/// On raster surfaces, outlines are filled instead of drawing glyphs, because Cairo puts glyphs on whole
+/// pixels only, which makes the spacing uneven at 11 or 12 points. Filling is slow, so the masks are kept.
+/// Glyphs are drawn on vector surfaces, and on every surface if they are images (emoji).
 ///
 /// Anything more than a quarter of a line above or below the lines is cut off.
 void drawText(const ShapedText& text, TextStamps& stamps, cairo_t* cairo);

@@ -19,11 +19,11 @@
 namespace render {
 namespace {
 
-/// Enough for every text of a tile in every width that the layout tries.
+/// The number of layouts that are kept: enough for all texts of a tile in every width that the layout tries.
 constexpr std::size_t keptTexts = 128;
 
-/// Quicksand is wider than the rounded fonts that sizes are usually chosen for. With this factor, the longest
-/// status line fits the dial and the longest pills fit their row.
+/// The factor by which Quicksand is drawn smaller, because it is wider than the usual rounded fonts. With it,
+/// the longest status line fits the dial and the longest pills fit their row.
 constexpr double roundedScale = 0.97;
 
 /// Converts a width in points to Pango units at the shaping size. A thousandth of a unit is added for
@@ -34,8 +34,8 @@ int units(std::optional<double> width, double scale) {
   return count > 0 ? static_cast<int>(count) : 0;
 }
 
-/// Returns whether `text` consists of Latin letters and punctuation that are all in `face`. It checks the
-/// whole text, because a layout that was cut does not tell what it lacked.
+/// Returns whether `text` consists of Latin letters and punctuation that are all in `face`. Checks the text
+/// and not its layout, because a layout that was cut does not show all missing characters.
 bool isLatinIn(PangoContext* context, const FontDescription& face, std::string_view text) {
   const ObjectHandle<PangoFont> font(pango_context_load_font(context, face.get()));
   for (const char* at = text.data(); at < text.data() + text.size();
@@ -78,7 +78,7 @@ class TextEngine::Impl {
     return font.fontDesign == ui::FontDesign::rounded ? roundedScale * scaleOfStandIn(font) : 1;
   }
 
-  /// Valid until the next call.
+  /// Returns the kept layout of a text, which it creates if it is missing. Valid until the next call.
   Kept& find(std::string_view text, const ui::Font& sizedFont, int width, int maxLines) {
     const ui::Font font{shapingSize, sizedFont.fontWeight, sizedFont.fontDesign};
     text = text.substr(0, longestDisplayText + 1);  // text beyond the limit is never visible
@@ -115,7 +115,7 @@ class TextEngine::Impl {
     return {all, face, extent, shown, width, maxLines};
   }
 
-  /// Returns 1 if Quicksand is installed.
+  /// Returns standInScale(), or 1 if Quicksand is installed.
   double scaleOfStandIn(const ui::Font& font) {
     if (!contexts_) contexts_.emplace();
     if (contexts_->hasRounded()) return 1;

@@ -14,9 +14,8 @@ namespace render {
 bool hasRoundedFace();
 
 /// Measures and draws text with Pango: shaping, bidirectional text and fallback fonts for every script. The
-/// rounded design uses Quicksand. It draws exactly what it measures, at every scale, because metrics are not
-/// hinted. Recent layouts are kept, so that drawing a text that was measured or drawn before does not shape
-/// it again.
+/// rounded design uses Quicksand. A text is drawn exactly as it was measured, at every scale, because metrics
+/// are not hinted. Recent layouts are kept, so that a text need not be shaped again to be drawn.
 ///
 /// For one thread at a time.
 class TextEngine final : public ui::TextMeasurer {

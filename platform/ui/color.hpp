@@ -14,13 +14,13 @@ struct Color {
 
   static constexpr Color sRGB(double red, double green, double blue) { return {red, green, blue, 1}; }
 
-  /// The same colour with its opacity multiplied by `factor`.
+  /// Returns the colour with its opacity multiplied by `factor`.
   constexpr Color opacity(double factor) const { return {red, green, blue, alpha * factor}; }
 
   friend bool operator==(const Color&, const Color&) = default;
 };
 
-/// Returns a component as one of 256 steps, rounded half up: this is what is drawn and what `inspect` prints.
+/// Returns a component as a whole number from 0 to 255, rounded half up. Both drawing and `inspect` use it.
 inline long byteOf(double component) {
   return component > 0 ? std::lround(std::min(component, 1.0) * 255) : 0;
 }

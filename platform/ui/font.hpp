@@ -4,7 +4,7 @@ namespace ui {
 
 enum class FontWeight { regular, medium, semibold, bold };
 
-/// `standard` is the plain font of the system, `rounded` a font with round ends.
+/// `standard` is the plain font of the system; `rounded` is a font whose strokes have round ends.
 enum class FontDesign { standard, rounded };
 
 /// The named sizes.

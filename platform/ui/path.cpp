@@ -6,7 +6,8 @@
 namespace ui {
 namespace {
 
-/// Applies `move` to every point of `path`; `turn` and `factor` say what it does to angles and radii.
+/// Applies `move` to every point of `path`, adds `turn` to every angle and multiplies every radius by
+/// `factor`.
 template <class Move>
 Path transformed(const Path& path, const Move& move, Angle turn, double factor) {
   Path result;

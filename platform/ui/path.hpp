@@ -18,7 +18,7 @@ struct Angle {
   friend bool operator==(const Angle&, const Angle&) = default;
 };
 
-/// A turn about a point.
+/// A rotation about a point.
 struct Rotation {
   Angle angle;
   Point center;
@@ -26,7 +26,7 @@ struct Rotation {
   Point apply(Point point) const;
 };
 
-/// An outline: a sequence of elements, each starting where the last one ended.
+/// An outline: a sequence of elements, each of which starts at the end of the one before.
 struct Path {
   struct Move {
     Point to;
@@ -36,8 +36,8 @@ struct Path {
     Point to;
     friend bool operator==(const Line&, const Line&) = default;
   };
-  /// A circular arc from `start` to `end`, both measured clockwise from 3 o'clock: clockwise when `end` is
-  /// the larger, else counter-clockwise. A line leads to its start when the outline has begun elsewhere.
+  /// A circular arc from `start` to `end`, both measured clockwise from 3 o'clock. It runs clockwise if `end`
+  /// is larger than `start`, otherwise counter-clockwise. A line joins it to the element before.
   struct Arc {
     Point center;
     double radius;
@@ -52,10 +52,10 @@ struct Path {
 
   std::vector<Element> elements;
 
-  /// A rectangle with round corners; the radius is limited to half of the shorter side.
+  /// Returns a rectangle with round corners; the radius is limited to half of the shorter side.
   static Path roundedRect(const Rect& rect, double radius);
-  /// The outline of the circle inscribed in `rect`, from fraction `from` to `to` of its length, measured
-  /// clockwise from 3 o'clock; closed when it is the whole circle.
+  /// Returns the circle inscribed in `rect`, or the part of it between two fractions of its length, measured
+  /// clockwise from 3 o'clock. Only the whole circle is closed.
   static Path circle(const Rect& rect, double from = 0, double to = 1);
 
   /// Returns this outline scaled by `factor` about the origin, then moved by `offset`.
@@ -67,7 +67,7 @@ struct Path {
 
 enum class LineCap { butt, round };
 
-/// Joins are mitred with limit 10, without dashes.
+/// How a line is drawn: solid, and with mitred joins up to the miter limit 10.
 struct StrokeStyle {
   double lineWidth = 1;
   LineCap lineCap = LineCap::butt;

@@ -16,11 +16,11 @@ namespace ui {
 struct FillPath {
   Path path;
   Color color;
-  /// When drawn on pixels, the outline moves by at most half a pixel so that this point is on a corner of a
+  /// On a raster image, the outline moves by at most half a pixel so that this point is on a corner of a
   /// pixel. This keeps the edges of small symbols sharp.
   std::optional<Point> anchor{};
-  /// When drawn on pixels, the outline stretches and moves by at most a pixel so that the sides of its bounds
-  /// are between pixels, and the middle of its height is where an anchor there would be.
+  /// On a raster image, the outline stretches and moves by at most a pixel so that its sides are between
+  /// pixels. The middle of its height moves like an anchor, so that a symbol there stays centred.
   bool fitsPixels = false;
 
   friend bool operator==(const FillPath&, const FillPath&) = default;
@@ -34,8 +34,8 @@ struct StrokePath {
   friend bool operator==(const StrokePath&, const StrokePath&) = default;
 };
 
-/// A text that fits its box: set in `font` (already scaled), broken and cut as TextMeasurer::measure does it
-/// for the width of the box and `maxLines`.
+/// A text that fits its box. It is set in `font`, which is already scaled, and is broken into lines and cut
+/// as TextMeasurer::measure() does it for the width of the box and `maxLines`.
 struct TextRun {
   std::string text;
   Font font;

@@ -21,10 +21,10 @@ class TextMeasurer {
  public:
   virtual ~TextMeasurer() = default;
 
-  /// `text` set in `font`, broken into lines no wider than `width` points (one line per paragraph when
-  /// absent) and cut with an ellipsis at the end of line `maxLines` where more would follow. With one line,
-  /// line breaks in the text count as blanks. An empty text has width 0 and the height of one line. `text` is
-  /// UTF-8; `maxLines` is at least 1.
+  /// Measures `text`, which is UTF-8, in `font`. The text is broken into lines no wider than `width` points;
+  /// without `width`, only at its own line breaks. A text with more than `maxLines` lines, at least 1, is cut
+  /// and ends with an ellipsis. If `maxLines` is 1, line breaks in the text count as blanks. An empty text
+  /// has width 0 and the height of one line.
   virtual TextMetrics measure(std::string_view text, const Font& font, std::optional<double> width,
                               int maxLines) = 0;
 };

@@ -9,20 +9,20 @@
 namespace ui {
 namespace {
 
-/// The space between the symbol and the title of a label, in points: a word space at the usual sizes.
+/// The space between the symbol and the title of a label, in points: about a blank at the usual sizes.
 constexpr double labelSpacing = 4;
 
 double boundedLength(double length) { return bounded(length, 0, longestLength); }
 
-/// The maximum font size: font libraries run out of memory when they scale colour glyphs to much larger
-/// sizes.
+/// Limits a font size to 1000 points, because font libraries run out of memory when they scale colour glyphs
+/// to much larger sizes. A size below 1 becomes 0.
 double boundedFontSize(double size) {
   constexpr double smallest = 1;
   constexpr double largest = 1000;
   return size >= smallest ? bounded(size, smallest, largest) : 0;
 }
 
-/// A length that may be negative.
+/// Limits a length that may be negative.
 double boundedDistance(double length) { return bounded(length, -longestLength, longestLength); }
 
 double boundedFraction(double fraction) { return bounded(fraction, 0, 1); }

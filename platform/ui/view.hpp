@@ -15,15 +15,16 @@
 /// Views are values that describe what to show. Factories create them, modifiers wrap them, and layout() lays
 /// them out.
 ///
-/// You may pass any number. Factories and modifiers bound it before they keep it: a NaN becomes 0, a length
-/// is at most `longestLength` and not negative (spacing and padding may be negative, down to
-/// -`longestLength`), fractions and colour components are from 0 to 1, and an angle is less than one turn.
-/// That is why layout always ends and its numbers are finite.
+/// You may pass any number. Factories and modifiers limit it: a NaN becomes 0, a length is at most
+/// `longestLength` and not negative (spacing and padding may be negative, down to -`longestLength`),
+/// fractions and colour components are from 0 to 1, and an angle is less than one turn. Therefore every
+/// layout ends, and its numbers are finite.
 namespace ui {
 
 struct Node;
 
-/// A length that is negative or NaN counts as absent; so does a fixed length that is infinite.
+/// The lengths of a frame, in points. A length that is negative or a NaN counts as absent, and so does a
+/// fixed length that is infinite.
 struct FrameOptions {
   std::optional<double> width;             ///< fixed
   std::optional<double> height;            ///< fixed
@@ -34,7 +35,7 @@ struct FrameOptions {
   friend bool operator==(const FrameOptions&, const FrameOptions&) = default;
 };
 
-/// The line limit of a text that has none, and the largest one that counts.
+/// The default line limit, which is also the maximum.
 inline constexpr int unlimitedLines = 1000;
 
 /// Sides of a view: left and right, or top and bottom.
@@ -51,23 +52,23 @@ class View {
   /// them. A font larger than 1000 points counts as 1000; one smaller than 1 counts as 0 and takes no space.
   View font(Font font) const;
   View foregroundStyle(Color color) const;
-  /// 1 to `unlimitedLines`.
+  /// Limits texts to `lines` lines, 1 to `unlimitedLines`.
   View lineLimit(int lines) const;
-  /// Texts may shrink to `factor` of their font size, 0.01 to 1, before they are cut.
+  /// Lets texts shrink to `factor` of their font size, 0.01 to 1, before they are cut.
   View minimumScaleFactor(double factor) const;
 
-  /// `length` points of space on each of `edges`.
+  /// Adds `length` points of space on each of `edges`.
   View padding(EdgeSet edges, double length) const;
   View frame(FrameOptions options) const;
-  /// `content` behind this view, in this view's size.
+  /// Shows `content` behind this view, centred and offered the size of this view.
   View background(View content) const;
   /// Turns the strokes in this view, clockwise about its centre. Fills, texts and the layout stay as they
   /// are.
   View rotationEffect(Angle angle) const;
-  /// The colour of the whole container that shows this view, margins included. For the outermost view.
+  /// Fills the whole container with `color`, including its margins. Use it on the outermost view.
   View containerBackground(Color color) const;
 
-  /// One element for a screen reader, with this label; what is inside is not announced.
+  /// Makes this view one element for screen readers, with `label`. They do not find what is inside it.
   View accessibilityElement(std::string label) const;
   View accessibilityHidden() const;
 
@@ -109,13 +110,13 @@ struct VStackOptions {
   friend bool operator==(const VStackOptions&, const VStackOptions&) = default;
 };
 
-/// A text, shown verbatim; it is not a localisation key.
+/// Returns a view that shows `text` as it is, without translating it.
 View Text(std::string text);
 
-/// The symbol of that name (see symbol.hpp) at the size of the current font. Screen readers ignore it.
+/// Returns a view of a symbol (see symbol.hpp) at the size of the current font. Screen readers ignore it.
 View Image(std::string systemName);
 
-/// A title after a symbol, both in the current font.
+/// Returns a view of a symbol followed by a title, both in the current font.
 View Label(std::string title, std::string systemImage);
 
 View makeHStack(HStackOptions options, std::vector<View> children);
@@ -132,7 +133,7 @@ View VStack(VStackOptions options, const Views&... children) {
   return makeVStack(options, Children{children...}.views);
 }
 
-/// Children on top of each other and centred, the first at the bottom.
+/// Returns a view that shows its children on top of each other, centred, the first at the bottom.
 template <class... Views>
 View ZStack(const Views&... children) {
   return makeZStack(Children{children...}.views);
@@ -142,7 +143,7 @@ View ZStack(const Views&... children) {
 /// centred on the outline.
 class Circle {
  public:
-  /// The part of the outline between two fractions of its length, clockwise from 3 o'clock.
+  /// Returns the part of the outline between two fractions of its length, clockwise from 3 o'clock.
   Circle trim(double from, double to) const;
   View fill(Color color) const;
   View stroke(Color color, StrokeStyle style) const;
@@ -152,7 +153,7 @@ class Circle {
   double to_ = 1;
 };
 
-/// How a corner's curve meets the straight side. The ends of a capsule are half circles either way.
+/// How the curve of a corner meets the straight side. A capsule ignores it: its ends are half circles.
 enum class RoundedCornerStyle { continuous };
 
 class Capsule {

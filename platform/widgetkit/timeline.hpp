@@ -20,7 +20,7 @@ struct TimelineProviderContext {
   bool isPreview = false;  ///< the entry is for a gallery, not for the desktop
 };
 
-/// When the host should ask for the next timeline.
+/// Tells the host when to ask for the next timeline.
 struct TimelineReloadPolicy {
   tarno::Date date;
 

@@ -14,7 +14,7 @@ concept Widget = std::default_initializable<T> && requires(const T& widget) {
   widget.body().provider;
 };
 
-/// The result of a bundle's body: its widgets, in this order.
+/// Returns the body of a bundle: its widgets, in this order.
 template <Widget... Widgets>
 std::tuple<Widgets...> buildBlock(const Widgets&... widgets) {
   return {widgets...};
@@ -23,7 +23,7 @@ std::tuple<Widgets...> buildBlock(const Widgets&... widgets) {
 /// The base class of an extension's main type `Bundle`, whose body() returns the widgets of the extension.
 template <class Bundle>
 struct WidgetBundle {
-  /// Called with the bundle; returns when the host no longer needs the extension.
+  /// A function that is called with the bundle and returns when it no longer needs the extension.
   using Host = std::function<void(const Bundle&)>;
 
   /// The host that is starting the extension, or null. It is global because the main function of an extension

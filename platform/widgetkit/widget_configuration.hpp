@@ -15,13 +15,13 @@ struct EnvironmentValues {
   WidgetFamily widgetFamily = WidgetFamily::systemMedium;
 };
 
-/// The key of a text that a host may translate; shown itself if there is no translation.
+/// The key of a text that a host may translate. Without a translation, the key itself is shown.
 struct LocalizedStringKey {
   std::string key;
 };
 
-/// The view of an entry. Its body is built anew from the entry and the environment of the host each time the
-/// entry is drawn, and may read the clock.
+/// The view of an entry. Each drawing builds its body anew from the entry and the environment of the host.
+/// The body may read the clock.
 template <class T, class Entry>
 concept EntryView = requires(const Entry& entry, const EnvironmentValues& environment) {
   { T{entry}.body(environment) } -> std::same_as<ui::View>;

@@ -24,8 +24,8 @@ std::string quoted(std::string_view text) {
   return result + '"';
 }
 
-/// Formats an attribute for an outline. Text from a user is always quoted, fixed words only if they contain
-/// blanks.
+/// Visits the value of an attribute and formats it for an outline. Text from a user is always quoted, fixed
+/// words only if they contain blanks.
 struct OutlineValue {
   std::string_view name;
 

@@ -17,12 +17,12 @@ class DescriptionBuilder {
  public:
   explicit DescriptionBuilder(std::string name) { description_.name = std::move(name); }
 
-  /// Adds a number, rounded to 3 decimals; infinity becomes a word. An absent number is left out.
+  /// Adds a number, rounded to 3 decimals; infinity becomes a word. An absent number adds nothing.
   DescriptionBuilder& number(std::string_view name, std::optional<double> value);
   DescriptionBuilder& text(std::string_view name, std::string value);
-  /// Adds one of a few words; left out if it is the default.
+  /// Adds one of a few words, unless it is the default, `usual`.
   DescriptionBuilder& choice(std::string_view name, std::string_view value, std::string_view usual);
-  /// Left out if false.
+  /// Adds a flag if it is true.
   DescriptionBuilder& flag(std::string_view name, bool value);
   DescriptionBuilder& rect(const Rect& rect);
 
@@ -35,12 +35,12 @@ class DescriptionBuilder {
   Description description_;
 };
 
-/// "#RRGGBB", with "@alpha" behind it unless the colour is opaque: "#2E8F93@0.16".
+/// Returns "#RRGGBB", followed by "@" and the alpha value unless the colour is opaque: "#2E8F93@0.16".
 std::string describe(const Color& color);
-/// "12 semibold rounded".
+/// Returns the size, weight and design: "12 semibold rounded".
 std::string describe(const Font& font);
 
-/// The name that an enumerator goes by in code.
+/// Returns the name of an enumerator as it is written in code.
 std::string_view word(FontWeight weight);
 std::string_view word(FontDesign design);
 std::string_view word(LineCap cap);

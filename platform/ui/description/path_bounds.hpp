@@ -4,8 +4,8 @@
 
 namespace ui {
 
-/// Returns the smallest rectangle around an outline, without the width of a stroke; an empty one at the
-/// origin for an empty outline.
+/// Returns the smallest rectangle around an outline, not counting the width of a stroke. That of an empty
+/// outline is empty and at the origin.
 Rect bounds(const Path& path);
 
 }  // namespace ui

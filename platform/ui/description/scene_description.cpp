@@ -8,7 +8,7 @@ namespace {
 
 using Builder = DescriptionBuilder;
 
-/// An outline in numbers: a circle or a part of one by its centre, radius and angles, anything else by its
+/// Adds the numbers of an outline: centre, radius and angles of a circle or a part of one, otherwise the
 /// bounds.
 void addOutline(Builder& builder, const Path& path) {
   const auto& elements = path.elements;

@@ -5,10 +5,10 @@
 
 namespace ui {
 
-/// What is drawn, from bottom to top.
+/// Returns the items of a scene, from bottom to top.
 Description describe(const Scene& scene);
 
-/// What a screen reader stops at.
+/// Returns the elements of a scene that a screen reader finds.
 Description describeAccessibility(const Scene& scene);
 
 }  // namespace ui

@@ -5,7 +5,7 @@
 
 namespace ui {
 
-/// A view as it was written: one node per view and modifier, the outermost first.
+/// Returns the description of a view as it was written: one node per view and modifier, the outermost first.
 Description describe(const View& view);
 
 }  // namespace ui

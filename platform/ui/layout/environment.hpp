@@ -6,8 +6,8 @@
 
 namespace ui {
 
-/// The settings for everything inside a view, unless something further inside changes them. Passed down by
-/// value during a layout. The outermost view starts with the defaults.
+/// The settings that a view inherits from the views around it. Each level of a layout passes a copy down, and
+/// modifiers change the copy. The outermost view starts with the defaults.
 struct Environment {
   Font font = Font::system(TextStyle::body);
   Color foreground = black;
@@ -18,7 +18,7 @@ struct Environment {
   friend bool operator==(const Environment&, const Environment&) = default;
 };
 
-/// The modifiers that change the environment of their content.
+// inside() returns the environment that a modifier gives to its content.
 inline Environment inside(const nodes::WithFont& node, Environment environment) {
   environment.font = node.font;
   return environment;

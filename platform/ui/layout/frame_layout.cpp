@@ -8,16 +8,18 @@
 namespace ui {
 namespace {
 
+/// The options of a frame along one axis.
 struct FrameAxis {
   double Size::*along;
   std::optional<double> fixed;
   std::optional<double> maximum;
 
+  /// Returns the length that the frame offers to its content.
   double offer(const Size& proposal) const {
     return fixed.value_or(std::min(proposal.*along, maximum.value_or(infinity)));
   }
 
-  /// Of the frame.
+  /// Returns the length that the frame takes.
   double length(const FrameLayout& frame) const {
     if (fixed) return *fixed;
     return maximum ? std::max(frame.content.*along, frame.offer.*along) : frame.content.*along;

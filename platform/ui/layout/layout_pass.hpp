@@ -10,7 +10,7 @@
 
 namespace ui {
 
-/// An axis, for rules that are the same in both directions.
+/// An axis. Code that is the same for both axes takes it as a parameter.
 struct Axis {
   double Size::*length;
   double Point::*position;
@@ -23,17 +23,17 @@ inline constexpr Axis verticalAxis{&Size::height, &Point::y};
 struct StackLayout {
   struct Child {
     Size offer;
-    Size size;     ///< what the child takes of it
-    Point origin;  ///< from the stack's corner
+    Size size;     ///< what the child takes
+    Point origin;  ///< its corner, from the stack's corner
   };
 
-  std::vector<Child> children;  ///< in the order of the stack's
-  Size size;                    ///< of the stack: its children and the spacing between them
+  std::vector<Child> children;  ///< in the same order as in the stack
+  Size size;                    ///< the size of the stack: its children and the spacing between them
 };
 
-/// Shared by the steps of one layout: the measurer, and a cache of stack layouts. A stack is measured
-/// repeatedly: by the stack around it, for its flexibility and then for its share, and again to be placed.
-/// The cache saves measuring its children each time.
+/// What the steps of one layout share: the measurer and a cache of stack layouts. A stack is sized
+/// repeatedly: twice for its flexibility, once for its share, and again when it is placed. The cache avoids
+/// sizing its children each time.
 ///
 /// The key is the address of a stack's node, so the view must outlive the pass.
 struct LayoutPass {

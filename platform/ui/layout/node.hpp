@@ -6,9 +6,10 @@
 
 #include "tarno/ui/view.hpp"
 
-/// What a View holds: one struct a kind, in a closed list. An operation on views (layout, description) is a
-/// visitor with one overload a struct; people who build views need only view.hpp. All numbers are within the
-/// bounds that view.hpp gives; none is a NaN, and only a frame's maximum may be infinite.
+/// What a View holds: one struct for each kind of view or modifier. An operation on views (layout,
+/// description) is a visitor with one overload for each struct. To build views, you need only view.hpp. All
+/// numbers are within the bounds that view.hpp gives: none is a NaN, and only the maximum of a frame may be
+/// infinite.
 namespace ui::nodes {
 
 struct Text {

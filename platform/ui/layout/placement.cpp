@@ -23,7 +23,7 @@ Path outline(const nodes::Circle& circle, const Rect& rect) {
 
 Path outline(const nodes::Capsule&, const Rect& rect) { return Path::roundedRect(rect, infinity); }
 
-/// The replacement for an unknown symbol: an empty box with round corners, so that it is noticed.
+/// Returns the replacement for an unknown symbol: an empty box with round corners, so that people notice it.
 StrokePath unknownSymbol(const Rect& rect, const Color& color) {
   const double em = rect.size.width;
   return {Path::roundedRect(rect.inset(em * 0.12), em * 0.16), {.lineWidth = em * 0.08}, color};

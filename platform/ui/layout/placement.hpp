@@ -24,7 +24,7 @@ struct Placement {
   Rect rect;
 };
 
-/// Adds `view` to `list`.
+/// Adds the items of `view` at the place `where` to `list`.
 void place(const View& view, const Environment& environment, const Placement& where, LayoutPass& pass,
            DisplayList& list);
 

@@ -10,7 +10,7 @@
 namespace ui {
 namespace {
 
-/// The size of the symbol in `font`; 1 em square if no symbol has that name.
+/// Returns the size of the symbol in `font`; 1 em square if no symbol has that name.
 Size imageSize(const nodes::Image& image, const Font& font) {
   const Symbol* symbol = findSymbol(image.systemName);
   const Size em = symbol ? symbol->size : Size{1, 1};

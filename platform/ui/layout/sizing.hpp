@@ -6,11 +6,11 @@
 
 namespace ui {
 
-/// Returns the size that `view` takes in `environment` when it is offered `proposal`. Neither is negative. An
-/// infinite length offers unlimited space; a shape then takes all of it.
+/// Returns the size that `view` takes in `environment` when it is offered `proposal`. No length is negative.
+/// An infinite length offers unlimited space, all of which a shape takes.
 Size sizeThatFits(const View& view, const Environment& environment, const Size& proposal, LayoutPass& pass);
 
-/// Returns the fraction of the unused space that goes before the aligned content.
+/// Returns how much of the unused space goes before the aligned content, from 0 to 1.
 constexpr double fraction(HorizontalAlignment alignment) {
   return alignment == HorizontalAlignment::leading ? 0 : 0.5;
 }

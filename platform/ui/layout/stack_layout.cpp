@@ -8,11 +8,12 @@
 namespace ui {
 namespace {
 
+/// A stack that is being laid out. `along` is the axis on which its children follow each other.
 struct Stack {
   Axis along;
   Axis across;
   double spacing;
-  double alignment;  ///< across, as a fraction of the room left over
+  double alignment;  ///< how much of the unused space across goes before a child, from 0 to 1
   const std::vector<View>& views;
   const Environment& environment;
   const Size& proposal;
@@ -28,7 +29,7 @@ struct Stack {
 
   double flexibility(std::size_t index) const {
     const double span = ask(index, infinity).size.*along.length - ask(index, 0).size.*along.length;
-    return span > 0 ? span : 0;  // also where both are infinite
+    return span > 0 ? span : 0;  // infinity minus infinity is a NaN, which gives 0
   }
 
   std::vector<StackLayout::Child> shareOut(double length) const {

@@ -5,13 +5,14 @@
 
 namespace ui {
 
-/// Sizes and places the children of a stack. Across the stack each is offered what the stack is. Along it,
-/// what is left after the spacing is shared: the children are asked in turn, from the least flexible to the
-/// most (the flexibility of a child is how far its lengths lie apart when it is offered nothing and
-/// everything), each is offered an equal share of what those before it left over.
+/// Sizes and places the children of a stack. Across the stack, each child is offered what the stack is
+/// offered. Along the stack, the children share the length that is left after the spacing. They are asked one
+/// after the other, the least flexible first, and each is offered an equal share of what its predecessors
+/// have left. The flexibility of a child is the difference between its lengths when it is offered no length
+/// and an infinite one.
 ///
-/// Nested stacks are not exponential work: offers of nothing or everything go to every child as they are, so
-/// finding out a child's flexibility visits what is inside it once. The result lives as long as `pass`.
+/// Nesting does not make the work exponential: a stack that is offered no length or an infinite one passes
+/// the offer on to its children, without finding out their flexibility. The result lives as long as `pass`.
 const StackLayout& layoutStack(const nodes::HStack& stack, const Environment& environment,
                                const Size& proposal, LayoutPass& pass);
 const StackLayout& layoutStack(const nodes::VStack& stack, const Environment& environment,

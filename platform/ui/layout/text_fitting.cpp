@@ -5,11 +5,12 @@
 namespace ui {
 namespace {
 
-/// Layout's sums and differences may return a text's own width slightly too small, and text renderers round
-/// to fractions of a point of about half this size.
+/// A text still fits if its width exceeds the space by this, in points. Rounding errors of the layout may
+/// make the space slightly too small, and text renderers round widths to steps of about half this size.
 constexpr double widthTolerance = 1.0 / 512;
 
-/// The search over several lines tries this many scales between the minimum and 1; finer steps are invisible.
+/// The number of scales, from the minimum to 1, that a text of several lines can shrink to. Finer steps would
+/// be invisible.
 constexpr int scaleSteps = 16;
 
 class Fitting {
@@ -24,7 +25,8 @@ class Fitting {
     return {font, measurer_.measure(text_, font, width_, environment_.lineLimit)};
   }
 
-  /// A shrunk line keeps its baseline and the height that it has unshrunk, so that nothing around it moves.
+  /// Shrinks a text that has one line. The line keeps its baseline and its original height, so that nothing
+  /// around it moves.
   FittedText shrunkOnOneLine() const {
     const TextMetrics whole = measurer_.measure(text_, environment_.font, std::nullopt, 1);
     FittedText fitted = smallerOnOneLine(whole);
@@ -49,13 +51,13 @@ class Fitting {
   }
 
  private:
-  /// Whether the text has more line breaks than lines, so that no scale makes it fit.
+  /// Returns whether the text itself has more lines than are allowed, so that it fits at no scale.
   bool hasTooManyLines() const {
     return measurer_.measure(text_, environment_.font, std::nullopt, environment_.lineLimit).truncated;
   }
 
-  /// The width of one line is proportional to its scale, except for hinting and rounding; so the first try
-  /// nearly always fits.
+  /// Shrinks in proportion to the excess width. Except for hinting and rounding, the width of a line is
+  /// proportional to its scale, so the first try nearly always fits.
   FittedText smallerOnOneLine(const TextMetrics& whole) const {
     const double smallest = environment_.minimumScaleFactor;
     constexpr int tries = 4;

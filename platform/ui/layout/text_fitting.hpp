@@ -13,12 +13,12 @@ struct FittedText {
   TextMetrics metrics;
 };
 
-/// Sets `text` within `width` (infinite: as wide as it likes), in the environment's font and line
-/// limit. Where not all of it fits it shrinks, to the largest scale at which it does but not below the
-/// minimum scale factor; what does not fit even then is cut at that factor. Heights are not limited.
+/// Fits `text` into `width` points, which may be infinite, with the font and line limit of `environment`. If
+/// it does not fit, it shrinks to the largest scale at which it fits, but not below the minimum scale factor.
+/// If it does not fit at the minimum either, it is cut there. The height is not limited.
 ///
-/// A width that falls short of the text's own by no more than rounding errors counts as enough; the metrics
-/// are then the text's own. A font without a size takes no room.
+/// A text that is too wide only by a rounding error counts as fitting, and the metrics have its full width. A
+/// text whose font has the size 0 takes no space.
 FittedText fitText(std::string_view text, const Environment& environment, double width,
                    TextMeasurer& measurer);
 

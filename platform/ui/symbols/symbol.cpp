@@ -10,19 +10,19 @@ namespace {
 
 using namespace symbol_pen;
 
-/// The height of all symbols that stand for a status, so that what stands below them does not move when the
-/// status changes.
+/// The height of all status symbols. It is the same for all, so that nothing below them moves when the status
+/// changes.
 constexpr double statusHeight = 25;
 
 // The locks.
 
-/// The legs of a shackle, as far as they reach below the centre of its arch.
+/// The lengths of the legs of a shackle below the centre of its arch.
 struct Legs {
   double left;
   double right;
 };
 
-/// The shackle of a padlock, turned as a whole.
+/// Returns the shackle of a padlock, rotated by `turn`.
 Arcs shackle(const GuideCircle& arch, Legs legs, double width, const Rotation& turn = {}) {
   const double left = arch.center.x - arch.radius;
   const double right = arch.center.x + arch.radius;
@@ -42,7 +42,8 @@ Arcs body(Point top) { return roundedRect({{top.x - 9, top.y}, {18, 13}}, 3); }
 
 Arcs keyhole(Point top) { return line({top.x, top.y + 5.2}, {top.x, top.y + 7.9}, weight); }
 
-/// The head of an arrow that follows `ring` clockwise; its back stands at angle `back`.
+/// Returns the head of an arrow that points clockwise along `ring`; the back of the head is at the angle
+/// `back`.
 Arcs arrowhead(const GuideCircle& ring, Angle back) {
   const Point base = ring.at(back);
   const Rotation turn{back, base};
@@ -74,18 +75,19 @@ Symbol turningLock() {
                roundedRect({{-5.4, -1.1}, {10.8, 7.5}}, 1.5), shackle({{0, -2.9}, 2.95}, {3, 3}, 1.9)}));
 }
 
-// The round signs and those with a badge.
+// The round symbols, and those with a badge.
 
-/// The circle that stands inside `rim` when it is drawn as a ring.
+/// Returns the inner edge of the ring whose outer edge is `rim`.
 GuideCircle inside(const GuideCircle& rim) { return {rim.center, rim.radius - weight}; }
 
-/// Eight o'clock: the hands leave the lower right free, where a badge may stand.
+/// Returns the hands of a clock at eight o'clock, which leaves the lower right free for a badge.
 Arcs hands(Point pivot, double minute, double hour) {
   const Point tip = GuideCircle{pivot, hour}.at(Angle::degrees(150));
   return stroke(course({{pivot.x, pivot.y - minute}, pivot, tip}, weight / 2), weight);
 }
 
-/// What the symbols with a badge at the lower right have in common.
+// The parts that the symbols with a badge at the lower right share: the badge, the gap around it, the circle
+// on which the ends of the ring are centred, and the ring itself.
 constexpr GuideCircle badge{{7.2, 6}, 5.8};
 constexpr GuideCircle margin{badge.center, badge.radius + 1.7};
 constexpr GuideCircle reach{badge.center, margin.radius + weight / 2};
@@ -103,7 +105,7 @@ constexpr Size rimBox{24, 24};
 Symbol question() {
   const GuideCircle bow{{0, -3.9}, 3.3};
   const Angle turn = Angle::degrees(64);
-  // The counter-bend that leads the bow down onto the axis.
+  // The neck bends the other way, so that the bow of the question mark ends on its axis and points down.
   const double bend = bow.radius * std::cos(turn.radians) / (1 - std::cos(turn.radians));
   const GuideCircle neck{{bend, bow.center.y + (bow.radius + bend) * std::sin(turn.radians)}, bend};
   const Arcs mark = stroke({bow.clockwise(Angle::degrees(-175), turn),
@@ -127,7 +129,8 @@ Symbol clockWithAlarm() {
 Symbol personWithCheckMark() {
   const GuideCircle head{{frame.center.x, -3.9}, 3.4};
   const GuideCircle shoulders{{frame.center.x, 9.2}, 7};
-  // Passes from the margin into the ring's round end where the two touch.
+  // The bust follows the edge of the badge's margin and continues on the round end of the ring, where they
+  // touch.
   const Arcs bust{shoulders.clockwise(shoulders.entering(frame), shoulders.entering(margin)),
                   margin.counterclockwise(margin.leaving(shoulders), reach.entering(frame)),
                   frame.clockwise(frame.leaving(reach), frame.leaving(shoulders))};
@@ -136,8 +139,8 @@ Symbol personWithCheckMark() {
                 compose({ringWithRoomForBadge(), disc(head), bust, disc(badge)}, {check}));
 }
 
-// The signs for the dial's dots are shown at 8 points, where 2.5 units are one pixel: their edges stand on
-// multiples of that wherever the shape allows.
+// The symbols in the dots of the dial are shown at 8 points, where 2.5 units are one pixel. Their edges are
+// on multiples of 2.5 where the shape allows it.
 
 Symbol smile() {
   const GuideCircle face{{0, 0}, 12.5};
@@ -150,8 +153,8 @@ Symbol smile() {
 
 Symbol watch() {
   const GuideCircle dial{{0, 0}, 10};
-  // Each strap end runs to a point under the rim, so that its corners there stay covered and off the dial's
-  // hole.
+  // The inner end of each strap is notched, so that its corners stay under the rim and outside the hole of
+  // the dial.
   const Arcs upper = polygon({{-4.6, -12.5}, {4.6, -12.5}, {6.4, -6}, {0, -8.8}, {-6.4, -6}}, 1);
   const Arcs lower = polygon({{4.6, 12.5}, {-4.6, 12.5}, {-6.4, 6}, {0, 8.8}, {6.4, 6}}, 1);
   const Arcs crown = line({10, 0}, {10.9, 0}, weight);

@@ -7,19 +7,19 @@
 
 namespace ui {
 
-/// A pictogram as one outline, filled by the nonzero rule. Lengths are in ems: 1 is the font size that it is
-/// shown at. The outline lies within (0, 0) to `size`; `size` is what the symbol takes up in a layout, and
-/// its optical centre is the centre of that box.
+/// A pictogram as one outline, filled by the nonzero rule. Lengths are in ems: 1 is the font size at which it
+/// is shown. The symbol takes up `size` in a layout. The outline lies between (0, 0) and `size`, and its
+/// optical centre is in the middle of that box.
 struct Symbol {
   std::string_view name;
   Size size;
   Path outline;
 };
 
-/// Returns the symbol of that name, or null. It lives until the process ends. Any thread.
+/// Returns the symbol `name`, or null. It lives until the process ends. Any thread.
 const Symbol* findSymbol(std::string_view name);
 
-/// All symbols, to draw or check the whole set.
+/// Returns all symbols. They live until the process ends. Any thread.
 const std::vector<Symbol>& allSymbols();
 
 }  // namespace ui

@@ -19,10 +19,11 @@ double direction(Point from, Point to) { return std::atan2(to.y - from.y, to.x -
 Point startOf(const Path::Arc& arc) { return polar(arc.center, arc.radius, arc.start.radians); }
 Point endOf(const Path::Arc& arc) { return polar(arc.center, arc.radius, arc.end.radians); }
 
-/// The end of a course at `point`: an arc that has shrunk to nothing but keeps its direction, for offsetting.
+/// Returns the end of a course at `point`, as an arc of radius 0. The arc keeps the direction of the course,
+/// which offset() needs.
 Path::Arc tip(Point point, double heading) { return {point, 0, {heading - pi / 2}, {heading - pi / 2}}; }
 
-/// The way from `before` to `after` that cuts the corner with an arc.
+/// Returns the arc that rounds `corner` on the way from `before` to `after`.
 Path::Arc bend(Point before, Point corner, Point after, double radius) {
   const double in = direction(before, corner);
   const double turn = std::remainder(direction(corner, after) - in, 2 * pi);
@@ -33,7 +34,7 @@ Path::Arc bend(Point before, Point corner, Point after, double radius) {
   return {center, radius, {start}, {start + turn}};
 }
 
-/// `arc` moved to its left by `distance`, seen in the direction that it runs.
+/// Returns the parallel of `arc` at `distance` to its left, seen in the direction in which it runs.
 Path::Arc offset(Path::Arc arc, double distance) {
   const bool clockwise = arc.end.radians >= arc.start.radians;
   arc.radius += clockwise ? distance : -distance;
@@ -41,10 +42,10 @@ Path::Arc offset(Path::Arc arc, double distance) {
   return {arc.center, -arc.radius, {arc.start.radians + pi}, {arc.end.radians + pi}};
 }
 
-/// `angle` less all whole turns, from 0 to 2 pi.
+/// Returns `angle` without its whole turns: from 0 to 2 pi.
 double withinTurn(double angle) { return angle - 2 * pi * std::floor(angle / (2 * pi)); }
 
-/// Half of the angle that the part of `circle` within `other` takes up.
+/// Returns half of the angle of the part of `circle` that is inside `other`.
 double halfSpan(const GuideCircle& circle, const GuideCircle& other) {
   const double apart = std::hypot(other.center.x - circle.center.x, other.center.y - circle.center.y);
   const double r = circle.radius;
