@@ -21,8 +21,8 @@ namespace {
 
 using tarno::FileDescriptor;
 
-constexpr std::size_t mostKept = 1 << 20;  ///< of an output
-constexpr int cannotRun = 127;             ///< the exit code of a shell
+constexpr std::size_t mostKept = 1 << 20;  ///< the bytes of each output that are kept
+constexpr int cannotRun = 127;             ///< the exit code that shells use for this
 
 /// Returns the result of a system call, or throws if it failed.
 int checked(long result) {
@@ -64,8 +64,7 @@ std::filesystem::path siblingProgram(const char* name) {
 ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                            std::chrono::seconds limit, int inherited)
     : limit_(limit), deadline_(Clock::now() + limit) {
-  std::vector<char*> words{
-      const_cast<char*>(program.c_str())};  // execv() takes them so, and leaves them alone
+  std::vector<char*> words{const_cast<char*>(program.c_str())};  // execv() does not change its arguments
   for (const auto& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
   auto [output, outputEnd] = makePipe();
@@ -73,7 +72,7 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vect
   // posix_spawn() would sleep until the child executes the program, which costs another wake-up.
   pid_ = checked(fork());
   if (pid_ == 0) become(program, words.data(), outputEnd.get(), errorsEnd.get(), inherited);
-  // Not through <sys/pidfd.h>, whose functions glibc 2.36 declares as C++.
+  // glibc 2.36 declares the functions of <sys/pidfd.h> as C++, so they cannot be linked.
   process_ = FileDescriptor{checked(syscall(SYS_pidfd_open, pid_, 0))};
   output_.pipe = std::move(output);
   errors_.pipe = std::move(errors);
@@ -106,7 +105,7 @@ EventSource::Wait ChildProcess::wait() const {
 bool ChildProcess::hasEnded() {
   pollfd process{process_.get(), POLLIN, 0};
   const bool hasEnded = poll(&process, 1, 0) > 0 || Clock::now() >= deadline_;
-  output_.read();  // after the look at the process: all that it wrote is there
+  output_.read();  // after checking the process, so that nothing that it wrote is missed
   errors_.read();
   return hasEnded;
 }

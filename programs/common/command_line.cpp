@@ -14,8 +14,8 @@
 namespace program {
 namespace {
 
-/// Opens a standard descriptor that is closed, for neither reading nor writing. Otherwise a file that this
-/// program opens could take its number and receive what is written there.
+/// Occupies standard descriptors that are closed. Otherwise a file that this program opens could get such a
+/// number, and messages would be written into it.
 void fillStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -36,7 +36,7 @@ void setHelpText(CLI::App& app) {
 
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command) {
   fillStandardDescriptors();
-  // Writing beyond the limit on file sizes then fails like any other write, and the clean-up runs.
+  // Makes a write beyond the limit on file sizes fail like any other write, so that the clean-up runs.
   std::signal(SIGXFSZ, SIG_IGN);
   const std::string name = program_invocation_short_name;
   app.name(name);
@@ -68,7 +68,7 @@ int run(CLI::App& app, int argc, char** argv, const std::function<int()>& comman
 }
 
 std::function<std::string(const std::string&)> numberFrom(double least, double most) {
-  // CLI::Range accepts NaN.
+  // Replaces CLI::Range, which accepts NaN.
   return [=](const std::string& text) -> std::string {
     double number = 0;
     const auto end = text.data() + text.size();

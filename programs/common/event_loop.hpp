@@ -13,7 +13,7 @@ class EventSource {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// What to wait for: events of any number of descriptors, as for poll(), and a deadline.
+  /// What to wait for: events of descriptors, as for poll(), and a deadline.
   struct Wait {
     std::vector<pollfd> descriptors{};
     Clock::time_point until = Clock::time_point::max();
@@ -23,15 +23,15 @@ class EventSource {
   EventSource(EventSource&&) = delete;  // the loop keeps its address
   virtual ~EventSource() = default;
 
-  /// Called before every sleep. Sends what is pending and returns what to wait for.
+  /// Sends what is pending and returns what to wait for. The loop calls it before every sleep.
   virtual Wait prepare() = 0;
 
-  /// Called after every sleep, in the order in which the sources were added, even if nothing happened.
-  /// `events` has the events of all descriptors of the source together.
+  /// Handles events. The loop calls it after every sleep, even if nothing has happened, in the order in which
+  /// the sources were added. `events` combines the events of all descriptors of the source.
   virtual void dispatch(short events) = 0;
 };
 
-/// Waits with one poll() for everything that the program waits for, and sleeps in between. For one thread.
+/// Waits for all event sources of a program with one poll(). For one thread.
 class EventLoop {
  public:
   /// Adds `source`, which must outlive the loop, from the next run() on.

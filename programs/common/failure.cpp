@@ -12,7 +12,7 @@ namespace program {
 namespace {
 
 constexpr std::size_t longestLine = 1000;
-constexpr std::size_t keptEnd = 300;  ///< of a line that is too long; the reason is usually at the end
+constexpr std::size_t keptEnd = 300;  ///< of a long line, the bytes at its end, where the reason usually is
 constexpr std::string_view ellipsis = " … ";
 
 bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }

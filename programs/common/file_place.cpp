@@ -19,13 +19,14 @@ namespace {
 using std::filesystem::path;
 using tarno::FileDescriptor;
 
-constexpr int mostLinks = 40;  // the limit of the kernel, path_resolution(7)
+constexpr int mostLinks = 40;  // the same limit as in the kernel, see path_resolution(7)
 
 Failure cannotCreate(const path& path, const std::string& reason) {
   return {EX_CANTCREAT, "cannot create " + path.string() + ": " + reason};
 }
 
-/// The rule of the kernel's fs.protected_symlinks, which is not enabled everywhere.
+/// Returns whether a link in `folder` may be followed. This is the rule of the kernel's
+/// fs.protected_symlinks, which is not enabled everywhere.
 bool mayBeFollowed(const struct stat& link, int folder) {
   struct stat around {};
   if (link.st_uid == geteuid() || link.st_uid == 0) return true;
@@ -47,8 +48,7 @@ FilePlace findPlace(const path& path) {
   FileDescriptor folder{open(path.is_absolute() ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC)};
   if (!folder) throw failed();
   for (int links = 0; !rest.empty();) {
-    const auto name =
-        rest.front().empty() ? "." : rest.front();  // there is an empty name after a trailing slash
+    const auto name = rest.front().empty() ? "." : rest.front();  // a trailing slash leaves an empty name
     rest.pop_front();
     FileDescriptor item{openat(folder.get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)};
     struct stat found {};

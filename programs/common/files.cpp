@@ -29,7 +29,7 @@ mode_t currentUmask() {
   return mask;
 }
 
-/// Returns "/proc/self/fd/N", a path to an open file, even if it was opened with O_PATH.
+/// Returns "/proc/self/fd/N", which is a path to an open file, even one that was opened with O_PATH.
 std::string pathOf(const FileDescriptor& file) { return "/proc/self/fd/" + std::to_string(file.get()); }
 
 void writeDirectly(const FilePlace& place, const std::filesystem::path& path, std::string_view bytes) {
@@ -38,9 +38,9 @@ void writeDirectly(const FilePlace& place, const std::filesystem::path& path, st
   if (!writeAll(file.get(), bytes)) throw failed(EX_IOERR, "cannot write", path);
 }
 
-/// Returns the permissions for `file`, which replaces another file. They are those of the old file if it
-/// belongs to this user and has no access list (which changes the meaning of the group's bits). If the new
-/// file has another group, that group gets the permissions of everybody.
+/// Returns the permissions for `file`, which replaces another file. They are those of the old file if that
+/// belongs to this user and has no access list, which would change the meaning of the group's permissions. If
+/// the new file has another group, that group gets the permissions of others.
 mode_t modeFor(const FileDescriptor& file, const FilePlace& place) {
   struct stat old {};
   struct stat made {};

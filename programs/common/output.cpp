@@ -16,8 +16,8 @@ namespace {
 
 int output = STDOUT_FILENO;
 
-/// Returns the first character of `text` and its length in bytes; nothing and 1 if it is not UTF-8 (RFC 3629,
-/// section 4).
+/// Returns the first character of `text` and its length in bytes. If that is not UTF-8 (RFC 3629, section 4),
+/// returns no character and the length 1.
 std::pair<std::optional<char32_t>, std::size_t> firstCharacter(std::string_view text) {
   constexpr std::pair<std::nullopt_t, std::size_t> invalid{std::nullopt, 1};
   const auto first = static_cast<unsigned char>(text.front());
@@ -47,7 +47,7 @@ bool steersTerminal(char32_t character) {
 
 void reserveStandardOutput() {
   const int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  if (own < 0) return;  // standard output is closed; the first write to it will say so
+  if (own < 0) return;  // standard output is closed; the first write reports that
   output = own;
   dup2(STDERR_FILENO, STDOUT_FILENO);
 }

@@ -16,7 +16,7 @@ namespace {
 constexpr std::chrono::seconds lookInterval{5};
 constexpr auto never = EventSource::Clock::time_point::max();
 
-int lookers = 0;  // watches of the program that cannot watch
+int lookers = 0;  // the number of watches of the program that can only look every few seconds
 
 constexpr unsigned itself = IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB;
 constexpr unsigned names = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_CLOSE_WRITE | IN_ATTRIB;
@@ -53,8 +53,8 @@ void PathWatch::watchAnew() {
   lookers += isBlind - wasBlind;
 }
 
-/// Returns 0, or the error that keeps changes from being noticed: EAGAIN if a folder appeared or disappeared
-/// meanwhile.
+/// Watches the folders of the path. Returns 0, or the error because of which changes would go unnoticed:
+/// EAGAIN if a folder appeared or disappeared meanwhile.
 int PathWatch::watchFolders() {
   const auto watch = [this](const std::filesystem::path& path, unsigned events) {
     const int added = inotify_add_watch(inotify_.get(), path.c_str(), events | IN_MASK_ADD);

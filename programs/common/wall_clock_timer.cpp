@@ -33,7 +33,8 @@ WallClockTimer::WallClockTimer(std::function<void()> wake)
 }
 
 void WallClockTimer::sleepUntil(tarno::Date moment) {
-  // The program's clock may be frozen, but the timer uses the system's clock: only the distance counts.
+  // The timer uses the clock of the system, while that of the program may be frozen. Only the difference
+  // counts.
   const auto wait = moment - tarno::now();
   if (!arm(timer_.get(), time_point_cast<tarno::Date::duration>(system_clock::now()) + wait))
     arm(timer_.get(), tarno::Date{});

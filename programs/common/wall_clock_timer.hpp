@@ -8,15 +8,15 @@
 
 namespace program {
 
-/// Calls back at a date of the wall clock and sleeps until then. The sleep also ends when the clock is set
-/// and when the machine resumes from suspend; the callee then checks the time again.
+/// Calls back at a date of the wall clock. Also calls back when the clock is set and when the machine resumes
+/// from suspend, so that the callee can check the time.
 class WallClockTimer final : public EventSource {
  public:
   /// Throws std::system_error if the system has no timer left.
   explicit WallClockTimer(std::function<void()> wake);
 
-  /// Wakes once, when tarno::now() reaches `moment` or the clock is set; at once if `moment` has passed.
-  /// Replaces an earlier call.
+  /// Calls back once: when tarno::now() reaches `moment` or the clock is set, or at once if `moment` has
+  /// passed. Replaces an earlier call.
   void sleepUntil(tarno::Date moment);
 
   Wait prepare() override { return {{{timer_.get(), POLLIN, 0}}}; }
