@@ -67,13 +67,13 @@ std::string ageText(const std::optional<TarnoStoredMacStatus>& status, tarno::Da
   return std::to_string(status->snapshot.ageSeconds.value_or(0)) + " s";
 }
 
-/// Whether a save would succeed.
+/// The result of trying to save.
 struct Saving {
-  std::string fault;  ///< why it would fail; empty if it would succeed
-  bool lasts = true;
+  std::string fault;  ///< why a save would fail; empty if it would succeed
+  bool lasts = true;  ///< whether a save would survive a power cut
 };
 
-/// Tries to save a record that is as large as the stored one, and larger than most.
+/// Tries to save a record that is at least as large as the stored one and most others.
 Saving trySaving(const SharedStatus& shared, tarno::Date now) {
   constexpr std::size_t ordinarySize = 4096;
   const auto stored = shared.store ? shared.store->data(TarnoMacDefaults::lastStatus) : std::nullopt;
@@ -93,7 +93,7 @@ std::string savingText(const Saving& saving) {
   return saving.lasts ? "works" : "works, but a power cut may undo it: the file system cannot sync a folder";
 }
 
-/// Runs the program of this name beside this program and waits at most `limit` for its end.
+/// Runs the program `name` of this project, and waits at most `limit` for its end.
 program::ProcessResult ask(const char* name, const std::vector<std::string>& arguments,
                            std::chrono::seconds limit) {
   try {
@@ -133,7 +133,8 @@ std::filesystem::path sessionDataHome() {
   return value.substr(0, value.find('\n'));
 }
 
-/// Another store of the user. Programs with another XDG_DATA_HOME, such as those that ssh starts, save there.
+/// Another store of the user, in which programs with another XDG_DATA_HOME save, such as those that ssh
+/// starts.
 struct OtherStore {
   std::filesystem::path file;
   tarno::Date savedAt;

@@ -19,7 +19,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The limit on reading before a save: otherwise an endless stream would keep its newest record from being
+/// The limit on reading before a save. Without it, an endless stream would keep its newest record from being
 /// saved.
 constexpr std::size_t mostChunks = 16;
 constexpr std::size_t chunkSize = 1 << 16;
@@ -81,7 +81,7 @@ class Follower {
     addToLine(bytes);
   }
 
-  /// Keeps one byte more than the limit, which shows that the line is too long, and drops the rest.
+  /// Appends to the current line, up to one byte more than the limit, which shows that the line is too long.
   void addToLine(std::string_view bytes) { line_ += bytes.substr(0, largestRecord + 1 - line_.size()); }
 
   void takeLine() {
@@ -134,10 +134,10 @@ class Follower {
   std::string chunk_ = std::string(chunkSize, '\0');
   std::string line_;  ///< the line that is being read
   std::size_t lines_ = 0;
-  std::optional<Arrival> newest_;  ///< not saved yet
+  std::optional<Arrival> newest_;  ///< the newest record, if it is not saved yet
   std::size_t skipped_ = 0;
   Clock::time_point lastToldOfSkipping_ = Clock::now();
-  std::string complaint_;  ///< of the last record; a repeated complaint is not printed
+  std::string complaint_;  ///< what was wrong with the last record; not printed again if it is the same
   bool hasEnded_ = false;
   int exitCode_ = EX_OK;
 };

@@ -78,7 +78,7 @@ std::vector<Piece> piecesOf(std::string_view text) {
   return pieces;
 }
 
-/// Escapes Pango markup, which waybar expects.
+/// Returns `text` as Pango markup, which waybar expects.
 std::string escaped(std::string_view text) {
   std::string markup;
   for (const char c : text) {

@@ -10,7 +10,7 @@
 /// Functions that save() and follow() share.
 namespace status {
 
-/// Larger than any record; the limit rejects a wrong file early.
+/// The maximum size of a record in bytes. It is larger than any real record, and rejects a wrong file early.
 inline constexpr std::size_t largestRecord = 1 << 20;
 
 /// A decoded record, and one sentence that names the unknown keys in it; empty if there are none.
@@ -21,7 +21,8 @@ struct Record {
   static Record decode(const tarno::Decoder& decoder);
 };
 
-/// Throws program::Failure (EX_DATAERR) that names the place of the error.
+/// Returns the record in `text`, which is JSON. Throws program::Failure (EX_DATAERR), which names the place
+/// of the error.
 Record decodeRecord(std::string_view text);
 
 /// Saves a report into the shared store. Throws program::Failure with the code that save() documents.

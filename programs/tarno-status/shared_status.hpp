@@ -14,7 +14,7 @@ namespace status {
 /// The content of the shared store, read as the widget reads it. If there is neither a status nor a fault,
 /// nothing is stored.
 struct SharedStatus {
-  std::shared_ptr<tarno::UserDefaults> store;  ///< null if it cannot be opened
+  std::shared_ptr<tarno::UserDefaults> store;  ///< null if the store cannot be opened
   std::optional<TarnoStoredMacStatus> status;  ///< what the tile shows; absent for "No status"
   std::string fault;  ///< why the store or the record cannot be read, without a full stop
 };
@@ -25,8 +25,8 @@ SharedStatus readSharedStatus(tarno::Date now);
 /// Returns whether there is a report of a known age that is not stale.
 bool isFresh(const std::optional<TarnoStoredMacStatus>& status);
 
-/// What the tile says, for other programs. Each value is safe to use alone: a stale status never looks
-/// current.
+/// The texts of the tile, for other programs. Each value can be used alone, because none makes a stale status
+/// look current.
 struct TileReport {
   std::string status;  ///< the raw value of resolvedStatus(); "unknown" if there is no report
   std::string statusLine, detailLine, presence, device;

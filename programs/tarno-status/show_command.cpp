@@ -35,7 +35,8 @@ std::string textForPeople(const std::optional<TarnoStoredMacStatus>& stored) {
   return text;
 }
 
-/// Throws Failure if something is stored that cannot be read.
+/// Returns the last report; nothing if none was saved yet. Throws Failure if something is stored that cannot
+/// be read.
 std::optional<TarnoStoredMacStatus> readStatus() {
   const auto shared = readSharedStatus(tarno::now());
   if (!shared.status && !shared.fault.empty()) throw program::Failure{EX_UNAVAILABLE, shared.fault};

@@ -20,15 +20,15 @@
 namespace status {
 namespace {
 
-/// Returns when to look again if no save comes first: far ahead if nothing can turn stale. The timer also
-/// wakes when the clock is set.
+/// Returns when to look at the store again without a save: when the report turns stale, or latestDate if it
+/// cannot. (The timer also wakes when the clock is set.)
 tarno::Date nextLook(const std::optional<TarnoStoredMacStatus>& status) {
   if (!status || !status->receivedAt || status->snapshot.isStale()) return tarno::latestDate;
   return TarnoStatusFreshness::staleFrom(*status->receivedAt);
 }
 
-/// Returns since when the current status holds, as far as the last report tells: when it was received or
-/// turned stale; now if no date says so.
+/// Returns the time since which the status has been what it is, as far as the last report tells: when it was
+/// received or turned stale. If there is no date, returns `now`.
 tarno::Date beginning(const std::optional<TarnoStoredMacStatus>& status, tarno::Date now) {
   if (!status || !status->receivedAt) return now;
   const auto staleFrom = TarnoStatusFreshness::staleFrom(*status->receivedAt);
@@ -86,9 +86,9 @@ class Watcher {
   }
 
   LineFormat format_;
-  std::string fault_;                  ///< the last one
-  std::optional<std::string> status_;  ///< the last one, as a word
-  tarno::Date since_;                  ///< when it began
+  std::string fault_;                  ///< the last fault
+  std::optional<std::string> status_;  ///< the last status, as a word
+  tarno::Date since_;                  ///< when that status began
   std::optional<std::string> line_;    ///< the last printed line
   program::EventLoop loop_;
   program::PathWatch store_{[this] { look(); }};
