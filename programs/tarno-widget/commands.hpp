@@ -11,7 +11,7 @@ namespace extension {
 struct RenderOptions {
   TileOptions tile;
   std::filesystem::path output;  ///< a .png, .svg or .pdf file; "-" is PNG on standard output
-  double scale = 1;              ///< per point of the tile: pixels of a PNG, units of an SVG, points of a PDF
+  double scale = 1;  ///< pixels of a PNG, units of an SVG or points of a PDF per point of the tile
 };
 
 /// Draws one tile into an image file, atomically, for one reading of the clock.
@@ -20,12 +20,12 @@ int render(const Widget& widget, const RenderOptions& options);
 struct FrameOptions {
   widgetkit::WidgetFamily family = widgetkit::WidgetFamily::systemMedium;
   double scale = 1;     ///< pixels per point
-  int descriptor = -1;  ///< of the shared memory to draw into
+  int descriptor = -1;  ///< the shared memory to draw into
 };
 
-/// Asks for a timeline, draws its first entry into shared memory, and prints one line of JSON that tells a
-/// host what it needs to show the tile and when to ask again; docs/frame.md describes both. If there is no
-/// picture, the line says why.
+/// Requests a timeline, draws its first entry into shared memory, and prints one line of JSON that tells a
+/// host how to show the tile and when to ask again (see docs/frame.md). If there is no picture, the line says
+/// why.
 int frame(const Widget& widget, const FrameOptions& options);
 
 /// Prints the entries and the reload date of a timeline as JSON.

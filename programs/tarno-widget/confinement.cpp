@@ -16,7 +16,7 @@
 namespace extension {
 namespace {
 
-/// Denies everything that changes or executes files, because the ruleset allows it nowhere.
+/// Denies everything that changes or executes files, by a ruleset that allows it for no folder.
 void makeFilesReadOnly() {
   // All access rights of the first version of landlock(7) except the two for reading.
   landlock_ruleset_attr attributes{};

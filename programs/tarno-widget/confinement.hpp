@@ -4,15 +4,15 @@ namespace extension {
 
 /// How a confined process may access files.
 enum class FileAccess {
-  readOnly,  ///< only for reading; descriptors that are open for writing stay usable
-  readWrite  ///< all that its user may do
+  readOnly,  ///< it may only read; descriptors that are already open for writing stay usable
+  readWrite  ///< it may do everything that its user may do
 };
 
-/// Permanently takes from this process what drawing a picture does not need: new privileges, the network, new
-/// programs and processes, access to other processes, and, for `readOnly`, all changes of files. A fault in a
-/// library that reads fonts or texts can then do no more than draw a wrong picture. Denied calls fail with an
-/// error, as on a system that lacks them. Uses seccomp and, for `readOnly`, landlock, each if the kernel has
-/// it. Call it before any thread starts.
+/// Permanently denies this process what it does not need to draw a picture: new privileges, the network, new
+/// programs and processes, access to other processes, and, for `readOnly`, changes of files. A fault in a
+/// library that reads fonts or texts can then only make the picture wrong. Denied calls fail with an error,
+/// as on a system that lacks them. Uses seccomp and, for `readOnly`, landlock, if the kernel has them. Call
+/// it before any thread starts.
 void confine(FileAccess access);
 
 }  // namespace extension

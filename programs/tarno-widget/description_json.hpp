@@ -9,7 +9,7 @@ namespace extension {
 /// Returns the attributes of one node as an object.
 nlohmann::ordered_json attributes(const ui::Description& description);
 
-/// "name", then the attributes, then "children" where there are any.
+/// Returns a node with its children as an object: "name", the attributes, and "children" if there are any.
 nlohmann::ordered_json json(const ui::Description& description);
 
 }  // namespace extension

@@ -24,15 +24,15 @@ std::string momentText(tarno::Date moment) {
   return program::dateText(std::chrono::ceil<std::chrono::milliseconds>(moment));
 }
 
-/// Returns when the status of `entry` turns stale by its age; nothing if it is stale already or never will
-/// be.
+/// Returns when the status of `entry` turns stale by its age; nothing if it is stale already or never will be
+/// stale.
 std::optional<tarno::Date> staleFrom(const TarnoMacWidgetEntry& entry) {
   const auto& [date, status, lastRefresh] = entry;
   if (!status || status->isStale() || !lastRefresh) return std::nullopt;
   return TarnoStatusFreshness::staleFrom(*lastRefresh);
 }
 
-/// Limits the length of a label, and cuts it between two characters of UTF-8.
+/// Returns a label of limited length. Cuts it between two characters of UTF-8.
 std::string shortened(std::string text) {
   constexpr std::size_t mostBytes = 1024;
   constexpr std::string_view ellipsis = "…";
@@ -52,8 +52,8 @@ ordered_json elements(const ui::Scene& scene) {
   return result;
 }
 
-/// Returns what a screen reader says when the status changes: the label of the tile's only image, which names
-/// the Mac and its status and contains nothing that changes by itself.
+/// Returns what a screen reader says when the status changes: the label of the tile's only image. It names
+/// the Mac and its status, and contains no age, which would change without a new report.
 std::string announcement(const ui::Scene& scene) {
   const auto image =
       std::find_if(scene.accessibility.begin(), scene.accessibility.end(),
@@ -67,7 +67,7 @@ ordered_json watched() {
   return {{"folder", location->directory.string()}, {"file", location->file.filename().string()}};
 }
 
-/// Returns the answer for a host. Throws if there can be no picture.
+/// Draws the picture and returns the answer for the host. Throws if there can be no picture.
 ordered_json drawFrame(const Widget& widget, const FrameOptions& options) {
   const auto size = drawn([&] { return render::pixelSize(tileSize(options.family), options.scale); });
   const SharedPixels pixels{options.descriptor, size};
@@ -92,7 +92,7 @@ ordered_json drawFrame(const Widget& widget, const FrameOptions& options) {
 }
 
 void print(const ordered_json& answer) {
-  // A path may contain bytes that are not UTF-8; JSON may not.
+  // A path may contain bytes that are not UTF-8, which JSON does not allow.
   program::writeOutput(answer.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n");
 }
 

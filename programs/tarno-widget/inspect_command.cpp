@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// Every step from a request to the scene, at one moment.
+/// The results of all steps from a request to the scene.
 struct Inspection {
   TarnoMacWidgetEntry entry;
   ui::Description view;
@@ -38,7 +38,7 @@ Inspection inspection(const Widget& widget, const TileOptions& tile) {
           .accessibility = describeAccessibility(scene)};
 }
 
-/// "date", "status" (the record, or null) and "last_refresh" (a date, or null).
+/// Returns an object with "date", "status" (the record or null) and "last_refresh" (a date or null).
 ordered_json entryJSON(const TarnoMacWidgetEntry& entry) {
   ordered_json result{
       {"date", program::dateText(entry.date)}, {"status", nullptr}, {"last_refresh", nullptr}};

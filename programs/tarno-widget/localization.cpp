@@ -13,7 +13,7 @@ constexpr const char* domain = "tarno";
 }  // namespace
 
 void useCatalogues() {
-  // Not LC_NUMERIC: other programs read the numbers that are printed.
+  // LC_NUMERIC stays "C", because other programs read the numbers that are printed.
   std::setlocale(LC_CTYPE, "");
   std::setlocale(LC_MESSAGES, "");
   std::error_code error;

@@ -37,7 +37,7 @@ void addTileOptions(CLI::App& command, extension::TileOptions& tile) {
 }
 
 void addScaleOption(CLI::App& command, double& scale) {
-  // Drawing cannot tell smaller scales from 0, and larger ones exceed the maximum image size.
+  // Below this range, drawing cannot tell a scale from 0. Above it, images exceed the maximum size.
   command.add_option("--scale", scale, "Pixels per point, a number from 0.01 to 96")
       ->type_name("FACTOR")
       ->check(program::numberFrom(0.01, 96))
@@ -112,7 +112,7 @@ int main(int argc, char** argv) {
   return program::run(app, argc, argv, [&] {
     clock.apply();
     if (fonts.parsed()) return extension::fonts();
-#ifndef TARNO_SANITIZED  // sanitizers look at other processes in the end
+#ifndef TARNO_SANITIZED  // sanitizers inspect other processes at the end, which the confinement denies
     makeFontCacheFolder();
     const bool writesFiles = render.parsed() || browsing.output;
     extension::confine(writesFiles ? extension::FileAccess::readWrite : extension::FileAccess::readOnly);

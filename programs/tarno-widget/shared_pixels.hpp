@@ -7,14 +7,14 @@
 
 namespace extension {
 
-/// The pixels of one image in memory that this program shares with its caller. Mapped for as long as it
+/// The pixels of an image in memory that this program shares with its caller. Mapped as long as this object
 /// lives.
 class SharedPixels {
  public:
   /// Resizes the memory behind `descriptor` to `size` pixels, all transparent, and seals it against
-  /// shrinking, so that everybody who maps it can always read all of it. The descriptor stays open. Throws
-  /// program::Failure: EX_USAGE if the memory cannot be sealed (memfd_create(2) with MFD_ALLOW_SEALING) or
-  /// already is, EX_OSERR if there is not enough memory.
+  /// shrinking, so that whoever maps it can always read all of it. The descriptor stays open. Throws
+  /// program::Failure: EX_USAGE if the memory does not allow sealing (see MFD_ALLOW_SEALING in
+  /// memfd_create(2)) or is sealed already, EX_OSERR if there is not enough memory.
   SharedPixels(int descriptor, render::PixelSize size);
   ~SharedPixels();
   SharedPixels(const SharedPixels&) = delete;

@@ -1,5 +1,5 @@
-// Writes the system call filters that confinement.cpp loads into a C++ file. It runs during the build,
-// because libseccomp takes more than 1 ms to create a filter, for every picture; the kernel loads a prepared
+// This program writes a C++ file with the system call filters of confinement.cpp. It runs during the build,
+// because libseccomp would take more than 1 ms per picture to create a filter. The kernel loads a prepared
 // filter in 0.3 ms.
 
 #include <fcntl.h>
@@ -19,7 +19,8 @@
 
 namespace {
 
-/// Memory, threads, time, open descriptors, and reading about files and folders.
+/// The calls that drawing needs: memory, threads, time, open descriptors, and reading about files and
+/// folders.
 constexpr const char* forDrawing =
     "brk mmap mprotect munmap mremap madvise futex set_robust_list rseq sched_yield sched_getaffinity exit "
     "exit_group rt_sigaction rt_sigprocmask rt_sigreturn sigaltstack restart_syscall clock_gettime "
@@ -28,7 +29,7 @@ constexpr const char* forDrawing =
     "fallocate fadvise64 getdents64 fstat stat lstat newfstatat statx statfs fstatfs access faccessat "
     "faccessat2 readlink readlinkat";
 
-/// In addition: replacing a file and creating folders.
+/// The calls that writing pictures needs in addition: replacing a file and creating folders.
 constexpr const char* forWritingFiles =
     "open openat mkdir mkdirat renameat renameat2 linkat unlinkat fchmod umask getxattr";
 
@@ -38,7 +39,7 @@ void check(int result) {
 
 class Filter {
  public:
-  // Libraries are prepared for ENOSYS, which kernels return for calls that they do not have.
+  // Libraries expect ENOSYS, which kernels return for calls that they do not have.
   Filter() : context_(seccomp_init(SCMP_ACT_ERRNO(ENOSYS))) {}
   Filter(const Filter&) = delete;
   Filter& operator=(const Filter&) = delete;
@@ -76,7 +77,7 @@ class Filter {
   scmp_filter_ctx context_;
 };
 
-// Not by the macros of libseccomp, which are C.
+// These functions replace macros of libseccomp, which are not valid in C++.
 
 scmp_arg_cmp equals(unsigned argument, scmp_datum_t value) { return {argument, SCMP_CMP_EQ, value, 0}; }
 

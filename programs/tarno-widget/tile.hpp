@@ -14,16 +14,16 @@ using Widget = TarnoMacStatusWidget::Configuration;
 /// The space between the edges of a tile and its content, in points.
 inline constexpr double contentMargin = 16;
 
-/// The corner radius that the host clips a tile to, in points.
+/// The radius of the corners of a tile, in points. The host clips the tile to them.
 inline constexpr double cornerRadius = 22;
 
-/// Returns the size of a tile in points: 170 x 170, 364 x 170, 364 x 382.
+/// Returns the size of a tile in points: small is 170 x 170, medium 364 x 170, large 364 x 382.
 ui::Size tileSize(widgetkit::WidgetFamily family);
 
 /// Returns the family of this name on a command line (small, medium or large), or nothing.
 std::optional<widgetkit::WidgetFamily> familyNamed(std::string_view word);
 
-/// What to request from the provider.
+/// What to ask the provider for.
 enum class Request { timeline, placeholder, preview };
 
 /// Which tile a command is about.
@@ -32,10 +32,10 @@ struct TileOptions {
   Request request = Request::timeline;
 };
 
-/// Returns the entry for a request; of a timeline, the first.
+/// Asks the provider for an entry and returns it. For a timeline, it is the first entry.
 TarnoMacWidgetEntry entryFor(const Widget& widget, const TileOptions& tile);
 
-/// Lays out an entry's view as a tile.
+/// Lays out the view of an entry as a tile.
 ui::Scene tileScene(const ui::View& view, widgetkit::WidgetFamily family, ui::TextMeasurer& measurer);
 
 }  // namespace extension
