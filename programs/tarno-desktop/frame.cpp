@@ -19,11 +19,11 @@ constexpr std::chrono::seconds timeLimit{10};
 // The limits of an answer. A title of more than 4 KB would end the connection to a Wayland compositor.
 constexpr std::size_t longestAnswer = 256 * 1024;  ///< in bytes
 constexpr std::size_t longestText = 2048;          ///< in bytes
-constexpr double largestTile = 1000;               ///< a side in points
-constexpr int largestImage = 16384;                ///< a side in pixels
-constexpr int widestGap = 256;                     ///< between two rows, in bytes
-constexpr std::size_t mostElements = 64;           ///< for screen readers
-constexpr double farthest = 16384;                 ///< of an element from the corner, in points
+constexpr double largestTile = 1000;               ///< the side of a tile, in points
+constexpr int largestImage = 16384;                ///< the side of a picture, in pixels
+constexpr int widestGap = 256;                     ///< the unused bytes at the end of a row
+constexpr std::size_t mostElements = 64;           ///< the elements for screen readers
+constexpr double farthest = 16384;                 ///< the distance of an element from the corner, in points
 
 std::vector<std::string> arguments(const FrameRequest& request, int memory) {
   std::vector<std::string> words{"frame", "--family", request.family};
@@ -64,11 +64,11 @@ Number readNumber(const json& number, double largest, double smallest = 0) {
   return static_cast<Number>(value);
 }
 
-/// Reads how many pixels a side of the picture has: as many as a tile of that many points.
+/// Reads the number of pixels of a side of the picture. Throws unless that fits the points of the tile.
 int readSide(const json& side, const json& tile, double scale) {
   const int pixels = readNumber<int>(side, largestImage);
   const double points = readNumber<double>(tile, largestTile);
-  const double more = pixels - points * scale;  // the last pixel may be partly covered
+  const double more = pixels - points * scale;  // up to 1, because the last pixel may be partly covered
   if (pixels == 0 || points == 0 || more < -0.01 || more > 1.01)
     throw std::runtime_error{"the picture has another size than the tile"};
   return pixels;
@@ -95,7 +95,7 @@ std::vector<AccessibleElement> readElements(const json& elements) {
   return result;
 }
 
-/// Returns the reason in an answer without a picture, or an empty text.
+/// Returns the reason that an answer gives for having no picture; an empty text if it gives none.
 std::string reasonIn(const std::string& output) {
   const auto answer = output.size() <= longestAnswer ? json::parse(output, nullptr, false) : json{};
   return answer.contains("error") ? ": " + readText(answer["error"]) : "";

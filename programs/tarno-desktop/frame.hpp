@@ -25,19 +25,19 @@ struct AccessibleElement {
 struct Frame {
   std::shared_ptr<const Picture> picture;
   std::string title;         ///< the widget's name in the user's language
-  std::string announcement;  ///< changes only with the status, not with its age
+  std::string announcement;  ///< what screen readers say when it changes, which it does only with the status
   std::vector<AccessibleElement> elements;
   tarno::Date reloadDate;
   std::optional<tarno::Date> staleDate;  ///< when the status turns stale; absent if it will not
-  std::filesystem::path storeFile;       ///< absolute; need not exist; empty if unknown
+  std::filesystem::path storeFile;       ///< absolute, even if it does not exist; empty if unknown
 };
 
-/// Reads the answer of a frame process that was asked for `scale`, and the picture in `memory`. Trusts
-/// neither: throws std::exception unless the picture is as large as the answer says, sealed, and of a tile's
-/// size, and the texts are short.
+/// Reads the answer of a frame process to a request with `scale`, and the picture in `memory`. Does not trust
+/// them: throws std::exception unless the memory is sealed and large enough, the picture has the size of the
+/// tile, and the texts are short.
 Frame readFrame(const std::string& output, tarno::FileDescriptor memory, double scale);
 
-/// The arguments of `tarno-widget frame`.
+/// How to start `tarno-widget frame`.
 struct FrameRequest {
   std::filesystem::path program;  ///< if it cannot be run, the one of the same name in PATH is used
   std::string family = "medium";
@@ -52,17 +52,17 @@ struct FrameResult {
   std::string errors;   ///< what the process wrote to standard error
 };
 
-/// A process of the widget extension that draws one frame (docs/frame.md). Its answer is not trusted, and it
-/// has 10 s; if anything goes wrong, only this picture is lost.
+/// A process of the widget extension that draws one frame (see docs/frame.md). It has 10 s, and its answer is
+/// not trusted. If anything goes wrong, only this frame is lost.
 class FrameProcess {
  public:
   /// Starts the process. Throws std::system_error if the system has no process, memory or descriptor left.
   explicit FrameProcess(const FrameRequest& request);
 
-  /// Call finish() once it has ended.
+  /// Returns the process. Call finish() once it has ended.
   program::ChildProcess& process() { return process_; }
 
-  /// Call it once.
+  /// Returns the frame, or why there is none. Call it once.
   FrameResult finish();
 
  private:

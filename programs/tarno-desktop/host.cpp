@@ -18,9 +18,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Sets the signal handlers, and returns a descriptor for SIGUSR1. The signals that end the program do so at
-/// once, even while a display does not answer; the system releases everything that the program holds, and
-/// kills its child process.
+/// Sets the signal handling, and returns a descriptor for SIGUSR1. SIGINT, SIGTERM and SIGHUP end the program
+/// at once, even while a display does not answer. The system then releases everything that the program holds,
+/// and kills its child process.
 int takeSignals() {
   sigset_t taken;
   sigemptyset(&taken);
@@ -43,7 +43,7 @@ class Host final : program::EventSource {
   /// Starts the first frame, then connects to the display.
   explicit Host(const Options& options) : options_(options) {
     loop_.add(*opened_.surface);
-    loop_.add(*this);  // after the surface, whose changes it passes on, and before the receivers of these
+    loop_.add(*this);  // after the surface and before the sources to which it passes the surface's changes on
     tile_.addTo(loop_);
     loop_.add(accessible_);
     follow();
@@ -115,7 +115,7 @@ OpenedSurface openSurface(const Options& options) {
   }
   if (hasX11) try {
       return {openX11Surface(options), "the compositor has no layer-shell"};
-    } catch (const program::Failure&) {  // DISPLAY is unusable: treat it as if it were not set
+    } catch (const program::Failure&) {  // DISPLAY cannot be used: continue as if it were not set
     }
   Options plain = options;
   plain.plainWindow = true;
@@ -123,12 +123,12 @@ OpenedSurface openSurface(const Options& options) {
 }
 
 int showTile(const Options& options) {
-  // When a display that lasted this long disappears, the program waits this long for it, because compositors
+  // If a display disappears after at least this time, the program waits for it as long, because compositors
   // restart.
   constexpr auto patience = 5s;
   constexpr auto retryInterval = 250ms;
   using Clock = program::EventSource::Clock;
-  std::optional<program::Failure> loss;  // of a display that lasted
+  std::optional<program::Failure> loss;  // why such a display disappeared
   Clock::time_point giveUpAt;
   while (true) {
     const auto openedAt = Clock::now();

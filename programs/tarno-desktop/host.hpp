@@ -10,12 +10,12 @@ namespace desktop {
 /// A surface on the best available display, and why a better one is not used.
 struct OpenedSurface {
   std::unique_ptr<Surface> surface;
-  std::string reason;  ///< empty if it is the best
+  std::string reason;  ///< why there is no better surface; empty if this is the best
 };
 
-/// Opens a surface: layer-shell if a Wayland compositor has it, otherwise X11 (on Wayland through Xwayland),
-/// and a plain Wayland window as the last choice or if the options ask for it. Throws program::Failure
-/// (EX_UNAVAILABLE) without a display.
+/// Opens the best surface: layer-shell if the Wayland compositor has it, otherwise an X11 window (on Wayland
+/// through Xwayland), otherwise a plain Wayland window. The options may ask for the last one. Throws
+/// program::Failure (EX_UNAVAILABLE) if there is no display.
 OpenedSurface openSurface(const Options& options);
 
 /// Shows the tile on a display and to screen readers until a signal ends the program or somebody closes the

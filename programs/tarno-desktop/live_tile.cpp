@@ -16,8 +16,8 @@ using namespace std::chrono_literals;
 /// The minimum time between two pictures.
 constexpr auto shortestInterval = 250ms;
 
-/// The time until the next request if a status should be stale by now but is not, by the clock of the
-/// extension.
+/// The minimum time until the request for a status that turns stale. It applies if the extension, whose clock
+/// may differ, says that the status should be stale by now.
 constexpr auto shortestStaleWait = 1s;
 
 /// The minimum time until the next request, even if the reload date has passed.
@@ -74,7 +74,7 @@ void LiveTile::dispatch(short) {
   sayOnce(errors, failure);
   sleep(frame);
   if (!frame) return;
-  // Changes between the process's reading of the store and the first watch would otherwise go unnoticed.
+  // Changes after the process has read the store and before this watch would otherwise go unnoticed.
   if (!frame->storeFile.empty() && store_.follow(frame->storeFile)) refresh();
   if (frame->picture->scale == request_.scale)
     show_(*frame);
@@ -92,7 +92,7 @@ void LiveTile::sayOnce(const std::string& errors, const std::string& failure) {
 void LiveTile::sleep(const std::optional<Frame>& frame) {
   const auto now = tarno::now();
   auto next = nextRequest(now, frame ? std::optional{frame->reloadDate} : std::nullopt);
-  // A frozen clock never reaches it.
+  // A frozen clock never reaches the stale date.
   if (frame && frame->staleDate && !request_.at)
     next = std::min(next, std::max(*frame->staleDate, now + shortestStaleWait));
   timer_.sleepUntil(next);

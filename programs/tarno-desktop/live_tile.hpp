@@ -9,8 +9,9 @@
 
 namespace desktop {
 
-/// Returns the date of the next request, after the one at `now` was answered with `reloadDate`, or failed (no
-/// value). It is always later than `now`, so that no answer keeps the tile busy.
+/// Returns the date of the next request after a request at `now`, which was answered with `reloadDate`; no
+/// value means that it failed. The result is always later than `now`, so that no answer can keep the tile
+/// busy.
 tarno::Date nextRequest(tarno::Date now, const std::optional<tarno::Date>& reloadDate);
 
 /// Keeps the picture of the tile up to date: requests a frame at the start, at the reload date, when the
@@ -24,8 +25,8 @@ class LiveTile final : public program::EventSource {
   /// Adds this and its event sources to `loop`, which must outlive it.
   void addTo(program::EventLoop& loop);
 
-  /// Requests a frame because something may have changed. At most four frames a second are drawn, the last
-  /// one always.
+  /// Requests a frame, because something may have changed. At most four frames per second are drawn; the last
+  /// request is always honoured.
   void refresh() { isNeeded_ = true; }
 
   /// Requests a frame at `scale` pixels per point if the scale has changed.
@@ -46,7 +47,7 @@ class LiveTile final : public program::EventSource {
   std::optional<FrameProcess> process_;
   bool isNeeded_ = true;          ///< whether a frame is requested
   Clock::time_point notBefore_;   ///< when the next frame may start
-  std::string errors_, failure_;  ///< the last printed ones that still apply
+  std::string errors_, failure_;  ///< the last ones that were printed, if they still apply
 };
 
 }  // namespace desktop

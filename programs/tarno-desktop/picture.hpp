@@ -7,13 +7,13 @@
 
 namespace desktop {
 
-/// Returns empty shared memory for a picture. Throws std::system_error when the system has none left.
+/// Returns empty shared memory for a picture. Throws std::system_error if the system has none left.
 tarno::FileDescriptor makePictureMemory();
 
 /// The layout of a picture in memory, and its scale.
 struct PictureLayout {
   int width = 0, height = 0;  ///< in pixels
-  int stride = 0;             ///< from row to row in bytes; at least 4 * `width`
+  int stride = 0;             ///< the distance between two rows, in bytes; at least 4 * `width`
   double scale = 1;           ///< pixels per point
 
   std::size_t size() const { return static_cast<std::size_t>(stride) * static_cast<std::size_t>(height); }
@@ -21,7 +21,7 @@ struct PictureLayout {
 };
 
 /// A picture of the tile in shared memory: rows of premultiplied ARGB, 32-bit words in the machine's byte
-/// order, from the top. Mapped for as long as it lives, and sealed against shrinking, so that a display
+/// order, from the top. Mapped as long as this object lives, and sealed against shrinking, so that a display
 /// server can also map it safely. Nobody writes to it.
 class Picture : public PictureLayout {
  public:

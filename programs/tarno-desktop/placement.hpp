@@ -20,8 +20,9 @@ struct Monitor {
   bool isPrimary = false;
 };
 
-/// Chooses the monitor of a tile. It waits for a named monitor that was never there. While a named monitor is
-/// away, and if none is named, it chooses the primary monitor, or else the first.
+/// Chooses the monitor of a tile: the named monitor if there is one. If it was never connected, the tile
+/// waits for it. If it was disconnected, or none is named, the choice is the primary monitor, or else the
+/// first.
 class MonitorChoice {
  public:
   explicit MonitorChoice(std::optional<std::string> connector) : connector_(std::move(connector)) {}
@@ -42,7 +43,7 @@ struct Anchor {
   friend bool operator==(const Anchor&, const Anchor&) = default;
 };
 
-/// Lengths at the edges of an area.
+/// Distances from the edges of an area.
 struct Margin {
   int top = 0, right = 0, bottom = 0, left = 0;
 

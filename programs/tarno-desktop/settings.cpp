@@ -28,11 +28,12 @@ std::string marked(const std::string& text, std::string_view characters, char ma
   return result;
 }
 
-/// Has the full path of the program, because a login may have another PATH. Desktops skip the entry if the
-/// program is gone.
+/// Returns the content of the autostart entry. It has the full path of the program, because PATH may be
+/// another at login. Desktops skip the entry if the program does not exist any more.
 std::string autostartEntry() {
   const auto program = std::filesystem::read_symlink("/proc/self/exe").string();
-  // The Desktop Entry Specification: quoted as an argument (section 7), then as a string (section 4).
+  // The Desktop Entry Specification requires quoting as an argument (section 7), then as a string (section
+  // 4).
   const auto argument = marked(marked(marked(program, "\"`$\\"), "%", '%'), "\\");
   return "[Desktop Entry]\nType=Application\nName=Tarno\nIcon=tarno-desktop\nTryExec=" +
          marked(program, "\\") + "\nExec=\"" + argument + "\"\n";
@@ -61,7 +62,7 @@ std::string trimmed(const std::string& text) {
   return start == text.npos ? "" : text.substr(start, text.find_last_not_of(blanks) + 1 - start);
 }
 
-/// Returns a value without its quotation marks and the comment behind it.
+/// Returns a value without its quotation marks and without the comment after it.
 std::string valueOf(const std::string& text) {
   const auto end = text[0] == '"' || text[0] == '\'' ? text.find(text[0], 1) : text.npos;
   if (end != text.npos && (end + 1 == text.size() || trimmed(text.substr(end + 1))[0] == '#'))

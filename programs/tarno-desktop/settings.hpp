@@ -13,7 +13,7 @@ namespace desktop {
 void readSettings(CLI::App& app);
 
 /// Writes or removes the user's autostart entry, so that the desktop does or does not start this program at
-/// login. Keeps an entry with other content under another name. Returns one line that says what was done.
+/// login. Renames an existing entry with other content. Returns one line that says what was done.
 /// Throws program::Failure: EX_CANTCREAT if the entry or its folder cannot be created, EX_IOERR if writing or
 /// removing fails.
 std::string setAutostart(bool on);

@@ -15,10 +15,10 @@ namespace desktop {
 /// The state of a surface.
 struct SurfaceState {
   std::vector<Monitor> monitors;   ///< in the display's order
-  std::optional<Monitor> monitor;  ///< of the tile, with its scale; absent while the tile waits for a monitor
-  Area extents;                    ///< on the screen, in pixels; at 0, 0 if unknown
-  bool isClosed = false;           ///< somebody closed it
-  bool needsPicture = false;       ///< it no longer has the picture, which it has to show in another window
+  std::optional<Monitor> monitor;  ///< the monitor of the tile; absent while the tile waits for one
+  Area extents;                    ///< its position on the screen and its size, in pixels; at 0, 0 if unknown
+  bool isClosed = false;           ///< whether somebody closed it
+  bool needsPicture = false;       ///< whether it has released the picture but must show it in a new window
 };
 
 /// The window or layer surface that shows the pictures of the tile on a display. It follows the monitors, the
@@ -26,15 +26,15 @@ struct SurfaceState {
 /// (EX_UNAVAILABLE) if it cannot connect to the display, and dispatch() if the display disappears.
 class Surface : public program::EventSource {
  public:
-  /// Updated by the constructor and prepare().
+  /// Returns the state, which the constructor and prepare() update.
   const SurfaceState& state() const { return state_; }
 
-  /// A description for people: "a layer-shell surface in the bottom layer".
+  /// Returns a description for people, such as "a layer-shell surface in the bottom layer".
   const std::string& kind() const { return kind_; }
 
-  /// Shows `picture` from the next prepare() on, unless it looks like the last one, and the surface needs
-  /// none: then nothing is sent to the display. The first picture creates the window. A picture whose scale
-  /// is not the monitor's is shown, too. Window lists show `title`.
+  /// Shows `picture` from the next prepare() on. Sends nothing to the display if it looks like the last one
+  /// and the surface still has that. The first picture creates the window. Also shows a picture that has
+  /// another scale than the monitor. `title` is the title of the window.
   void show(std::shared_ptr<const Picture> picture, const std::string& title) {
     title_ = title;
     const auto hash = picture->hash();
@@ -53,12 +53,12 @@ class Surface : public program::EventSource {
   const std::string kind_;
   MonitorChoice choice_;
   SurfaceState state_;
-  PictureLayout layout_;                    ///< of the last picture; 0 by 0 before the first
-  std::shared_ptr<const Picture> picture_;  ///< null before the first, and once the surface released it
+  PictureLayout layout_;                    ///< the layout of the last picture; 0 by 0 before the first
+  std::shared_ptr<const Picture> picture_;  ///< the last picture; null before the first and once released
   std::string title_;
 
  private:
-  std::size_t hash_ = 0;  ///< of the last picture
+  std::size_t hash_ = 0;  ///< the hash of the last picture
 };
 
 }  // namespace desktop

@@ -35,18 +35,19 @@ struct Question {
     if (object == Objects::application) return 1;
     return object == Objects::window ? static_cast<int>(objects.tree.size()) - firstChild() : 0;
   }
-  /// Of `type`, an AtspiCoordType: 0 the screen, 1 the window, 2 the parent.
+  /// Returns the origin of a coordinate system, an AtspiCoordType: 0 is the screen, 1 the window, 2 the
+  /// parent.
   Area origin(unsigned type) const {
     return type == 1 ? at(Objects::window).bounds : type == 2 ? at(parent()).bounds : Area{};
   }
-  /// From the origin of the type that the call asks for.
+  /// Returns the bounds of the object in the coordinate system that the call asks for.
   Area bounds() const {
     unsigned type = 0;
     read("u", &type);
     const auto& [x, y, width, height] = at(object).bounds;
     return {x - origin(type).x, y - origin(type).y, width, height};
   }
-  /// Returns a function that tells whether an object contains the point of the call.
+  /// Returns a function that returns whether an object contains the point of the call.
   auto containing() const {
     int x = 0, y = 0;
     unsigned type = 0;
@@ -109,7 +110,7 @@ void addObjectAtPoint(Q q) {
   q.addReference(found);
 }
 
-/// In the language of the session, as screen readers say it.
+/// Adds the name of the role in the language of the session.
 void addLocalizedRole(Q q) {
   constexpr char domain[] = "at-spi2-core";
   const tarno::Handle<std::remove_pointer_t<locale_t>, freelocale> language{
@@ -121,10 +122,10 @@ void addLocalizedRole(Q q) {
 }
 
 /// The methods and properties of the interfaces Accessible, Application and Component that libatspi and Orca
-/// ask for.
+/// use, and the functions that answer them.
 constexpr struct {
   std::string_view name;
-  const char* type;  ///< of a property
+  const char* type;  ///< the type of a property; empty for a method
   void (*add)(Q question);
 } answers[] = {
     {"Name", "s", [](Q q) { q.add("s", q.at(q.object).name.c_str()); }},
@@ -153,7 +154,7 @@ constexpr struct {
     {"GetLayer", "", [](Q q) { q.add("u", q.object == Objects::window ? 7 : 3); }},
     {"GrabFocus", "", [](Q q) { q.add("b", false); }}};
 
-/// Unknown requests are left to the bus library, which returns an error.
+/// Answers a request about an object. Leaves unknown requests to the bus library, which returns an error.
 int answer(sd_bus_message* call, void* data, sd_bus_error*) {
   const auto& objects = *static_cast<const Objects*>(data);
   const std::string_view path = sd_bus_message_get_path(call);
@@ -192,7 +193,7 @@ std::vector<AccessibleObject> makeTree(const Frame& frame, const Area& extents, 
 }
 
 int answerFor(AccessibleObjects& objects, sd_bus* bus) {
-  // Clients print errors if there is no cache. If it is empty, they ask each object.
+  // Clients print errors if there is no cache. With an empty one, they ask each object.
   const auto addNothing = [](sd_bus_message* call, void*, sd_bus_error*) {
     return sd_bus_reply_method_return(call, "a((so)(so)(so)iiassusau)", 0);
   };

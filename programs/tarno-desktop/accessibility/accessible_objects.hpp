@@ -18,22 +18,21 @@ struct AccessibleRole {
 /// An object that a screen reader finds.
 struct AccessibleObject {
   AccessibleRole role;
-  std::string path;  ///< on the bus; an object of another role has another path, because clients cache
-                     ///< objects by path
+  std::string path;  ///< its path on the bus; includes the role, because clients cache objects by path
   std::string name;
   Area bounds;  ///< in pixels on the screen
 };
 
-/// The objects that AT-SPI clients can ask about. They may change between requests.
+/// The objects that AT-SPI clients can ask about. The owner may change them between requests.
 struct AccessibleObjects {
   /// The positions in the tree. The window is the only child of the application; the elements are children of
   /// the window. The notification has the window as its parent, too, but is not among its children.
   enum Index { application, window, notification, firstElement };
 
   std::vector<AccessibleObject> tree;
-  std::string busName;      ///< of the connection that they are on
-  std::string desktopName;  ///< of the connection that the application's parent is on
-  std::string desktopPath = "/org/a11y/atspi/null";  ///< of the application's parent
+  std::string busName;      ///< the name of their connection to the bus
+  std::string desktopName;  ///< the bus name of the application's parent, the desktop
+  std::string desktopPath = "/org/a11y/atspi/null";  ///< the path of that parent
 };
 
 /// Returns the objects of `frame` in a window at `extents`, in pixels, with `scale` pixels per point.

@@ -72,7 +72,8 @@ void AccessibleTile::openSession() {
   askStatus(nullptr);
 }
 
-/// Does not start the service: if it does not run, nobody listens.
+/// Asks whether a screen reader runs. Does not start the service that is asked: screen readers start it
+/// themselves.
 void AccessibleTile::askStatus(sd_bus_message*) {
   sd_bus_message* made = nullptr;
   if (sd_bus_message_new_method_call(bus_.get(), &made, service, servicePath, properties, "Get") < 0) return;
@@ -104,9 +105,9 @@ void AccessibleTile::enter(sd_bus_message* address) {
   if (!isEntered) bus_.reset();
 }
 
-/// Notices new listeners and a new registry.
+/// Asks to be told about new listeners and a new registry.
 void AccessibleTile::follow(sd_bus_message*) {
-  heard_.clear();  // another bus gives the same names to others
+  heard_.clear();  // on another bus, other readers have these names
   sd_bus_match_signal_async(bus_.get(), nullptr, registry, registryPath, registry, "EventListenerRegistered",
                             answered<&AccessibleTile::askListeners>, nullptr, this);
   sd_bus_add_match_async(bus_.get(), nullptr,
@@ -134,7 +135,7 @@ void AccessibleTile::join(sd_bus_message* desktop) {
   askListeners(nullptr);
 }
 
-/// A new registry knows no applications.
+/// Registers the application with a new registry, which does not know it yet.
 void AccessibleTile::embedAgain(sd_bus_message* owners) {
   const char *name = nullptr, *before = nullptr, *now = "";
   sd_bus_message_read(owners, "sss", &name, &before, &now);
@@ -178,10 +179,11 @@ void AccessibleTile::askListeners(sd_bus_message*) {
                              answered<&AccessibleTile::announce>, this, "");
 }
 
-/// Tells each reader what it has not heard yet: an announcement if it supports that, or else a notification.
+/// Tells the announcement to each reader that has not heard it yet, as an announcement if the reader supports
+/// that, otherwise as a notification.
 void AccessibleTile::announce(sd_bus_message* listeners) {
   if (sd_bus_message_enter_container(listeners, 'a', "(ss)") <= 0) return;
-  std::map<std::string, bool> readers;  // whether each supports announcements
+  std::map<std::string, bool> readers;  // the bus name of each, and whether it supports announcements
   const char *reader = nullptr, *event = nullptr;
   while (sd_bus_message_read(listeners, "(ss)", &reader, &event) > 0) {
     const std::string_view kind = event;
@@ -193,7 +195,7 @@ void AccessibleTile::announce(sd_bus_message* listeners) {
   const auto& said = objects_.tree[Objects::notification];
   constexpr int polite = 1;  // AtspiLive
   for (const auto& [name, takesAnnouncements] : readers) {
-    // Readers that have gone are kept, because some leave and come with each program that gets the focus.
+    // Readers stay in heard_ when they leave, because some leave and return whenever the focus changes.
     if (std::exchange(heard_[name], said.name) == said.name) continue;
     if (takesAnnouncements)
       tell(name.c_str(), objects_.tree[Objects::window], "Announcement", "", polite, "s", said.name.c_str());

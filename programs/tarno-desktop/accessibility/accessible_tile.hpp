@@ -11,13 +11,14 @@
 
 namespace desktop {
 
-/// The tile for screen readers: an application with one window that contains an image and labels, on the
-/// AT-SPI bus. It joins that bus as soon as a screen reader listens, which it learns on the session bus, and
-/// then leaves the session bus. It never waits for an answer, and absorbs all failures of the buses.
+/// The tile for screen readers: an application on the AT-SPI bus, with one window that contains an image and
+/// labels. It first connects to the session bus to learn whether a screen reader runs, and then moves to the
+/// AT-SPI bus. It never waits for an answer, and absorbs all failures of the buses.
 class AccessibleTile final : public program::EventSource {
  public:
-  /// Sets the content of the tile. Each reader hears an announcement politely and once: when it is new, or
-  /// when the reader comes. A changed label sends a change of name; unchanged elements send nothing.
+  /// Sets the content of the tile. Each reader gets an announcement once, with the level "polite": when the
+  /// announcement is new, or when the reader starts. A changed label sends an event; an unchanged one does
+  /// not.
   void update(const Frame& frame);
 
   /// Sets the position of the tile on the screen and the pixels per point.
@@ -27,7 +28,7 @@ class AccessibleTile final : public program::EventSource {
   void dispatch(short events) override;
 
  private:
-  // Up to join() in this order, each called with the answer to the one before.
+  // The steps up to join(), in this order. Each gets the answer to the request of the step before.
   void openSession();
   void askStatus(sd_bus_message*);
   void askAddress(sd_bus_message* status);
@@ -46,7 +47,7 @@ class AccessibleTile final : public program::EventSource {
   void askListeners(sd_bus_message*);
   void announce(sd_bus_message* listeners);
 
-  Frame frame_;  ///< without the picture
+  Frame frame_;  ///< the content; its picture is null
   Area extents_;
   double scale_ = 1;
   AccessibleObjects objects_;

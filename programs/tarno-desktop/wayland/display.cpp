@@ -21,7 +21,7 @@ void noteInfo(void* data, auto*) {
   if (mode.width <= 0 || width <= 0 || height <= 0) return;
   const bool isTurned = (mode.width < mode.height) != (width < height);
   const Area pixels{x, y, isTurned ? mode.height : mode.width, isTurned ? mode.width : mode.height};
-  // Old compositors name no outputs.
+  // Old compositors do not name their outputs.
   info = {name.empty() ? "output-" + std::to_string(id) : name, pixels,
           outputScale(pixels, {x, y, width, height})};
 }
@@ -35,18 +35,18 @@ constexpr wl_output_listener outputListener{.geometry = ignore,
 
 constexpr zxdg_output_v1_listener detailsListener{.logical_position = store<&Output::x, &Output::y>,
                                                   .logical_size = store<&Output::width, &Output::height>,
-                                                  .done = noteInfo,  // up to version 2
+                                                  .done = noteInfo,  // sent up to version 2
                                                   .name = store<&Output::name>,
                                                   .description = ignore};
 
 }  // namespace
 
 double outputScale(const Area& pixels, const Area& points) {
-  constexpr int finestParts = 120;  // of a pixel; the unit of wp_fractional_scale_v1
+  constexpr int finestParts = 120;  // wp_fractional_scale_v1 has scales in 1/120
   const double ratio = static_cast<double>(pixels.width + pixels.height) / (points.width + points.height);
   for (int parts = 1; parts <= finestParts; ++parts) {
     if (finestParts % parts != 0 && 100 % parts != 0)
-      continue;  // scales of the protocol, and round percentages
+      continue;  // only scales of the protocol and round percentages are likely
     const double scale = std::round(ratio * parts) / parts;
     if (std::abs(pixels.width / scale - points.width) < 1 &&
         std::abs(pixels.height / scale - points.height) < 1)
@@ -77,7 +77,7 @@ Display::Display() {
   static constexpr wl_seat_listener seatListener{.capabilities = store<&Display::seatCapabilities>,
                                                  .name = ignore};
   if (seat) wl_seat_add_listener(seat.get(), &seatListener, this);
-  check(wl_display_roundtrip(connection.get()));  // receives their first events
+  check(wl_display_roundtrip(connection.get()));  // receives the first events of the globals
   const auto require = [](bool isThere, const wl_interface& protocol) {
     if (!isThere)
       throw program::Failure{EX_UNAVAILABLE, std::string{"the Wayland compositor lacks the protocol "} +
@@ -106,7 +106,7 @@ void Display::add(std::uint32_t id, const char* name, std::uint32_t version) {
   bind(zwlr_layer_shell_v1_interface, 2, layers);
   bind(wp_fractional_scale_manager_v1_interface, 1, fractionalScales);
   bind(zxdg_output_manager_v1_interface, 3, outputDetails);
-  bind(wl_seat_interface, 3, seat);  // whose pointers can be released
+  bind(wl_seat_interface, 3, seat);  // from version 3 on, pointers can be released
   if (std::string_view{name} == "org_kde_plasma_shell") isKWin = true;
 
   Output added{id};
@@ -136,7 +136,7 @@ void Display::check(int result) const {
   if (result >= 0) return;
   const int error = wl_display_get_error(connection.get());
   if (error == EPIPE || error == ECONNRESET) throw program::Failure{EX_UNAVAILABLE, "the display went away"};
-  if (error != EPROTO && error != EINVAL && error != EFAULT)  // what errors of the protocol become
+  if (error != EPROTO && error != EINVAL && error != EFAULT)  // those three are errors of the protocol
     throw program::Failure{
         EX_OSERR, std::string{"the connection to the Wayland display broke: "} + std::strerror(error)};
   throw program::Failure{EX_PROTOCOL,

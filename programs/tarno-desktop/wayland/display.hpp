@@ -16,7 +16,7 @@
 namespace desktop::wayland {
 
 struct DestroyGlobal {
-  /// Releases on the client's side only: objects that live as long as the connection end with it.
+  /// Releases a global on the client's side only. The compositor keeps it as long as the connection lasts.
   void operator()(auto* proxy) const { wl_proxy_destroy(reinterpret_cast<wl_proxy*>(proxy)); }
   void operator()(wl_display* connection) const { wl_display_disconnect(connection); }
   void operator()(zxdg_output_v1* details) const { zxdg_output_v1_destroy(details); }
@@ -30,14 +30,14 @@ struct DestroyGlobal {
   }
 };
 
-/// Owns a global of the registry, or an object that was made from one. The connection must outlive it.
+/// Owns a global of the registry, or an object that was created from one. The connection must outlive it.
 template <class T>
 using Global = tarno::Handle<T, DestroyGlobal{}>;
 
 /// A listener that ignores an event.
 constexpr auto ignore = [](auto...) {};
 
-/// The object with `member` that a listener was added with.
+/// Returns the object that a listener was added with. The member pointer gives its type.
 template <class T, class Member>
 T& listening(void* object, Member T::*) {
   return *static_cast<T*>(object);
@@ -55,28 +55,30 @@ constexpr auto call =
 
 /// A monitor.
 struct Output {
-  std::uint32_t id = 0;  ///< the registry's name
+  std::uint32_t id = 0;  ///< its number in the registry
   Global<wl_output> proxy{};
   Global<zxdg_output_v1> details{};
 
-  /// The position in points in the compositor's layout, and the size in pixels. Absent until the compositor
-  /// has sent everything about the monitor; related changes take effect together.
+  /// The monitor, with its position in points in the compositor's layout and its size in pixels. Absent until
+  /// the compositor has sent everything about it. Changes that belong together take effect together.
   std::optional<Monitor> info{};
 
   // What the compositor has sent so far.
   std::string name{};
-  Area mode{};                              // in pixels, as the monitor scans it
+  Area mode{};                              // the size in pixels, before rotation
   int x = 0, y = 0, width = 0, height = 0;  // in points
 };
 
 /// Returns the scale of an output that shows `pixels` as `points`, in pixels per point. Compositors round
-/// each side to whole points, up or down; this is the simplest likely fraction that gives both sides.
+/// each side to whole points, up or down, so several scales may be possible; the result is the simplest
+/// likely one.
 double outputScale(const Area& pixels, const Area& points);
 
-/// Returns the length, in points, of a side of a surface that shows `pixels` unscaled at `scale` pixels per
-/// point. At a fractional scale, a whole number of points may end within a pixel; this is the shortest length
-/// that does not, if there is one. The picture is enlarged to it. Compositors round both edges of a surface
-/// to whole pixels, so that such a surface is sharp at every position.
+/// Returns the length, in points, of a side of a surface that shows `pixels` pixels at `scale` pixels per
+/// point, without rescaling them. At a fractional scale, a whole number of points may end within a pixel. The
+/// result is the shortest length that is at least as long as the picture and ends between two pixels, if
+/// there is one. The picture is enlarged to it. Compositors round both edges of a surface to whole pixels, so
+/// that such a surface is sharp at every position.
 int surfaceSide(int pixels, double scale);
 
 /// A connection to the Wayland display that WAYLAND_DISPLAY names, with its globals. Throws program::Failure:
@@ -105,7 +107,7 @@ struct Display {
   Global<wl_seat> seat;                                     ///< the first one; null if missing
   std::uint32_t seatCapabilities = 0;
   bool isKWin = false;
-  std::list<Output> outputs;  ///< in the order of their announcement
+  std::list<Output> outputs;  ///< in the order in which the compositor announced them
 
  private:
   void add(std::uint32_t id, const char* interface, std::uint32_t version);

@@ -16,7 +16,7 @@ ShowDesktop::ShowDesktop() {
 bool ShowDesktop::isShown() {
   int processed = 1;
   while (bus_ && processed > 0) processed = sd_bus_process(bus_.get(), nullptr);
-  if (processed < 0) bus_.reset();  // the bus disappeared
+  if (processed < 0) bus_.reset();  // the bus has disappeared
   return bus_ && isShown_ != 0;
 }
 

@@ -6,8 +6,8 @@
 
 namespace desktop::wayland {
 
-/// Learns from the session bus whether KWin shows the desktop. Never waits for an answer, and absorbs all
-/// failures of the bus: without it the desktop is not shown.
+/// Learns from the session bus whether KWin shows the desktop, that is, hides all windows. Never waits for an
+/// answer, and absorbs all failures of the bus: without it, the desktop counts as not shown.
 class ShowDesktop {
  public:
   ShowDesktop();

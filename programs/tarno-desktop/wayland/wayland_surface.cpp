@@ -21,27 +21,28 @@ using tarno::Handle;
 /// The minimum time between two surfaces. A compositor may close each new surface while its monitors change.
 constexpr std::chrono::milliseconds surfaceInterval{200};
 
-/// The objects of the tile on the display: a layer surface, through which clicks pass, or a window without a
-/// frame, which the pointer drags.
+/// The objects of the tile on the display: a layer surface, which ignores clicks, or a window without a
+/// frame, which the pointer can drag.
 struct Tile {
-  std::vector<Handle<wl_buffer, wl_buffer_destroy>> buffers;  // the compositor still reads these
+  std::vector<Handle<wl_buffer, wl_buffer_destroy>> buffers;  // those that the compositor may still read
   Handle<wl_surface, wl_surface_destroy> surface;
   Handle<wp_viewport, wp_viewport_destroy> viewport;
   Handle<wp_fractional_scale_v1, wp_fractional_scale_v1_destroy> fractionalScale;
-  Handle<zwlr_layer_surface_v1, zwlr_layer_surface_v1_destroy> layer;  // this, or the next two
+  Handle<zwlr_layer_surface_v1, zwlr_layer_surface_v1_destroy> layer;  // either this or the next two exist
   Handle<xdg_surface, xdg_surface_destroy> window;
   Handle<xdg_toplevel, xdg_toplevel_destroy> toplevel;
-  std::vector<wl_output*> outputs;  // the layer surface's, or those that the window entered; the last counts
+  std::vector<wl_output*> outputs;  // the output of the layer, or those that the window entered, newest last
   std::uint32_t scaleParts = 0;     // the preferred scale in the unit of the protocol; 0 if unknown
   bool isConfigured = false, isClosed = false, isRaised = false;
   std::shared_ptr<const Picture> picture;  // the current picture
-  double scale = 0;                        // its pixels per point
+  double scale = 0;                        // the pixels per point at which it is shown
 
   void enter(wl_output* output) {
     std::erase(outputs, output);
     outputs.push_back(output);
   }
-  /// A window on no output at all, such as one on a hidden workspace, keeps its scale.
+  /// Forgets an output, but keeps the last one: a window on no output, such as a hidden workspace, keeps its
+  /// scale.
   void leave(wl_output* output) {
     if (outputs.size() > 1) std::erase(outputs, output);
   }
@@ -73,7 +74,7 @@ class WaylandSurface final : public Surface {
  public:
   WaylandSurface(const Options& options, bool isPlain);
 
-  /// Returns false if the options ask for a layer and there is no layer-shell.
+  /// Returns false if there is no layer-shell and the options do not ask for a plain window.
   bool isPossible() const { return isPlain_ || display_.layers; }
 
   Wait prepare() override;
@@ -104,12 +105,12 @@ class WaylandSurface final : public Surface {
 
 WaylandSurface::WaylandSurface(const Options& options, bool isPlain)
     : Surface(options, kindFor(options, isPlain)), isPlain_(isPlain) {
-  if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // the compositor chooses
+  if (isPlain_) choice_ = MonitorChoice{std::nullopt};  // the compositor chooses where a window is
   if (!isPlain_ && options.layer == Layer::desktop && display_.isKWin) showDesktop_.emplace();
   followMonitors();
 }
 
-/// Reacts to the events of the compositor and the calls of the owner.
+/// Applies what the compositor and the owner have changed since the last call.
 program::EventSource::Wait WaylandSurface::prepare() {
   followMonitors();
   if (tile_ && !isPlain_ && (tile_->isClosed || tile_->outputs.back() != output_)) tile_.reset();
@@ -128,10 +129,11 @@ program::EventSource::Wait WaylandSurface::prepare() {
           isMissing ? notBefore_ : Clock::time_point::max()};
 }
 
-/// Finds the monitor: a layer surface stays on one; a window is on the one that it entered last.
+/// Updates the monitors and finds the one of the tile: the chosen one for a layer surface, or the one that
+/// the window entered last.
 void WaylandSurface::followMonitors() {
   auto& [monitors, monitor, extents, isClosed, needsPicture] = state_;
-  std::vector<wl_output*> outputs;  // of the monitors
+  std::vector<wl_output*> outputs;  // one for each of `monitors`
   monitors.clear();
   for (const Output& output : display_.outputs) {
     if (!output.info) continue;
@@ -167,8 +169,9 @@ void WaylandSurface::make() {
 
 void WaylandSurface::makeLayer() {
   tile_->outputs = {output_};
-  // KWin treats a surface named "desktop" as part of the desktop: it stays visible on "show desktop", but the
-  // next click on the wallpaper covers it for good. So the tile is raised instead while the desktop is shown.
+  // KWin treats a surface named "desktop" as a part of the desktop. It stays visible when the desktop is
+  // shown, but a click on the wallpaper covers it for good. So the name is another, and the tile is raised
+  // while the desktop is shown.
   tile_->layer.reset(zwlr_layer_shell_v1_get_layer_surface(
       display_.layers.get(), tile_->surface.get(), output_,
       options_.layer == Layer::above ? ZWLR_LAYER_SHELL_V1_LAYER_TOP : ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM,
@@ -187,11 +190,11 @@ void WaylandSurface::makeLayer() {
   zwlr_layer_surface_v1_set_anchor(
       layer, edge(x, ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT, ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT) |
                  edge(y, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP, ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM));
-  const auto& [top, right, bottom, left] = options_.margin;  // it applies to anchored edges only
+  const auto& [top, right, bottom, left] = options_.margin;  // compositors apply it to anchored edges only
   zwlr_layer_surface_v1_set_margin(layer, top, right, bottom, left);
   const Handle<wl_region, wl_region_destroy> nothing{wl_compositor_create_region(display_.compositor.get())};
   wl_surface_set_input_region(tile_->surface.get(), nothing.get());
-  zwlr_layer_surface_v1_set_size(layer, 1, 1);  // until the first picture
+  zwlr_layer_surface_v1_set_size(layer, 1, 1);  // the size until the first picture
 }
 
 void WaylandSurface::makeWindow() {
@@ -225,7 +228,8 @@ void WaylandSurface::drag(std::uint32_t serial, std::uint32_t, std::uint32_t but
     xdg_toplevel_move(tile_->toplevel.get(), display_.seat.get(), serial);
 }
 
-/// Acknowledges the last configure event with the next commit; the first one with the first picture.
+/// Acknowledges a configure event. The next commit makes that effective; after the first event, it is the
+/// commit of the first picture.
 void WaylandSurface::configured(std::uint32_t serial) {
   if (isPlain_)
     xdg_surface_ack_configure(tile_->window.get(), serial);
@@ -239,7 +243,7 @@ void WaylandSurface::draw() {
   Tile& tile = *tile_;
   const double scale = state_.monitor ? picture_->scale * displayScale_ / state_.monitor->scale : 0;
   const bool isReady = tile.isConfigured && !tile.isClosed &&
-                       tile.buffers.size() < 3;  // a compositor that sleeps releases no buffers
+                       tile.buffers.size() < 3;  // while the monitor sleeps, the compositor releases none
   if (!isReady || scale == 0 || (tile.picture == picture_ && tile.scale == scale)) return;
   tile.picture = picture_;
   tile.scale = scale;
@@ -247,7 +251,7 @@ void WaylandSurface::draw() {
   const int width = surfaceSide(picture_->width, scale), height = surfaceSide(picture_->height, scale);
   attach(*grow(picture_, pixels(width), pixels(height), options_.anchor));
   wp_viewport_set_destination(tile.viewport.get(), width, height);
-  if (isPlain_) {  // a fixed size, so that tiling compositors let the window float
+  if (isPlain_) {  // tiling compositors let a window of fixed size float
     xdg_toplevel_set_min_size(tile.toplevel.get(), width, height);
     xdg_toplevel_set_max_size(tile.toplevel.get(), width, height);
     xdg_toplevel_set_title(tile.toplevel.get(), title_.c_str());

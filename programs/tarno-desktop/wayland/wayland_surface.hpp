@@ -6,9 +6,10 @@
 
 namespace desktop {
 
-/// The tile on the Wayland display that WAYLAND_DISPLAY names: a layer-shell surface, or a plain window where
-/// the options ask for one. Null when the compositor has no layer-shell and no plain window was asked for.
-/// Throws program::Failure (EX_UNAVAILABLE) when there is no display. `options` are copied.
+/// Returns a surface for the tile on the Wayland display that WAYLAND_DISPLAY names: a layer-shell surface,
+/// or a plain window if the options ask for one. Returns null if the compositor has no layer-shell and the
+/// options ask for no plain window. Throws program::Failure (EX_UNAVAILABLE) if there is no display. Copies
+/// `options`.
 std::unique_ptr<Surface> openWaylandSurface(const Options& options);
 
 }  // namespace desktop
