@@ -1,4 +1,4 @@
-# Provides Tarno::Shared, a static library, and finds the only library that programs must link with it.
+# Provides Tarno::Shared, a static library, and finds libutf8proc, which programs must link too.
 include(CMakeFindDependencyMacro)
 find_dependency(PkgConfig)
 if(NOT TARGET PkgConfig::UTF8PROC)

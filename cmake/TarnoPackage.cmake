@@ -7,7 +7,7 @@ install(EXPORT Tarno NAMESPACE Tarno:: FILE TarnoTargets.cmake DESTINATION "${pa
 install(FILES cmake/TarnoConfig.cmake "${PROJECT_BINARY_DIR}/TarnoConfigVersion.cmake"
         DESTINATION "${package}" COMPONENT development)
 
-# Both refer to files relative to their own folder, so that they work below any `cmake --install --prefix`.
+# Both name files relative to their own folder, so that they work with any `cmake --install --prefix`.
 file(RELATIVE_PATH prefix_from_pc "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(cmake/tarno.pc.in tarno.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tarno.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

@@ -1,8 +1,8 @@
-# Defines how targets are made. Use only tarno_library(), tarno_program() and tarno_test().
+# Defines tarno_library(), tarno_program() and tarno_test(), which create all targets of their kind.
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # a shared library may contain ours
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)  # our static libraries may become a part of a shared library
 check_pie_supported(LANGUAGES CXX)
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -12,7 +12,7 @@ if(PROJECT_IS_TOP_LEVEL)
   endif()
 endif()
 
-# Debian's hardening flags (hardening=+all). Some exist only for some processors.
+# Debian's hardening flags (hardening=+all). Some of them exist only for certain processors.
 set(TARNO_HARDENING -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 foreach(flag -fcf-protection -mbranch-protection=standard -fstack-clash-protection)
   string(MAKE_C_IDENTIFIER "TARNO_HAS${flag}" has)
@@ -22,18 +22,18 @@ foreach(flag -fcf-protection -mbranch-protection=standard -fstack-clash-protecti
   endif()
 endforeach()
 
-# Compiler settings for this project's code alone. Only developers set CMAKE_COMPILE_WARNING_AS_ERROR, because the new
-# warnings of a newer compiler must not keep anybody from building.
+# Sets the compiler options of a target of this project. Warnings are not errors, because the new warnings of a newer
+# compiler must not keep anybody from building. Developers set CMAKE_COMPILE_WARNING_AS_ERROR.
 function(tarno_compile_options target)
   if(PROJECT_IS_TOP_LEVEL)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
                                              -Wold-style-cast -Wcast-qual -Woverloaded-virtual)
-    # Options are structs whose fields all have defaults, so that callers name only some of them.
+    # Functions take their options as structs whose fields have defaults. Callers set only some of the fields.
     target_compile_options(${target} PRIVATE -Wno-missing-field-initializers)
-    # g++ 12 sees overlaps in std::string's operator+ that cannot be (GCC bug 105651).
+    # g++ 12 warns about overlaps in std::string's operator+ that cannot occur (GCC bug 105651).
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
   endif()
-  # The linker drops unused sections.
+  # Gives each function a section of its own, so that the linker can drop unused ones.
   target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
   if(TARNO_SANITIZE)
     target_compile_definitions(${target} PRIVATE TARNO_SANITIZED)
@@ -57,7 +57,8 @@ function(tarno_include_root target)
   target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
 endfunction()
 
-# tarno_library(Foundation SOURCES a.cpp … HEADERS a.hpp … PUBLIC libs… PRIVATE libs…): link it as Tarno::Foundation.
+# tarno_library(Foundation SOURCES a.cpp … HEADERS a.hpp … PUBLIC libs… PRIVATE libs…): a static library. Link it as
+# Tarno::Foundation.
 #
 # The target itself is TarnoFoundation, so that its name is unique in a project that contains this one.
 #
@@ -94,8 +95,8 @@ function(tarno_program target)
   tarno_include_root(${target})
   target_link_libraries(${target} PRIVATE ${ARG_LINK})
   tarno_compile_options(${target})
-  # A program lives for about 10 ms, and the dynamic linker took a third of that. So it loads only libraries that it
-  # calls, binds all symbols at the start, and contains the C++ library. Sanitizers need the shared C++ library.
+  # A program runs for about 10 ms. The dynamic linker would take a third of that, so a program loads only libraries that
+  # it calls, binds all symbols at the start, and contains the C++ library. Sanitizers need the shared C++ library.
   target_link_options(${target} PRIVATE -Wl,--as-needed -Wl,-z,now -Wl,--gc-sections)
   if(NOT TARNO_SANITIZE)
     target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
@@ -104,15 +105,15 @@ function(tarno_program target)
   add_dependencies(tarno_programs ${target})
 endfunction()
 
-# tarno_test(model_test SOURCES a.cpp … LINK libs… ENVIRONMENT NAME=value…): a GoogleTest program. ctest lists each of its
-# tests.
+# tarno_test(model_test SOURCES a.cpp … LINK libs… ENVIRONMENT NAME=value…): a GoogleTest program. Each of its tests is a
+# test of ctest.
 function(tarno_test target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINK} GTest::gtest_main)
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   tarno_compile_options(${target})
-  # The macros of GoogleTest contain an if-else.
+  # The macros of GoogleTest contain an if-else without braces.
   target_compile_options(${target} PRIVATE -Wno-dangling-else)
   gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
 endfunction()

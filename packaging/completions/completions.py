@@ -17,16 +17,16 @@ FISH = {"FILE": " -r -F", "FOLDER": " -x -a '(__fish_complete_directories)'"}
 
 
 def commands(program):
-    """The commands of a program, "" for itself, each with its options, its subcommands and its positional argument.
+    """Returns {command: (options, subcommands, positional argument)}. The key "" stands for the program itself.
 
-    An option is (names, argument, words, text): argument is "" for a flag, and words are all that it can be, if known.
-    A positional argument is (argument, words), ("", []) where a command takes none.
+    An option is (names, argument, words, text). The argument of a flag is "". The words are all possible values, if known.
+    A positional argument is (argument, words), or ("", []) if the command has none.
     """
     found, names = {}, [""]
     for name in names:
         shown = subprocess.run([program, *name.split(), "--help"], capture_output=True, text=True, check=True).stdout
         options, subcommands, positional, section = [], [], ("", []), ""
-        # The text of a long name is on the next line.
+        # CLI11 prints the text of a long name on the next line.
         for line in re.sub(r"(?m)^(  -.*)\n {20,}", r"\1  ", shown).splitlines():
             section = line if re.match(r"\S.*:$", line) else section
             if entry := re.match(r"  (\S+)(.*)", line):

@@ -11,14 +11,14 @@ namespace {
 using namespace ui;
 using namespace TarnoMacWidgetStyle;
 
-/// Below this there is room for the lock only.
+/// The smallest icon, in pixels, that has space for the ring around the lock.
 constexpr int smallestWithRing = 32;
 
-/// As on the tile: the arc of a locked Mac and the gap in it, from 6 to 9 o'clock.
+// The arc of a locked Mac, as on the tile, with the gap from 6 to 9 o'clock.
 constexpr Angle gapEnd = Angle::degrees(154.8);
 constexpr double arcTurns = 0.84;
 
-/// The lock in at least that size, centred. With an even number of pixels to the em its shackle stays crisp.
+/// Returns the lock, centred, with a font size of at least `leastSize`. An even size keeps its shackle sharp.
 FillPath lock(double leastSize, Point center) {
   const double size = 2 * std::ceil(leastSize / 2);
   const Symbol& symbol = *findSymbol("lock.fill");

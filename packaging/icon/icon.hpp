@@ -5,7 +5,7 @@
 /// The application's icon: the tile's ring and its lock, in the tile's colours.
 namespace icon {
 
-/// The icon for a square of `side` pixels, a point each. What a small one has no pixels for is left out.
+/// Returns the icon for a square of `side` pixels, at one pixel per point. Small icons have no ring.
 ui::Scene scene(int side);
 
 }  // namespace icon

@@ -5,7 +5,7 @@
 #include "tarno/common/files.hpp"
 #include "tarno/render/image.hpp"
 
-/// Draws the icon: `draw_icon FILE SIDE`, an SVG or a PNG by the file's suffix.
+/// Draws the icon: `draw_icon FILE SIDE`. The suffix of the file decides between SVG and PNG.
 int main(int argc, char** argv) try {
   if (argc != 3) throw program::Failure{EX_USAGE, "say draw_icon FILE SIDE"};
   const std::filesystem::path file{argv[1]};
