@@ -1,6 +1,6 @@
 #!/bin/bash
-# Measures how long a new process takes to draw a medium tile at scale 2 into a PNG file, beside rsvg-convert with the SVG
-# file of the same tile. The two take turns. Prints the medians in milliseconds, and their ratio.
+# Measures how long a new process takes to draw a medium tile at scale 2 into a PNG file, and compares it with rsvg-convert,
+# which draws an SVG file of the same tile. The two take turns. Prints the medians in milliseconds, and their ratio.
 #
 #     bench/cold_bench.sh [FOLDER OF THE PROGRAMS] [RUNS]
 set -eu
@@ -19,7 +19,7 @@ mkdir -p "$XDG_DATA_HOME"
 "$programs/tarno-status" save "$work/report.json" >"$work/saved"
 "$programs/tarno-widget" render --family medium --scale 2 --output "$work/tile.svg"
 
-# Prints how long a command took. Starts no other process while it measures.
+# Runs a command and prints how long it took. Starts no other process while it measures.
 microseconds() {
   local start=${EPOCHREALTIME/./} end
   "$@"

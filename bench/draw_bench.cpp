@@ -1,5 +1,5 @@
-// Measures how long it takes to draw a medium tile at scale 2 again: the view, its layout and its painting,
-// beside plain Cairo and Pango calls for the same shapes and texts.
+// Measures how long it takes to draw a medium tile at scale 2 again: the view, its layout and its painting.
+// Compares it with plain Cairo and Pango calls for the same shapes and texts.
 
 #include <benchmark/benchmark.h>
 #include <pango/pangocairo.h>
@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr double scale = 2;
 
-/// Returns a transparent image for a tile of `size` points. Its user space is in points.
+/// A transparent image for a tile. Its user space is in points.
 class Canvas {
  public:
   explicit Canvas(ui::Size size)
@@ -46,8 +46,8 @@ class Canvas {
   cairo_t* cairo_;
 };
 
-/// The floor: it draws paths and layouts that were made before. It puts glyphs on whole pixels, which is the
-/// fastest way in Cairo. Its objects are never released.
+/// The floor: draws paths and layouts that were prepared before, with glyphs on whole pixels, which is the
+/// fastest way in Cairo. Never releases its objects.
 class BareCalls {
  public:
   BareCalls(const ui::Scene& scene, cairo_t* cairo) : cairo_(cairo) {

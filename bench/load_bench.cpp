@@ -1,6 +1,7 @@
-// Measures what it costs to open the store and load a status, beside plain calls that read the same file and
-// decode the record. The two take turns in one run, so that other load on the machine affects both alike. The
-// target is a ratio of at most 1.5. Also measures a save, beside its two syncs of a file and of its folder.
+// Measures how long it takes to open the store and load a status, and compares it with plain calls that read
+// the same file and decode the record. The two take turns in one run, so that other load on the machine
+// affects both alike. The target is a ratio of at most 1.5. Also compares a save with the calls that it
+// cannot avoid.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -71,7 +72,7 @@ std::string readFile(const std::string& path) {
   return count == found.st_size ? text : std::string{};
 }
 
-/// The floor: it checks neither the folder nor the owners, and uses the parser's own tree.
+/// The floor of a load: does not check the folder or the owners, and uses the parser's own tree.
 bool loadWithPlainCalls(const std::string& file) {
   const auto document = nlohmann::json::parse(readFile(file));
   const auto& record = document.at(TarnoMacDefaults::lastStatus).at("value").get_ref<const std::string&>();
@@ -116,7 +117,7 @@ void loadAgainstPlainCalls(benchmark::State& state) {
 }
 BENCHMARK(loadAgainstPlainCalls)->MinTime(2.0);
 
-/// Replaces `file` in the shortest way that survives a power cut.
+/// The floor of a save: replaces `file` in the shortest way that survives a power cut.
 bool replaceWithPlainCalls(const std::string& file, const std::string& folder, const std::string& text) {
   const std::string fresh = file + ".floor";
   const int descriptor = open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The time from the start of `tarno-status save` to the line of `tarno-status watch`, against the time that the save takes
-to end: medians over the same runs, in milliseconds, and their ratio. Then the wake-ups of a watch with nothing to do.
+"""Measures the time from the start of `tarno-status save` to the new line of `tarno-status watch`, and to the end of the save.
+Prints the medians in milliseconds and their ratio, then the number of wake-ups of a watch with nothing to do.
 
     bench/watch_bench.py [FOLDER OF THE PROGRAMS] [RUNS]
 """

@@ -1,4 +1,4 @@
-// Reads any text as a date. If it is one, it must be the same after it was written and read again.
+// Reads any text as a date. If it is one, writing and reading it again must give the same date.
 
 #include <cstdint>
 #include <cstdlib>

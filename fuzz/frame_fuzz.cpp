@@ -1,4 +1,5 @@
-// Reads any answer of a frame process, with any memory: every picture that is not refused can be read.
+// Reads any answer of a frame process, with any memory. All pixels of a picture that is accepted must be
+// readable.
 
 #include <fcntl.h>
 #include <unistd.h>

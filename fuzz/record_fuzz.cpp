@@ -1,4 +1,4 @@
-// Decodes any bytes as a record. If they are one, it must be the same after it was written and read again.
+// Decodes any bytes as a record. If they are one, encoding and decoding it again must give the same record.
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Reads any settings file: it is used, or refused with a message of one line.
+// Reads any settings file. It must be accepted, or refused with a message of one line.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

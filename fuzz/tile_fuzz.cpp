@@ -1,4 +1,4 @@
-// Lays out and draws tiles with any texts: everything stays inside the tile.
+// Lays out and draws tiles with any texts. Everything must stay inside the tile.
 
 #include <algorithm>
 #include <cstdint>

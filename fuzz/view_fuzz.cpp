@@ -1,4 +1,4 @@
-// Lays out and draws views of any structure, with any numbers and texts: all coordinates are finite.
+// Lays out and draws views of any structure, with any numbers and texts. All coordinates must be finite.
 
 #include <algorithm>
 #include <array>

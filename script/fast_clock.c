@@ -1,5 +1,6 @@
-/* A clock that runs TARNO_CLOCK_RATE times as fast as the system's, from TARNO_CLOCK_START (seconds since 1970) on, for programs
- * that are started with this library in LD_PRELOAD. The steady clock is left alone. script/soak builds it. */
+/* Makes the wall clock of a program run TARNO_CLOCK_RATE times as fast as the system's from TARNO_CLOCK_START (seconds since
+ * 1970) on. Name this library in LD_PRELOAD when you start the program. The steady clock does not change. script/soak builds
+ * the library. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <stdlib.h>
