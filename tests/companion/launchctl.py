@@ -1,5 +1,4 @@
-"""Takes the place of the Mac's launchctl for one agent: bootstrap gui/UID PLIST, print and bootout gui/UID/LABEL."""
-
+"""Replaces the Mac's launchctl for one agent: bootstrap gui/UID PLIST, print gui/UID/LABEL and bootout gui/UID/LABEL."""
 import contextlib
 import os
 import plistlib
@@ -25,7 +24,7 @@ elif name != target:
 elif command == "print":
     print(f"{name} = {{\n\tstate = {'running' if int(pid) in processes(int(pid)) else 'spawn scheduled'}\n}}")
 elif command == "bootout":
-    while int(pid) in processes(int(pid)):  # the signal goes to the agent alone
+    while int(pid) in processes(int(pid)):  # only the agent gets the signal, not its children
         with contextlib.suppress(ProcessLookupError):
             os.kill(int(pid), 15)
         time.sleep(0.1)

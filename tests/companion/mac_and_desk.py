@@ -1,5 +1,4 @@
-"""The two machines of the reporter's tests: a Mac with stand-ins for its commands, and a desk with a real sshd."""
-
+"""The two machines of the reporter's tests: a Mac, whose commands are replaced by scripts, and a desk with a real sshd."""
 import contextlib
 import os
 import pwd
@@ -15,7 +14,7 @@ from program_test_case import BIN, ProgramTest
 REPORTER = Path(__file__).resolve().parents[2] / "companion/mac/tarno-report"
 SSHD = shutil.which("sshd", path=os.environ["PATH"] + ":/usr/sbin")
 
-# The output of `ioreg -n Root -d1`. The keys to look for also appear where they mean something else, here and below.
+# The output of `ioreg -n Root -d1`. Here and below, the keys that the reporter reads also appear where it must ignore them.
 ROOT = """+-o Root  <class IORegistryEntry, id 0x100000100, retain 31>
     {
       "IOKitBuildVersion" = "Darwin Kernel Version 23.1.0: root:xnu-10002.41.9~6/RELEASE_ARM64_T6000"
@@ -40,9 +39,9 @@ STAND_INS = {
     "ioreg": 'case "$*" in "-n Root -d1") cat "$MAC/now/root";; "-c IOHIDSystem") cat "$MAC/now/hid";; *) exit 64;; esac',
     "scutil": '[ "$*" = "--get ComputerName" ] && cat "$MAC/now/name"',
     "launchctl": f'exec {sys.executable} -B {Path(__file__).parent}/launchctl.py "$@"',
-    "sleep": '[ "$1" != 1 ] || set 5; exec /bin/sleep "0.$1"',  # each second takes a tenth
+    "sleep": '[ "$1" != 1 ] || set 5; exec /bin/sleep "0.$1"',  # ten times as fast
     "scp": f'[ "$1" = desk:/usr/share/tarno/tarno-report ] && cp "{REPORTER}" "$2"',
-    # Outside of batch mode, somebody types the password: a key takes its place.
+    # Outside of batch mode, a person would type a password. This key replaces it.
     "ssh": 'case $* in *BatchMode*) ;; *) set -- -i "$MAC/person" "$@";; esac; exec /usr/bin/ssh -F "$MAC/config" "$@"',
 }
 
@@ -68,7 +67,7 @@ class MacTest(ProgramTest):
         self.set()
 
     def set(self, console="No", screen="", idle=0.5, name="Kivo's Mac", more=""):
-        """Sets what the Mac's commands print from now on. `screen` is part of a session, and `more` follows it."""
+        """Sets what the Mac's commands print from now on. `screen` is added to the session, and `more` after the session."""
         now = Path(tempfile.mkdtemp(dir=self.mac))
         root = f'      "IOConsoleUsers" = ({SESSION.format("Yes", screen)}{more})\n' if console else ""
         root += f'      "IOConsoleLocked" = {console}\n' if console else ""
@@ -82,7 +81,7 @@ class MacTest(ProgramTest):
         return len((self.mac / f"{name} calls").read_text())
 
     def reporter(self, *words, code=0):
-        """Runs the reporter without a terminal, so that ssh asks nothing. Returns its output, or its errors for a `code`."""
+        """Runs the reporter without a terminal, so that ssh asks nothing. Returns its output, or its errors if it must fail."""
         done = self.call("sh", REPORTER, *words, start_new_session=True)
         self.assertEqual(done.returncode, code, (words, done.stdout, done.stderr))
         return (done.stderr if code else done.stdout).decode()
@@ -94,7 +93,7 @@ class DeskTest(MacTest):
         if not SSHD:
             self.skipTest("sshd is not installed")
         if os.geteuid() == 0:
-            with contextlib.suppress(FileExistsError):  # the service of sshd makes it, too
+            with contextlib.suppress(FileExistsError):  # the service of sshd creates it, too
                 os.mkdir("/run/sshd", 0o755)
                 self.addCleanup(os.rmdir, "/run/sshd")
         self.port = self.free_port()
@@ -105,7 +104,7 @@ class DeskTest(MacTest):
         for file, text in ((self.keys, "# mine\n" + (self.mac / "person.pub").read_text().strip()),  # without a line break at the end
                            (self.known_hosts, f"[127.0.0.1]:{self.port} " + (self.mac / "host_key.pub").read_text()),
                            (self.mac / "config", f"Host desk\nHostName 127.0.0.1\nPort {self.port}\nIdentitiesOnly yes\n"
-                            # Settings that people may have, and that must not apply to the reports.
+                            # People may have these settings. They must not apply to the reports.
                             f"ControlMaster auto\nControlPath {self.mac}/control\nRemoteCommand false\n"
                             f"LocalForward {self.port} desk:1\nExitOnForwardFailure yes\nRequestTTY force\n"
                             f'User {pwd.getpwuid(os.geteuid()).pw_name}\nUserKnownHostsFile "{self.known_hosts}"\n')):

@@ -1,5 +1,4 @@
-"""The reporter for the Mac: what it prints, and how its reports reach a desk."""
-
+"""Tests the reporter for the Mac: what it prints, and how its reports reach a desk."""
 import json
 import os
 import shutil
@@ -18,7 +17,7 @@ class Reports(MacTest):
     def report(self, *shell, **options):
         return self.start(*(shell or ["sh"]), str(REPORTER), stdout=subprocess.PIPE, **options)
 
-    def test_what_calls_for_a_report_and_what_it_says(self):
+    def test_each_change_is_reported(self):
         other = "," + SESSION.format("No", LOCKED)
         lines = self.report().stdout
         for name, said, event, status, reason in (
@@ -50,7 +49,7 @@ class Reports(MacTest):
                 if not shutil.which(shell.split()[0]):
                     continue
                 self.set(name=NAME)
-                # Python ignores SIGPIPE. So does every run but the first.
+                # Python ignores SIGPIPE, and so does each run of the reporter except the first.
                 process = self.report(*shell.split(), stderr=subprocess.PIPE, restore_signals=expected is None)
                 line = process.stdout.readline().decode()
                 self.assertEqual(self.run_program("tarno-status", "save", stdin=line).stderr, b"")
@@ -76,7 +75,7 @@ class Reports(MacTest):
 
 class FromMacToDesk(DeskTest):
     def homes(self):
-        """Returns all files of both homes, apart from the one that each report changes."""
+        """Returns all files of both homes, except the one that each report changes."""
         return {path: path.is_file() and (path.read_bytes(), path.lstat().st_mode) for home in (self.home, self.desk)
                 for path in home.rglob("*") if path.name != "last"}
 
@@ -90,7 +89,7 @@ class FromMacToDesk(DeskTest):
     def agent(self):
         return int((self.mac / "agent").read_text().split()[1])
 
-    def test_two_lines_lead_to_a_tile_that_follows_and_one_leads_back(self):
+    def test_install_makes_the_tile_follow_and_uninstall_undoes_it(self):
         self.keys.rename(self.desk / "dotfile")
         self.keys.symlink_to("../dotfile")
         before = self.homes()

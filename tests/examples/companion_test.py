@@ -1,14 +1,13 @@
-"""Builds examples/companion as docs/companion.md says: outside of the tree, with an installed library and with a copy."""
-
+"""Builds examples/companion as docs/companion.md says: outside the tree, with an installed library and with a copy of it."""
 import re
 import shutil
 
-from document import PAGE, block, blocks
+from document import PAGE, block, under
 from program_test_case import BIN, ProgramTest
 
 TREE = PAGE.parents[1]
 EXAMPLE = TREE / "examples/companion"
-TAKEN = "Foundation Shared Render Desktop programs tests shared_test"  # target names that the project around a copy uses itself
+TAKEN = "Foundation Shared Render Desktop programs tests shared_test"  # targets of the project that contains the copy
 
 
 class CompanionExample(ProgramTest):
@@ -54,7 +53,7 @@ class CompanionExample(ProgramTest):
 
     def test_an_installed_library_is_found_by_cmake_and_by_pkg_config(self):
         self.install()
-        for code in [code for heading, code in blocks("sh") if heading == "In C++"]:
+        for code in under("In C++"):
             self.run_command("sh", "-e", "-c", code)
         for program, reason in ("build/companion", "Lid closed"), ("./companion", "Touch ID"):
             self.run_command(program, "locked", reason)

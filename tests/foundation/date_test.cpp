@@ -80,7 +80,7 @@ TEST(Date, ArithmeticIsExactAndNeverOverflows) {
   EXPECT_NEAR(static_cast<double>(wholeSecondsBetween(Date::min(), Date::max())), 18446744073709.6, 1);
 }
 
-TEST(Date, OfSeveralOverridesTheLatestCountsAndThenTheOneBefore) {
+TEST(Date, TheNewestOverrideCountsUntilItEnds) {
   const ClockOverride outer{moment};
   EXPECT_EQ((ClockOverride{moment + 1h}, now()), moment + 1h);
   EXPECT_EQ(now(), moment);

@@ -61,7 +61,7 @@ TEST(DefaultsDocument, MayComeFromOtherProgramsAndAnyWrongValueIsDamage) {
   EXPECT_EQ(decodeDefaults(encodeDefaults({{"key", longest}})).at("key"), DefaultsValue{longest});
 }
 
-TEST(Suite, LiesWhereTheEnvironmentSaysAndHasAPlainName) {
+TEST(Suite, IsWhereTheEnvironmentSaysAndHasAPlainName) {
   for (const auto& wrong : {""s, "."s, ".."s, "a/b"s, "/a"s, "a\0"s, std::string(256, 'x')})
     EXPECT_FALSE(suiteLocation(wrong) || openSuite(wrong).store) << wrong;
   const std::string ofUser = getpwuid(geteuid())->pw_dir;
@@ -77,11 +77,11 @@ TEST(Suite, IsMadeForTheOwnerAloneWhateverTheUmask) {
   for (const mode_t mask : {0u, 0777u}) {
     const TemporaryStore temporary;
     const auto [directory, file] = suiteLocation("suite").value();
-    std::filesystem::remove(temporary.folder());
+    std::filesystem::remove(temporary.path);
     const mode_t before = umask(mask);
     saveToSuite("suite", {{"key", 1.0}});
     umask(before);
-    for (const auto& [path, mode] : {std::pair{temporary.folder(), 0700}, {directory, 0700}, {file, 0600}})
+    for (const auto& [path, mode] : {std::pair{temporary.path, 0700}, {directory, 0700}, {file, 0600}})
       EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(mode)) << path << mask;
   }
 }

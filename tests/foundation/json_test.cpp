@@ -79,9 +79,9 @@ TEST(JSONEncoder, WritesNumbersExactlyOrNotAtAll) {
 
 TEST(JSON, KeepsItsDecimalPointInEveryLocale) {
   const TemporaryStore temporary;
-  const auto folder = temporary.folder().string();
+  const auto folder = temporary.path.string();
   std::ofstream{folder + "/source"} << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3\n"
-                                       "END LC_NUMERIC\n";  // such a locale is not installed by default
+                                       "END LC_NUMERIC\n";  // by default, there is no such locale
   const auto command = "localedef -c --no-archive -i " + folder + "/source " + folder + "/comma 2>/dev/null";
   ASSERT_NE(std::system(command.c_str()), -1);
   setenv("LOCPATH", folder.c_str(), 1);

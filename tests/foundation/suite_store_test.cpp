@@ -4,14 +4,33 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
 #include <sstream>
 
-#include "support/file_calls.hpp"
+#include "support/system_calls.hpp"
 #include "support/temporary_store.hpp"
+
+// The system calls that read and write a store.
+WRAP(int, openat, (int folder, const char* name, int flags, mode_t mode), (folder, name, flags, mode))
+WRAP(int, fstat, (int file, struct stat* found), (file, found))
+WRAP(int, lstat, (const char* path, struct stat* found), (path, found))
+WRAP(ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, count))
+WRAP(ssize_t, write, (int file, const void* bytes, size_t count), (file, bytes, count))
+WRAP(int, fsync, (int file), (file))
+WRAP(int, flock, (int file, int operation), (file, operation))
+WRAP(int, fchmod, (int file, mode_t mode), (file, mode))
+WRAP(int, fchmodat, (int folder, const char* name, mode_t mode, int flags), (folder, name, mode, flags))
+WRAP(int, mkdir, (const char* path, mode_t mode), (path, mode))
+WRAP(int, unlinkat, (int folder, const char* name, int flags), (folder, name, flags))
+WRAP(int, linkat, (int from, const char* name, int to, const char* other, int flags),
+     (from, name, to, other, flags))
+WRAP(int, renameat, (int from, const char* name, int to, const char* other), (from, name, to, other))
+WRAP(int, renameat2, (int from, const char* name, int to, const char* other, unsigned flags),
+     (from, name, to, other, flags))
 
 using namespace tarno;
 
@@ -46,7 +65,7 @@ std::string failureOf(const std::function<void()>& work) {
 std::string readBytes(const fs::path& at) { return (std::stringstream{} << std::ifstream{at}.rdbuf()).str(); }
 void writeBytes(const fs::path& path, std::string_view bytes) { std::ofstream{path} << bytes; }
 
-/// Runs `work` in a child process, which an exception ends.
+/// Runs `work` in a child process. An exception kills it.
 pid_t startProcess(const std::function<void()>& work) noexcept {
   const pid_t child = fork();
   if (child == 0) work(), _exit(0);
@@ -62,7 +81,8 @@ class SuiteStoreTest : public testing::Test {
     EXPECT_EQ(load("key"), value);
     EXPECT_EQ(load("twin"), value);
   }
-  /// Calls `test` with 0, 1, 2 … on a new store each time, until it returns that a save makes fewer calls.
+  /// Calls `test` with the numbers of the calls of a save, each time with a new store, until it returns
+  /// false.
   void forEachCall(const std::function<bool(int number)>& test) const {
     int number = 0;
     for (bool isMade = true; isMade && number < 100; ++number) {
@@ -72,14 +92,14 @@ class SuiteStoreTest : public testing::Test {
     }
     EXPECT_TRUE(12 < number && number < 100) << number;
   }
-  /// Saves 2, and runs `event` before a call. Returns how the save failed, and whether the call was reached.
+  /// Saves 2 and runs `event` before a call. Returns why the save failed, and whether the call was reached.
   static std::pair<std::string, bool> saveDuring(int call, const std::function<int()>& event) {
     system_calls::intercept(call, event);
     auto failure = failureOf([] { saveTwins(2); });
     return {std::move(failure), system_calls::wasReached()};
   }
 
-  /// Saves 2 in a process that is killed before a call. Returns the same.
+  /// Saves 2 in a process that is killed before a call. Returns what saveDuring() returns.
   static std::pair<std::string, bool> saveUntilKilled(int call) {
     int status = 0;
     waitpid(startProcess([=] { saveDuring(call, [] { return raise(SIGKILL); }); }), &status, 0);
@@ -87,7 +107,7 @@ class SuiteStoreTest : public testing::Test {
   }
 
   const TemporaryStore temporary{};
-  const fs::path home = temporary.folder(), directory = home / suite, file = directory / "defaults.json";
+  const fs::path home = temporary.path, directory = home / suite, file = directory / "defaults.json";
   const fs::path leftover = directory / ".defaults.json.new", moved = home / "moved";
 };
 
@@ -113,7 +133,7 @@ TEST_F(SuiteStoreTest, ASaveWaitsForAnotherSaversLockButNotForeverAndAReaderNeve
   expectTwins(2.0);
 }
 
-TEST_F(SuiteStoreTest, AChildOfAProgramThatSavesHoldsUpNobodyAndAProgramThatItStartsGetsNothing) {
+TEST_F(SuiteStoreTest, AChildProcessDoesNotKeepTheLockAndAStartedProgramInheritsNoFile) {
   const auto countInherited = [] {
     int count = 0;
     for (int descriptor = 0; descriptor < 256; ++descriptor) count += fcntl(descriptor, F_GETFD) == 0;
@@ -143,7 +163,7 @@ TEST_F(SuiteStoreTest, AFailureTellsAnObstacleFromAnErrorOfTheSystem) {
     EXPECT_EQ(kind(error), SuiteError::Kind::inputOutput) << error;
 }
 
-TEST_F(SuiteStoreTest, AFileSystemThatCannotLockOrSyncAFolderWillDo) {
+TEST_F(SuiteStoreTest, AFileSystemNeedNotLockOrSyncFolders) {
   forEachCall([&](int number) {
     bool isOfFolder = false;
     const auto [failure, isReached] = saveDuring(number, [&] {
@@ -255,7 +275,7 @@ TEST_F(SuiteStoreTest, ASaveThatIsKilledOrFailsInAnyCallLeavesTheOldOrTheNewStat
         EXPECT_TRUE(isNew || readBytes(file) == before);
         saveTwins(3);
         expectTwins(3.0);
-        const auto more = countFiles() - files;  // a killed saver may leave a second name of a damaged file
+        const auto more = countFiles() - files;  // a killed saver may leave a damaged file under two names
         EXPECT_TRUE(more == 0 || (more == 1 && isKilled && before == "damaged")) << more;
         EXPECT_FALSE(fs::exists(moved));
         return isReached;
@@ -269,7 +289,7 @@ TEST_F(SuiteStoreTest, AFolderThatIsSwappedDuringASaveIsFoundAgainOrNotUsed) {
       {[&] { fs::create_directory_symlink(moved, directory); }, false}};
   for (const auto& row : rows)
     forEachCall([&](int number) {
-      bool isOver = false;  // the last check was made, and only unlocking is left
+      bool isOver = false;  // after the last check, the save only unlocks
       const auto [failure, isReached] = saveDuring(number, [&] {
         isOver = system_calls::made.ends_with("lstat flock ");
         fs::rename(directory, moved);

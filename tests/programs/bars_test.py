@@ -1,5 +1,4 @@
-"""Bars with the configuration of docs/companion.md show what was saved, on desktops without a screen."""
-
+"""Tests that bars with the configuration of docs/companion.md show what was saved, on desktops without a screen."""
 import datetime
 import re
 
@@ -52,7 +51,7 @@ class Bars(DesktopTest):
                                lambda screen: 0x204060 in {screen.pixel(x, 9) for x in range(0, 1280, 99)})
 
     def shows_each_status(self, command, config, is_there):
-        """Expects that the bar looks different for each status, and the same for the same status."""
+        """Expects the bar to look different for different statuses, and the same for the same status."""
         self.rig.x11()
         screen = Screen(self.rig)
         self.rig.start(*command, self.rig.write("config", config))

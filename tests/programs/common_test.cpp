@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-TEST(Program, TextForATerminalCannotSteerIt) {
+TEST(Program, TextForATerminalCannotControlIt) {
   const std::pair<std::string, const char*> cases[] = {
       {"Zoë’s 🖥️ \u200Eעברית", "Zoë’s 🖥️ \u200Eעברית"},
       {"a\nb\tc", "a?b?c"},
@@ -26,10 +26,9 @@ TEST(Program, TextForATerminalCannotSteerIt) {
       {"\u0080\u009b31m\u009f\u00a0", "??31m?\u00a0"},
       {"\u2027\u2028\u202a\u202e\u202f", "\u2027???\u202f"},
       {"\u2065\u2066\u2069\u206a", "\u2065??\u206a"},
-      {"\x80 \xc2 \xc3\xc3\xa9 \xe2\x82", "? ? ?é ??"},           // incomplete characters
-      {"\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "?? ??? ????"},  // overlong forms
-      {"\xed\xa0\x80 \xf4\x90\x80\x80 \xf9\x90\x80\x80",
-       "??? ???? ????"},  // surrogates, and numbers that are too large
+      {"\x80 \xc2 \xc3\xc3\xa9 \xe2\x82", "? ? ?é ??"},                     // incomplete characters
+      {"\xc1\xbf \xe0\x9f\xbf \xf0\x8f\xbf\xbf", "?? ??? ????"},            // overlong forms
+      {"\xed\xa0\x80 \xf4\x90\x80\x80 \xf9\x90\x80\x80", "??? ???? ????"},  // surrogates, too large numbers
       {"\u0800\U00010000\ud7ff\ue000\U0010ffff", "\u0800\U00010000\ud7ff\ue000\U0010ffff"}};
   for (const auto& [text, safe] : cases) EXPECT_EQ(program::printable(text), safe);
   EXPECT_EQ(program::printableLines("a\tb\n\n\xffz\n"), "a?b\n\n?z\n");
@@ -42,7 +41,7 @@ TEST(Program, ErrorLinesAreWholeOrLoseTheirMiddle) {
             "<" + std::string(694, 'x') + " … " + std::string(299, 'x') + ">");
   std::string letters;
   while (letters.size() < 2000) letters += "é";
-  EXPECT_EQ(program::errorLine(letters + "."),  // no character is split
+  EXPECT_EQ(program::errorLine(letters + "."),  // each letter has two bytes, which stay together
             letters.substr(0, 694) + " … " + letters.substr(0, 298) + ".");
 }
 
@@ -65,7 +64,7 @@ TEST(Program, EndsWithTheCodeOfWhatHappened) {
 
 TEST(Program, FilesAreReplacedOrMadeWhereLinksLead) {
   const TemporaryStore temporary;
-  const auto at = [&](const char* name) { return temporary.folder() / name; };
+  const auto at = [&](const char* name) { return temporary.path / name; };
   fs::create_directory(at("inner"));
   fs::create_symlink("inner/second", at("first"));
   fs::create_symlink("../file", at("inner/second"));

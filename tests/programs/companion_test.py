@@ -1,5 +1,4 @@
-"""Runs the commands of docs/companion.md as they stand there. tests/companion and tests/examples run the others."""
-
+"""Runs the commands of docs/companion.md as they are, except those that tests/companion and tests/examples run."""
 import json
 import re
 import socket
@@ -86,7 +85,7 @@ class Companion(ProgramTest):
         with socket.socket() as client:
             self.wait_for(lambda: client.connect_ex(("127.0.0.1", port)) == 0)
         self.start_block(subscribe)
-        # The subscriber may need a while.
+        # Publishes again and again, because the subscriber may not be ready yet.
         self.wait_for(lambda: self.run_block(publish) or self.status() == ("unlocked", "Touch ID"))
         anybody = self.call("/usr/bin/mosquitto_pub", "-p", port, "-t", "mac/status", "-m", "{}",
                             environment={"XDG_CONFIG_HOME": "/nonexistent"})

@@ -31,7 +31,7 @@ bool succeeds(FileAccess access, const std::function<bool()>& attempt) {
   return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-TEST(Confinement, TakesAllThatDrawingDoesNotNeed) {
+TEST(Confinement, DeniesWhatDrawingDoesNotNeed) {
   const auto folder = std::filesystem::temp_directory_path() / ("confinement-" + std::to_string(getpid()));
   std::filesystem::create_directory(folder);
   const auto file = (folder / "file").string(), other = (folder / "other").string();
@@ -39,7 +39,7 @@ TEST(Confinement, TakesAllThatDrawingDoesNotNeed) {
   const auto opens = [&](const std::string& path, int flags) {
     return [=] { return open(path.c_str(), flags, 0600) >= 0; };
   };
-  enum Allowed { never, whereFilesAreWritten, always };
+  enum Allowed { never, whenWriting, always };
   const struct {
     const char* what;
     std::function<bool()> attempt;
@@ -48,13 +48,12 @@ TEST(Confinement, TakesAllThatDrawingDoesNotNeed) {
       {"read", opens(file, O_RDONLY), always},
       {"list", opens(folder, O_RDONLY | O_DIRECTORY), always},
       {"thread", [] { return std::thread{[] {}}.join(), true; }, always},
-      {"write", opens(file, O_WRONLY), whereFilesAreWritten},
-      {"read and write", opens(file, O_RDWR), whereFilesAreWritten},
-      {"empty", opens(file, O_RDONLY | O_TRUNC), whereFilesAreWritten},
-      {"create", opens(other, O_RDONLY | O_CREAT), whereFilesAreWritten},
-      {"rename", [&] { return renameat(AT_FDCWD, other.c_str(), AT_FDCWD, file.c_str()) == 0; },
-       whereFilesAreWritten},
-      {"folder", [&] { return mkdir(other.c_str(), 0700) == 0; }, whereFilesAreWritten},
+      {"write", opens(file, O_WRONLY), whenWriting},
+      {"read and write", opens(file, O_RDWR), whenWriting},
+      {"empty", opens(file, O_RDONLY | O_TRUNC), whenWriting},
+      {"create", opens(other, O_RDONLY | O_CREAT), whenWriting},
+      {"rename", [&] { return renameat(AT_FDCWD, other.c_str(), AT_FDCWD, file.c_str()) == 0; }, whenWriting},
+      {"folder", [&] { return mkdir(other.c_str(), 0700) == 0; }, whenWriting},
       {"mode", [&] { return chmod(file.c_str(), 0777) == 0; }, never},
       {"truncate", [&] { return truncate(file.c_str(), 0) == 0; }, never},
       {"symbolic link", [&] { return symlink("x", (other + "2").c_str()) == 0; }, never},

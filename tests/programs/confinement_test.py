@@ -1,5 +1,4 @@
-"""The commands of tarno-widget that run in confinement."""
-
+"""Tests the commands of tarno-widget that run in confinement."""
 import os
 import subprocess
 from pathlib import Path
@@ -16,7 +15,7 @@ class Confinement(ProgramTest):
             os.mkfifo(configuration)
             self.environment["FONTCONFIG_FILE"] = str(configuration)
             process = self.start("tarno-widget", *command.split(), pass_fds=[memory], stdout=subprocess.DEVNULL)
-            with configuration.open("w") as pipe:  # opens once the program reads it
+            with configuration.open("w") as pipe:  # waits until the program reads it
                 status = Path(f"/proc/{process.pid}/status").read_text()
                 configuration.unlink()
                 pipe.write("<fontconfig><dir>/usr/share/fonts</dir></fontconfig>")

@@ -1,5 +1,4 @@
-"""tarno-status save --follow: it saves the records that it reads."""
-
+"""Tests tarno-status save --follow."""
 import fcntl
 import json
 import os
@@ -15,7 +14,7 @@ FOLLOW = ("tarno-status", "save", "--follow")
 class Follow(ProgramTest):
     def follow(self, text, *arguments):
         """Returns the exit status and the lines on standard error, without the program's name."""
-        (self.folder / "reports").write_text(text, encoding="utf-8")  # in a file, so that all of it can be read at once
+        (self.folder / "reports").write_text(text, encoding="utf-8")  # unlike a pipe, a file can be read at once
         done = self.call("sh", "-c", 'exec "$@" < reports', "sh", *FOLLOW, "--at", MOMENT, *arguments)
         self.assertEqual(done.stdout, b"")
         self.assertRegex(done.stderr.decode(), r"\A(tarno-status: [^\n]+\n)*\Z")
@@ -63,7 +62,7 @@ class Follow(ProgramTest):
         follower.stdin.close()
         self.assertEqual(follower.wait(20), 65)
 
-    def test_saves_are_acknowledged_to_who_reads_them(self):
+    def test_saves_are_acknowledged_if_somebody_reads(self):
         text = '[]\n{"status": "locked"}\n'
         done = self.call(*FOLLOW, "--acknowledge", stdin=text)
         self.assertEqual((done.returncode, done.stdout), (65, b"line 2: saved\n"))

@@ -1,5 +1,4 @@
 """Compares --help with the man pages and with the completions of shells."""
-
 import re
 import subprocess
 from pathlib import Path

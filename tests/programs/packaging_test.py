@@ -1,5 +1,4 @@
 """Checks what is installed beside the programs with the desktop's own tools, and the autostart entry."""
-
 import os
 import shutil
 import subprocess

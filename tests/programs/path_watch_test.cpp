@@ -21,13 +21,13 @@ namespace fs = std::filesystem;
 TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
   const TemporaryStore store;
   const auto before = fs::current_path();
-  fs::current_path(store.folder());
+  fs::current_path(store.path);
   fs::create_directory("data");
   fs::create_symlink("data", "link");
   int changes = 0;
   program::PathWatch watch{[&] { ++changes; }};
-  EXPECT_TRUE(watch.follow(store.folder() / "link/group/store/file"));
-  EXPECT_FALSE(watch.follow(store.folder() / "link/group/store/file"));
+  EXPECT_TRUE(watch.follow(store.path / "link/group/store/file"));
+  EXPECT_FALSE(watch.follow(store.path / "link/group/store/file"));
 
   const std::pair<const char*, bool> steps[] = {
       {"mkdir data/other", false},
@@ -54,14 +54,14 @@ TEST(PathWatch, TellsAboutItsFileWhicheverFoldersComeAndGo) {
   const auto isToldAfter = [&](const char* command) {
     changes = 0;
     EXPECT_EQ(std::system(command), 0) << command;
-    // The event is queued before the call that causes it returns.
+    // The kernel has queued all events of the command by now.
     for (pollfd polled{watch.prepare().descriptors[0]}; poll(&polled, 1, 0) > 0;)
       watch.dispatch(polled.revents);
     return changes > 0;
   };
   for (const auto& [command, isTold] : steps) EXPECT_EQ(isToldAfter(command), isTold) << command;
 
-  std::size_t kept = 0;  // events that the kernel queues at most; each rename causes two
+  std::size_t kept = 0;  // the length of the kernel's queue of events; each rename causes two
   std::ifstream{"/proc/sys/fs/inotify/max_queued_events"} >> kept;
   const fs::path folder = "elsewhere/group/store", names[] = {folder / "one", folder / "other"};
   std::ofstream{names[0]} << "";
@@ -78,7 +78,7 @@ TEST(PathWatch, LooksEveryFiveSecondsWhereTheSystemCannotWatchAndSaysSoOnce) {
     program::PathWatch watch{[&] { ++changes; }};
     testing::internal::CaptureStderr();
     system_calls::intercept(call, [fault = error] { return fault; });
-    watch.follow(store.folder() / "file");
+    watch.follow(store.path / "file");
     EXPECT_TRUE(system_calls::wasReached()) << call;
     const auto left = watch.prepare().until - program::EventSource::Clock::now();
     EXPECT_TRUE(std::chrono::seconds{4} < left && left <= std::chrono::seconds{5}) << call;
@@ -86,7 +86,7 @@ TEST(PathWatch, LooksEveryFiveSecondsWhereTheSystemCannotWatchAndSaysSoOnce) {
     EXPECT_EQ(changes, 0) << call;
     program::PathWatch other{[] {}};
     system_calls::intercept(call, [fault = error] { return fault; });
-    other.follow(store.folder() / "file");
+    other.follow(store.path / "file");
     const auto said = testing::internal::GetCapturedStderr();
     EXPECT_NE(said.find("cannot watch"), said.npos) << call;
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;

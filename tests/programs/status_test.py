@@ -1,5 +1,4 @@
-"""The commands of tarno-status, apart from watch and save --follow."""
-
+"""Tests the commands of tarno-status, except watch and save --follow."""
 import fcntl
 import json
 import os
@@ -21,6 +20,9 @@ class Status(ProgramTest):
         people = self.run_program("tarno-status", "show", "--at", MOMENT).stdout.decode()
         for words in ("Locked\nMac locked.\n", "0 s", "face seen, no watch", "Kivo's Mac"):
             self.assertIn(words, people)
+        self.write(record=("data", '{"status": "locked", "reason": "a\\u001bb"}'))
+        self.assertIn(b"\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout)
+        self.assertIsNone(self.shown()["received_at"])
 
     def test_a_bad_record_names_the_key_and_saves_nothing(self):
         self.save()
@@ -36,7 +38,7 @@ class Status(ProgramTest):
         self.run_program("tarno-status", "save", "no-such-file", code=66)
         self.assertEqual(self.shown(), before)
 
-    def test_keys_that_no_record_has_are_named_and_left_out(self):
+    def test_unknown_keys_are_named_and_left_out(self):
         done = self.run_program("tarno-status", "save", "--at", MOMENT, "--mirror-key", "mirror",
                                 stdin='{"status": "locked", "stauts": 1, "x\\u001b": {}, "reason": null, "y": null}')
         self.assertEqual(done.stderr, b'tarno-status: the report was saved without its unknown keys: "stauts", "x?"\n')
@@ -63,7 +65,7 @@ class Status(ProgramTest):
         self.assertEqual(checked(), 69)
 
     def doctor(self, code=69):
-        """Returns the lines of doctor by their labels. The conclusion is under ""."""
+        """Returns the lines that doctor prints, {label: text}. The label of its last line is ""."""
         done = self.call("tarno-status", "doctor", "--at", MOMENT)
         self.assertEqual((done.returncode, done.stderr), (code, b""), done.stdout)
         lines = done.stdout.decode().splitlines()
@@ -94,7 +96,7 @@ class Status(ProgramTest):
         self.save()
         at, record, broken = ("date", MOMENT), ("data", '{"status": "locked"}'), ("data", '{"stale": 3}')
         kind = "the record does not decode: stale: expected true or false, found a number"
-        for code, verdict, values in (  # the library's tests have a row for each fault of a record
+        for code, verdict, values in (  # tests/shared/persistence_test.cpp has a row for each fault of a record
                 (0, 'All is well. The report is fresh: the tile says "Locked".', {"at": at, "record": record}),
                 (69, 'The last report is stale, so the tile says "Status stale" until the companion application '
                  "saves a new one.", {"at": ("date", "2026-11-16T15:39:04Z"), "record": record}),
@@ -112,19 +114,14 @@ class Status(ProgramTest):
                  "of its type; the next save sets it aside.", {"at": at, "record": ("data", 5)})):
             with self.subTest(values):
                 self.write(**values)
-                self.assertEqual(self.doctor(code)[""], verdict)
+                report = self.doctor(code)
+                self.assertEqual(report[""], verdict)
+                age = "received in the future" if "future" in verdict else "unknown: no receipt date is stored"
+                self.assertEqual(report["report's age"] == age, "receipt date" in verdict)
                 shown = self.call("tarno-status", "show", "--at", MOMENT)
                 self.assertEqual(shown.returncode, 69 if "No status" in verdict else 0)
                 if shown.stdout:
                     self.assertIn('the tile says "' + shown.stdout.decode().split("\n")[0], verdict)
-
-    def test_show_and_doctor_say_what_is_odd_about_a_report(self):
-        self.save(at="2026-11-16T15:41:36Z")
-        self.assertEqual(self.doctor()["report's age"], "received in the future")
-        self.write(record=("data", '{"status": "locked", "reason": "a\\u001bb"}'))
-        self.assertEqual(self.doctor()["report's age"], "unknown: no receipt date is stored")
-        self.assertIsNone(self.shown()["received_at"])
-        self.assertIn(b"\na?b\n", self.run_program("tarno-status", "show", "--at", MOMENT).stdout)
 
     def test_doctor_says_where_another_store_is(self):
         self.save()
@@ -150,7 +147,7 @@ class Status(ProgramTest):
             self.assertIn(b"is a symbolic link", done.stderr)
             self.assertIn("is a symbolic link", self.doctor()[kind])
 
-    def test_other_savers_and_a_file_size_limit_stop_a_save_that_doctor_foretells(self):
+    def test_doctor_predicts_that_a_lock_or_a_file_size_limit_stops_a_save(self):
         self.save()
         lock = os.open(self.group, os.O_RDONLY)
         fcntl.flock(lock, fcntl.LOCK_EX)

@@ -26,7 +26,7 @@ void write(const fs::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-/// Returns the largest difference in a channel. Channels are multiplied by alpha, because the colour of an
+/// Returns the largest difference of a channel. Multiplies channels by alpha, because the colour of an
 /// invisible pixel does not count.
 int difference(const Pixels::Pixel& a, const Pixels::Pixel& b) {
   int largest = std::abs(a[3] - b[3]);
@@ -34,11 +34,10 @@ int difference(const Pixels::Pixel& a, const Pixels::Pixel& b) {
   return largest;
 }
 
-/// Compares `png` with the reference image tests/references/NAME.png. With TARNO_RENEW_REFERENCES=1 in the
-/// environment, it replaces the reference image instead. Other builds of the drawing libraries round
-/// differently. So each pixel may differ as much as an edge that moves by a twentieth of a pixel, and one
-/// pixel in 10,000 by more. An image that differs is written to the folder "reference-failures" in the
-/// working directory.
+/// Compares `png` with the reference picture tests/references/NAME.png, or replaces that if the environment
+/// has TARNO_RENEW_REFERENCES=1. Other builds of the drawing libraries round differently, so pixels may
+/// differ by 12, which an edge that moves by a twentieth of a pixel does; one in 10,000 may differ by more. A
+/// picture that differs is written to the folder "reference-failures" in the working directory.
 void expectReference(const std::string& png, const std::string& name) {
   const fs::path reference = fs::path{TARNO_REFERENCES} / (name + ".png");
   if (const char* renew = std::getenv("TARNO_RENEW_REFERENCES"); renew && *renew == '1')

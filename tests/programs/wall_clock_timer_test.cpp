@@ -9,7 +9,7 @@
 
 #include "support/system_calls.hpp"
 
-// A test cannot set the clock of the machine. The kernel reports that it was set by an error of these calls.
+// A test cannot set the clock of the machine. These calls return the error by which the kernel reports it.
 WRAP(int, timerfd_settime, (int timer, int flags, const itimerspec* expiry, itimerspec* old),
      (timer, flags, expiry, old))
 WRAP(ssize_t, read, (int file, void* bytes, size_t count), (file, bytes, count))
@@ -31,7 +31,7 @@ struct WallClockTimer : testing::Test {
     return wakes == 1;
   }
 
-  /// Returns whether the kernel reports to the timer that the clock was set.
+  /// Returns whether the kernel will tell the timer when the clock is set.
   bool isTold() {
     std::ifstream info{"/proc/self/fdinfo/" + std::to_string(timer.prepare().descriptors[0].fd)};
     const std::string text{std::istreambuf_iterator<char>{info}, {}};
@@ -65,7 +65,7 @@ TEST_F(WallClockTimer, WakesWhenTheClockIsSet) {
   system_calls::intercept(0, isSet);
   timer.dispatch(POLLIN);
   EXPECT_EQ(wakes, 1);
-  system_calls::intercept(0, isSet);  // before the timer was read
+  system_calls::intercept(0, isSet);  // the clock is set before the timer is read
   timer.sleepUntil(tarno::latestDate);
   EXPECT_TRUE(wakesIn(5s));
 }

@@ -1,5 +1,4 @@
-"""tarno-status watch: the lines that it prints for bars and scripts."""
-
+"""Tests the lines that tarno-status watch prints for bars and scripts."""
 import datetime
 import json
 import os
@@ -37,7 +36,7 @@ class Watch(ProgramTest):
         self.assertEqual(line(), "unknown |Waiting for Tarno status.\n")
         self.save(at=ago(0))
         self.assertRegex(line(), r"\Alocked \ds\|Mac locked.\n\Z")
-        (self.group / "another").touch()  # this is no change
+        (self.group / "another").touch()  # must cause no line
         self.save({"status": "unlocked"}, at=ago(145))
         self.assertEqual(line(), "unlocked 2m|Waiting for Tarno status.\n")
         self.assertEqual(line(), "unknown 2m|Mac status is 2m old. Refresh Tarno before trusting it.\n")
@@ -101,7 +100,7 @@ class Watch(ProgramTest):
         self.wait_for(sleeps)
         before = switches()
         self.assertTrue(sleeps())
-        self.replace((self.group / "defaults.json").read_text())  # only the age may differ
+        self.replace((self.group / "defaults.json").read_text())  # the same report: no new line
         self.wait_for(lambda: switches() != before)
         self.save({"status": "unlocked"}, at=ago(0))
         self.assertEqual(watch.stdout.readline(), "unlocked\n")
@@ -121,7 +120,7 @@ class Watch(ProgramTest):
         self.assertEqual(self.first("--json"), "null\n")
         self.save({**RECORD, "reason": "<Mac> & \u001b"}, at=ago(0))
         said, shown = self.first("--json"), self.run_program("tarno-status", "show", "--json").stdout.decode()
-        ages = re.compile(r'"age_seconds": ?\d')  # the two may differ
+        ages = re.compile(r'"age_seconds": ?\d')  # differs if a second passes in between
         self.assertEqual(json.loads(ages.sub('"age_seconds":0', said)), json.loads(ages.sub('"age_seconds":0', shown)))
 
     def test_waybar_gets_its_own_json(self):
@@ -139,7 +138,7 @@ class Watch(ProgramTest):
                 self.save({**RECORD, "reason": "<Mac> & \u001b", **changes}, at=ago(61))
                 self.assertEqual(json.loads(self.first("--format", "waybar")), {**common, **differences})
 
-    def test_formats_of_ones_own(self):
+    def test_custom_formats(self):
         self.save({**RECORD, "reason": "<Mac> & \u001b"}, at=(at := ago(0)))
         self.assertEqual(self.first(), "Locked: <Mac> & ?\n")
         self.assertRegex(self.first("--format", "{{{status_line}}}, {device} {presence} {received_at}"),

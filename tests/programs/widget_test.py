@@ -1,5 +1,4 @@
-"""The commands of tarno-widget."""
-
+"""Tests the commands of tarno-widget."""
 import fcntl
 import json
 import os
@@ -105,7 +104,7 @@ class Widget(ProgramTest):
             self.assertEqual(inspected["entry"]["status"]["device_name"], "Kivo's Mac")
             self.assertEqual(inspected["accessibility"][0]["label"], "Kivo's Mac locked")
 
-    def test_inspection_for_people_cannot_steer_a_terminal(self):
+    def test_inspection_for_people_cannot_control_a_terminal(self):
         name = "a\x1b[2J\x7f\x9b\u202eb\n"
         self.save({"device_name": name})
         shown = self.widget("inspect", "--at", MOMENT).decode()
@@ -134,7 +133,7 @@ class Widget(ProgramTest):
         shutil.copy(BIN / "tarno-widget", copy)
         text = 'msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\nmsgid "Tarno"\nmsgstr "für Sie"\n'
         subprocess.run(["msgfmt", "-o", catalogues / "tarno.mo", "-"], input=text.encode(), check=True)
-        # The system may have no such locale, and newer C libraries translate nothing in C.UTF-8.
+        # The system may have no German locale, and newer C libraries translate nothing in C.UTF-8.
         subprocess.run(["localedef", "--no-archive", "-i", "de_DE", "-f", "UTF-8", self.folder / "de_DE.UTF-8"], check=True)
         self.environment |= {"LOCPATH": str(self.folder)}
         german, messages = {"LC_ALL": "de_DE.UTF-8"}, {"LC_ALL": "", "LC_CTYPE": "C", "LC_MESSAGES": "de_DE.UTF-8"}
@@ -148,7 +147,7 @@ class Widget(ProgramTest):
         rejecting, bare, other, fonts = (self.folder / name for name in ("fonts.conf", "bare", "other", "fonts"))
         rejecting.write_text("<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>"
                              "<glob>/*quicksand*</glob></rejectfont></selectfont></fontconfig>")
-        # Fontconfig 2.14 lists the fonts below its root, but reads the files with these names outside of it.
+        # With a FONTCONFIG_SYSROOT, fontconfig 2.14 lists the fonts inside it, but reads their files from outside.
         for root in (bare, other):
             (root / "etc/fonts").mkdir(parents=True)
             (root / "etc/fonts/fonts.conf").write_text(f"<fontconfig><dir>{fonts}</dir><cachedir>/c</cachedir></fontconfig>")
@@ -157,8 +156,8 @@ class Widget(ProgramTest):
             shutil.copy(next(Path("/usr/share/fonts").rglob("Quicksand-Bold.*")), folder)
         for variable, value, code, printed in (
                 ("FONTCONFIG_FILE", rejecting, 69, r"\AQuicksand is missing[^\n]*fonts-quicksand\n\Z"),
-                ("FONTCONFIG_SYSROOT", bare, 69, r"\AQuicksand is missing"),  # it is nowhere
-                ("FONTCONFIG_SYSROOT", other, 0, r"\AQuicksand\n\Z"),  # it is not in Debian's folder
+                ("FONTCONFIG_SYSROOT", bare, 69, r"\AQuicksand is missing"),  # there is no Quicksand
+                ("FONTCONFIG_SYSROOT", other, 0, r"\AQuicksand\n\Z"),  # Quicksand is not in Debian's folder
                 ("LC_ALL", "C", 0, r"\AQuicksand\n\Z")):
             done = self.call("tarno-widget", "fonts", environment={variable: str(value)})
             self.assertEqual((done.returncode, done.stderr), (code, b""), value)
@@ -169,7 +168,7 @@ class Widget(ProgramTest):
         (self.folder / "fontconfig/fonts.conf").write_text("<fontconfig><match><edit name='embolden'><bool>true</bool></edit>"
                                                            "</match></fontconfig>")
         self.assertNotEqual(self.widget(*draw, XDG_CONFIG_HOME=str(self.folder)), self.widget(*draw))
-        for language, letter in ("ja", "の"), ("ko", "맥"):  # the last letter is cut off, but decides the language of the whole text
+        for language, letter in ("ja", "の"), ("ko", "맥"):  # the last letter is cut off, but decides the language of the text
             self.save({"device_name": "書斎" * 30 + letter})
             bold = self.folder / language
             bold.write_text(f"<fontconfig><include>/etc/fonts/fonts.conf</include><match><test name='lang'><string>{language}</string>"
@@ -182,7 +181,7 @@ class Widget(ProgramTest):
             lines.add(texts[-1])
         self.assertEqual(len(lines), 1, "the dial's text moves when the status changes")
         self.save({"stale": True})
-        for family in ("small", "medium", "large"):  # with any other font
+        for family in ("small", "medium", "large"):  # a font that replaces Quicksand must cut no text
             scene = self.widget("inspect", "--json", "--family", family, FONTCONFIG_FILE=str(rejecting))
             self.assertIn(b"Status stale", scene)
             self.assertNotIn(b"truncated", scene)

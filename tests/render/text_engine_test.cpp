@@ -49,7 +49,7 @@ struct Ink {
   int left, top, right, bottom;  ///< in pixels, the last two exclusive
 };
 
-/// Returns where `run` leaves marks on the tile.
+/// Returns the smallest rectangle around what `run` draws on the tile.
 Ink ink(const ui::TextRun& run, double scale = 1) {
   const auto pixels = Pixels::decode(png(run, scale));
   Ink found{pixels.width, pixels.height, 0, 0};
@@ -60,7 +60,7 @@ Ink ink(const ui::TextRun& run, double scale = 1) {
   return found;
 }
 
-TEST(TextEngine, fitsWhatItWasGivenAndStaysAsItIsAtTheWidthThatItReturned) {
+TEST(TextEngine, fitsTheGivenWidthAndNeedsNoMoreThanTheReturnedOne) {
   const std::string samples[] = {
       "",
       std::string(100'000, 'x'),
@@ -109,7 +109,7 @@ TEST(TextEngine, everyTextHasItsFontAndDigitsNeverFallBack) {
   EXPECT_NEAR(width("Kivo's Mac", caption.scaled(10)), width("Kivo's Mac") * 10, 0.1);
   for (const std::string before : {"書", "🔒", "דה"})
     EXPECT_NEAR(width(before + " Mac 12") - width(before), width(" Mac 12"), 0.01) << before;
-  // Quicksand has a pi, but no other Greek letter, and no letter for a click.
+  // Quicksand has a pi but no other Greek letter, and not the letter U+01C2.
   for (const std::string text : {"π", "απδ", "\u01C2"})
     EXPECT_NEAR(width(text), 0.97 * width(text, plain), 0.01) << text;
 }
@@ -132,7 +132,7 @@ TEST(TextEngine, stackedMarksStayNearTheirLine) {
   EXPECT_NEAR(ink(run).bottom, run.box.bottom() + quarter, 1.5);
 }
 
-TEST(TextEngine, picturesStandInVectorFilesWhereTheyStandOnPixels) {
+TEST(TextEngine, imagesAreAtTheSamePlaceInVectorFiles) {
   auto run = place("| 🚀");
   const Ink onPixels = ink(run);
   run.color = ui::black.opacity(0.5);

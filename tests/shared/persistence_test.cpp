@@ -103,7 +103,7 @@ TEST(MacDefaults, WhatIsSavedIsLoadedAndWhatCannotBeStoredIsRefused) {
 
 TEST(MacDefaults, FallsBackAndSaysSoOnce) {
   const TemporaryStore temporary;
-  std::filesystem::create_symlink("/", temporary.folder() / std::string{appGroupIdentifier});
+  std::filesystem::create_symlink("/", temporary.path / std::string{appGroupIdentifier});
   testing::internal::CaptureStdout();
   for (std::vector<std::jthread> threads(8); auto& thread : threads)
     thread = std::jthread{[] { EXPECT_EQ(store(), tarno::UserDefaults::standard()); }};

@@ -124,7 +124,7 @@ TEST(Snapshot, DisplayLines) {
   }
 }
 
-TEST(Freshness, OldMakesStaleButNothingMakesFresh) {
+TEST(Freshness, AgeMakesAReportStaleAndNothingMakesItFresh) {
   const auto locked = TarnoMacStatus::locked;
   const std::tuple<const char*, Snapshot, std::optional<Date>, Snapshot> rows[] = {
       {"received no one knows when", {.ageSeconds = 999}, {}, {.ageSeconds = 999}},

@@ -1,5 +1,4 @@
-"""The base of the tests on desktops. Each test has its own rig."""
-
+"""The base class of the tests on desktops. Each test has its own rig, see script/headless.py."""
 import os
 
 from headless import Rig, wait_for
@@ -15,7 +14,7 @@ class DesktopTest(TidyTest):
         self.assertEqual(tile.lines, [f"tarno-desktop: {line}\n" for line in lines])
 
     def drag(self, screen, start, *places):
-        """Drags from `start`. Moves the pointer once its image shows that the window manager has begun to move the window."""
+        """Drags from `start` over `places`. Waits until another pointer shows that the window manager moves the window."""
         screen.display.xfixes_query_version()
         pointer = lambda: screen.display.xfixes_get_cursor_image(screen.root).cursor_serial
         screen.point(*start)

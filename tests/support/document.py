@@ -1,23 +1,14 @@
 """Reads the code blocks of docs/companion.md."""
-
 import re
 from pathlib import Path
 
 PAGE = Path(__file__).resolve().parents[2] / "docs/companion.md"
 
 
-def blocks(language):
-    """Returns (heading, code) of each block in a language, from top to bottom."""
-    found = []
-    for section in re.split(r"^##+ ", PAGE.read_text(encoding="utf-8"), flags=re.M)[1:]:
-        heading = section.split("\n", 1)[0]
-        found += [(heading, code) for code in re.findall(rf"^```{language}\n(.*?)^```$", section, re.M | re.S)]
-    return found
-
-
 def under(heading, language="sh"):
-    """Returns the code of each block under a heading."""
-    return [code for found, code in blocks(language) if found == heading]
+    """Returns the code of each block in a language under a heading, from top to bottom."""
+    section = re.search(rf"(?ms)^##+ {re.escape(heading)}$(.*?)(?=^##+ |\Z)", PAGE.read_text(encoding="utf-8"))[1]
+    return re.findall(rf"(?ms)^```{language}\n(.*?)^```$", section)
 
 
 def block(language, heading):

@@ -1,5 +1,4 @@
-"""The base of the tests that run programs. Each test has its own store."""
-
+"""The base class of the tests that run programs. Each test has its own store."""
 import contextlib
 import json
 import os
@@ -29,7 +28,7 @@ class ProgramTest(TidyTest):
                             "PATH": f"{BIN}:{os.environ['PATH']}:/usr/sbin", "TMPDIR": str(self.folder)}
 
     def call(self, *command, stdin="", environment=None, **options):
-        """Runs a command to its end, and does not check its exit status. The options are those of subprocess.run()."""
+        """Runs a command to its end, without checking its exit status. The options are those of subprocess.run()."""
         return subprocess.run([str(word) for word in command], input=stdin.encode(), timeout=120, cwd=self.folder,
                               env={**self.environment, **(environment or {})},
                               **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
@@ -43,7 +42,7 @@ class ProgramTest(TidyTest):
         return done
 
     def start(self, *command, **options):
-        """Starts a process that is killed with its children when the test ends. The options are those of subprocess.Popen()."""
+        """Starts a process, which is killed with its children when the test ends. The options are those of subprocess.Popen()."""
         process = self.enterContext(subprocess.Popen(command, env=self.environment, cwd=self.folder,
                                                      start_new_session=True, **options))
 
@@ -55,7 +54,7 @@ class ProgramTest(TidyTest):
         return process
 
     def stand_ins(self, folder, texts):
-        """Makes a folder with shell scripts, {name: lines}."""
+        """Creates a folder with shell scripts, {name: lines}, and returns its path."""
         path = self.folder / folder
         path.mkdir(parents=True)
         for name, text in texts.items():

@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
-/// Intercepts the system calls of a test program that is linked with --wrap for a call and has WRAP() for it.
-/// Include it in one source file.
+/// Intercepts system calls of a test program. For each call, the program has a WRAP() and is linked with
+/// --wrap. Include this in one source file only.
 namespace system_calls {
 
 inline std::string made;  ///< the names of the calls so far, each followed by a space
@@ -20,7 +20,7 @@ inline void intercept(int number, std::function<int()> event) {
   pending = std::move(event);
 }
 
-/// Returns whether that call was reached, and stops intercepting.
+/// Returns whether the call of intercept() was reached, and stops intercepting.
 inline bool wasReached() { return std::exchange(pending, nullptr) == nullptr; }
 
 inline bool fails(const char* name) {

@@ -33,6 +33,4 @@ struct TemporaryFolder {
 struct TemporaryStore : TemporaryFolder {
   TemporaryStore() { setenv("XDG_DATA_HOME", path.c_str(), 1); }
   ~TemporaryStore() { unsetenv("XDG_DATA_HOME"); }
-
-  const std::filesystem::path& folder() const { return path; }
 };

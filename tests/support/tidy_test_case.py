@@ -1,5 +1,4 @@
-"""The base of all tests in Python. It cleans up even if a signal ends the test."""
-
+"""The base class of all tests in Python. Tests clean up even if a signal ends them."""
 import signal
 import sys
 import unittest

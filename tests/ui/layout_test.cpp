@@ -38,7 +38,7 @@ std::string written(const Rect& rect) {
   return text.str();
 }
 
-/// Returns the rectangles of the drawn items in order, each with its anchor if it has one.
+/// Returns the rectangles of the fills and texts in order, each with its anchor if it has one.
 std::string drawn(const Scene& scene) {
   std::string result;
   for (const SceneItem& item : scene.items) {

@@ -1,4 +1,4 @@
-"""What a screen reader finds on the tile and hears of it."""
+"""Tests what a screen reader finds on the tile and is told about it."""
 import gettext
 import json
 import os
@@ -23,7 +23,7 @@ open(folder + "/asked", "a").write("x")
 
 
 def frame(status, *texts):
-    """The line that describes a frame with a dial and, below each other, texts."""
+    """Returns the answer of a frame process: a dial and, beside it, texts in a column."""
     elements = [{"role": "image", "label": status, "x": 16, "y": 23, "width": 124, "height": 124.5}]
     elements += [{"role": "staticText", "label": text, "x": 154.5, "y": 40 + 20 * line, "width": 63, "height": 13}
                  for line, text in enumerate(texts)]
@@ -38,12 +38,12 @@ def call(bus, name, path, member, *arguments):
 
 
 def ask(bus, method, *name):
-    """Asks D-Bus itself."""
+    """Calls a method of the bus itself."""
     return call(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus." + method, *(("(s)", name) if name else ()))[0]
 
 
 def listen(session):
-    """Turns accessibility on; returns a connection to its bus."""
+    """Turns accessibility on, as a screen reader does. Returns a connection to its bus."""
     on = GLib.Variant("b", True)
     call(session, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Set",
          "(ssv)", ("org.a11y.Status", "IsEnabled", on))
@@ -66,7 +66,7 @@ class Accessibility(DesktopTest):
         names = lambda: ask(session, "ListNames")
         tile = wait_for(lambda: [name for name in names() if name.startswith(":") and name != session.get_unique_name()],
                         "the tile on the session bus")[0]
-        ping = lambda: call(session, tile, "/", "org.freedesktop.DBus.Peer.Ping")  # answered after all that came before
+        ping = lambda: call(session, tile, "/", "org.freedesktop.DBus.Peer.Ping")  # waits until the tile has read all messages
         with self.subTest("a tile alone starts no service"):
             ping()
             started = f"/proc/{bus_of_session.pid}/task/{bus_of_session.pid}/children"
@@ -87,7 +87,7 @@ class Accessibility(DesktopTest):
         self.check_tree(pyatspi, application)
         self.check_events(pyatspi, application[0])
 
-        # Its bus goes away, and another comes.
+        # The accessibility bus disappears, and a new one appears.
         os.kill(ask(session, "GetConnectionUnixProcessID", "org.a11y.Bus"), 15)
         wait_for(lambda: "org.a11y.Bus" not in names(), "the end of the bus")
         bus = listen(session)
@@ -99,7 +99,7 @@ class Accessibility(DesktopTest):
                                 ("object:announcement", [], ""))
         hears = lambda *texts: wait_for(lambda: (GLib.MainContext.default().iteration(False), said == [*texts])[1], (texts, said))
         register()
-        self.send(frame("Mac status stale"))  # as before: the tile may come back before this frame
+        self.send(frame("Mac status stale"))  # the same text as before, because the tile may join before this frame
         name, path = wait_for(lambda: call(bus, *root)[0], "the tile in the new tree")[0]
         for index, child in (0, "image3"), (1, None), (-1, None):
             expected = path.replace("root", child) if child else "/org/a11y/atspi/null"
@@ -108,7 +108,7 @@ class Accessibility(DesktopTest):
         hears("Mac status stale")
         os.kill(ask(bus, "GetConnectionUnixProcessID", root[0]), 15)
         wait_for(lambda: not ask(bus, "NameHasOwner", root[0]), "the end of the registry")
-        register()  # which starts the next one
+        register()  # starts the next registry
         self.send(frame("Mac unlocked"))
         hears("Mac status stale", "Mac unlocked")
         self.assertEqual(len(call(bus, *root)[0]), 1)
@@ -128,7 +128,7 @@ class Accessibility(DesktopTest):
         extents = lambda: tuple(window.queryComponent().getExtents(0))
         wait_for(lambda: extents() == (30, 30, 546, 255), "the extents at another scale")
         german = gettext.translation("at-spi2-core", languages=["de"], fallback=True)  # some systems install no translations
-        for element, (*expected, places) in zip((window, *window), [  # the places from the screen, the window and the parent
+        for element, (*expected, places) in zip((window, *window), [  # the extents on the screen, in the window, in the parent
                 ("frame", "Tarno", 0, 7, [(30, 30, 546, 255), (0, 0, 546, 255), (30, 30, 546, 255)]),
                 ("image", "Mac locked", 0, 3, [(54, 65, 186, 186), (24, 35, 186, 186), (24, 35, 186, 186)]),
                 ("label", "Kivo's Mac", 1, 3, [(262, 90, 94, 20), (232, 60, 94, 20), (232, 60, 94, 20)]),
@@ -165,7 +165,7 @@ class Accessibility(DesktopTest):
                     "object:" + kind)
 
         def hears(line, *events):
-            """And nothing else: what should not be heard is there at the latest when the next frame's events are."""
+            """Sends a frame and expects `events`. An event that should not be heard fails this call or the next one."""
             expected.extend(events)
             if line:
                 self.send(line)
@@ -177,10 +177,10 @@ class Accessibility(DesktopTest):
         hears(frame("Mac locked", "Kivo's Mac", "4s ago"), (renamed, "label", 0, "4s ago"))
         hears(frame("Mac unlocked", "Kivo's Mac", "4s ago"), (renamed, "image", 0, "Mac unlocked"))
         listen_for("state-changed:showing")
-        hears(None, ("state-changed:showing", "notification", 1, "Mac unlocked"))  # once for a reader that comes
+        hears(None, ("state-changed:showing", "notification", 1, "Mac unlocked"))  # for a reader that has just started
         hears(frame("Mac locked", "Kivo's Mac", "4s ago"), (renamed, "image", 0, "Mac locked"),
               ("state-changed:showing", "notification", 1, "Mac locked"))
-        listen_for("announcement")  # which says nothing twice
+        listen_for("announcement")  # repeats nothing that the reader has heard already
         hears(frame("Mac status stale", "Kivo's Mac"), ("children-changed:remove", "frame", 2, "Tarno"),
               (renamed, "image", 0, "Mac status stale"), ("announcement", "frame", 1, "Mac status stale"))
         hears(frame("Mac status stale", "Kivo's Mac", "now"), ("children-changed:add", "frame", 2, "now"),

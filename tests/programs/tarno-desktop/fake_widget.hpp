@@ -5,9 +5,9 @@
 #include "support/temporary_store.hpp"
 #include "tarno/common/event_loop.hpp"
 
-/// Writes a program that takes the place of tarno-widget into `folder`. It appends its arguments to the file
-/// `log`, then runs `behaviour`, a few lines of Python. There, draw(key=value, …) answers with a small
-/// picture.
+/// Writes a program into `folder` that replaces tarno-widget. It appends its arguments to the file `log`,
+/// then runs `behaviour`, which is Python. In it, draw(key=value, …) draws a small picture and prints an
+/// answer.
 inline void writeFakeWidget(const TemporaryFolder& folder, const std::string& behaviour) {
   constexpr auto preamble = R"(#!/usr/bin/python3
 import fcntl, json, os, sys, time

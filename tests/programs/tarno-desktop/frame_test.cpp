@@ -22,7 +22,7 @@ Answer answerOf(const std::string& behaviour, desktop::FrameRequest request = {}
   return {process.finish(), folder.read("log")};
 }
 
-TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
+TEST(FrameProcess, ReadsThePictureAndItsDescription) {
   const auto answer = answerOf(
       "os.pwrite(fd, bytes(range(64)), 0); draw(stale_from='2026-11-16T15:44:02.25Z',"
       "reload_after='2026-11-16T15:42:05Z', unknown=['x' * 200000])\n"
@@ -46,7 +46,7 @@ TEST(FrameProcess, ReadsThePictureAndWhatIsSaidBesideIt) {
   EXPECT_NE(hash("draw()"), hash("os.pwrite(fd, b'1', 63); draw()"));
 }
 
-TEST(FrameProcess, MissesAPictureWhateverTheProcessDoes) {
+TEST(FrameProcess, ReturnsNoPictureForAnyFault) {
   const std::pair<const char*, std::vector<const char*>> cases[] = {
       {"Segmentation fault", {"os.kill(os.getpid(), 11)"}},
       {"Aborted", {"draw(); os.kill(os.getpid(), 6)"}},
@@ -99,12 +99,12 @@ TEST(FrameProcess, RunsTheProgramInPathWhereItsOwnIsMissing) {
             "cannot be run: No such file or directory");
 }
 
-TEST(FrameProcess, HandsOnTheEnvironmentAndNoSignalsOrDescriptors) {
+TEST(FrameProcess, PassesOnTheEnvironmentButNoSignalMaskAndNoDescriptor) {
   setenv("TARNO_FRAME_TEST", "reaches it", 1);
   sigset_t all;
   sigfillset(&all);
   sigprocmask(SIG_BLOCK, &all, nullptr);
-  close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);  // descriptors that the caller of the test left open
+  close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);  // the caller of the test may have left descriptors open
   const auto answer = answerOf(
       "import signal\n"
       "files = [f'/proc/self/fd/{number}' for number in range(3, 1000)]\n"

@@ -5,7 +5,7 @@
 namespace desktop::wayland {
 namespace {
 
-TEST(ScaleTest, IsToldByAnOutputsModeAndItsSizeInPoints) {
+TEST(ScaleTest, FollowsFromAnOutputsSizesInPixelsAndPoints) {
   // Compositors round fractions of a point down, up, or to the nearest.
   const std::tuple<int, int, int, int, double> rows[] = {
       {1280, 720, 1280, 720, 1},         {1280, 800, 1024, 640, 1.25},         {1280, 800, 853, 533, 1.5},
@@ -22,7 +22,7 @@ TEST(ScaleTest, MakesSurfacesOfWholePixels) {
       {1, 364, 364},       {2, 728, 364},       {1.5, 546, 364},     {1.25, 213, 172},
       {1.75, 298, 172},    {4.0 / 3, 486, 366}, {4.0 / 3, 227, 171}, {1.2500004, 213, 172},
       {2.0 / 3, 364, 546}, {2, 473, 237},       {4, 1, 1},           {1.4999999, 546, 364},
-      {1.0001, 171, 171}};  // no whole number of points is near
+      {1.0001, 171, 171}};  // no whole number of points nearby ends between two pixels
   for (const auto& [scale, pixels, points] : rows)
     EXPECT_EQ(surfaceSide(pixels, scale), points) << pixels << " at " << scale;
 }

@@ -1,4 +1,4 @@
-"""The tile on Wayland: in the layers of sway, as a plain window, and while monitors and compositors come and go."""
+"""Tests the tile on Wayland: in the layers of sway, as a plain window, and while monitors and compositors come and go."""
 import math
 import os
 import signal
@@ -18,7 +18,7 @@ MODE = "output {} mode 1280x800 position {} 0"
 
 
 def turned(image):
-    """By 90°, clockwise."""
+    """Returns an image rotated clockwise by 90°."""
     result = cairo.ImageSurface(cairo.FORMAT_ARGB32, image.get_height(), image.get_width())
     context = cairo.Context(result)
     context.translate(image.get_height(), 0)
@@ -31,7 +31,7 @@ def turned(image):
 
 class Wayland(DesktopTest):
     def one_output(self):
-        """The screen and the process of sway."""
+        """Starts sway with one output. Returns the screen and the process of sway."""
         return self.rig.canvas(1280, 800), self.rig.sway(MODE.format("X11-1", 0))
 
     def output(self, words):
@@ -45,7 +45,7 @@ class Wayland(DesktopTest):
 
     def test_places(self):
         screen, _ = self.one_output()
-        rows = [  # scale, options, options of the picture, place: both edges of a surface are put on the next pixel
+        rows = [  # scale, options, options of the picture, position, which is rounded to whole pixels
             (1, ("--anchor", "left", "--margin", "3"), (), 3, 315),
             (1, ("--anchor", "bottom", "--family", "large"), (), 458, 402),
             (1.25, ("--anchor", "bottom-right", "--family", "small"), (), 1280 - 20 - 213, 800 - 20 - 213),
@@ -114,8 +114,8 @@ class Wayland(DesktopTest):
             shows(screen, image, 16, 16)
         held = self.rig.read(f"/proc/{compositor.pid}/maps").count("/memfd:tarno-tile")
         self.assertTrue(1 <= held < 4, f"{held} pictures that the compositor still holds")
-        time.sleep(max(0, shown_at + 5.5 - time.monotonic()))  # the display of a tile counts as lasting after 5 s
-        tile.popen.send_signal(signal.SIGSTOP)  # it waits for the next one no longer than 5 s
+        time.sleep(max(0, shown_at + 5.5 - time.monotonic()))  # the tile waits only for a display that it had for 5 s
+        tile.popen.send_signal(signal.SIGSTOP)  # it waits for only 5 s, and sway may need longer to start
         compositor.end(9)
         compositor = self.rig.sway(MODE.format("X11-1", 0))
         tile.popen.send_signal(signal.SIGCONT)
@@ -126,7 +126,7 @@ class Wayland(DesktopTest):
 
     def test_bad_displays(self):
         error = lambda code: struct.pack("=5I4s", 1, 24 << 16, 1, code, 3, b"no")  # wl_display.error of wl_display
-        done = lambda number: struct.pack("=3I", number, 12 << 16, 0)  # of the callback with this number
+        done = lambda number: struct.pack("=3I", number, 12 << 16, 0)  # wl_callback.done of the callback `number`
         refused = "the Wayland compositor refused a request; WAYLAND_DEBUG=1 shows which one"
         self.rig.env["WAYLAND_DISPLAY"] = "display"
         with socket.socket(socket.AF_UNIX) as server:
@@ -141,7 +141,7 @@ class Wayland(DesktopTest):
                 if answers:
                     with server.accept()[0] as client:
                         for answer in answers:
-                            client.recv(4096)  # closed with something unread, a socket loses what was sent
+                            client.recv(4096)  # a socket that is closed with unread input would lose the answer
                             client.send(answer)
                 self.assertEqual(tile.wait(), code)
                 self.says(tile, line)

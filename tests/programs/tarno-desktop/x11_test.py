@@ -1,4 +1,4 @@
-"""The tile on X11: the cells of the desktop matrix for three window managers, and what comes, goes and changes under it."""
+"""Tests the tile on X11: the cells of the desktop matrix for three window managers, and changes of the desktop under it."""
 import struct
 
 from Xlib import X, Xatom
@@ -18,7 +18,7 @@ WINDOW_MANAGERS = {"openbox": (cells.below, cells.clicks, cells.panels), "xfwm4"
 
 class X11(DesktopTest):
     def screen(self, *window_manager):
-        """A new screen, perhaps with a window manager and its options."""
+        """Starts a display, and a window manager with options if they are given. Returns the screen."""
         self.rig.session_bus()
         self.server = self.rig.x11()
         if window_manager:
@@ -62,13 +62,13 @@ class X11(DesktopTest):
         tile = screen.tile()
         files = screen.new_window("DESKTOP", width=1280, height=800)
         normal = screen.new_window(x=600, width=400, height=300)
-        small = self.rig.tile(*AT, "--family", "small")  # a second one in the same place
+        small = self.rig.tile(*AT, "--family", "small")  # a second tile in the same place
         wait_for(lambda: len(screen.tiles()) == 2, "the second tile")
         for window, mode in ((files, X.Above), (normal, X.Below), (files, X.Above), (files, X.Above)):
             window.configure(stack_mode=mode)
             screen.catch_up()
             wait_for(lambda: screen.is_above(tile, files) and screen.is_above(normal, tile), "the tile between them")
-        # Two tiles that fight for their place never sleep.
+        # Waits until a tile sleeps. Two tiles that compete for the same place never do.
         settled(lambda: self.rig.read(f"/proc/{small.pid}/status").split("voluntary_ctxt_switches:")[1].split()[0])
         above = self.rig.tile(*AT, "--layer", "above", "--anchor", "center")
         upper = wait_for(lambda: [tile for tile in screen.tiles() if screen.place(tile)[:2] == (458, 315)], "the third tile")[0]
@@ -85,7 +85,8 @@ class X11(DesktopTest):
         self.assertEqual([process.end() for process in (small, above)], [0, 0])
 
     def test_above_all_windows_but_those_that_fill_the_screen(self):
-        # i3 hides frames from window managers, xfwm4 says nothing of full screens; without one, no property changes.
+        # i3 does not list the frames of windows, and xfwm4 does not mark full-screen windows. Without a window manager, no
+        # property changes when the stack does.
         for manager in (("i3",), ("xfwm4",), ()):
             with self.subTest(manager), self.rig.session():
                 screen = self.screen(*manager)
@@ -113,7 +114,7 @@ class X11(DesktopTest):
         check = screen.root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
         screen.set(check, "_NET_WM_NAME", screen.atom("UTF8_STRING"), b"GNOME Shell")
         screen.set(screen.root, "_NET_SUPPORTING_WM_CHECK", Xatom.WINDOW, [check.id])
-        for supported in ("_NET_RESTACK_WINDOW", "_NET_WM_STATE"):  # without the first it does not restack windows
+        for supported in ("_NET_RESTACK_WINDOW", "_NET_WM_STATE"):  # a version without the first does not restack windows
             screen.set(screen.root, "_NET_SUPPORTED", Xatom.ATOM, [screen.atom(supported)])
             follows("GNOME Shell that has " + supported, supported == "_NET_RESTACK_WINDOW")
         self.rig.window_manager("openbox")
@@ -188,7 +189,7 @@ class X11(DesktopTest):
         screen.tell("_NET_CLOSE_WINDOW", window=window)
         self.assertEqual(tile.wait(), 0)
 
-    def test_the_end(self):
+    def test_the_tile_ends_with_its_window_or_display(self):
         screen = self.screen("openbox")
         for end in ("destroy", "kill_client"):
             with self.subTest(end):
