@@ -7,7 +7,7 @@
 
 /// Draws the icon: `draw_icon FILE SIDE`. The suffix of the file decides between SVG and PNG.
 int main(int argc, char** argv) try {
-  if (argc != 3) throw program::Failure{EX_USAGE, "say draw_icon FILE SIDE"};
+  if (argc != 3) throw program::Failure{EX_USAGE, "usage: draw_icon FILE SIDE"};
   const std::filesystem::path file{argv[1]};
   const auto scene = icon::scene(std::atoi(argv[2]));
   render::TextEngine text;

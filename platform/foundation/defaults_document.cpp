@@ -73,7 +73,7 @@ struct Fault {
     return text.size() > largestDefaultsValue ? "is larger than 4 MiB" : "";
   }
   std::string_view operator()(Date date) const {
-    return earliestDate <= date && date <= latestDate ? "" : "lies outside the years 0001 to 9999";
+    return earliestDate <= date && date <= latestDate ? "" : "is outside the years 0001 to 9999";
   }
   std::string_view operator()(double number) const {
     return std::isfinite(number) ? "" : "is not a finite number";
@@ -108,7 +108,7 @@ struct Reader {
     if (type == dataType) return Data{bytes()};
     if (type == stringType) return bytes();
     if (type == numberType) return get<JSONValue::Number>("value").value;
-    if (type != dateType) throw damage("is of no known type");
+    if (type != dateType) throw damage("has an unknown type");
     const auto date = dateFromRFC3339(get<std::string>("value"));
     return date ? *date : throw damage("is not a date");
   }

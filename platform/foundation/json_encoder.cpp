@@ -26,7 +26,8 @@ void Encoder::write(bool value) { text_ += value ? "true" : "false"; }
 void Encoder::write(std::int64_t value) { text_ += std::to_string(value); }
 
 void Encoder::write(double value) {
-  if (!std::isfinite(value)) throw EncodingError{path_, "a number that is not finite has no JSON form"};
+  if (!std::isfinite(value))
+    throw EncodingError{path_, "a number that is not finite cannot be written as JSON"};
   text_ += nlohmann::json(value).dump();
 }
 
@@ -34,7 +35,7 @@ void Encoder::write(std::string_view value) {
   try {
     text_ += nlohmann::json(value).dump();
   } catch (const nlohmann::json::type_error&) {
-    throw EncodingError{path_, "text that is not UTF-8 has no JSON form"};
+    throw EncodingError{path_, "text that is not UTF-8 cannot be written as JSON"};
   }
 }
 

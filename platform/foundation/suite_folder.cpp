@@ -71,7 +71,7 @@ FileDescriptor openSafely(int folder, const path& name, const path& shown, mode_
   struct stat found {};
   if (!file || fstat(file.get(), &found) != 0) throw failure("open", shown);
   if ((found.st_mode & S_IFMT) != kind)
-    throw unusable(shown, kind == S_IFDIR ? "is not a directory" : "is not a regular file");
+    throw unusable(shown, kind == S_IFDIR ? "is not a folder" : "is not a regular file");
   if (found.st_uid != geteuid()) throw unusable(shown, "belongs to another user");
   if ((found.st_mode & (S_IWGRP | S_IWOTH)) != 0) throw unusable(shown, "can be written by group or others");
   if (kind == S_IFREG && std::cmp_greater(found.st_size, largestFile))
@@ -87,7 +87,7 @@ void makeDirectory(const path& directory, std::vector<path>& made) {
     result = mkdir(directory.c_str(), S_IRWXU);
   }
   if (result != 0 && errno == EEXIST) return;
-  if (result != 0) throw failure("make", directory);
+  if (result != 0) throw failure("create", directory);
   made.push_back(directory);
   // The umask may have removed permissions that the owner needs. Without /proc this call is not supported;
   // then opening the folder shows whether it was needed.
@@ -140,7 +140,7 @@ bool SuiteFolder::tryLock() {
   } else if (!lockFile_ && isUnsupported(errno)) {
     lockFile_ =
         FileDescriptor{openat(folder, lockName, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, ownerOnly)};
-    if (!lockFile_) throw failure("make", location_.directory / lockName);
+    if (!lockFile_) throw failure("create", location_.directory / lockName);
     return tryLock();
   } else {
     throw failure("lock", location_.directory);
@@ -229,7 +229,7 @@ void SuiteFolder::writeTemporary(std::string_view text) const {
     if (!removeTemporary() && errno == EISDIR) setAside(temporaryName);
     file = FileDescriptor{openat(descriptor_.get(), temporaryName, flags, ownerOnly)};
   }
-  if (!file) throw failure("make", shown);
+  if (!file) throw failure("create", shown);
   if (fchmod(file.get(), ownerOnly) == 0 && writeAll(file.get(), text) && fsync(file.get()) == 0) return;
   const auto failed = failure("write", shown);
   removeTemporary();

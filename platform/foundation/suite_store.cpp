@@ -141,7 +141,7 @@ SuiteLocation locate(std::string_view name) {
   auto location = suiteLocation(name);
   if (!location)
     throw SuiteError{SuiteError::Kind::unusable,
-                     "there is no home for a suite called '" + std::string{name} + '\''};
+                     "no folder is known for the store '" + std::string{name} + '\''};
   return *std::move(location);
 }
 

@@ -48,7 +48,7 @@ void PathWatch::watchAnew() {
   if (isBlind && !wasBlind && lookers == 0) {
     const auto* const reason =
         fault == ENOSPC ? "the system has no inotify watch left" : std::strerror(fault);
-    complain("cannot watch files such as " + path_.string() + ", and looks at them every 5 s: " + reason);
+    complain("cannot watch " + path_.string() + ", so looks for changes every 5 s: " + reason);
   }
   lookers += isBlind - wasBlind;
 }

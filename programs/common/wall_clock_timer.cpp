@@ -29,7 +29,7 @@ bool arm(int timer, tarno::Date moment) {
 
 WallClockTimer::WallClockTimer(std::function<void()> wake)
     : wake_(std::move(wake)), timer_(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
-  if (!timer_) throw std::system_error{errno, std::generic_category(), "no timer"};
+  if (!timer_) throw std::system_error{errno, std::generic_category(), "cannot create a timer"};
 }
 
 void WallClockTimer::sleepUntil(tarno::Date moment) {

@@ -41,11 +41,12 @@ tarno::Date readDate(const json& text) {
 std::filesystem::path readWatch(const json& watch) {
   const std::filesystem::path folder = watch.at("folder").get<std::string>();
   const std::filesystem::path file = watch.at("file").get<std::string>();
-  if (!folder.is_absolute()) throw std::runtime_error{"the watched folder's path is not absolute"};
-  if (file.empty() || file.has_parent_path()) throw std::runtime_error{"the watched file has no plain name"};
+  if (!folder.is_absolute()) throw std::runtime_error{"the path of the watched folder is not absolute"};
+  if (file.empty() || file.has_parent_path())
+    throw std::runtime_error{"the name of the watched file is empty or has a folder"};
   auto path = folder / file;
   if (path.native().size() >= PATH_MAX || path.native().find('\0') != path.native().npos)
-    throw std::runtime_error{"the watched file's path is too long or has a NUL"};
+    throw std::runtime_error{"the path of the watched file is too long or contains a NUL"};
   return path;
 }
 
@@ -70,7 +71,7 @@ int readSide(const json& side, const json& tile, double scale) {
   const double points = readNumber<double>(tile, largestTile);
   const double more = pixels - points * scale;  // up to 1, because the last pixel may be partly covered
   if (pixels == 0 || points == 0 || more < -0.01 || more > 1.01)
-    throw std::runtime_error{"the picture has another size than the tile"};
+    throw std::runtime_error{"the size of the picture is not that of the tile"};
   return pixels;
 }
 
@@ -83,7 +84,8 @@ PictureLayout readLayout(const json& answer, double scale) {
 
 std::vector<AccessibleElement> readElements(const json& elements) {
   if (!elements.is_array() || elements.size() > mostElements)
-    throw std::runtime_error{"the elements are no array, or more than " + std::to_string(mostElements)};
+    throw std::runtime_error{"the elements are not an array, or there are more than " +
+                             std::to_string(mostElements)};
   std::vector<AccessibleElement> result;
   for (const auto& each : elements) {
     const auto number = [&](const char* key) {
@@ -106,7 +108,7 @@ std::string reasonIn(const std::string& output) {
 Frame readFrame(const std::string& output, FileDescriptor memory, double scale) {
   if (output.size() > longestAnswer) throw std::runtime_error{"the answer is longer than 256 KB"};
   const auto answer = json::parse(output, nullptr, false);
-  if (!answer.is_object()) throw std::runtime_error{"the answer is no JSON object"};
+  if (!answer.is_object()) throw std::runtime_error{"the answer is not a JSON object"};
   Frame frame{.picture = std::make_shared<Picture>(std::move(memory), readLayout(answer, scale)),
               .title = readText(answer.at("title")),
               .announcement = readText(answer.at("announcement")),

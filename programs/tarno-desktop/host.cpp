@@ -108,7 +108,7 @@ OpenedSurface openSurface(const Options& options) {
   if (!hasWayland) return {openX11Surface(options), ""};
   try {
     if (auto surface = openWaylandSurface(options))
-      return {std::move(surface), options.plainWindow ? "as asked for" : ""};
+      return {std::move(surface), options.plainWindow ? "because of --plain-window" : ""};
   } catch (const program::Failure& failure) {
     if (!hasX11) throw;
     return {openX11Surface(options), failure.what()};

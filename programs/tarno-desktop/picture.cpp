@@ -27,14 +27,14 @@ bool isSafe(int memory, const PictureLayout& layout) {
 
 tarno::FileDescriptor makePictureMemory() {
   tarno::FileDescriptor memory{memfd_create("tarno-tile", MFD_CLOEXEC | MFD_ALLOW_SEALING)};
-  if (!memory) throw std::system_error{errno, std::generic_category(), "no memory for a picture"};
+  if (!memory) throw std::system_error{errno, std::generic_category(), "cannot create memory for a picture"};
   return memory;
 }
 
 Picture::Picture(tarno::FileDescriptor memory, const PictureLayout& layout)
     : PictureLayout(layout), memory_(std::move(memory)) {
   if (!isSafe(descriptor(), layout))
-    throw std::runtime_error{"the picture is not as large as its answer says, or not sealed"};
+    throw std::runtime_error{"the picture does not have the size that the answer states, or is not sealed"};
   pixels_ = mmap(nullptr, size(), PROT_READ, MAP_SHARED, descriptor(), 0);
   if (pixels_ == MAP_FAILED)
     throw std::system_error{errno, std::generic_category(), "cannot map the tile's picture"};

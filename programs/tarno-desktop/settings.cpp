@@ -77,14 +77,14 @@ void readSetting(CLI::App& app, const std::string& line) {
   const auto equals = setting.find('=');
   const auto key = trimmed(setting.substr(0, equals));
   if (equals == setting.npos || key.empty() || key[0] == '[')
-    throw CLI::ValidationError{"expected a setting, such as margin = 16"};
+    throw CLI::ValidationError{"not a setting such as margin = 16"};
   const auto* const option = app.get_option_no_throw("--" + key);
   if (!option || !option->get_configurable()) throw CLI::ValidationError{"unknown setting '" + key + "'"};
   const auto value = valueOf(trimmed(setting.substr(equals + 1)));
   const auto isSwitch = option->get_expected_max() == 0;
   if (const auto wrong = program::oneOf({"true", "false", "on", "off"})(value); isSwitch && !wrong.empty())
     throw CLI::ValidationError{key + ": " + wrong};
-  if (value.empty()) throw CLI::ValidationError{key + " takes a value"};
+  if (value.empty()) throw CLI::ValidationError{key + ": the value is missing"};
   try {
     app.parse(std::vector{"--" + key + "=" + value});
   } catch (const CLI::Error& invalid) {  // it names the option

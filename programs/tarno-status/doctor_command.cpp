@@ -161,18 +161,19 @@ std::string verdict(const SharedStatus& shared, tarno::Date now) {
     return "Nothing was saved yet, so the" + says + "; save a report with tarno-status save.";
   if (!status) return "The" + says + ": " + shared.fault + ".";
   if (!shared.fault.empty())
-    return "Only the plain value is used, so the" + says + ": " + shared.fault + "; the next save mends it.";
+    return "Only the plain value is used, so the" + says + ": " + shared.fault +
+           "; the next save repairs it.";
   if (!status->receivedAt)
-    return "The receipt date is missing, so that the report's age is unknown; the" + says + ".";
+    return "The receipt date is missing, so the age of the report is unknown; the" + says + ".";
   if (*status->receivedAt > now)
-    return "The receipt date lies in the future: the report does not turn stale before " +
+    return "The receipt date is in the future: the report does not turn stale before " +
            program::dateText(TarnoStatusFreshness::staleFrom(*status->receivedAt)) +
            ", unless a new one is saved; the" + says + ".";
   if (status->snapshot.isStale() && now < TarnoStatusFreshness::staleFrom(*status->receivedAt))
     return "The report itself says that it is stale, so the" + says +
-           " until the companion application saves one that does not.";
+           " until the companion saves one that does not.";
   if (status->snapshot.isStale())
-    return "The last report is stale, so the" + says + " until the companion application saves a new one.";
+    return "The last report is stale, so the" + says + " until the companion saves a new one.";
   return "The report is fresh: the" + says + ".";
 }
 
@@ -185,8 +186,8 @@ int doctor() {
   const auto location = tarno::suiteLocation(TarnoMacDefaults::appGroupIdentifier);
   const auto other = location ? findOtherStore(location->file) : std::nullopt;
 
-  std::string text = line("store", location ? location->file.string() : "nowhere");
-  text += line("directory", location ? itemText(location->directory) : "missing");
+  std::string text = line("store", location ? location->file.string() : "unknown");
+  text += line("folder", location ? itemText(location->directory) : "missing");
   text += line("file", location ? itemText(location->file) : "missing");
   for (const auto key : keys)
     text += line(key, valueText(shared.store ? shared.store->object(key) : std::nullopt));

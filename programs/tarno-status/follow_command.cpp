@@ -51,7 +51,7 @@ class Follower {
       if (Clock::now() - lastToldOfSkipping_ >= quietAboutSkipping) tellOfSkipping();
     }
     if (!isBlank(line_))
-      fail(lines_ + 1, {EX_DATAERR, "the input ended before the line did; nothing was saved"});
+      fail(lines_ + 1, {EX_DATAERR, "the input ended in the middle of the line; nothing was saved"});
     tellOfSkipping();
     return exitCode_;
   }
@@ -89,7 +89,7 @@ class Follower {
     if (isBlank(line_)) return;
     try {
       if (line_.size() > largestRecord)
-        throw program::Failure{EX_DATAERR, "is longer than " + std::to_string(largestRecord) + " bytes"};
+        throw program::Failure{EX_DATAERR, "longer than " + std::to_string(largestRecord) + " bytes"};
       Arrival arrival{lines_, decodeRecord(line_), tarno::now()};
       if (newest_) ++skipped_;
       newest_ = std::move(arrival);
@@ -114,7 +114,7 @@ class Follower {
 
   void tellOfSkipping() {
     if (skipped_ == 0) return;
-    tell("reports skipped in favour of newer ones: " + std::to_string(skipped_));
+    tell("reports skipped because newer ones arrived: " + std::to_string(skipped_));
     skipped_ = 0;
     lastToldOfSkipping_ = Clock::now();
   }

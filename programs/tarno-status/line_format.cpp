@@ -45,14 +45,14 @@ struct Piece {
 };
 
 [[noreturn]] void refuse(const std::string& reason) {
-  throw program::Failure{EX_USAGE, "--format takes json, waybar or a text with placeholders: " + reason};
+  throw program::Failure{EX_USAGE, "--format: " + reason};
 }
 
 Value placeholder(std::string_view name) {
   const auto* const found =
       std::find_if(std::begin(placeholders), std::end(placeholders),
                    [&](const Placeholder& candidate) { return candidate.name == name; });
-  if (found == std::end(placeholders)) refuse("there is no {" + std::string{name} + "} (see --help)");
+  if (found == std::end(placeholders)) refuse("unknown placeholder {" + std::string{name} + "} (see --help)");
   return found->value;
 }
 
@@ -65,7 +65,7 @@ std::vector<Piece> piecesOf(std::string_view text) {
       text.remove_prefix(1);
     else if (isBrace) {
       const auto end = text.find('}');
-      if (first == '}' || end == text.npos) refuse("a brace that stands for itself is written twice");
+      if (first == '}' || end == text.npos) refuse("write a literal brace twice");
       pieces.back().value = placeholder(text.substr(1, end - 1));
       pieces.emplace_back();
       text.remove_prefix(end + 1);
@@ -74,7 +74,7 @@ std::vector<Piece> piecesOf(std::string_view text) {
     pieces.back().text += first;
     text.remove_prefix(1);
   }
-  if (pieces.size() == 1) refuse("there is none in '" + pieces[0].text + "'");
+  if (pieces.size() == 1) refuse("'" + pieces[0].text + "' is not json, waybar or a text with placeholders");
   return pieces;
 }
 

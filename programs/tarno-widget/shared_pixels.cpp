@@ -24,10 +24,10 @@ SharedPixels::SharedPixels(int descriptor, render::PixelSize size)
       length_(stride_ * static_cast<std::size_t>(size.height)) {
   // Adding no seal succeeds only if the memory can be sealed.
   if (fcntl(descriptor, F_ADD_SEALS, 0) != 0)
-    throw failed(EX_USAGE, descriptor, "is not shared memory that can be sealed");
+    throw failed(EX_USAGE, descriptor, "is not a memfd that allows sealing");
   const auto length = static_cast<off_t>(length_);
   if (ftruncate(descriptor, 0) != 0 || ftruncate(descriptor, length) != 0)
-    throw failed(EX_USAGE, descriptor, "cannot be given the size of the image");
+    throw failed(EX_USAGE, descriptor, "cannot be set to the size of the image");
   // Without this, running out of memory while drawing would raise SIGBUS.
   errno = posix_fallocate(descriptor, 0, length);
   if (errno != 0) throw failed(EX_OSERR, descriptor, "cannot hold the image");

@@ -62,15 +62,15 @@ std::optional<TarnoMacStatusSnapshot> storedRecord(const UserDefaults& store, st
   const auto record = store.data(lastStatus);
   if (!record) {
     if (store.object(lastStatus))
-      fault = "the record is not data";
+      fault = "the record is not of the type data";
     else if (store.object(lastStatusValue))
-      fault = "there is no record beside the plain value";
+      fault = "there is a plain value, but no record";
     return std::nullopt;
   }
   try {
     return TarnoJSON::decoder().decode<TarnoMacStatusSnapshot>(record->bytes);
   } catch (const tarno::DecodingError& error) {
-    fault = std::string{"the record does not decode: "} + error.what();
+    fault = std::string{"the record cannot be decoded: "} + error.what();
     return std::nullopt;
   }
 }

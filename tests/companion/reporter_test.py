@@ -10,7 +10,7 @@ from mac_and_desk import REPORTER, SESSION, DeskTest, MacTest, processes
 
 LOCKED = ',"CGSSessionScreenIsLocked"=Yes'
 NAME = 'a "b\\\\c\\n"\t\x01\x7f\né 🦊 \\&'
-TAKEN = "desk takes the reports of this Mac.\n"
+TAKEN = "desk saves the reports of this Mac.\n"
 
 
 class Reports(MacTest):
@@ -106,9 +106,9 @@ class FromMacToDesk(DeskTest):
         homes, agent = self.homes(), self.agent()
         self.assertEqual(self.reporter("install", "desk"), TAKEN)
         self.assertEqual((self.homes(), self.agent()), (homes, agent))
-        self.assertIn("the reports go to desk", self.reporter("install", "other", code=64))
+        self.assertIn("this Mac reports to desk", self.reporter("install", "other", code=64))
         self.assertRegex(self.call("sh", "-e", "-c", status).stdout.decode(),
-                         r"\AThe agent runs\.\ndesk took the last report \d+ s ago\.\n\Z")
+                         r"\AThe agent is running\.\ndesk saved the last report \d+ s ago\.\n\Z")
         self.assertEqual(self.call("sh", "-e", "-c", uninstall).stderr, b"")
         self.assertEqual(self.homes(), before)
         self.wait_for(lambda: not list(processes(of_session=agent)))
@@ -124,7 +124,7 @@ class FromMacToDesk(DeskTest):
             self.wait_for(lambda: self.calls("ssh") > tried + 2)
             self.set(console)
             self.start_sshd()
-            self.wait_for(lambda: self.logs("desk takes reports again", times))
+            self.wait_for(lambda: self.logs("desk saves reports again", times))
             self.assertTrue(self.logs("no connection to desk", times) and self.logs("Connection refused", times))
             self.wait_for_report("status", state)
             self.log.write_text("old\n" * 999 + self.log.read_text())

@@ -59,7 +59,7 @@ class CompanionExample(ProgramTest):
             self.run_command(program, "locked", reason)
             self.assertIn(reason, self.run_program("tarno-status", "show").stdout.decode())
         self.environment["XDG_DATA_HOME"] = "/proc/nowhere"
-        self.assertRegex(self.run_command(program, "locked", code=73), r"\Acompanion: cannot make [^\n]+\n\Z")
+        self.assertRegex(self.run_command(program, "locked", code=73), r"\Acompanion: cannot create [^\n]+\n\Z")
 
     def test_a_copy_in_another_project_takes_no_name_and_looks_for_no_drawing_library(self):
         project = (EXAMPLE / "CMakeLists.txt").read_text(encoding="utf-8")

@@ -184,7 +184,7 @@ TEST_F(SuiteStoreTest, WhatOthersCouldHaveTouchedIsRefused) {
       {"test can be written by group or others", [&] { chmod(directory.c_str(), 0720); }},
       {"test can be written by group or others", [&] { chmod(directory.c_str(), 0702); }},
       {"test is a symbolic link", [&] { fs::remove_all(directory), fs::create_symlink(home, directory); }},
-      {"test is not a directory", [&] { fs::remove_all(directory), writeBytes(directory, ""); }},
+      {"test is not a folder", [&] { fs::remove_all(directory), writeBytes(directory, ""); }},
       {"test belongs to another user", [&] { EXPECT_EQ(chown(directory.c_str(), 12345, 0), 0); }},
       {"test: Not a directory", [&] { fs::remove_all(home), writeBytes(home, ""); }},
       {"json is not a regular file", [&] { fs::remove(file), mkfifo(file.c_str(), 0600); }},

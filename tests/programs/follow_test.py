@@ -27,7 +27,7 @@ class Follow(ProgramTest):
     def test_each_line_is_saved_or_named(self):
         big = json.dumps({"message": "x" * (1 << 20)})
         fits = '{"status": "locked"}'.ljust(1 << 20)
-        cut = "line {}: the input ended before the line did; nothing was saved"
+        cut = "line {}: the input ended in the middle of the line; nothing was saved"
         for text, code, said, status in (
                 ("", 0, [], None),
                 ('{"status": "locked"}\r\n\n  \n \t', 0, [], "locked"),
@@ -35,7 +35,7 @@ class Follow(ProgramTest):
                  ['line 2: key "status": "Locked" is not a status; nothing was saved',
                   "line 3: the record: expected an object, found an array; nothing was saved"], "locked"),
                 ('{"status": "locked"}\n{"status": "unlocked"}', 65, [cut.format(2)], "locked"),
-                (f'{{"status": "unlocked"}}\n{fits}  \n', 65, ["line 2: is longer than 1048576 bytes"], "unlocked"),
+                (f'{{"status": "unlocked"}}\n{fits}  \n', 65, ["line 2: longer than 1048576 bytes"], "unlocked"),
                 (f'{fits}\n{big}', 65, [cut.format(2)], "locked"),
                 ('{"a": 1, "status": "locking"}\n', 0, ['line 1: the report was saved without its unknown keys: "a"'],
                  "locking")):
@@ -77,7 +77,7 @@ class Follow(ProgramTest):
         records = "".join(json.dumps({"a": 1, "status": "locked", "confidence": i}) + "\n" for i in range(1500))
         self.assertEqual(self.follow(records, "--mirror-key", "desk"),
                          (0, ['line 1500: the report was saved without its unknown keys: "a"',
-                              "reports skipped in favour of newer ones: 1499"]))
+                              "reports skipped because newer ones arrived: 1499"]))
         self.assertEqual(self.saved("confidence"), 1499)
         self.assertIn('"desk"', (self.group / "defaults.json").read_text())
 

@@ -84,7 +84,7 @@ class Status(ProgramTest):
         self.save()
         report = self.doctor(code=0)
         for label, text in (("store", str(self.group / "defaults.json")), ("file", r"owner \S+, mode 0600"),
-                            ("directory", r"owner \S+, mode 0700"), ("tarno.lastStatus", r"data, \d+ bytes"),
+                            ("folder", r"owner \S+, mode 0700"), ("tarno.lastStatus", r"data, \d+ bytes"),
                             ("tarno.lastStatusAt", "date, " + MOMENT), ("tarno.lastStatusValue", "string, 6 bytes"),
                             ("tarno.lastStatusMirrorKey", "nothing stored"), ("report's age", "0 s"),
                             ("reading", "works"), ("saving", "works"), ("confinement", "complete|.*the kernel.*"),
@@ -95,19 +95,19 @@ class Status(ProgramTest):
     def test_doctor_and_show_agree_on_what_is_stored(self):
         self.save()
         at, record, broken = ("date", MOMENT), ("data", '{"status": "locked"}'), ("data", '{"stale": 3}')
-        kind = "the record does not decode: stale: expected true or false, found a number"
+        kind = "the record cannot be decoded: stale: expected true or false, found a number"
         for code, verdict, values in (  # tests/shared/persistence_test.cpp has a row for each fault of a record
                 (0, 'All is well. The report is fresh: the tile says "Locked".', {"at": at, "record": record}),
-                (69, 'The last report is stale, so the tile says "Status stale" until the companion application '
+                (69, 'The last report is stale, so the tile says "Status stale" until the companion '
                  "saves a new one.", {"at": ("date", "2026-11-16T15:39:04Z"), "record": record}),
                 (69, 'The report itself says that it is stale, so the tile says "Status stale" until the companion '
-                 "application saves one that does not.", {"at": at, "record": ("data", '{"stale": true}')}),
-                (69, "The receipt date lies in the future: the report does not turn stale before 2026-11-16T15:44:07Z, "
+                 "saves one that does not.", {"at": at, "record": ("data", '{"stale": true}')}),
+                (69, "The receipt date is in the future: the report does not turn stale before 2026-11-16T15:44:07Z, "
                  'unless a new one is saved; the tile says "Locked".',
                  {"at": ("date", "2026-11-16T15:41:36Z"), "record": record}),
-                (69, "The receipt date is missing, so that the report's age is unknown; the tile says \"Locked\".",
+                (69, "The receipt date is missing, so the age of the report is unknown; the tile says \"Locked\".",
                  {"record": record}),
-                (0, f'Only the plain value is used, so the tile says "Locked": {kind}; the next save mends it.',
+                (0, f'Only the plain value is used, so the tile says "Locked": {kind}; the next save repairs it.',
                  {"at": at, "plain": ("string", "locked"), "record": broken}),
                 (69, f'The tile says "No status": {kind}.', {"at": at, "record": broken}),
                 (69, f'The tile says "No status": {self.group}/defaults.json is damaged: tarno.lastStatus: has no value '

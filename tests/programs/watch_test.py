@@ -72,7 +72,7 @@ class Watch(ProgramTest):
         watch = self.watch("--format", "{status}")
         self.assertEqual(watch.stdout.readline(), "unknown\n")
         plain = '{"tarno.lastStatusValue": {"type": "string", "value": "%s"}}'
-        for document, fault in (("{", "[^\n]* is damaged: [^\n]*"), (plain % "locked", "there is no record beside the plain value"),
+        for document, fault in (("{", "[^\n]* is damaged: [^\n]*"), (plain % "locked", "there is a plain value, but no record"),
                                 (plain % "unlocked", ""), ("[", "[^\n]* is damaged: [^\n]*")):
             self.replace(document)
             if fault:
@@ -152,6 +152,6 @@ class Watch(ProgramTest):
         self.assertEqual(self.call("sh", "-c", "tarno-status watch > /dev/full").returncode, 74)
         if "LSAN_OPTIONS" not in os.environ:  # a sanitizer needs more descriptors
             blind = self.start("sh", "-c", "ulimit -n 5; exec tarno-status watch", stderr=subprocess.PIPE, text=True)
-            self.assertRegex(blind.stderr.readline(), "cannot watch .*, and looks at them every 5 s: Too many open files")
+            self.assertRegex(blind.stderr.readline(), "cannot watch .*, so looks for changes every 5 s: Too many open files")
             blind.terminate()
             self.assertEqual(blind.wait(20), -signal.SIGTERM)

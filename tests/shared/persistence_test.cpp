@@ -55,14 +55,14 @@ TEST(LoadStatus, TakesTheFirstSourceThatWorks) {
   const std::string end = R"("message":"Last saved Mac status."})";
   const Data record{R"({"status":"locked","stale":false,"age_seconds":999})"};
   using Stored = std::optional<DefaultsValue>;
-  const std::string alone = "there is no record beside the plain value";
+  const std::string alone = "there is a plain value, but no record";
   const std::tuple<Stored, Stored, Stored, std::string, std::string> rows[] = {
       {now, {}, {}, "", ""},
       {{}, {}, "locked", plain + R"("stale":true,)" + end, alone},
       {now, {}, Data{"locked"}, "", alone},
-      {now, "{}", "Locked", "", "the record is not data"},
+      {now, "{}", "Locked", "", "the record is not of the type data"},
       {now, Data{R"({"stale":1})"}, "locked", plain + R"("stale":false,"age_seconds":0,)" + end,
-       "the record does not decode: stale: expected true or false, found a number"},
+       "the record cannot be decoded: stale: expected true or false, found a number"},
       {now - 151s, record, "unlocked", R"({"status":"locked","stale":true,"age_seconds":151})", ""},
       {"2026-11-16T15:41:35Z", record, {}, record.bytes, ""}};
   for (const auto& [receivedAt, json, value, expected, fault] : rows) {
@@ -88,9 +88,9 @@ TEST(MacDefaults, WhatIsSavedIsLoadedAndWhatCannotBeStoredIsRefused) {
   const std::tuple<Snapshot, Date, const char*> unfit[] = {
       {{.inputIdleSeconds = std::nan("")},
        now,
-       "input_idle_seconds: a number that is not finite has no JSON form"},
-      {{.message = "\xff"}, now, "message: text that is not UTF-8 has no JSON form"},
-      {{}, Date::max(), "tarno.lastStatusAt: lies outside the years 0001 to 9999"}};
+       "input_idle_seconds: a number that is not finite cannot be written as JSON"},
+      {{.message = "\xff"}, now, "message: text that is not UTF-8 cannot be written as JSON"},
+      {{}, Date::max(), "tarno.lastStatusAt: is outside the years 0001 to 9999"}};
   for (const auto& [snapshot, receivedAt, reason] : unfit) try {
       saveStatus(snapshot, receivedAt);
       ADD_FAILURE() << reason;

@@ -135,7 +135,8 @@ void Display::dispatch() {
 void Display::check(int result) const {
   if (result >= 0) return;
   const int error = wl_display_get_error(connection.get());
-  if (error == EPIPE || error == ECONNRESET) throw program::Failure{EX_UNAVAILABLE, "the display went away"};
+  if (error == EPIPE || error == ECONNRESET)
+    throw program::Failure{EX_UNAVAILABLE, "the display disappeared"};
   if (error != EPROTO && error != EINVAL && error != EFAULT)  // those three are errors of the protocol
     throw program::Failure{
         EX_OSERR, std::string{"the connection to the Wayland display broke: "} + std::strerror(error)};

@@ -60,7 +60,7 @@ std::shared_ptr<const Picture> grow(std::shared_ptr<const Picture> picture, int 
   auto memory = makePictureMemory();
   if (write(memory.get(), pixels.data(), layout.size()) != static_cast<ssize_t>(layout.size()) ||
       fcntl(memory.get(), F_ADD_SEALS, F_SEAL_SHRINK) != 0)
-    throw std::system_error{errno, std::generic_category(), "cannot make a buffer"};
+    throw std::system_error{errno, std::generic_category(), "cannot create a buffer"};
   return std::make_shared<Picture>(std::move(memory), layout);
 }
 

@@ -130,8 +130,8 @@ TEST(LiveTile, KeepsItsPictureSaysOnceWhatIsWrongAndTriesAgain) {
   EXPECT_EQ(fixture.shown, (std::vector<std::string>{"none 1", "none 1", "Tarno 1", "Tarno 1"}));
   const std::string line = "desktop_test: no new picture: ", code = line + "ended with code 3\n";
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "the store? is locked\n" + line + "the answer is no JSON object\n" + code + code + line +
-                "no memory for a picture: Too many open files\n");
+            "the store? is locked\n" + line + "the answer is not a JSON object\n" + code + code + line +
+                "cannot create memory for a picture: Too many open files\n");
 }
 
 TEST(LiveTile, EndsWhatHangs) {

@@ -94,7 +94,7 @@ TEST(Options, RefuseWhatTheyDoNotKnow) {
     EXPECT_TRUE(parsed(settings).failure.starts_with("78 /")) << settings.substr(0, 30);
   for (const char* const line : {"=", "[", "[]", "[desktop]", "++", "margin"})
     EXPECT_TRUE(parsed(std::string{"# mine\n\n"} + line)
-                    .failure.ends_with("line 3: expected a setting, such as margin = 16"))
+                    .failure.ends_with("line 3: not a setting such as margin = 16"))
         << line;
 }
 

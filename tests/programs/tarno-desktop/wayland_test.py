@@ -122,7 +122,7 @@ class Wayland(DesktopTest):
         shows(screen, image, 16, 16)
         compositor.end(9)
         self.assertEqual(tile.wait(), 69)
-        self.says(tile, SHOWN, SHOWN, "the display went away")
+        self.says(tile, SHOWN, SHOWN, "the display disappeared")
 
     def test_bad_displays(self):
         error = lambda code: struct.pack("=5I4s", 1, 24 << 16, 1, code, 3, b"no")  # wl_display.error of wl_display
@@ -133,7 +133,7 @@ class Wayland(DesktopTest):
             server.bind(self.rig.path("display"))
             os.chmod(self.rig.path("display"), 0o777)
             for answers, code, line in (
-                    ([], 69, "cannot connect to the Wayland display 'display'"), ([b""], 69, "the display went away"),
+                    ([], 69, "cannot connect to the Wayland display 'display'"), ([b""], 69, "the display disappeared"),
                     ([error(3)], 76, refused), ([error(0)], 76, refused),
                     ([error(2)], 71, "the connection to the Wayland display broke: Cannot allocate memory"),
                     ([done(3), done(4)], 69, "the Wayland compositor lacks the protocol wl_compositor, which the tile needs")):
