@@ -110,7 +110,7 @@ std::int64_t Decoder::as() const {
   const auto* const number = std::get_if<JSONValue::Number>(&value_.content);
   if (number == nullptr) throw typeMismatch("a whole number");
   const auto whole = wholeNumber(number->text);
-  return whole ? *whole : throw dataCorrupted(number->text + " is not a whole number of 64 bits");
+  return whole ? *whole : throw dataCorrupted(number->text + " is not a 64-bit integer");
 }
 
 template <>

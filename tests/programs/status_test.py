@@ -28,7 +28,7 @@ class Status(ProgramTest):
         self.save()
         before = self.shown()
         for record, words in (("", "the record"), ("[]", "expected an object, found an array"),
-                              ('{"confidence": 2.5}', '"confidence": 2.5 is not a whole number'),
+                              ('{"confidence": 2.5}', '"confidence": 2.5 is not a 64-bit integer'),
                               ('{"stale": 1}', '"stale": expected true or false, found a number'),
                               ('{"status": "Lock\\ned"}', '"status": "Lock?ed" is not a status'),
                               ('{"seen_at": "2026-11-16"}', '"seen_at": Invalid ISO8601 date'),
