@@ -46,12 +46,12 @@ class Companion(ProgramTest):
         self.assertEqual(len(keys), 16)
 
     def test_a_report_over_ssh_and_what_a_script_is_told(self):
-        self.assertEqual(self.run_block(block("sh", "A shell over ssh")), "")
+        self.assertEqual(self.run_block(block("sh", "One ssh command per report")), "")
         self.assertEqual(self.status(), ("locked", "Lid closed"))
-        check, show = under("Ask from a script")
+        check, show = under("Read the status in a script")
         self.assertEqual(self.run_block(check), "The Mac is locked.\n")
         self.assertEqual(json.loads(self.run_block(show))["status_line"], "Locked")
-        self.assertIn("All is well.", self.run_block(block("sh", "When the tile does not follow")))
+        self.assertIn("All is well.", self.run_block(block("sh", "If the tile does not change")))
 
     def test_recipes(self):
         for heading, log, line in (("Lock the desk when the Mac locks", "desk.log", r"lock-session"),
