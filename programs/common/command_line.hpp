@@ -8,10 +8,10 @@
 
 namespace program {
 
-/// Parses the arguments into `app`, then calls `command` and returns its exit code for main. Handles --help
-/// and
-/// --version, and returns 0 for them. For a wrong command line, prints one line on standard error and returns
-/// EX_USAGE. If `command` throws, prints one line on standard error and returns the code of currentFailure().
+/// Parses the arguments into `app`, then calls `command` and returns its exit code for main. Handles the
+/// options --help and --version, and returns 0 for them. For a wrong command line, prints one line on
+/// standard error and returns EX_USAGE. If `command` throws, prints one line on standard error and returns
+/// the code of currentFailure().
 int run(CLI::App& app, int argc, char** argv, const std::function<int()>& command);
 
 /// Returns a check for an option that takes a decimal number from `least` to `most`.

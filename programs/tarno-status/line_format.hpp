@@ -19,10 +19,9 @@ using LineFormat = std::function<std::string(const std::optional<TarnoStoredMacS
 /// Returns the format that `text` names:
 ///
 /// - "json": what jsonText() returns.
-/// - "waybar": the JSON for a custom module of waybar with "return-type": "json", see waybar-custom(5). `alt`
-/// and
-///   `class` are the same word: locked, unlocked, locking, unknown, stale, or none if nothing is stored.
-///   `percentage` is the confidence of a report that is not stale, if it is from 0 to 100.
+/// - "waybar": the JSON for a custom module of waybar with "return-type": "json", see waybar-custom(5).
+///   `alt` and `class` are the same word: locked, unlocked, locking, unknown, stale, or none if nothing is
+///   stored. `percentage` is the confidence of a report that is not stale, if it is from 0 to 100.
 /// - Any other text with at least one of these names in braces: status, status_line, detail_line, presence,
 ///   device, age ("2m"; empty if it is unknown), received_at and since. A double brace stands for a single
 ///   one. Values are made printable; the text around them stays as it is.

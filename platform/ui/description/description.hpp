@@ -13,8 +13,8 @@ struct Description {
   using Value = std::variant<double, bool, std::string>;
 
   std::string name;
-  /// In a fixed order, without absent values and defaults. Numbers are finite and rounded to 3 decimals;
-  /// infinity is a word.
+  /// The attributes in a fixed order, without absent values and defaults. Numbers are finite and rounded to 3
+  /// decimals; infinity is a word.
   std::vector<std::pair<std::string_view, Value>> attributes;
   std::vector<Description> children;
 };

@@ -18,9 +18,8 @@ std::optional<Size> fixedSize(const nodes::Frame& frame);
 /// Sizes a frame and its content. Each axis follows one of these rules:
 ///
 /// - Fixed length: the frame takes it and offers it to its content. A maximum is ignored.
-/// - Maximum: the frame offers the smaller of the maximum and the proposal to its content. It takes that
-/// length,
-///   or the length of its content if that is longer.
+/// - Maximum: the frame offers the smaller of the maximum and the proposal to its content. It takes
+///   that length, or the length of its content if that is longer.
 /// - Neither: the frame passes the proposal on to its content and takes what the content takes.
 FrameLayout layoutFrame(const nodes::Frame& frame, const Environment& environment, const Size& proposal,
                         LayoutPass& pass);
