@@ -37,7 +37,9 @@ Connection::Connection() : handle(xcb_connect(nullptr, nullptr)) {
       if (depth.data->depth == 32 && each.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR &&
           each.data->red_mask == 0xff0000)
         visual = each.data->visual_id;
-  if (visual == XCB_NONE) throw program::Failure{EX_UNAVAILABLE, "the X11 display has no ARGB visual"};
+  if (visual == XCB_NONE)
+    throw program::Failure{EX_UNAVAILABLE,
+                           "the X11 display has no ARGB visual, which needs a screen of 24 bits"};
   colormap = xcb_generate_id(*this);
   xcb_create_colormap(*this, XCB_COLORMAP_ALLOC_NONE, colormap, root, visual);
   // This is the last step: what it allocates is freed here if it fails, and by the destructor otherwise.

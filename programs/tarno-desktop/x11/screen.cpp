@@ -87,12 +87,14 @@ std::vector<Window> readWindows(const Connection& connection) {
   const auto clients = connection.items(connection.ask(connection.root, ewmh._NET_CLIENT_LIST));
   std::vector<Window> windows;
   std::vector<WindowQuery> queries;
-  // Buttons and borders in a frame are skipped. i3 does not list the panels that it puts into frames.
+  // Beside a client in a frame, buttons and borders are skipped. Some window managers list no clients, and i3
+  // does not list the panels that it puts into frames.
   const auto askChildren = [&](const auto& tree, std::size_t index) {
     const std::span children{xcb_query_tree_children(tree.get()), tree->children_len};
+    const auto isClient = [&](xcb_window_t child) { return contains(clients, child); };
+    const bool isFrame = tree->parent != XCB_NONE && std::ranges::any_of(children, isClient);
     for (const auto child : children)
-      if (tree->parent == XCB_NONE || children.size() == 1 || contains(clients, child))
-        queries.push_back({connection, child, index});
+      if (!isFrame || isClient(child)) queries.push_back({connection, child, index});
   };
   const auto cookie = xcb_query_tree(connection, connection.root);
   if (const auto root = connection.answer<xcb_query_tree_reply>(cookie)) askChildren(root, 0);
@@ -114,7 +116,9 @@ std::vector<Window> readWindows(const Connection& connection) {
                            attributes->override_redirect != 0 && !isDesktop});
       auto& window = windows[index];
       window.ids.push_back(query.id);
-      if (contains(clients, query.id)) {
+      const bool isClient = contains(clients, query.id);
+      window.hasClient |= isClient;
+      if (isClient) {
         window.isOverlay = false;  // the frames of some window managers are override-redirect
         connection.select(query.id, attributes->your_event_mask | XCB_EVENT_MASK_PROPERTY_CHANGE);
       }
@@ -123,7 +127,7 @@ std::vector<Window> readWindows(const Connection& connection) {
       if (strut.size() == 12) window.strut = std::move(strut);
       if (contains(type, ewmh._NET_WM_WINDOW_TYPE_DOCK))
         connection.select(query.id, XCB_EVENT_MASK_PROPERTY_CHANGE);
-      if (level + 1 < levels) askChildren(tree, index);
+      if (!isClient && level + 1 < levels) askChildren(tree, index);
     }
   return windows;
 }
@@ -180,6 +184,12 @@ Screen readScreen(const Connection& connection, std::optional<double> scale) {
   if (const auto geometry = connection.answer<xcb_get_geometry_reply>(xcb_get_geometry(connection, root)))
     screen.area = {0, 0, geometry->width, geometry->height};
   screen.windows = readWindows(connection);
+  const auto fillsMonitor = [&](const Window& window) {
+    return std::ranges::count(screen.monitors, window.area, &Monitor::area) != 0;
+  };
+  if (screen.supports(ewmh._NET_CLIENT_LIST))  // spectrwm covers the root window with windows of its own
+    for (auto& window : screen.windows)
+      window.isDesktop |= !window.isOverlay && !window.hasClient && fillsMonitor(window);
   const auto workAreas = readAreas(connection, ewmh._NET_WORKAREA);
   screen.workArea = workAreas.empty() ? screen.area : workAreas.front();
   screen.monitorWorkAreas = readAreas(connection, connection.monitorWorkAreas);

@@ -15,9 +15,10 @@ struct Window {
   std::vector<xcb_window_t> ids;  ///< the window itself first
   Area area;
   bool isOverlay = false;  ///< not managed, such as a panel of the window manager
-  bool isDesktop = false;  ///< the desktop of a file manager, or a tile
+  bool isDesktop = false;  ///< the desktop of a file manager or window manager, or a tile
   bool isFullScreen = false;
   std::vector<int> strut;  ///< the 12 values of _NET_WM_STRUT_PARTIAL, or empty
+  bool hasClient = false;  ///< the window manager lists it, or a window in it
 };
 
 /// The state of a screen at one moment, as far as it concerns the tile. Areas are in pixels.

@@ -46,7 +46,7 @@ TileWindow::TileWindow(const Connection& connection, Layer layer, bool managed)
     : isManaged(managed), id(xcb_generate_id(connection)), connection_(connection) {
   const bool isNormal = layer == Layer::normal, isDesktop = layer == Layer::desktop;
   std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-  if (isNormal) events |= XCB_EVENT_MASK_BUTTON_PRESS;
+  if (isNormal) events |= XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_MOTION;
   const std::array<std::uint32_t, 5> values{0, 0, !isManaged, events, connection.colormap};
   constexpr auto given = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
                          XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
@@ -121,25 +121,34 @@ void TileWindow::place(const Area& area) {
   configure(place | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
   if (isNew && !isManaged) stack(XCB_NONE);
   if (isNew) xcb_map_window(connection_, id);
+  if (isNew && isManaged) configure(place, values);  // Fluxbox moves a new window to the corner of the screen
 }
 
 void TileWindow::stack(xcb_window_t below) const {
-  if (isManaged) {
+  if (isManaged) {  // Enlightenment ignores the message, others ignore the direct request
     xcb_ewmh_request_restack_window(&connection_.ewmh, 0, id, XCB_NONE, XCB_STACK_MODE_ABOVE);
-    return;
+    return configure(XCB_CONFIG_WINDOW_STACK_MODE, {.stack_mode = XCB_STACK_MODE_ABOVE});
   }
   if (below == XCB_NONE) return configure(XCB_CONFIG_WINDOW_STACK_MODE, {.stack_mode = XCB_STACK_MODE_BELOW});
   configure(XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
             {.sibling = below, .stack_mode = XCB_STACK_MODE_ABOVE});
 }
 
-void TileWindow::drag(const xcb_button_press_event_t& press) {
+void TileWindow::drag(const xcb_button_press_event_t& press, bool isMovedByManager) {
   isDragged_ = true;
+  held_ = isMovedByManager ? std::nullopt : std::optional{press};
+  if (held_) return;
   xcb_ungrab_pointer(connection_, press.time);
   xcb_ewmh_request_wm_moveresize(&connection_.ewmh, 0, id, static_cast<std::uint32_t>(press.root_x),
                                  static_cast<std::uint32_t>(press.root_y), XCB_EWMH_WM_MOVERESIZE_MOVE,
                                  static_cast<xcb_button_index_t>(press.detail),
                                  XCB_EWMH_CLIENT_SOURCE_TYPE_NORMAL);
+}
+
+void TileWindow::follow(const xcb_motion_notify_event_t& motion) const {
+  if (held_)
+    configure(XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+              {.x = motion.root_x - held_->event_x, .y = motion.root_y - held_->event_y});
 }
 
 void TileWindow::configure(int fields, const xcb_configure_window_value_list_t& values) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "tarno/tarno-desktop/options.hpp"
@@ -29,8 +30,12 @@ class TileWindow {
   /// Puts the window directly above another top-level window; without one, below all.
   void stack(xcb_window_t below) const;
 
-  /// Starts dragging the window with the pointer, whose button was pressed on it.
-  void drag(const xcb_button_press_event_t& press);
+  /// Starts dragging the window with the pointer, whose button was pressed on it. The window manager moves
+  /// it, or follow() if that does not support such requests.
+  void drag(const xcb_button_press_event_t& press, bool isMovedByManager);
+
+  /// Moves the window to the pointer, unless the window manager does.
+  void follow(const xcb_motion_notify_event_t& motion) const;
 
   const bool isManaged;
   const xcb_window_t id;
@@ -40,6 +45,7 @@ class TileWindow {
 
   const Connection& connection_;
   Area area_;
+  std::optional<xcb_button_press_event_t> held_;  ///< if follow() moves the window: where it is held
   bool isComposited_ = false, isDragged_ = false;
 };
 

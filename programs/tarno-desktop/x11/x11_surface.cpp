@@ -21,11 +21,11 @@ constexpr std::array kinds{"an X11 desktop window", "an ordinary X11 window",
 
 /// These window managers keep an unmanaged window above all others, or hide it when they show the desktop,
 /// and they let clicks pass through a managed one. All others put managed windows into frames, which catch
-/// clicks. Marco, which also has "Metacity" in its name, does not restack a managed window on request.
+/// clicks. Marco, which also has "Metacity" in its name, restacks no managed window.
 bool isManaged(Layer layer, const Screen& screen, xcb_atom_t restackRequest) {
   constexpr std::array<std::string_view, 4> frameless{"GNOME Shell", "KWin", "Metacity", "Mutter"};
   const auto isPartOfIt = [&](auto name) { return screen.windowManager.find(name) != std::string::npos; };
-  return layer == Layer::normal ||
+  return layer == Layer::normal || isPartOfIt("Enlightenment") ||
          (std::ranges::any_of(frameless, isPartOfIt) && screen.supports(restackRequest));
 }
 
@@ -94,7 +94,12 @@ void X11Surface::handle(const xcb_generic_event_t& event) {
   switch (event.response_type & 0x7f) {
     case 0: return;  // an error, about a window that is gone
     case XCB_BUTTON_PRESS:
-      if (window_) window_->drag(*static_cast<const xcb_button_press_event_t*>(data));
+      if (window_)
+        window_->drag(*static_cast<const xcb_button_press_event_t*>(data),
+                      screen_.supports(connection_.ewmh._NET_WM_MOVERESIZE));
+      return;
+    case XCB_MOTION_NOTIFY:
+      if (window_) window_->follow(*static_cast<const xcb_motion_notify_event_t*>(data));
       return;
     case XCB_DESTROY_NOTIFY:
       state_.isClosed |= isOwn(static_cast<const xcb_destroy_notify_event_t*>(data)->window);
