@@ -7,10 +7,11 @@ from headless import wait_for
 
 BELOW = "below all windows (tiling ones too), in no taskbar, no focus, all workspaces"
 CLICKS = "clicks pass to what lies below, root menu included"
+ABOVE = "`--layer above` above new windows, below what fills the screen, and back"
 SHOW_DESKTOP = 'stays on "show desktop"; still there after clicking a file manager\'s desktop'
 PLACE = "right place with panels on either of two monitors"
 CORNERS = "clean corners with and without a compositor, at 1x, 1.5x, 2x, 3x"
-WANTED = (BELOW, CLICKS, SHOW_DESKTOP, PLACE, CORNERS)
+WANTED = (BELOW, ABOVE, CLICKS, SHOW_DESKTOP, PLACE, CORNERS)
 
 AT = ("--at", "2026-11-16T15:41:36Z")
 BLUE, BLACK = cairo.SolidPattern(0x33 / 255, 0x66 / 255, 0x99 / 255), cairo.SolidPattern(0, 0, 0)

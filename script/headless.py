@@ -167,12 +167,19 @@ class Screen:
 
     def button(self, is_pressed, button=1):
         xtest.fake_input(self.display, X.ButtonPress if is_pressed else X.ButtonRelease, button)
-        self.display.sync()
+        self.display.flush()  # an answer waits for window managers that have the server for themselves until the release
 
     def click(self, x, y, button=1):
         self.point(x, y)
         self.button(True, button)
         self.button(False, button)
+        self.display.sync()
+
+    def frame(self, window):
+        """The child of the root window that contains a window, or the window itself."""
+        while (parent := window.query_tree().parent) != self.root:
+            window = parent
+        return window
 
     def spread(self, *places):
         """Moves the windows of a compositor's outputs to these places, in the order in which they were made; returns them."""
@@ -249,7 +256,8 @@ class Rig(contextlib.ExitStack):
     def write(self, name, text, mode=0o644):
         """Replaces a file at once; returns its path."""
         new = pathlib.Path(self.path(name) + ".new")
-        new.parent.mkdir(parents=True, exist_ok=True)
+        if not new.parent.exists():
+            self.run("mkdir", "-p", new.parent)  # its programs may write there, too
         new.write_text(text, encoding="utf-8")
         new.chmod(mode)
         return str(new.rename(self.path(name)))
@@ -311,7 +319,7 @@ class Rig(contextlib.ExitStack):
         """Starts one of WINDOW_MANAGERS and waits until it manages windows. NAME=value among the options sets a variable."""
         manager = WINDOW_MANAGERS[name]
         for file, text in manager.files.items():
-            self.write(file, text)
+            self.write(file, text, 0o755)
         screen = Screen(self)
         before = screen.property(screen.root, "_NET_SUPPORTING_WM_CHECK")
         probe = screen.root.create_window(0, 0, 9, 9, 0, X.CopyFromParent)
@@ -321,12 +329,15 @@ class Rig(contextlib.ExitStack):
 
         def is_managed():
             assert process.runs(), f"{name} ended: {process.lines[-1:]}"
-            if screen.property(screen.root, "_NET_SUPPORTING_WM_CHECK") not in ([], before):
+            if (screen.root.get_attributes().all_event_masks & X.SubstructureRedirectMask if not manager.has_name else
+                    screen.property(screen.root, "_NET_SUPPORTING_WM_CHECK") not in ([], before)):
                 probe.map()  # what is mapped before is left alone for good by some
             return screen.property(probe, "WM_STATE") and screen.is_viewable(probe)
 
         wait_for(is_managed, name)  # some stumble over a window that goes while they frame it
-        wait_for(lambda: probe.unmap() or probe.query_tree().parent == screen.root, f"the end of {name}'s frame")
+        frame = screen.frame(probe)
+        probe.destroy()
+        wait_for(lambda: frame not in screen.root.query_tree().children, f"the end of {name}'s frame")
         return process
 
     def mutter_with_xwayland(self, monitors=1):

@@ -23,6 +23,7 @@ class WindowManager(typing.NamedTuple):
     composing: tuple | None = None  # options for its own compositor; None if it has none
     has_root_menu: bool = False  # opens with the right button
     shows_desktop: bool = True
+    has_name: bool = True  # in the property _NET_SUPPORTING_WM_CHECK
 
 
 XWAYLAND = "mutter with Xwayland"
@@ -39,4 +40,16 @@ WINDOW_MANAGERS = {
     "i3": WindowManager(("i3",), shows_desktop=False, files={
         ".config/i3/config": "# i3 config file (v4)\nfont pango:monospace 8\n"}),
     "awesome": WindowManager(("awesome",), has_root_menu=True, shows_desktop=False, files={".config/awesome/rc.lua": AWESOME}),
+    "wmaker": WindowManager(("wmaker", "--no-dock", "--no-clip"), has_root_menu=True, files={"GNUstep/Defaults/WindowMaker": "{WorkspaceBack = None;}"}),
+    "twm": WindowManager(("twm",), plain=("LC_ALL=C",), shows_desktop=False, has_name=False, files={".twmrc": "RandomPlacement\n"}),
+    "fvwm3": WindowManager(("fvwm3",), shows_desktop=False, files={".fvwm/config": "Style * UsePPosition, !Title, !Borders, !Handles\n"}),
+    "marco": WindowManager(("marco",), plain=("--no-composite",), composing=("--composite",)),
+    "enlightenment": WindowManager(("enlightenment", "-profile", "standard"), plain=None, shows_desktop=False, composing=("E_START=1",)),
+    "ratpoison": WindowManager(("ratpoison",), shows_desktop=False, has_name=False),
+    "dwm": WindowManager(("dwm",), shows_desktop=False),
+    "spectrwm": WindowManager(("spectrwm",), shows_desktop=False),
+    "bspwm": WindowManager(("bspwm",), shows_desktop=False, files={
+        ".config/bspwm/bspwmrc": "#!/bin/sh\nbspc monitor -d 1 2\n"}),
+    "herbstluftwm": WindowManager(("herbstluftwm",), shows_desktop=False, files={
+        ".config/herbstluftwm/autostart": "#!/bin/sh\nherbstclient add 2\n"}),
 }
