@@ -78,7 +78,8 @@ class X11Screen(Screen):
         focus = self.display.get_input_focus().focus
         return getattr(focus, "id", focus)
 
-    def new_window(self, kind="NORMAL", x=0, y=0, width=300, height=200, color=0x00ff00, is_ignored=False, **properties):
+    def new_window(self, kind="NORMAL", x=0, y=0, width=300, height=200, color=0x00ff00, is_ignored=False, seconds=30,
+                   **properties):
         """A mapped window, such as a program's or a file manager's desktop."""
         window = self.root.create_window(x, y, width, height, 0, X.CopyFromParent, background_pixel=color,
                                          override_redirect=is_ignored,
@@ -89,12 +90,13 @@ class X11Screen(Screen):
             self.set(window, name, Xatom.CARDINAL, value)
         window.map()
         self.display.sync()
-        wait_for(lambda: self.is_viewable(window), f"a window of the type {kind}")
+        wait_for(lambda: self.is_viewable(window), f"a window of the type {kind}", seconds)
         return window
 
     def catch_up(self):
         """Waits until the window manager has handled all that came before, since it handles one event after the other."""
-        self.new_window(width=9, height=9).destroy()
+        # Mutter never shows some of the windows that come while another one goes.
+        wait_for(lambda: self.new_window(width=9, height=9, seconds=3)).destroy()
         self.display.sync()
 
     def press(self, key):
