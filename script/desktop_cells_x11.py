@@ -78,9 +78,20 @@ class X11Screen(Screen):
         focus = self.display.get_input_focus().focus
         return getattr(focus, "id", focus)
 
-    def new_window(self, kind="NORMAL", x=0, y=0, width=300, height=200, color=0x00ff00, is_ignored=False, seconds=30,
-                   **properties):
-        """A mapped window, such as a program's or a file manager's desktop."""
+    def new_window(self, *arguments, **options):
+        """A mapped window, such as a program's or a file manager's desktop. Mutter never maps some of the windows that come while
+        another one goes, so this tries again."""
+        def attempt():
+            window = self.map_window(*arguments, **options)
+            try:
+                return wait_for(lambda: self.is_viewable(window) and window, "the window", seconds=5)
+            except AssertionError:
+                window.destroy()
+                raise
+
+        return wait_for(attempt)
+
+    def map_window(self, kind="NORMAL", x=0, y=0, width=300, height=200, color=0x00ff00, is_ignored=False, **properties):
         window = self.root.create_window(x, y, width, height, 0, X.CopyFromParent, background_pixel=color,
                                          override_redirect=is_ignored,
                                          event_mask=X.ButtonPressMask | X.StructureNotifyMask)
@@ -90,13 +101,11 @@ class X11Screen(Screen):
             self.set(window, name, Xatom.CARDINAL, value)
         window.map()
         self.display.sync()
-        wait_for(lambda: self.is_viewable(window), f"a window of the type {kind}", seconds)
         return window
 
     def catch_up(self):
         """Waits until the window manager has handled all that came before, since it handles one event after the other."""
-        # Mutter never shows some of the windows that come while another one goes.
-        wait_for(lambda: self.new_window(width=9, height=9, seconds=3)).destroy()
+        self.new_window(width=9, height=9).destroy()
         self.display.sync()
 
     def press(self, key):
